@@ -1,0 +1,225 @@
+#include "base/file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "base/path.h"
+
+namespace tarn {
+namespace {
+
+Status failure(const std::string& path, const char* what) {
+  return Status::error(path + ": " + what + ": " + lastSystemError());
+}
+
+Status syncFolder(const std::string& folder) {
+  const int handle =
+      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (handle < 0) return failure(folder, "cannot open the folder");
+  const int synced = ::fsync(handle);
+  const int error = errno;
+  ::close(handle);
+  errno = error;
+  // Some network file systems cannot sync a folder; their rename is durable by itself.
+  if (synced != 0 && errno != EINVAL && errno != ENOTSUP) return failure(folder, "cannot sync");
+  return Status::ok();
+}
+
+}  // namespace
+
+std::string lastSystemError() {
+  return std::strerror(errno);
+}
+
+FileKind fileKind(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return FileKind::kMissing;
+  if (S_ISREG(info.st_mode)) return FileKind::kRegular;
+  return S_ISDIR(info.st_mode) ? FileKind::kFolder : FileKind::kOther;
+}
+
+FileTimes fileTimes(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return {};
+  return {static_cast<uint64_t>(info.st_size),
+          static_cast<int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
+}
+
+bool folderIsWritable(const std::string& folder) {
+  return ::access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0;
+}
+
+Status makeFolders(const std::string& folder) {
+  if (folder.empty() || fileKind(folder) == FileKind::kFolder) return Status::ok();
+  if (Status above = makeFolders(folderOf(folder)); !above) return above;
+  if (::mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST)
+    return failure(folder, "cannot make the folder");
+  return Status::ok();
+}
+
+std::vector<std::string> listFolder(const std::string& folder) {
+  std::vector<std::string> names;
+  DIR* dir = ::opendir(folder.empty() ? "." : folder.c_str());
+  if (!dir) return names;
+  while (const dirent* entry = ::readdir(dir)) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names.push_back(name);
+  }
+  ::closedir(dir);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+Status removeAll(const std::string& path) {
+  struct stat info {};
+  if (::lstat(path.c_str(), &info) != 0) return Status::ok();
+  if (S_ISDIR(info.st_mode)) {
+    for (const std::string& name : listFolder(path)) {
+      if (Status inner = removeAll(joinPath(path, name)); !inner) return inner;
+    }
+    return ::rmdir(path.c_str()) == 0 ? Status::ok() : failure(path, "cannot remove");
+  }
+  return ::unlink(path.c_str()) == 0 ? Status::ok() : failure(path, "cannot remove");
+}
+
+Result<std::string> makeTemporaryFolder(const std::string& folder, const std::string& prefix) {
+  std::string pattern = joinPath(folder, prefix + "XXXXXX");
+  if (!::mkdtemp(pattern.data())) return failure(folder, "cannot make a temporary folder");
+  return pattern;
+}
+
+Result<std::string> readFile(const std::string& path, uint64_t limit) {
+  const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (handle < 0) return failure(path, "cannot open");
+  std::string bytes;
+  char buffer[65536];
+  ssize_t count = 0;
+  while ((count = ::read(handle, buffer, sizeof buffer)) != 0) {
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) break;
+    bytes.append(buffer, static_cast<size_t>(count));
+    if (bytes.size() > limit) {
+      ::close(handle);
+      return Status::error(path + ": larger than " + std::to_string(limit) + " bytes");
+    }
+  }
+  const int error = errno;
+  ::close(handle);
+  errno = error;
+  if (count < 0) return failure(path, "cannot read");
+  return bytes;
+}
+
+Status syncFile(const std::string& path) {
+  const int handle = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  if (handle < 0) return failure(path, "cannot open");
+  const int synced = ::fsync(handle);
+  const int error = errno;
+  ::close(handle);
+  errno = error;
+  return synced == 0 ? Status::ok() : failure(path, "cannot sync");
+}
+
+Status replaceFile(const std::string& from, const std::string& to) {
+  if (::rename(from.c_str(), to.c_str()) != 0) return failure(to, "cannot rename into place");
+  return syncFolder(folderOf(to).empty() && !to.empty() && to[0] == '/' ? "/" : folderOf(to));
+}
+
+Status writeFileAtomically(const std::string& path, std::string_view bytes) {
+  const std::string temporary = path + ".tmp" + std::to_string(::getpid());
+  OutputFile file;
+  Status status = file.create(temporary);
+  if (status) status = file.writeAt(0, bytes.data(), bytes.size());
+  if (status) status = file.finish();
+  if (status) status = replaceFile(temporary, path);
+  if (!status) ::unlink(temporary.c_str());
+  return status;
+}
+
+std::string absolutePath(const std::string& path) {
+  if (!path.empty() && path[0] == '/') return path;
+  char buffer[PATH_MAX];
+  if (!::getcwd(buffer, sizeof buffer)) return path;
+  return joinPath(buffer, path);
+}
+
+RandomFile::~RandomFile() {
+  close();
+}
+
+RandomFile::RandomFile(RandomFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+
+RandomFile& RandomFile::operator=(RandomFile&& other) noexcept {
+  if (this != &other) {
+    close();
+    handle_ = std::exchange(other.handle_, -1);
+  }
+  return *this;
+}
+
+Status RandomFile::open(const std::string& path) {
+  close();
+  if (fileKind(path) == FileKind::kMissing) return failure(path, "cannot open");
+  if (fileKind(path) != FileKind::kRegular) return Status::error(path + ": is not a regular file");
+  handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  return handle_ >= 0 ? Status::ok() : failure(path, "cannot open");
+}
+
+void RandomFile::close() {
+  if (handle_ >= 0) ::close(handle_);
+  handle_ = -1;
+}
+
+bool RandomFile::readAt(uint64_t offset, void* out, size_t size) const {
+  auto* at = static_cast<char*>(out);
+  while (size > 0) {
+    const ssize_t count = ::pread(handle_, at, size, static_cast<off_t>(offset));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    at += count;
+    offset += static_cast<uint64_t>(count);
+    size -= static_cast<size_t>(count);
+  }
+  return true;
+}
+
+OutputFile::~OutputFile() {
+  if (handle_ >= 0) ::close(handle_);
+}
+
+Status OutputFile::create(const std::string& path) {
+  path_ = path;
+  handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  return handle_ >= 0 ? Status::ok() : failure(path, "cannot create");
+}
+
+Status OutputFile::writeAt(uint64_t offset, const void* data, size_t size) {
+  const auto* at = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t count = ::pwrite(handle_, at, size, static_cast<off_t>(offset));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return failure(path_, "cannot write");
+    at += count;
+    offset += static_cast<uint64_t>(count);
+    size -= static_cast<size_t>(count);
+  }
+  return Status::ok();
+}
+
+Status OutputFile::finish() {
+  if (::fsync(handle_) != 0) return failure(path_, "cannot sync");
+  const int closed = ::close(std::exchange(handle_, -1));
+  return closed == 0 ? Status::ok() : failure(path_, "cannot close");
+}
+
+}  // namespace tarn

@@ -1,0 +1,104 @@
+// Files of the operating system, behind small functions. Paths are UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/result.h"
+
+namespace tarn {
+
+enum class FileKind { kMissing, kRegular, kFolder, kOther };
+
+/// What stands at `path`, symbolic links followed.
+FileKind fileKind(const std::string& path);
+
+/// Size in bytes and time of last change in nanoseconds since 1970; zero when it cannot be read.
+struct FileTimes {
+  uint64_t size = 0;
+  int64_t modifiedNs = 0;
+};
+FileTimes fileTimes(const std::string& path);
+
+/// True when this process may write into the folder.
+bool folderIsWritable(const std::string& folder);
+
+/// Makes a folder and those above it. Fine when it is there already.
+Status makeFolders(const std::string& folder);
+
+/// Names (not paths) in a folder, sorted; empty when it cannot be read.
+std::vector<std::string> listFolder(const std::string& folder);
+
+/// Removes a file, or a folder with all that is in it. Links are removed, never followed. Fine when
+/// nothing is there.
+Status removeAll(const std::string& path);
+
+/// A new empty folder inside `folder` whose name begins with `prefix`, only for this user.
+Result<std::string> makeTemporaryFolder(const std::string& folder, const std::string& prefix);
+
+/// Reads a whole file; refused above `limit` bytes.
+Result<std::string> readFile(const std::string& path, uint64_t limit);
+
+/// Puts a file's bytes onto the disk.
+Status syncFile(const std::string& path);
+
+/// Moves a finished file (already synced) into its place and syncs the folder: after a crash there
+/// is the old file or the new one, whole. Both must be on one disk.
+Status replaceFile(const std::string& from, const std::string& to);
+
+/// Writes, syncs and renames through a temporary file beside `path`. On failure the old file is
+/// untouched and nothing is left behind.
+Status writeFileAtomically(const std::string& path, std::string_view bytes);
+
+/// Absolute form of a path, relative to the working folder; does not need to exist.
+std::string absolutePath(const std::string& path);
+
+/// The reason of the last failed system call, for messages.
+std::string lastSystemError();
+
+/// A file opened for reading at any offset by several threads at once. Never mapped: a file that is
+/// cut short meanwhile gives a short read, not a signal.
+class RandomFile {
+ public:
+  RandomFile() = default;
+  ~RandomFile();
+  RandomFile(RandomFile&& other) noexcept;
+  RandomFile& operator=(RandomFile&& other) noexcept;
+  RandomFile(const RandomFile&) = delete;
+  RandomFile& operator=(const RandomFile&) = delete;
+
+  /// Regular files only.
+  Status open(const std::string& path);
+  void close();
+  bool isOpen() const { return handle_ != -1; }
+
+  /// True when all `size` bytes at `offset` were read.
+  bool readAt(uint64_t offset, void* out, size_t size) const;
+
+ private:
+  int handle_ = -1;
+};
+
+/// A file written from start to end or at known offsets by several threads at once; the caller
+/// checks every status.
+class OutputFile {
+ public:
+  OutputFile() = default;
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  /// Creates or empties the file.
+  Status create(const std::string& path);
+  Status writeAt(uint64_t offset, const void* data, size_t size);
+  /// Syncs and closes.
+  Status finish();
+
+ private:
+  std::string path_;
+  int handle_ = -1;
+};
+
+}  // namespace tarn
