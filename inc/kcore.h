@@ -15,6 +15,11 @@ class KEL_API Core {
   /// The installed callback, or null. For components, on the thread that runs the operation.
   static CallBackProgressBar* progressBar();
 
+  /// Starts the diagnostic log of the framework in `folder` (UTF-8); lines before it are dropped.
+  static void startLog(const char* folder);
+  /// Adds one line to the diagnostic log. Safe from any thread.
+  static void log(const char* text);
+
   /// Replaces what kelAssert does (tests and hosts); null restores the report to the log.
   using AssertHandler = void (*)(const char* message, const char* sourceFile, int line);
   static void setAssertHandler(AssertHandler handler);

@@ -22,6 +22,14 @@ CallBackProgressBar* Core::progressBar() {
   return g_progressBar;
 }
 
+void Core::startLog(const char* folder) {
+  tarn::startLog(folder);
+}
+
+void Core::log(const char* text) {
+  tarn::logLine(text);
+}
+
 void Core::setAssertHandler(AssertHandler handler) {
   g_assertHandler = handler;
 }

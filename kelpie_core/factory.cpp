@@ -5,11 +5,19 @@
 
 #include "inc/kobject.h"
 #include "inc/kplugin.h"
+#include "kelpie_core/appmanager.h"
+#include "kelpie_core/messagerouter.h"
 
 namespace kel {
 namespace {
 
 struct Registry {
+  // The core's own two objects are there from the start.
+  Registry() {
+    creators[{"N", IAppManager::interfaceId()}] = &AppManager::create;
+    creators[{"N", IMessageRouter::interfaceId()}] = &MessageRouter::create;
+  }
+
   std::mutex mutex;
   std::map<std::pair<std::string, uint32_t>, Creator> creators;
 };
