@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""Checks every #include of the repository against tools/deps.txt.
+
+Prints one line a fault and exits 1 when there is any. Files under _image/ that stand in no folder
+belong to one of two rooms: the entity files (the entity and what it needs) and the shell files.
+"""
+import os
+import re
+import sys
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+ENTITY_FILES = ("cadimage", "adskdmgr", "docdata", "displaysettings", "moduleglobals")
+LIBRARIES = (
+    (re.compile(r"^(gdal|cpl_|ogr|gdal_)"), "GDAL"),
+    (re.compile(r"^(jpeglib|jerror|jmorecfg|turbojpeg)"), "JPEG"),
+    (re.compile(r"^sqlite3"), "SQLite"),
+    (re.compile(r"^Eigen/"), "Eigen"),
+    (re.compile(r"^curl/"), "libcurl"),
+    (re.compile(r"^zlib"), "zlib"),
+    (re.compile(r"^(elfutils|dwarf|libelf)"), "libdw"),
+)
+QT_WIDGETS = re.compile(
+    r"^(QtWidgets/|Q(Application|Widget|MainWindow|Dialog|DockWidget|Label|LineEdit|PlainTextEdit|"
+    r"StatusBar|MenuBar|Menu|Action|ToolBar|TreeWidget|FileDialog|MessageBox|PushButton|CheckBox|"
+    r"ComboBox|TableWidget|ProgressBar|Layout|VBoxLayout|HBoxLayout|GridLayout|Splitter|Completer)$)")
+QT_GUI = re.compile(
+    r"^(QtGui/|Q(GuiApplication|Painter|PainterPath|Image|Pixmap|Color|Font|FontMetrics|FontMetricsF|"
+    r"FontDatabase|Pen|Brush|Transform|Polygon|PolygonF|PdfWriter|Icon|Screen|Window|"
+    r"KeyEvent|MouseEvent|WheelEvent|DropEvent|DragEnterEvent|Cursor|KeySequence)$)")
+
+
+def read_rules():
+    rules, order = {}, []
+    with open(os.path.join(ROOT, "tools", "deps.txt"), encoding="utf-8") as text:
+        for line in text:
+            line = line.split("#")[0].strip()
+            if not line:
+                continue
+            room, rest = line.split(":", 1)
+            bracket = re.search(r"\[(.*)\]", rest)
+            libraries = bracket.group(1).split() if bracket else []
+            named = re.sub(r"\[.*\]", "", rest).split()
+            for name in named:
+                if name not in order and not any(o.startswith(name + "/") for o in order):
+                    if os.path.isdir(os.path.join(ROOT, name)):
+                        sys.exit(f"tools/deps.txt: {room} names {name}, which does not stand above it")
+            rules[room] = (set(named), libraries)
+            order.append(room)
+    return rules
+
+
+def room_of(path, rules):
+    if path.startswith("_image/") and path.count("/") == 1:
+        name = path.split("/")[1]
+        return "_image/entity" if name.startswith(ENTITY_FILES) else "_image/shell"
+    found = ""
+    for room in rules:
+        if path.startswith(room + "/") and len(room) > len(found):
+            found = room
+    return found
+
+
+def resolve(name, includer):
+    """The repository path of an included file, or None for one from outside."""
+    for base in ("", "host/inc", os.path.dirname(includer)):
+        candidate = os.path.normpath(os.path.join(base, name))
+        if os.path.isfile(os.path.join(ROOT, candidate)):
+            return candidate
+    return None
+
+
+def library_fault(name, libraries):
+    bare = os.path.basename(name) if name.endswith(".h") else name
+    for pattern, library in LIBRARIES:
+        if pattern.match(name) or pattern.match(bare):
+            return None if library in libraries else library
+    if QT_WIDGETS.match(name):
+        return None if "QtWidgets" in libraries else "Qt Widgets"
+    if QT_GUI.match(name):
+        return None if {"QtGui", "QtWidgets"} & set(libraries) else "Qt Gui"
+    if re.match(r"^(Qt[A-Z]|Q[A-Z])", name) and "no" in libraries:
+        return "Qt"
+    return None
+
+
+def faults_of(path, rules):
+    room = room_of(path, rules)
+    if not room:
+        yield f"{path}: stands in no room of tools/deps.txt"
+        return
+    allowed, libraries = rules[room]
+    with open(os.path.join(ROOT, path), encoding="utf-8") as text:
+        for number, line in enumerate(text, 1):
+            match = re.match(r'\s*#\s*include\s*[<"]([^>"]+)[>"]', line)
+            if not match:
+                continue
+            name = match.group(1)
+            target = resolve(name, path)
+            if target is None:
+                library = library_fault(name, libraries)
+                if library:
+                    yield f"{path}:{number}: {room} may not use {library} ({name})"
+                continue
+            other = room_of(target, rules)
+            if other != room and not any(other == a or other.startswith(a + "/") for a in allowed):
+                yield f"{path}:{number}: {room} may not include {other or 'a file in no room'} ({name})"
+
+
+def main():
+    rules = read_rules()
+    faults = []
+    for top in sorted({room.split("/")[0] for room in rules}):
+        for folder, _, files in os.walk(os.path.join(ROOT, top)):
+            for name in sorted(files):
+                if name.endswith((".h", ".cpp")):
+                    path = os.path.relpath(os.path.join(folder, name), ROOT)
+                    faults.extend(faults_of(path.replace(os.sep, "/"), rules))
+    print("\n".join(faults) if faults else "dependencies as written down")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
