@@ -1,0 +1,50 @@
+// A user interface service that notes what it is asked, for tests of components.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "inc/iuserinterface.h"
+#include "inc/kplugin.h"
+
+namespace tarn::test {
+
+/// What every RecordingInterface shares; reset it at the start of a test.
+struct Recorded {
+  std::vector<std::string> messages;
+  std::vector<std::string> progress;
+  std::map<std::string, long long> counters;
+  std::string folder;
+  bool cancel = false;
+};
+
+inline Recorded& recorded() {
+  static Recorded instance;
+  return instance;
+}
+
+class RecordingInterface final : public kel::Implements<RecordingInterface, IUserInterface> {
+ public:
+  static constexpr const char* kName = "test.RecordingInterface";
+
+  void message(const kel::DString& text) override { recorded().messages.push_back(text.str()); }
+  bool question(const kel::DString&) override { return false; }
+  kel::StringList askFiles(const kel::DString&, const kel::DString&, bool) override { return {}; }
+  int choose(const kel::DString&, const kel::StringList&) override { return -1; }
+  void beginProgress(const kel::DString& label, int minimum, int maximum) override {
+    recorded().progress.push_back("begin " + label.str() + " " + std::to_string(minimum) + " " +
+                                  std::to_string(maximum));
+  }
+  void moveProgress(int position) override {
+    recorded().progress.push_back("move " + std::to_string(position));
+  }
+  void endProgress() override { recorded().progress.emplace_back("end"); }
+  bool cancelWanted() override { return recorded().cancel; }
+  kel::DString folder(Folder) override { return recorded().folder; }
+  void count(const char* counter, long long amount) override {
+    recorded().counters[counter] += amount;
+  }
+};
+
+}  // namespace tarn::test
