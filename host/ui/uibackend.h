@@ -1,0 +1,35 @@
+// What message boxes and file dialogs need of the program around the host. The window answers with
+// dialogs, the command line with lines of text; nothing above this interface knows which.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn::host {
+
+/// One request of a file dialog. Texts are UTF-8.
+struct FileRequest {
+  bool open = true;               ///< a file to read; false: a file to write
+  bool several = false;           ///< several names may be chosen
+  bool mustExist = true;          ///< names of missing files are refused
+  bool overwritePrompt = false;   ///< asks before an existing file is chosen for writing
+  std::string title;
+  std::string initialName;        ///< name shown at the start, may hold a folder
+  std::string defaultExtension;   ///< ".tif", "tif" or "*.tif"; added to a name without one
+  std::string filter;             ///< "text|*.tif;*.img|text|*.jpg||"
+};
+
+class UiBackend {
+ public:
+  virtual ~UiBackend() = default;
+
+  /// Shows `text` and returns the button pressed (IDOK 1, IDCANCEL 2, IDYES 6, IDNO 7). `type` holds
+  /// the MB_ bits that say which buttons there are. Cancelled input gives the refusing button.
+  virtual int messageBox(const std::string& text, const std::string& caption, unsigned type) = 0;
+
+  /// Full paths in the order chosen; none when the user cancels.
+  virtual std::optional<std::vector<std::string>> fileNames(const FileRequest& request) = 0;
+};
+
+}  // namespace tarn::host
