@@ -8,8 +8,8 @@
 
 namespace tarn::host {
 
-/// What an input line is for. A front end may show it differently (a crosshair for points); it never
-/// changes what it must return.
+/// What an input line is for. A front end may show it differently (a crosshair for points); it
+/// never changes what it must return.
 enum class InputKind {
   kCommand,   ///< the name of a command
   kToken,     ///< a number, a keyword or a word; ends at the first blank
@@ -23,14 +23,14 @@ class FrontEnd {
  public:
   virtual ~FrontEnd() = default;
 
-  /// Adds text to the command line's history, exactly as given: a "\n" inside begins a new line, and
-  /// none is added. (LineAssembler turns the pieces into lines.)
+  /// Adds text to the command line's history, exactly as given: a "\n" inside begins a new line,
+  /// and none is added. (LineAssembler turns the pieces into lines.)
   virtual void print(const std::string& text) = 0;
 
   /// Asks for one line while a command waits: shows `prompt`, waits, returns the line without its
   /// end. An empty line is Enter. Nothing is returned when the user cancels (Escape, the window is
-  /// closed, end of a script): the command then gets a cancelled input. The front end shows the line
-  /// in its history by itself. The window runs its event loop meanwhile; view changes and
+  /// closed, end of a script): the command then gets a cancelled input. The front end shows the
+  /// line in its history by itself. The window runs its event loop meanwhile; view changes and
   /// HostApp::runLine() of a transparent command ("'zoom") may come from there.
   virtual std::optional<std::string> readLine(const std::string& prompt, InputKind kind) = 0;
 
@@ -53,8 +53,8 @@ class FrontEnd {
   /// in the window, before the next line in a script. Never from inside this call.
   virtual void inputQueued() = 0;
 
-  /// The view was panned or zoomed without a regeneration. Call HostApp::regenerate() when the wheel
-  /// has been still for a moment (about 120 ms); a script need not.
+  /// The view was panned or zoomed without a regeneration. Call HostApp::regenerate() when the
+  /// wheel has been still for a moment (about 120 ms); a script need not.
   virtual void regenerationWanted() = 0;
 
   /// The user wants to go on typing: give the keyboard to the command line.

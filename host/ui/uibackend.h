@@ -10,22 +10,23 @@ namespace tarn::host {
 
 /// One request of a file dialog. Texts are UTF-8.
 struct FileRequest {
-  bool open = true;               ///< a file to read; false: a file to write
-  bool several = false;           ///< several names may be chosen
-  bool mustExist = true;          ///< names of missing files are refused
-  bool overwritePrompt = false;   ///< asks before an existing file is chosen for writing
+  bool open = true;              ///< a file to read; false: a file to write
+  bool several = false;          ///< several names may be chosen
+  bool mustExist = true;         ///< names of missing files are refused
+  bool overwritePrompt = false;  ///< asks before an existing file is chosen for writing
   std::string title;
-  std::string initialName;        ///< name shown at the start, may hold a folder
-  std::string defaultExtension;   ///< ".tif", "tif" or "*.tif"; added to a name without one
-  std::string filter;             ///< "text|*.tif;*.img|text|*.jpg||"
+  std::string initialName;       ///< name shown at the start, may hold a folder
+  std::string defaultExtension;  ///< ".tif", "tif" or "*.tif"; added to a name without one
+  std::string filter;            ///< "text|*.tif;*.img|text|*.jpg||"
 };
 
 class UiBackend {
  public:
   virtual ~UiBackend() = default;
 
-  /// Shows `text` and returns the button pressed (IDOK 1, IDCANCEL 2, IDYES 6, IDNO 7). `type` holds
-  /// the MB_ bits that say which buttons there are. Cancelled input gives the refusing button.
+  /// Shows `text` and returns the button pressed (IDOK 1, IDCANCEL 2, IDYES 6, IDNO 7). `type`
+  /// holds the MB_ bits that say which buttons there are. Cancelled input gives the refusing
+  /// button.
   virtual int messageBox(const std::string& text, const std::string& caption, unsigned type) = 0;
 
   /// Full paths in the order chosen; none when the user cancels.
