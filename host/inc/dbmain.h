@@ -1,0 +1,189 @@
+// Objects of the drawing database, how they are opened, and the database itself.
+#pragma once
+
+#include <memory>
+
+#include "acdb.h"
+#include "dbapserv.h"
+#include "dbextents.h"
+#include "dbid.h"
+#include "rxclass.h"
+#include "rxobject.h"
+
+class AcDbBlockTable;
+class AcDbDatabase;
+class AcDbDictionary;
+class AcDbDwgFiler;
+class AcDbEntity;
+class AcDbLayerTable;
+class AcDbObject;
+
+namespace tarn::host {
+struct DatabaseState;
+class ObjectAccess;
+}  // namespace tarn::host
+
+/// Told about one object. The object is closed during the call and may be opened for read.
+class ACADHOST_EXPORT AcDbObjectReactor {
+ public:
+  AcDbObjectReactor() = default;
+  AcDbObjectReactor(const AcDbObjectReactor&) = delete;
+  AcDbObjectReactor& operator=(const AcDbObjectReactor&) = delete;
+  virtual ~AcDbObjectReactor();
+  virtual void modified(const AcDbObject*) {}
+  virtual void erased(const AcDbObject*, Adesk::Boolean) {}
+  /// The object is about to be destroyed.
+  virtual void goodbye(const AcDbObject*) {}
+};
+
+/// An object that a database can own. A new one belongs to its maker until it is appended; from
+/// then on the database owns it and it is reached by opening its id: for read (up to 256 readers),
+/// for write (nobody else), or for notification. Reads assert that it is open, changes that it is
+/// open for write; a breach ends the program with the name of the rule.
+class ACADHOST_EXPORT AcDbObject : public AcRxObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbObject);
+  AcDbObject();
+  ~AcDbObject() override;
+
+  AcDbObjectId objectId() const { return id_; }
+  AcDbHandle handle() const { return id_.handle(); }
+  AcDbObjectId ownerId() const { return ownerId_; }
+  virtual Acad::ErrorStatus setOwnerId(AcDbObjectId owner);
+  /// Null while no database owns the object.
+  AcDbDatabase* database() const { return id_.database(); }
+
+  /// Ends one opening. eInvalidOpenState when it is not open.
+  Acad::ErrorStatus close();
+  /// eHadMultipleReaders unless this is the only reader; eInvalidOpenState when not open.
+  Acad::ErrorStatus upgradeOpen();
+  Acad::ErrorStatus downgradeOpen();
+  /// Ends notification and opens for write; `wasWritable` tells that it already was.
+  Acad::ErrorStatus upgradeFromNotify(Adesk::Boolean& wasWritable);
+  Acad::ErrorStatus downgradeToNotify(Adesk::Boolean wasWritable);
+
+  /// Marks as erased, or takes the mark off (open it with openErased for that). subErase() is
+  /// called first and may refuse. eWasErased when it is erased already.
+  Acad::ErrorStatus erase(Adesk::Boolean erasing = Adesk::kTrue);
+
+  bool isReadEnabled() const { return !isResident() || readers_ > 0 || writing_ || notifying_; }
+  bool isWriteEnabled() const { return !isResident() || writing_; }
+  bool isNotifyEnabled() const { return !isResident() || notifying_; }
+  bool isErased() const { return erased_; }
+  bool isModified() const { return modified_; }
+  bool isModifiedGraphics() const { return graphicsModified_; }
+  bool isNewObject() const { return appended_; }
+  bool isReallyClosing() const { return readers_ + (writing_ ? 1 : 0) <= 1; }
+
+  void assertReadEnabled() const;
+  void assertWriteEnabled(Adesk::Boolean autoUndo = Adesk::kTrue,
+                          Adesk::Boolean recordModified = Adesk::kTrue);
+  void assertNotifyEnabled() const;
+
+  /// Transient reactors; not owned.
+  void addReactor(AcDbObjectReactor* reactor) const;
+  void removeReactor(AcDbObjectReactor* reactor) const;
+
+  /// Whole object to or from a binary filer.
+  Acad::ErrorStatus dwgOut(AcDbDwgFiler* filer) const;
+  Acad::ErrorStatus dwgIn(AcDbDwgFiler* filer);
+  virtual Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const;
+  virtual Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer);
+
+ protected:
+  /// Extension points; a status other than eOk refuses.
+  virtual Acad::ErrorStatus subOpen(AcDb::OpenMode mode);
+  virtual Acad::ErrorStatus subErase(Adesk::Boolean erasing);
+  virtual Acad::ErrorStatus subClose();
+
+  void setModifiedGraphics(bool modified) { graphicsModified_ = modified; }
+
+ private:
+  friend class tarn::host::ObjectAccess;
+  bool isResident() const { return !id_.isNull(); }
+  void endWrite();
+
+  AcDbObjectId id_;
+  AcDbObjectId ownerId_;
+  int readers_ = 0;
+  bool writing_ = false;
+  bool notifying_ = false;
+  bool erased_ = false;
+  bool eraseChanged_ = false;
+  bool modified_ = false;
+  bool graphicsModified_ = false;
+  bool appended_ = false;
+  struct Reactors;
+  mutable std::unique_ptr<Reactors> reactors_;
+};
+
+/// One drawing. A new one has the layer "0", the blocks *Model_Space and *Paper_Space and an empty
+/// dictionary of named objects. Owns all its objects.
+class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbDatabase);
+  explicit AcDbDatabase(bool buildDefaultDrawing = true, bool noDocument = false);
+  ~AcDbDatabase() override;
+
+  /// Takes ownership of a new object and leaves it open for write. eAlreadyInDb.
+  Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* object);
+  Acad::ErrorStatus addAcDbObject(AcDbObject* object);
+
+  AcDbObjectId blockTableId() const;
+  AcDbObjectId layerTableId() const;
+  AcDbObjectId namedObjectsDictionaryId() const;
+  Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode);
+  Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode);
+  Acad::ErrorStatus getSymbolTable(AcDbBlockTable*& table, AcDb::OpenMode mode) {
+    return getBlockTable(table, mode);
+  }
+  Acad::ErrorStatus getSymbolTable(AcDbLayerTable*& table, AcDb::OpenMode mode) {
+    return getLayerTable(table, mode);
+  }
+  Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode);
+
+  AcDbObjectId layerZero() const;
+  AcDbObjectId clayer() const;
+  Acad::ErrorStatus setClayer(AcDbObjectId layer);
+
+  /// eUnknownHandle when there is no object of that handle.
+  Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
+                                    const AcDbHandle& handle);
+  AcDbHandle handseed() const;
+  Adesk::Int32 approxNumObjects() const;
+
+  /// Full path of the drawing; empty until it was read or saved.
+  Acad::ErrorStatus getFilename(const ACHAR*& path) const;
+  void setFilename(const ACHAR* path);
+
+ private:
+  friend class tarn::host::ObjectAccess;
+  std::unique_ptr<tarn::host::DatabaseState> state_;
+};
+
+/// Opens an object. eNullObjectId, ePermanentlyErased (its drawing is gone), eWasErased (unless
+/// `openErased`), eWasOpenForWrite, eWasOpenForRead (write while there are readers),
+/// eWasOpenForNotify, eAtMaxReaders. `object` is null unless eOk.
+ACADHOST_EXPORT Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbObjectId id,
+                                                     AcDb::OpenMode mode, bool openErased = false);
+/// eNotAnEntity for other objects.
+ACADHOST_EXPORT Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id,
+                                                     AcDb::OpenMode mode, bool openErased = false);
+
+/// Opens an object of one class; eNotThatKindOfClass for others, which are not opened then.
+template <class T>
+Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id, AcDb::OpenMode mode,
+                                 bool openErased = false) {
+  object = nullptr;
+  if (id.isValid() && !id.objectClass()->isDerivedFrom(T::desc())) {
+    return Acad::eNotThatKindOfClass;
+  }
+  AcDbObject* opened = nullptr;
+  const Acad::ErrorStatus status = acdbOpenAcDbObject(opened, id, mode, openErased);
+  if (status == Acad::eOk) object = static_cast<T*>(opened);
+  return status;
+}
+template <class T>
+Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id) {
+  return acdbOpenObject(object, id, AcDb::kForRead);
+}

@@ -1,0 +1,211 @@
+// Symbol tables: blocks, layers, and views as values.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "dbents.h"
+#include "dbmain.h"
+#include "gepnt2d.h"
+
+#define ACDB_MODEL_SPACE ACRX_T("*Model_Space")
+#define ACDB_PAPER_SPACE ACRX_T("*Paper_Space")
+
+class ACADHOST_EXPORT AcDbSymbolTableRecord : public AcDbObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbSymbolTableRecord);
+  /// The name; valid until it is changed.
+  Acad::ErrorStatus getName(const ACHAR*& name) const;
+  /// A copy, freed by the caller with acutDelString.
+  Acad::ErrorStatus getName(ACHAR*& name) const;
+  Acad::ErrorStatus setName(const ACHAR* name);
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ private:
+  std::wstring name_;
+};
+
+class AcDbSymbolTable;
+
+/// Walks a table's records in the order in which they were added, erased ones left out.
+class ACADHOST_EXPORT AcDbSymbolTableIterator {
+ public:
+  explicit AcDbSymbolTableIterator(const AcDbSymbolTable& table);
+  void start() { position_ = 0; }
+  bool done() const { return position_ >= ids_.length(); }
+  void step() { ++position_; }
+  Acad::ErrorStatus getRecordId(AcDbObjectId& id) const;
+  Acad::ErrorStatus getRecord(AcDbSymbolTableRecord*& record, AcDb::OpenMode mode) const;
+
+ private:
+  AcDbObjectIdArray ids_;
+  int position_ = 0;
+};
+
+/// Records by name, without regard to case. Erased records are not found unless asked for.
+class ACADHOST_EXPORT AcDbSymbolTable : public AcDbObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbSymbolTable);
+  /// eKeyNotFound; eWasErased when only an erased record has the name.
+  Acad::ErrorStatus getIdAt(const ACHAR* name, AcDbObjectId& id, bool getErased = false) const;
+  bool has(const ACHAR* name) const;
+  bool has(AcDbObjectId id) const;
+  /// The table's database owns the record, which stays open for write. eDuplicateRecordName,
+  /// eNotThatKindOfClass (a record of another table), eInvalidInput (no name).
+  Acad::ErrorStatus addRecord(AcDbObjectId& id, AcDbSymbolTableRecord* record);
+  /// The iterator is the caller's.
+  Acad::ErrorStatus newIterator(AcDbSymbolTableIterator*& iterator) const;
+  const AcDbObjectIdArray& recordIds() const { return records_; }
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ protected:
+  virtual AcRxClass* recordClass() const;
+
+ private:
+  AcDbObjectIdArray records_;
+};
+
+/// What every table offers for its own record class.
+template <class Record>
+class AcDbTypedSymbolTable : public AcDbSymbolTable {
+ public:
+  Acad::ErrorStatus getAt(const ACHAR* name, AcDbObjectId& id, bool getErased = false) const {
+    return getIdAt(name, id, getErased);
+  }
+  Acad::ErrorStatus getAt(const ACHAR* name, Record*& record, AcDb::OpenMode mode,
+                          bool openErased = false) const {
+    record = nullptr;
+    AcDbObjectId id;
+    const Acad::ErrorStatus status = getIdAt(name, id, openErased);
+    return status == Acad::eOk ? acdbOpenObject(record, id, mode, openErased) : status;
+  }
+  Acad::ErrorStatus add(AcDbObjectId& id, Record* record) { return addRecord(id, record); }
+  Acad::ErrorStatus add(Record* record) {
+    AcDbObjectId id;
+    return addRecord(id, record);
+  }
+
+ protected:
+  AcRxClass* recordClass() const override { return Record::desc(); }
+};
+
+class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbLayerTableRecord);
+  Adesk::UInt16 colorIndex() const;
+  /// eInvalidInput outside 1 to 255.
+  Acad::ErrorStatus setColorIndex(Adesk::UInt16 color);
+  bool isOff() const;
+  void setIsOff(bool off);
+  bool isFrozen() const;
+  Acad::ErrorStatus setIsFrozen(bool frozen);
+  bool isLocked() const;
+  void setIsLocked(bool locked);
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ private:
+  Adesk::UInt16 color_ = 7;
+  bool off_ = false;
+  bool frozen_ = false;
+  bool locked_ = false;
+};
+
+class ACADHOST_EXPORT AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbLayerTable);
+};
+
+class AcDbBlockTableRecordIterator;
+
+/// A block: model space, a paper space, or a definition. Owns its entities in drawing order.
+class ACADHOST_EXPORT AcDbBlockTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbBlockTableRecord);
+  /// The block's database owns the entity from then on; it stays open for write until the caller
+  /// closes it. An entity without a layer gets the current one. eNotOpenForWrite, eAlreadyInDb,
+  /// eMustFirstAddBlockToDb.
+  Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
+  Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
+  /// The iterator is the caller's. It walks the entities that there are now.
+  Acad::ErrorStatus newIterator(AcDbBlockTableRecordIterator*& iterator, bool atBeginning = true,
+                                bool skipDeleted = true) const;
+  bool isLayout() const;
+  const AcDbObjectIdArray& entityIds() const { return entities_; }
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ private:
+  AcDbObjectIdArray entities_;
+};
+
+class ACADHOST_EXPORT AcDbBlockTableRecordIterator {
+ public:
+  AcDbBlockTableRecordIterator(AcDbObjectIdArray ids, bool atBeginning, bool skipDeleted);
+  void start(bool atBeginning = true, bool skipDeleted = true);
+  bool done() const { return position_ < 0 || position_ >= ids_.length(); }
+  void step(bool forward = true, bool skipDeleted = true);
+  Acad::ErrorStatus getEntityId(AcDbObjectId& id) const;
+  Acad::ErrorStatus getEntity(AcDbEntity*& entity, AcDb::OpenMode mode,
+                              bool openErased = false) const;
+
+ private:
+  void skip(int direction, bool skipDeleted);
+
+  AcDbObjectIdArray ids_;
+  int position_ = 0;
+};
+
+class ACADHOST_EXPORT AcDbBlockTable : public AcDbTypedSymbolTable<AcDbBlockTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbBlockTable);
+};
+
+/// A view as a value, for acedSetCurrentView. Sizes in drawing units, the twist in radians.
+class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbViewTableRecord);
+  AcGePoint2d centerPoint() const { return center_; }
+  void setCenterPoint(const AcGePoint2d& center) { center_ = center; }
+  double height() const { return height_; }
+  void setHeight(double height) { height_ = height; }
+  double width() const { return width_; }
+  void setWidth(double width) { width_ = width; }
+  double viewTwist() const { return twist_; }
+  void setViewTwist(double radians) { twist_ = radians; }
+  AcGePoint3d target() const { return target_; }
+  void setTarget(const AcGePoint3d& target) { target_ = target; }
+  AcGeVector3d viewDirection() const { return direction_; }
+  void setViewDirection(const AcGeVector3d& direction) { direction_ = direction; }
+  double lensLength() const { return lens_; }
+  void setLensLength(double millimetres) { lens_ = millimetres; }
+  double frontClipDistance() const { return front_; }
+  void setFrontClipDistance(double distance) { front_ = distance; }
+  double backClipDistance() const { return back_; }
+  void setBackClipDistance(double distance) { back_ = distance; }
+  bool perspectiveEnabled() const { return perspective_; }
+  void setPerspectiveEnabled(bool on) { perspective_ = on; }
+  bool frontClipEnabled() const { return frontOn_; }
+  void setFrontClipEnabled(bool on) { frontOn_ = on; }
+  bool backClipEnabled() const { return backOn_; }
+  void setBackClipEnabled(bool on) { backOn_ = on; }
+  bool frontClipAtEye() const { return frontAtEye_; }
+  void setFrontClipAtEye(bool on) { frontAtEye_ = on; }
+
+ private:
+  AcGePoint2d center_;
+  double height_ = 0.0;
+  double width_ = 0.0;
+  double twist_ = 0.0;
+  AcGePoint3d target_;
+  AcGeVector3d direction_{0.0, 0.0, 1.0};
+  double lens_ = 50.0;
+  double front_ = 0.0;
+  double back_ = 0.0;
+  bool perspective_ = false;
+  bool frontOn_ = false;
+  bool backOn_ = false;
+  bool frontAtEye_ = true;
+};
