@@ -1,0 +1,117 @@
+#include "components/raster/gdalaccess.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <cpl_vsi.h>
+#include <gdal_frmts.h>
+#include <gdal_priv.h>
+#include <ogr_srs_api.h>
+
+#include <mutex>
+
+#include "base/path.h"
+#include "base/text.h"
+#include "components/raster/guardedfiles.h"
+
+namespace tarn::raster {
+namespace {
+
+void* refuseOpen(void*, const char*, const char*) {
+  return nullptr;
+}
+
+int refuseStat(void*, const char*, VSIStatBufL*, int) {
+  return -1;
+}
+
+void refuseNetwork() {
+  VSIFilesystemPluginCallbacksStruct* callbacks = VSIAllocFilesystemPluginCallbacksStruct();
+  callbacks->open = refuseOpen;
+  callbacks->stat = refuseStat;
+  for (const char* name : {"curl", "s3", "gs", "az", "adls", "oss", "swift", "webhdfs", "hdfs"}) {
+    for (const char* ending : {"/", "_streaming/"}) {
+      const std::string prefix = std::string("/vsi") + name + ending;
+      VSIInstallPluginHandler(prefix.c_str(), callbacks);
+    }
+  }
+  VSIInstallPluginHandler("/vsicurl?", callbacks);
+  VSIFreeFilesystemPluginCallbacksStruct(callbacks);
+}
+
+void CPL_STDCALL collectError(CPLErr kind, CPLErrorNum, const char* text) {
+  auto* errors = static_cast<GdalErrors*>(CPLGetErrorHandlerUserData());
+  if (kind >= CE_Warning) errors->add(kind >= CE_Failure, text);
+}
+
+}  // namespace
+
+void prepareGdal() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    GDALRegister_GTiff();
+    GDALRegister_HFA();
+    GDALRegister_JPEG();
+    OSRSetPROJEnableNetwork(0);
+    refuseNetwork();
+    installGuardedFiles();
+  });
+}
+
+GdalErrors::GdalErrors() {
+  CPLPushErrorHandlerEx(collectError, this);
+  CPLErrorReset();
+}
+
+GdalErrors::~GdalErrors() {
+  CPLPopErrorHandler();
+}
+
+void GdalErrors::add(bool failure, const char* text) {
+  if (failure) ++failures_;
+  std::string& kept = failure ? failure_ : warning_;
+  if (kept.empty()) kept = text;
+}
+
+void DatasetCloser::operator()(GDALDataset* dataset) const {
+  const GdalErrors quiet;
+  GDALClose(GDALDataset::ToHandle(dataset));
+}
+
+GuardedImage::GuardedImage(const std::string& path) : path_(path) {
+  prepareGdal();
+  id_ = openGuardedFolder(path);
+  prefix_ = guardedPrefix(id_);
+}
+
+GuardedImage::~GuardedImage() {
+  closeGuardedFolder(id_);
+}
+
+std::string GuardedImage::cleaned(const std::string& gdalText) const {
+  std::string text = replaceAll(gdalText, prefix_ + nameOf(path_) + ": ", "");
+  text = replaceAll(text, prefix_, "");
+  return replaceAll(replaceAll(text, "\r", ""), "\n", " ");
+}
+
+Result<DatasetPtr> GuardedImage::open() const {
+  const GdalErrors errors;
+  // Georeferencing beside the image is read by this library itself, so that one order of precedence
+  // holds for every driver.
+  const char* options[] = {"GEOREF_SOURCES=INTERNAL", nullptr};
+  const char* drivers[] = {"GTiff", "HFA", "JPEG", nullptr};
+  const std::string name = prefix_ + nameOf(path_);
+  DatasetPtr dataset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers,
+                                       options, nullptr));
+  if (dataset) return dataset;
+  const std::string reason = cleaned(errors.text());
+  return Status::error(path_ + ": " +
+                       (errors.failures() == 0 || reason.find("not recognized") != std::string::npos
+                            ? "is no TIFF, IMG or JPG image"
+                            : "cannot be read: " + reason));
+}
+
+uint64_t guardedBytesRead() {
+  return guardedBytesOfThread();
+}
+
+}  // namespace tarn::raster

@@ -1,0 +1,25 @@
+// The virtual folder through which GDAL reads: "/vsitarn/<id>/<name>".
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tarn::raster {
+
+/// Installs the virtual file system. Once a process.
+void installGuardedFiles();
+
+/// Opens a virtual folder for one image and returns its number; closeGuardedFolder ends it.
+int openGuardedFolder(const std::string& imagePath);
+void closeGuardedFolder(int id);
+
+/// "/vsitarn/<id>/".
+std::string guardedPrefix(int id);
+
+/// True for the image's own name and for side files: the stem or the whole name, then a dot. The
+/// stem's case does not matter. Names with a separator never are.
+bool isSideFileName(const std::string& imageName, const std::string& name);
+
+uint64_t guardedBytesOfThread();
+
+}  // namespace tarn::raster

@@ -1,0 +1,264 @@
+// Opening: open, describe, decide, levels.
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "base/path.h"
+#include "components/raster/rasterimage.h"
+#include "components/raster/tilecache.h"
+#include "components/raster/tilereaders.h"
+
+namespace tarn::raster {
+namespace {
+
+constexpr uint64_t kMostSideFileBytes = 16 << 20;
+
+Status checkPath(const std::string& path) {
+  if (path.compare(0, 4, "/vsi") == 0 || path.compare(0, 4, "\\vsi") == 0)
+    return Status::error(path + ": is not a file of this computer");
+  switch (fileKind(path)) {
+    case FileKind::kMissing:
+      return Status::error(path + ": cannot be found");
+    case FileKind::kFolder:
+      return Status::error(path + ": is a folder, not an image");
+    case FileKind::kOther:
+      return Status::error(path + ": is not a regular file");
+    case FileKind::kRegular:
+      break;
+  }
+  if (fileTimes(path).size == 0) return Status::error(path + ": is empty");
+  return Status::ok();
+}
+
+/// A JPG that was written to its end has an end marker near it.
+bool hasJpegEnd(const RandomFile& file, uint64_t size) {
+  std::vector<uint8_t> tail(std::min<uint64_t>(size, 65536));
+  if (!file.readAt(size - tail.size(), tail.data(), tail.size())) return false;
+  const uint8_t marker[] = {0xFF, 0xD9};
+  return std::search(tail.begin(), tail.end(), marker, marker + 2) != tail.end();
+}
+
+bool plainOrder(const Presentation& presentation) {
+  return presentation.channels == 1 || presentation.bands == std::array<int, 3>{1, 2, 3};
+}
+
+/// Which of the dataset's overviews has the size; -1 for none.
+int overviewOfSize(GDALDataset& dataset, uint32_t width, uint32_t height) {
+  GDALRasterBand* band = dataset.GetRasterBand(1);
+  for (int i = 0; band && i < band->GetOverviewCount(); ++i) {
+    GDALRasterBand* overview = band->GetOverview(i);
+    if (overview && overview->GetXSize() == static_cast<int>(width) &&
+        overview->GetYSize() == static_cast<int>(height))
+      return i;
+  }
+  return -1;
+}
+
+}  // namespace
+
+Result<std::shared_ptr<RasterImage>> RasterImage::open(const std::string& path,
+                                                       const OpenOptions& options) {
+  static std::atomic<uint64_t> nextId{1};
+  if (Status usable = checkPath(path); !usable) return usable;
+  std::shared_ptr<RasterImage> image(new RasterImage());
+  image->id_ = nextId++;
+  if (Status loaded = image->load(path, options); !loaded) return loaded;
+  return image;
+}
+
+Status RasterImage::load(const std::string& path, const OpenOptions& options) {
+  path_ = path;
+  times_ = fileTimes(path);
+  auto file = std::make_shared<RandomFile>();
+  if (Status opened = file->open(path); !opened) return opened;
+  file_ = std::move(file);
+  guarded_ = std::make_shared<GuardedImage>(path);
+  if (Status status = loadFullSize(); !status) return status;
+  if (Status status = loadGeoreference(); !status) return status;
+  if (!options.usePyramid) return Status::ok();
+  loadOwnOverviews();
+  if (!hasOwnOverviews_) loadPyramid(options.places);
+  return Status::ok();
+}
+
+Status RasterImage::loadFullSize() {
+  Result<DatasetPtr> opened = guarded_->open();
+  if (!opened) return opened.status();
+  DatasetPtr dataset = opened.take();
+  const GdalErrors errors;
+  facts_ = describe(*dataset);
+  Result<Presentation> presentation = decidePresentation(facts_);
+  if (!presentation) return Status::error(path_ + ": " + presentation.message());
+  presentation_ = presentation.value();
+  if (facts_.driver == "GTiff") {
+    auto directories = readTiffDirectories(*file_, times_.size);
+    if (!directories) return Status::error(path_ + ": " + directories.message());
+    directories_ = directories.take();
+  }
+  Level level;
+  const bool plain = !directories_.empty() && plainOrder(presentation_) &&
+                     directories_[0].samples == presentation_.channels &&
+                     directories_[0].width == static_cast<uint32_t>(facts_.width) &&
+                     directories_[0].height == static_cast<uint32_t>(facts_.height);
+  if (plain) level.reader = makeRawTiffReader(file_, directories_[0]);
+  if (plain && !level.reader) level.reader = makeJpegTiffReader(file_, directories_[0]);
+  if (!level.reader) {
+    const bool sequential = facts_.driver == "JPEG";
+    auto reader =
+        makeGdalReader({guarded_, -1, presentation_.bands, presentation_.channels, sequential},
+                       std::move(dataset));
+    if (!reader) return reader.status();
+    level.reader = reader.take();
+  }
+  levels_.push_back(std::move(level));
+  return checkWhole();
+}
+
+Status RasterImage::checkWhole() const {
+  const Status cut =
+      Status::error(path_ + ": is cut short or damaged: its last pixels are missing");
+  if (facts_.driver == "JPEG") return hasJpegEnd(*file_, times_.size) ? Status::ok() : cut;
+  if (facts_.driver != "HFA") return Status::ok();
+  const TileGrid& grid = levels_[0].reader->grid();
+  Tile tile;
+  uint64_t bytes = 0;
+  const bool whole = levels_[0].reader->read(grid.columns() - 1, grid.rows() - 1, tile, bytes);
+  return whole ? Status::ok() : cut;
+}
+
+Status RasterImage::loadGeoreference() {
+  const std::string folder = folderOf(path_), name = nameOf(path_);
+  std::vector<GeoCandidate> candidates;
+  std::vector<std::string> notes;
+  const std::string auxName = name + ".aux.xml";
+  AuxFacts aux;
+  if (fileKind(joinPath(folder, auxName)) == FileKind::kRegular) {
+    if (const auto xml = readFile(joinPath(folder, auxName), kMostSideFileBytes)) {
+      const GdalErrors quiet;
+      aux = parseAuxFile(xml.value());
+    }
+  }
+  facts_.namesOverviewFile = facts_.namesOverviewFile || aux.namesOverviewFile;
+  if (aux.coordinateSystem >= 0) facts_.coordinateSystem = aux.coordinateSystem;
+  if (aux.transform) candidates.push_back({auxName, *aux.transform});
+  for (const std::string& worldName : worldFileNames(name)) {
+    const std::string worldPath = joinPath(folder, worldName);
+    if (fileKind(worldPath) != FileKind::kRegular) continue;
+    const auto text = readFile(worldPath, kMostSideFileBytes);
+    const auto transform = text ? parseWorldFile(text.value()) : std::nullopt;
+    if (transform) {
+      candidates.push_back({worldName, *transform});
+      break;
+    }
+    notes.push_back("its world file " + worldName + " is not usable and is ignored");
+  }
+  if (facts_.innerGeoTransform && !(aux.transform && facts_.driver != "GTiff"))
+    candidates.push_back({"the image itself", *facts_.innerGeoTransform});
+  if (candidates.empty() && (facts_.controlPoints > 0 || aux.hasControlPoints))
+    return Status::error(path_ +
+                         ": is placed by control points only; north-up images can be shown");
+  auto chosen = chooseGeoreference(candidates, facts_.width, facts_.height);
+  if (!chosen) return Status::error(path_ + ": " + chosen.message());
+  georeference_ = chosen.take();
+  if (facts_.namesOverviewFile)
+    notes.emplace_back("names another file as its overviews; that file is not read");
+  georeference_.notes.insert(georeference_.notes.begin(), notes.begin(), notes.end());
+  return Status::ok();
+}
+
+bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,
+                           const std::shared_ptr<const RandomFile>& file,
+                           const std::shared_ptr<GuardedImage>& guarded) {
+  Level level;
+  const bool plain =
+      (ours || plainOrder(presentation_)) && directory.samples == presentation_.channels;
+  if (plain) level.reader = makeRawTiffReader(file, directory);
+  if (plain && !level.reader) level.reader = makeJpegTiffReader(file, directory);
+  if (!level.reader) {
+    Result<DatasetPtr> dataset = guarded->open();
+    const GdalErrors quiet;
+    if (!dataset) return false;
+    const int overview =
+        index == 0 ? -1 : overviewOfSize(*dataset.value(), directory.width, directory.height);
+    if (index != 0 && overview < 0) return false;
+    auto reader = makeGdalReader(
+        {guarded, overview, presentation_.bands, presentation_.channels, false}, dataset.take());
+    if (!reader) return false;
+    level.reader = reader.take();
+  }
+  level.factorX = static_cast<double>(facts_.width) / directory.width;
+  level.factorY = static_cast<double>(facts_.height) / directory.height;
+  if (ours) {
+    // Our levels halve exactly; the last pixel may stand for less.
+    const int halvings = index + 1;
+    level.factorX = level.factorY = static_cast<double>(1ULL << halvings);
+  }
+  if (level.factorX < 1 || level.factorY < 1) return false;
+  levels_.push_back(std::move(level));
+  return true;
+}
+
+void RasterImage::loadOwnOverviews() {
+  for (size_t i = 1; i < directories_.size(); ++i) {
+    const TiffDirectory& directory = directories_[i];
+    const bool reduced = (directory.subfileType & tiff::kReducedImage) != 0 &&
+                         (directory.subfileType & tiff::kMask) == 0;
+    if (!reduced || directory.samples != directories_[0].samples || !directory.plainBytes) continue;
+    if (addLevel(directory, static_cast<int>(i), false, file_, guarded_)) hasOwnOverviews_ = true;
+  }
+  // Asking an IMG that has none for its overviews makes GDAL look at the pyramid beside it.
+  const bool pyramidBeside = fileKind(path_ + ".ovr") != FileKind::kMissing;
+  if (facts_.driver != "HFA" || facts_.namesOverviewFile || pyramidBeside) return;
+  Result<DatasetPtr> dataset = guarded_->open();
+  if (!dataset) return;
+  const GdalErrors quiet;
+  GDALRasterBand* band = dataset.value()->GetRasterBand(1);
+  const int count = band->GetOverviewCount();
+  for (int i = 0; i < count; ++i) {
+    Result<DatasetPtr> own = guarded_->open();
+    if (!own) return;
+    auto reader = makeGdalReader({guarded_, i, presentation_.bands, presentation_.channels, false},
+                                 own.take());
+    if (!reader) continue;
+    Level level;
+    level.reader = reader.take();
+    level.factorX = static_cast<double>(facts_.width) / level.reader->grid().width;
+    level.factorY = static_cast<double>(facts_.height) / level.reader->grid().height;
+    if (level.factorX < 1 || level.factorY < 1) continue;
+    levels_.push_back(std::move(level));
+    hasOwnOverviews_ = true;
+  }
+}
+
+void RasterImage::loadPyramid(const PyramidPlaces& places) {
+  removeDeadBuild(path_, places.folder);
+  const auto use = [&](const std::string& path, bool cached) {
+    const PyramidState state =
+        pyramidState(path, path_, width(), height(), presentation_.channels, cached);
+    if (state != PyramidState::kOurs && state != PyramidState::kForeign) return false;
+    return addPyramidLevels(path, state == PyramidState::kOurs);
+  };
+  if (use(pyramidPath(path_, places.folder), false) || places.cacheFolder.empty()) return;
+  const std::string cached = cachedPyramidPath(path_, places.cacheFolder);
+  removeDeadBuild(cached, folderOf(cached));
+  use(cached, true);
+}
+
+bool RasterImage::addPyramidLevels(const std::string& path, bool ours) {
+  auto file = std::make_shared<RandomFile>();
+  if (!file->open(path)) return false;
+  auto directories = readTiffDirectories(*file, fileTimes(path).size);
+  if (!directories) return false;
+  const auto guarded = std::make_shared<GuardedImage>(path);
+  int index = 0;
+  for (const TiffDirectory& directory : directories.value()) {
+    if ((directory.subfileType & tiff::kMask) == 0 &&
+        !addLevel(directory, index, ours, file, guarded))
+      break;
+    ++index;
+  }
+  return levels_.size() > 1;
+}
+
+}  // namespace tarn::raster

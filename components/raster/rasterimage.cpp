@@ -1,0 +1,185 @@
+#include "components/raster/rasterimage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "base/parallel.h"
+#include "base/path.h"
+#include "components/raster/resample.h"
+#include "components/raster/taps.h"
+#include "components/raster/tilecache.h"
+#include "components/raster/tilereaders.h"
+
+namespace tarn::raster {
+namespace {
+
+// Decoded pixels that one step of a read may need at once; larger windows are read in steps.
+constexpr int64_t kStepBytes = 64 << 20;
+constexpr int kMostCells = 1 << 16;
+constexpr double kSameSize = 1e-6;
+constexpr double kFarthest = 1e12;
+
+bool isReadable(const Window& w) {
+  for (const double value : {w.x, w.y, w.cellX, w.cellY}) {
+    if (!std::isfinite(value) || std::fabs(value) > kFarthest) return false;
+  }
+  return w.cellX > 1e-9 && w.cellY > 1e-9 && w.columns > 0 && w.rows > 0 &&
+         w.columns <= kMostCells && w.rows <= kMostCells;
+}
+
+Filter filterFor(double cell, bool smooth) {
+  if (cell > 1 + kSameSize) return Filter::kBox;
+  return smooth ? Filter::kBilinear : Filter::kNearest;
+}
+
+TileBlock blockFor(const TileGrid& grid, const AxisTaps& across, const AxisTaps& down) {
+  TileBlock block;
+  block.grid = grid;
+  block.firstColumn = across.pixelBegin / grid.tileWidth;
+  block.firstRow = down.pixelBegin / grid.tileHeight;
+  block.columns = (across.pixelEnd - 1) / grid.tileWidth - block.firstColumn + 1;
+  block.rows = (down.pixelEnd - 1) / grid.tileHeight - block.firstRow + 1;
+  return block;
+}
+
+int64_t bytesOf(const TileBlock& block) {
+  return static_cast<int64_t>(block.columns) * block.rows * block.grid.tileWidth *
+         block.grid.tileHeight * block.grid.channels;
+}
+
+}  // namespace
+
+RasterImage::~RasterImage() {
+  TileCache::shared().removeImage(id_);
+}
+
+Status RasterImage::checkUnchanged() const {
+  const FileTimes now = fileTimes(path_);
+  if (now.size == times_.size && now.modifiedNs == times_.modifiedNs) return Status::ok();
+  return Status::error(path_ + (fileKind(path_) == FileKind::kMissing
+                                    ? ": is not there any more"
+                                    : ": has been changed since it was opened"));
+}
+
+const RasterImage::Level& RasterImage::levelFor(double cellX, double cellY) const {
+  const Level* best = &levels_.front();
+  for (const Level& level : levels_) {
+    // The coarsest that still has all the detail of the cells, never one beyond it.
+    if (level.factorX <= cellX * (1 + kSameSize) && level.factorY <= cellY * (1 + kSameSize) &&
+        level.factorX > best->factorX)
+      best = &level;
+  }
+  return *best;
+}
+
+Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
+                         ReadCounts& counts) const {
+  if (!isReadable(window) || !out) return Status::error(path_ + ": the window cannot be read");
+  const size_t stride = static_cast<size_t>(window.columns) * 3;
+  std::memset(out, 0, stride * window.rows);
+  counts.pixels += static_cast<uint64_t>(window.columns) * window.rows;
+  if (Status unchanged = checkUnchanged(); !unchanged) return unchanged;
+  const Level& level = levelFor(window.cellX, window.cellY);
+  const TileGrid& grid = level.reader->grid();
+  const AxisTaps across = makeTaps({window.x / level.factorX, window.cellX / level.factorX,
+                                    window.columns, facts_.width / level.factorX, grid.width},
+                                   filterFor(window.cellX, smooth));
+  const AxisTaps down = makeTaps({window.y / level.factorY, window.cellY / level.factorY,
+                                  window.rows, facts_.height / level.factorY, grid.height},
+                                 filterFor(window.cellY, smooth));
+  if (readCells(level, across, down, out, stride, counts)) return Status::ok();
+  std::memset(out, 0, stride * window.rows);
+  return Status::error(path_ + ": some of its pixels cannot be read");
+}
+
+bool RasterImage::readCells(const Level& level, const AxisTaps& across, const AxisTaps& down,
+                            uint8_t* out, size_t stride, ReadCounts& counts) const {
+  if (across.cells() == 0 || down.cells() == 0) return true;
+  TileBlock block = blockFor(level.reader->grid(), across, down);
+  if (bytesOf(block) > kStepBytes && across.cells() * static_cast<int64_t>(down.cells()) > 1) {
+    const bool byRows = down.cells() > 1 && (block.rows > 1 || across.cells() == 1);
+    const AxisTaps& axis = byRows ? down : across;
+    const int middle = axis.first + axis.cells() / 2;
+    const AxisTaps low = sliceTaps(axis, axis.first, middle);
+    const AxisTaps high = sliceTaps(axis, middle, axis.last);
+    return readCells(level, byRows ? across : low, byRows ? low : down, out, stride, counts) &&
+           readCells(level, byRows ? across : high, byRows ? high : down, out, stride, counts);
+  }
+  if (!fetchTiles(level, block, counts)) return false;
+  const int bands = std::clamp(down.cells() / 16, 1, static_cast<int>(workerCount()) * 3);
+  parallelFor(bands, [&](size_t band) {
+    const auto edge = [&](size_t i) {
+      return down.first + static_cast<int>(static_cast<int64_t>(down.cells()) * i / bands);
+    };
+    resample(block, across, sliceTaps(down, edge(band), edge(band + 1)), out, stride);
+  });
+  return true;
+}
+
+bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const {
+  const auto levelIndex = static_cast<uint32_t>(&level - levels_.data());
+  TileCache& cache = TileCache::shared();
+  block.tiles.resize(static_cast<size_t>(block.columns) * block.rows);
+  const auto keyOf = [&](size_t i) {
+    const int row = block.firstRow + static_cast<int>(i) / block.columns;
+    const int column = block.firstColumn + static_cast<int>(i) % block.columns;
+    return TileKey{id_, levelIndex, static_cast<uint32_t>(row) * block.grid.columns() + column};
+  };
+  std::vector<size_t> missing;
+  for (size_t i = 0; i < block.tiles.size(); ++i) {
+    block.tiles[i] = cache.find(keyOf(i));
+    if (!block.tiles[i]) missing.push_back(i);
+  }
+  std::atomic<uint64_t> bytes{0};
+  std::atomic<bool> failed{false};
+  const auto decode = [&](size_t n) {
+    if (failed) return;
+    const size_t i = missing[n];
+    auto tile = std::make_shared<Tile>();
+    uint64_t read = 0;
+    const bool done =
+        level.reader->read(block.firstColumn + static_cast<int>(i) % block.columns,
+                           block.firstRow + static_cast<int>(i) / block.columns, *tile, read);
+    bytes += read;
+    if (!done) {
+      failed = true;
+      return;
+    }
+    tile->hasKeys = findKeys(tile->pixels.get(), static_cast<size_t>(tile->width) * tile->height,
+                             tile->channels);
+    block.tiles[i] = tile;
+    cache.insert(keyOf(i), std::move(tile));
+  };
+  if (level.reader->sequential()) {
+    for (size_t n = 0; n < missing.size(); ++n) decode(n);
+  } else {
+    parallelFor(missing.size(), decode);
+  }
+  counts.bytes += bytes;
+  counts.tilesRead += missing.size();
+  counts.tilesCached += block.tiles.size() - missing.size();
+  return !failed;
+}
+
+bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
+  if (pyramidLevels(width(), height()).empty() || hasOwnOverviews_) return true;
+  const auto usable = [&](const std::string& path, bool cached) {
+    const PyramidState state =
+        pyramidState(path, path_, width(), height(), presentation_.channels, cached);
+    return state == PyramidState::kOurs || state == PyramidState::kForeign;
+  };
+  return usable(pyramidPath(path_, places.folder), false) ||
+         (!places.cacheFolder.empty() &&
+          usable(cachedPyramidPath(path_, places.cacheFolder), true));
+}
+
+Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& progress,
+                                 std::string& note) const {
+  if (pyramidLevels(width(), height()).empty()) return Status::ok();
+  return buildPyramidFile({path_, levels_.front().reader.get(), presentation_.lossy}, places,
+                          progress, note);
+}
+
+}  // namespace tarn::raster

@@ -1,0 +1,123 @@
+// An open image: its size, its place on the ground, and any rectangle of its pixels.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/file.h"
+#include "base/result.h"
+#include "components/raster/gdalaccess.h"
+#include "components/raster/georeference.h"
+#include "components/raster/imagefacts.h"
+#include "components/raster/pyramidbuilder.h"
+#include "components/raster/pyramidfile.h"
+#include "components/raster/tiffdirectory.h"
+#include "components/raster/tile.h"
+
+namespace tarn::raster {
+
+struct TileBlock;
+struct AxisTaps;
+
+struct OpenOptions {
+  PyramidPlaces places;
+  /// False: read the image's own full-size pixels only.
+  bool usePyramid = true;
+};
+
+/// A window on the image: `columns * rows` cells of `cellX * cellY` image pixels, the first with
+/// its upper left corner at image pixel (x, y). The image covers [0, width) x [0, height).
+struct Window {
+  double x = 0;
+  double y = 0;
+  double cellX = 1;
+  double cellY = 1;
+  int columns = 0;
+  int rows = 0;
+};
+
+struct ReadCounts {
+  uint64_t pixels = 0;
+  uint64_t bytes = 0;
+  uint64_t tilesRead = 0;
+  uint64_t tilesCached = 0;
+};
+
+class RasterImage {
+ public:
+  /// Opens an image file. The reason of a failure names the file.
+  static Result<std::shared_ptr<RasterImage>> open(const std::string& path,
+                                                   const OpenOptions& options);
+  ~RasterImage();
+  RasterImage(const RasterImage&) = delete;
+  RasterImage& operator=(const RasterImage&) = delete;
+
+  const std::string& path() const { return path_; }
+  int width() const { return facts_.width; }
+  int height() const { return facts_.height; }
+  const GeoTransform& geoTransform() const { return georeference_.transform; }
+  /// EPSG number, 0 without one, -1 without a coordinate system.
+  int coordinateSystem() const { return facts_.coordinateSystem; }
+  /// Sentences for the user about what was found, without the image's name.
+  const std::vector<std::string>& notes() const { return georeference_.notes; }
+  /// Number of levels in use, the full size included.
+  size_t levelCount() const { return levels_.size(); }
+
+  /// True when the image needs no (more) pyramid: it is small, has overviews of its own, or there
+  /// is a current pyramid in one of the places now.
+  bool hasPyramid(const PyramidPlaces& places) const;
+
+  /// Builds the pyramid into the first of the places that can be written. `note` is set when it is
+  /// not the image's own folder. On failure nothing is left behind and the image stays usable; the
+  /// reason names the file. The new pyramid is used after the image has been opened again.
+  Status buildPyramid(const PyramidPlaces& places, const Progress& progress,
+                      std::string& note) const;
+
+  /// Fills `out` with the window's cells, R, G, B, rows without gaps, row 0 on top. Cells whose
+  /// centre is outside the image are (0, 0, 0). Reducing: the average of what a cell covers, by
+  /// exact fractional weights. Enlarging or 1:1: the nearest pixel, or with `smooth` bilinear. On
+  /// failure `out` is black. May be called from several threads at once.
+  Status read(const Window& window, bool smooth, uint8_t* out, ReadCounts& counts) const;
+
+ private:
+  struct Level {
+    std::unique_ptr<TileReader> reader;
+    /// Image pixels that a pixel of the level covers.
+    double factorX = 1;
+    double factorY = 1;
+  };
+
+  RasterImage() = default;
+  Status load(const std::string& path, const OpenOptions& options);
+  Status loadFullSize();
+  void loadOwnOverviews();
+  void loadPyramid(const PyramidPlaces& places);
+  bool addPyramidLevels(const std::string& path, bool ours);
+  bool addLevel(const TiffDirectory& directory, int index, bool ours,
+                const std::shared_ptr<const RandomFile>& file,
+                const std::shared_ptr<GuardedImage>& guarded);
+  Status loadGeoreference();
+  Status checkWhole() const;
+  const Level& levelFor(double cellX, double cellY) const;
+  Status checkUnchanged() const;
+  bool readCells(const Level& level, const AxisTaps& across, const AxisTaps& down, uint8_t* out,
+                 size_t stride, ReadCounts& counts) const;
+  bool fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const;
+
+  std::string path_;
+  uint64_t id_ = 0;
+  FileTimes times_;
+  ImageFacts facts_;
+  Presentation presentation_;
+  Georeference georeference_;
+  std::shared_ptr<GuardedImage> guarded_;
+  std::shared_ptr<const RandomFile> file_;
+  std::vector<TiffDirectory> directories_;
+  bool hasOwnOverviews_ = false;
+  std::vector<Level> levels_;
+};
+
+}  // namespace tarn::raster

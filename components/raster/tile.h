@@ -1,0 +1,63 @@
+// Decoded pixels of a piece of one level, and who can decode them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace tarn::raster {
+
+/// `width * height` pixels of `channels` bytes (1 gray, 3 R G B), rows without gaps.
+struct Tile {
+  int width = 0;
+  int height = 0;
+  int channels = 0;
+  /// Some pixel is pure black or pure white, and so means "nothing here".
+  bool hasKeys = false;
+  std::unique_ptr<uint8_t[]> pixels;
+
+  size_t bytes() const { return static_cast<size_t>(width) * height * channels; }
+  size_t stride() const { return static_cast<size_t>(width) * channels; }
+  /// Takes room for the pixels, not filled.
+  void allocate(int w, int h, int c);
+};
+
+using TilePtr = std::shared_ptr<const Tile>;
+
+/// How a level is cut into tiles. The last column and row may be narrower.
+struct TileGrid {
+  int width = 0;
+  int height = 0;
+  int tileWidth = 0;
+  int tileHeight = 0;
+  int channels = 0;
+
+  int columns() const { return (width + tileWidth - 1) / tileWidth; }
+  int rows() const { return (height + tileHeight - 1) / tileHeight; }
+  int widthOf(int column) const;
+  int heightOf(int row) const;
+};
+
+/// Decodes tiles of one level. Every operation may be called from several threads at once.
+class TileReader {
+ public:
+  TileReader() = default;
+  virtual ~TileReader() = default;
+  TileReader(const TileReader&) = delete;
+  TileReader& operator=(const TileReader&) = delete;
+
+  virtual const TileGrid& grid() const = 0;
+  /// Decodes one tile into `out` (hasKeys is left to the caller) and adds the bytes read from the
+  /// file to `bytesRead`. False when the file does not hold it whole.
+  virtual bool read(int column, int row, Tile& out, uint64_t& bytesRead) const = 0;
+  /// True when tiles are best read one after the other, in order.
+  virtual bool sequential() const { return false; }
+};
+
+/// Largest piece that is ever decoded at once, in bytes.
+constexpr uint64_t kMostBlockBytes = 256ULL << 20;
+
+/// True when some pixel of the tile is pure black or pure white.
+bool findKeys(const uint8_t* pixels, size_t count, int channels);
+
+}  // namespace tarn::raster
