@@ -1,0 +1,132 @@
+// The open drawings: each with its database, its view, its picture and its locks.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "acdocman.h"
+#include "aced.h"
+#include "host/graphics/displaylist.h"
+#include "host/graphics/viewstate.h"
+
+namespace tarn::host {
+
+class DatabaseWatch;
+class HostApp;
+
+constexpr short kPaperViewport = 1;
+constexpr short kModelViewport = 2;
+
+/// Model or paper: with tileMode 1 the model is shown and the viewport is always the model's.
+struct Space {
+  short tileMode = 1;
+  short viewport = kPaperViewport;  ///< inside a layout
+  short currentViewport() const { return tileMode == 1 ? kModelViewport : viewport; }
+};
+
+/// Monitors of one document, in the order of their registration.
+class InputPointMonitors : public AcEdInputPointManager {
+ public:
+  Acad::ErrorStatus addPointMonitor(AcEdInputPointMonitor* monitor) override;
+  Acad::ErrorStatus removePointMonitor(AcEdInputPointMonitor* monitor) override;
+  void notify(AcApDocument* document, double x, double y);
+
+ private:
+  std::vector<AcEdInputPointMonitor*> monitors_;
+};
+
+class ACADHOST_EXPORT HostDocument : public AcApDocument {
+ public:
+  /// A new, empty drawing. `path` is what it is called until it is saved.
+  HostDocument(HostApp& app, std::string path);
+  ~HostDocument() override;
+
+  const ACHAR* fileName() const override { return widePath_.c_str(); }
+  const ACHAR* docTitle() const override { return title_.c_str(); }
+  AcDbDatabase* database() const override { return database_.get(); }
+  AcAp::DocLockMode lockMode(bool includeMyLocks) const override;
+  AcAp::DocLockMode myLockMode() const override;
+  bool isQuiescent() const override;
+  AcEdInputPointManager* inputPointManager() const override;
+
+  const std::string& path() const { return path_; }
+
+  ViewState& view() { return view_; }
+  const ViewState& view() const { return view_; }
+  /// Replaces the view and remembers the earlier one; equal views are not remembered twice.
+  void changeView(const ViewState& view);
+  /// False when there is no earlier view.
+  bool previousView();
+
+  Scene& scene() { return scene_; }
+  const Scene& scene() const { return scene_; }
+  Space& space() { return space_; }
+
+  std::string currentLayer() const;
+  /// False when there is no such layer.
+  bool setCurrentLayer(const std::string& name);
+
+  void pushLock(AcAp::DocLockMode mode) { locks_.push_back(mode); }
+  /// False when nothing is locked.
+  bool popLock();
+
+ private:
+  HostApp& app_;
+  std::string path_;
+  std::wstring widePath_;
+  std::wstring title_;
+  std::unique_ptr<AcDbDatabase> database_;
+  std::unique_ptr<DatabaseWatch> watch_;
+  ViewState view_;
+  std::vector<ViewState> earlierViews_;
+  Scene scene_;
+  Space space_;
+  std::vector<AcAp::DocLockMode> locks_;
+  mutable InputPointMonitors monitors_;
+};
+
+/// The document manager behind acDocManagerPtr().
+class ACADHOST_EXPORT Documents : public AcApDocManager {
+ public:
+  explicit Documents(HostApp& app);
+  ~Documents() override;
+
+  AcApDocument* curDocument() const override;
+  AcApDocument* mdiActiveDocument() const override { return curDocument(); }
+  AcApDocument* document(const AcDbDatabase* database) const override;
+  int documentCount() const override { return static_cast<int>(documents_.size()); }
+  Acad::ErrorStatus lockDocument(AcApDocument* document, AcAp::DocLockMode mode,
+                                 const ACHAR* globalName, const ACHAR* localName,
+                                 bool prompt) override;
+  Acad::ErrorStatus unlockDocument(AcApDocument* document) override;
+  Acad::ErrorStatus setCurDocument(AcApDocument* document, AcAp::DocLockMode mode,
+                                   bool activate) override;
+  Acad::ErrorStatus sendStringToExecute(AcApDocument* document, const ACHAR* text, bool activate,
+                                        bool wrapUpInactive, bool echo) override;
+  void addReactor(AcApDocManagerReactor* reactor) override;
+  void removeReactor(AcApDocManagerReactor* reactor) override;
+
+  /// There is always one.
+  HostDocument& current() const { return *current_; }
+  /// Opens a new, empty drawing and makes it current.
+  HostDocument& create();
+  /// Closes every drawing, with notifications.
+  void closeAll();
+
+ private:
+  HostDocument* find(const AcApDocument* document) const;
+  void activate(HostDocument& document);
+  template <typename Call>
+  void notify(Call call) const;
+  void notifyLock(HostDocument& document, AcAp::DocLockMode before, AcAp::DocLockMode mine,
+                  const ACHAR* name) const;
+
+  HostApp& app_;
+  std::vector<std::unique_ptr<HostDocument>> documents_;
+  HostDocument* current_ = nullptr;
+  std::vector<AcApDocManagerReactor*> reactors_;
+  int created_ = 0;
+};
+
+}  // namespace tarn::host

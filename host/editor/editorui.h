@@ -1,0 +1,37 @@
+// Decides who answers a box or a file dialog: names given beforehand, the command line (FILEDIA 0),
+// or the program's own user interface.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/editor/commandlineui.h"
+#include "host/ui/uibackend.h"
+
+namespace tarn::host {
+
+class HostApp;
+
+class EditorUi : public UiBackend {
+ public:
+  EditorUi(HostApp& app, UiBackend& backend) : app_(app), backend_(backend) {}
+
+  int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
+  std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+
+  /// The next file dialog is answered with these names (one that takes a single file with the first
+  /// of them), until forgetAnswers().
+  void answerFilesWith(std::vector<std::string> files) { answers_ = std::move(files); }
+  void forgetAnswers() { answers_.reset(); }
+
+ private:
+  std::vector<std::string> takeAnswers(const FileRequest& request);
+
+  HostApp& app_;
+  UiBackend& backend_;
+  CommandLineUi commandLine_;
+  std::optional<std::vector<std::string>> answers_;
+};
+
+}  // namespace tarn::host

@@ -1,0 +1,32 @@
+// The user's folder for settings and cache, and the support path.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "adesk.h"
+
+namespace tarn::host {
+
+class ACADHOST_EXPORT Profile {
+ public:
+  /// Nothing is read or written here.
+  explicit Profile(std::string folder);
+
+  const std::string& folder() const { return folder_; }
+  std::string configurationFolder() const;
+  std::string cacheFolder() const;
+
+  /// Folders searched after the profile's own, first to last.
+  void setFurtherFolders(std::vector<std::string> folders);
+
+  /// Full path of a file: an absolute name as it is, others on the support path. Empty when there
+  /// is no such file.
+  std::string findFile(const std::string& name) const;
+
+ private:
+  std::string folder_;
+  std::vector<std::string> further_;
+};
+
+}  // namespace tarn::host

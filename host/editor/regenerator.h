@@ -1,0 +1,50 @@
+// Draws entities into the display lists of their drawing, and counts what that took.
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "adesk.h"
+#include "host/graphics/viewstate.h"
+
+class AcDbDatabase;
+class AcDbEntity;
+
+namespace tarn::host {
+
+class HostApp;
+class HostDocument;
+
+class ACADHOST_EXPORT Regenerator {
+ public:
+  explicit Regenerator(HostApp& app) : app_(app) {}
+
+  /// Draws every visible entity of the model space anew. Does nothing inside another drawing.
+  void regenerate(HostDocument& document);
+  /// Draws one entity, which must be open, anew; an erased or invisible one is taken away.
+  void redraw(AcDbEntity& entity);
+  /// Takes an entity out of the picture.
+  void forget(AcDbEntity& entity);
+
+  /// Union of the extents of the visible entities of the model space.
+  GroundBox extents(HostDocument& document) const;
+
+  /// Adds to a counter of the current redraw. Safe from any thread.
+  void count(const std::string& counter, long long amount);
+  void setStatistics(bool on) { statistics_ = on; }
+  bool isDrawing() const { return depth_ > 0; }
+
+ private:
+  void draw(HostDocument& document, AcDbEntity& entity);
+  void printStatistics(double milliseconds, size_t entities);
+  void beginCounting();
+
+  HostApp& app_;
+  int depth_ = 0;
+  bool statistics_ = false;
+  std::mutex mutex_;
+  std::map<std::string, long long> counters_;
+};
+
+}  // namespace tarn::host

@@ -1,0 +1,11 @@
+// Watchers of window messages.
+#pragma once
+
+struct MSG;
+
+namespace tarn::host {
+
+/// Hands the message to every watcher in the order of registration.
+void tellWatchers(const MSG& message);
+
+}  // namespace tarn::host

@@ -1,0 +1,76 @@
+// What entities drew, kept until each is regenerated. Ground coordinates stay double; the renderer
+// subtracts the view centre before anything becomes a pixel.
+#pragma once
+
+#include <QImage>
+#include <QString>
+#include <cstdint>
+#include <map>
+#include <variant>
+#include <vector>
+
+#include "adesk.h"
+#include "host/graphics/viewstate.h"
+
+namespace tarn::host {
+
+struct GroundVector {
+  double x = 0;
+  double y = 0;
+};
+
+struct LineItem {
+  std::vector<GroundPoint> points;
+  unsigned color = 7;  ///< index 1 to 255
+};
+
+struct AreaItem {
+  std::vector<GroundPoint> points;
+  unsigned color = 7;
+  bool filled = true;
+};
+
+struct TextItem {
+  GroundPoint position;  ///< left end of the base line
+  GroundVector direction{1, 0};
+  double height = 1;  ///< of capitals, ground units
+  double widthFactor = 1;
+  double oblique = 0;  ///< radians
+  QString text;
+  unsigned color = 7;
+};
+
+/// A picture: `origin` is the lower left corner, u the whole width, v the whole height; row 0 of
+/// the image is the top row. Format ARGB32_Premultiplied.
+struct ImageItem {
+  QImage image;
+  GroundPoint origin;
+  GroundVector u;
+  GroundVector v;
+};
+
+using DisplayItem = std::variant<LineItem, AreaItem, TextItem, ImageItem>;
+using DisplayList = std::vector<DisplayItem>;
+
+/// The display lists of one drawing in drawing order.
+class ACADHOST_EXPORT Scene {
+ public:
+  using Key = std::uint64_t;  ///< the entity's handle
+
+  /// Replaces the entity's list, in place; a new entity comes last.
+  void set(Key entity, DisplayList list);
+  void remove(Key entity);
+  /// Keeps only these entities, in this order.
+  void keepInOrder(const std::vector<Key>& entities);
+  void clear();
+  size_t size() const { return order_.size(); }
+  /// Null when the entity has drawn nothing yet.
+  const DisplayList* find(Key entity) const;
+  const std::vector<Key>& order() const { return order_; }
+
+ private:
+  std::vector<Key> order_;
+  std::map<Key, DisplayList> lists_;
+};
+
+}  // namespace tarn::host

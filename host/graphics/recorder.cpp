@@ -1,0 +1,107 @@
+#include "host/graphics/recorder.h"
+
+#include <cmath>
+#include <utility>
+
+namespace tarn::host {
+
+namespace {
+
+std::vector<GroundPoint> groundPoints(Adesk::UInt32 count, const AcGePoint3d* points) {
+  std::vector<GroundPoint> out;
+  out.reserve(count);
+  for (Adesk::UInt32 i = 0; i < count; ++i) out.push_back({points[i].x, points[i].y});
+  return out;
+}
+
+inline std::uint32_t withAlpha(std::uint32_t pixel, std::uint32_t alpha) {
+  if (alpha == 255) return pixel | 0xff000000u;
+  if (alpha == 0) return 0;
+  return qPremultiply((pixel & 0xffffffu) | alpha << 24);
+}
+
+}  // namespace
+
+QImage premultipliedImage(const AcGiImageBGRA32& source, AcGiGeometry::TransparencyMode mode) {
+  constexpr Adesk::UInt32 kMaxSide = 32767;
+  const Adesk::UInt32 w = source.width();
+  const Adesk::UInt32 h = source.height();
+  if (w == 0 || h == 0 || w > kMaxSide || h > kMaxSide || source.image() == nullptr) return {};
+  QImage out(static_cast<int>(w), static_cast<int>(h), QImage::Format_ARGB32_Premultiplied);
+  if (out.isNull()) return out;
+  for (Adesk::UInt32 row = 0; row < h; ++row) {
+    auto* to = reinterpret_cast<std::uint32_t*>(out.scanLine(static_cast<int>(row)));
+    const AcGiPixelBGRA32* from = source.image() + static_cast<size_t>(row) * w;
+    for (Adesk::UInt32 column = 0; column < w; ++column) {
+      const AcGiPixelBGRA32& p = from[column];
+      const std::uint32_t color = static_cast<std::uint32_t>(p.red()) << 16 |
+                                  static_cast<std::uint32_t>(p.green()) << 8 | p.blue();
+      std::uint32_t alpha = p.alpha();
+      if (mode == AcGiGeometry::kTransparencyOff) alpha = 255;
+      if (mode == AcGiGeometry::kTransparency1Bit) alpha = alpha >= 128 ? 255 : 0;
+      to[column] = withAlpha(color, alpha);
+    }
+  }
+  return out;
+}
+
+Adesk::Boolean RecordingGeometry::circle(const AcGePoint3d& center, double radius,
+                                         const AcGeVector3d&) const {
+  constexpr int kSides = 128;
+  constexpr double kTurn = 6.283185307179586;
+  LineItem item;
+  item.color = traits_.color();
+  item.points.reserve(kSides + 1);
+  for (int i = 0; i <= kSides; ++i) {
+    const double angle = kTurn * i / kSides;
+    item.points.push_back(
+        {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)});
+  }
+  list_.emplace_back(std::move(item));
+  return Adesk::kFalse;
+}
+
+Adesk::Boolean RecordingGeometry::polyline(Adesk::UInt32 count, const AcGePoint3d* points,
+                                           const AcGeVector3d*, Adesk::LongPtr) const {
+  if (count == 0 || points == nullptr) return Adesk::kFalse;
+  list_.emplace_back(LineItem{groundPoints(count, points), traits_.color()});
+  return Adesk::kFalse;
+}
+
+Adesk::Boolean RecordingGeometry::polygon(Adesk::UInt32 count, const AcGePoint3d* points) const {
+  if (count < 3 || points == nullptr) return Adesk::kFalse;
+  list_.emplace_back(AreaItem{groundPoints(count, points), traits_.color(),
+                              traits_.fillType() == kAcGiFillAlways});
+  return Adesk::kFalse;
+}
+
+Adesk::Boolean RecordingGeometry::text(const AcGePoint3d& position, const AcGeVector3d&,
+                                       const AcGeVector3d& direction, double height, double width,
+                                       double oblique, const ACHAR* message) const {
+  if (message == nullptr || *message == 0 || height <= 0) return Adesk::kFalse;
+  TextItem item;
+  item.position = {position.x, position.y};
+  item.direction = {direction.x, direction.y};
+  item.height = height;
+  item.widthFactor = width > 0 ? width : 1;
+  item.oblique = oblique;
+  item.text = QString::fromWCharArray(message);
+  item.color = traits_.color();
+  list_.emplace_back(std::move(item));
+  return Adesk::kFalse;
+}
+
+Adesk::Boolean RecordingGeometry::image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
+                                        const AcGeVector3d& u, const AcGeVector3d& v,
+                                        TransparencyMode mode) const {
+  ImageItem item;
+  item.image = premultipliedImage(source, mode);
+  if (item.image.isNull()) return Adesk::kFalse;
+  item.origin = {position.x, position.y};
+  item.u = {u.x, u.y};
+  item.v = {v.x, v.y};
+  list_.emplace_back(std::move(item));
+  return Adesk::kFalse;
+}
+
+}  // namespace tarn::host

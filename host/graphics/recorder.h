@@ -1,0 +1,97 @@
+// Records what an entity draws into a display list.
+#pragma once
+
+#include <cstdint>
+
+#include "acgi.h"
+#include "host/graphics/displaylist.h"
+
+namespace tarn::host {
+
+/// A plain geometry that converts and appends. Curves become lines here.
+class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
+ public:
+  RecordingGeometry(DisplayList& list, const AcGiSubEntityTraits& traits)
+      : list_(list), traits_(traits) {}
+
+  Adesk::Boolean circle(const AcGePoint3d& center, double radius,
+                        const AcGeVector3d& normal) const override;
+  Adesk::Boolean polyline(Adesk::UInt32 count, const AcGePoint3d* points,
+                          const AcGeVector3d* normal, Adesk::LongPtr marker) const override;
+  Adesk::Boolean polygon(Adesk::UInt32 count, const AcGePoint3d* points) const override;
+  Adesk::Boolean text(const AcGePoint3d& position, const AcGeVector3d& normal,
+                      const AcGeVector3d& direction, double height, double width, double oblique,
+                      const ACHAR* message) const override;
+  Adesk::Boolean image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
+                       const AcGeVector3d& u, const AcGeVector3d& v,
+                       TransparencyMode mode) const override;
+
+ private:
+  DisplayList& list_;
+  const AcGiSubEntityTraits& traits_;
+};
+
+/// Colour by layer and by block are resolved with the two colours given at the start.
+class ACADHOST_EXPORT RecordingTraits : public AcGiDrawableTraits {
+ public:
+  RecordingTraits(Adesk::UInt16 layerColor, Adesk::UInt16 entityColor) : layerColor_(layerColor) {
+    RecordingTraits::setColor(entityColor);
+  }
+  void setColor(Adesk::UInt16 color) override {
+    color_ = color == 256 ? layerColor_ : (color == 0 || color > 256 ? 7 : color);
+  }
+  Adesk::UInt16 color() const override { return color_; }
+  void setFillType(AcGiFillType fill) override { fill_ = fill; }
+  AcGiFillType fillType() const override { return fill_; }
+  void setSelectionMarker(Adesk::LongPtr) override {}
+
+ private:
+  Adesk::UInt16 layerColor_;
+  Adesk::UInt16 color_ = 7;
+  AcGiFillType fill_ = kAcGiFillAlways;
+};
+
+class ACADHOST_EXPORT RecordingContext : public AcGiContext {
+ public:
+  explicit RecordingContext(AcDbDatabase* database) : database_(database) {}
+  bool isPlotGeneration() const override { return false; }
+  AcDbDatabase* database() const override { return database_; }
+
+ private:
+  AcDbDatabase* database_;
+};
+
+/// The draw object handed to worldDraw(): everything goes to `list`. The list, and what the abort
+/// function refers to, must outlive it.
+class ACADHOST_EXPORT WorldDrawRecorder : public AcGiWorldDraw {
+ public:
+  using AbortFunction = bool (*)();
+
+  WorldDrawRecorder(DisplayList& list, AcDbDatabase* database, Adesk::UInt16 layerColor,
+                    Adesk::UInt16 entityColor, AbortFunction abortWanted = nullptr)
+      : traits_(layerColor, entityColor),
+        geometry_(list, traits_),
+        context_(database),
+        abortWanted_(abortWanted) {}
+
+  AcGiRegenType regenType() const override { return kAcGiStandardDisplay; }
+  bool regenAbort() const override { return abortWanted_ != nullptr && abortWanted_(); }
+  AcGiDrawableTraits& subEntityTraits() const override { return traits_; }
+  AcGiGeometry& rawGeometry() const override { return geometry_; }
+  bool isDragging() const override { return false; }
+  AcGiContext* context() override { return &context_; }
+  AcGiWorldGeometry& geometry() const override { return geometry_; }
+
+ private:
+  mutable RecordingTraits traits_;
+  mutable RecordingGeometry geometry_;
+  RecordingContext context_;
+  AbortFunction abortWanted_;
+};
+
+/// A copy of the pixels for the renderer: colours multiplied by alpha, alpha 0 all zero. kOff makes
+/// every pixel opaque, k1Bit those with alpha of 128 and more. Null when the picture is empty.
+ACADHOST_EXPORT QImage premultipliedImage(const AcGiImageBGRA32& source,
+                                          AcGiGeometry::TransparencyMode mode);
+
+}  // namespace tarn::host

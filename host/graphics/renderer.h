@@ -1,0 +1,27 @@
+// The one renderer: display lists through QPainter, for the window and for picture files.
+#pragma once
+
+#include <QColor>
+#include <QStringList>
+
+#include "adesk.h"
+#include "host/graphics/displaylist.h"
+#include "host/graphics/viewstate.h"
+
+class QPainter;
+
+namespace tarn::host {
+
+struct RenderStyle {
+  QRgb background = 0xff212830;
+  /// Tried in order for texts; Chinese first, since Latin letters are in those fonts too.
+  QStringList fontFamilies = {"WenQuanYi Micro Hei", "WenQuanYi Zen Hei", "Noto Sans CJK SC",
+                              "Droid Sans Fallback", "DejaVu Sans"};
+};
+
+/// Fills the view's pixels with the background and paints the scene in its order. One painter unit
+/// is one device pixel: the painter must have no transformation and its device a pixel ratio of 1.
+ACADHOST_EXPORT void render(QPainter& painter, const Scene& scene, const ViewState& view,
+                            const RenderStyle& style);
+
+}  // namespace tarn::host

@@ -1,0 +1,99 @@
+#include <string>
+#include <vector>
+
+#include "afxwin.h"
+#include "base/text.h"
+#include "host/ui/uibackend.h"
+#include "host/ui/uiservices.h"
+
+using tarn::host::uiServices;
+
+namespace tarn::host {
+
+int refusingButton(unsigned type) {
+  switch (type & 0xf) {
+    case MB_YESNO:
+      return IDNO;
+    case MB_OKCANCEL:
+    case MB_YESNOCANCEL:
+      return IDCANCEL;
+    default:
+      return IDOK;
+  }
+}
+
+}  // namespace tarn::host
+
+int AfxMessageBox(const ACHAR* text, UINT type, UINT) {
+  if (uiServices().backend == nullptr) return tarn::host::refusingButton(type);
+  return uiServices().backend->messageBox(tarn::toUtf8(text != nullptr ? text : L""), "", type);
+}
+
+struct CFileDialog::Parts {
+  tarn::host::FileRequest request;
+  std::vector<CString> chosen;
+};
+
+namespace {
+
+std::string utf8OrEmpty(const ACHAR* text) {
+  return text != nullptr ? tarn::toUtf8(text) : "";
+}
+
+/// Characters that the names need in the dialog's buffer: one name as it is, several as folder and
+/// names, each with its end, and one more end.
+size_t bufferNeeded(const std::vector<std::string>& names) {
+  size_t needed = 1;
+  for (const std::string& name : names) needed += tarn::toUtf16(tarn::toWide(name)).size() + 1;
+  return needed;
+}
+
+}  // namespace
+
+CFileDialog::CFileDialog(BOOL openFileDialog, const ACHAR* defaultExtension, const ACHAR* fileName,
+                         DWORD flags, const ACHAR* filter, CWnd*)
+    : parts_(std::make_unique<Parts>()) {
+  m_ofn.Flags = flags;
+  parts_->request.open = openFileDialog != FALSE;
+  parts_->request.defaultExtension = utf8OrEmpty(defaultExtension);
+  parts_->request.initialName = utf8OrEmpty(fileName);
+  parts_->request.filter = utf8OrEmpty(filter);
+}
+
+CFileDialog::~CFileDialog() = default;
+
+INT_PTR CFileDialog::DoModal() {
+  parts_->chosen.clear();
+  if (uiServices().backend == nullptr) return IDCANCEL;
+  tarn::host::FileRequest request = parts_->request;
+  request.several = request.open && (m_ofn.Flags & OFN_ALLOWMULTISELECT) != 0;
+  request.mustExist = request.open;
+  request.overwritePrompt = !request.open && (m_ofn.Flags & OFN_OVERWRITEPROMPT) != 0;
+  request.title = utf8OrEmpty(m_ofn.lpstrTitle);
+  const auto names = uiServices().backend->fileNames(request);
+  if (!names || names->empty()) return IDCANCEL;
+  if (bufferNeeded(*names) > m_ofn.nMaxFile) {
+    uiServices().backend->messageBox(
+        "The chosen names together are too long for this dialog; choose fewer files at a time.", "",
+        MB_OK | MB_ICONWARNING);
+    return IDCANCEL;
+  }
+  for (const std::string& name : *names) parts_->chosen.emplace_back(tarn::toWide(name));
+  return IDOK;
+}
+
+CString CFileDialog::GetPathName() const {
+  return parts_->chosen.empty() ? CString() : parts_->chosen.front();
+}
+
+POSITION CFileDialog::GetStartPosition() const {
+  return parts_->chosen.empty() ? nullptr : parts_->chosen.data();
+}
+
+CString CFileDialog::GetNextPathName(POSITION& position) const {
+  if (position == nullptr) return {};
+  const auto* current = static_cast<const CString*>(position);
+  const auto* next = current + 1;
+  position = next == parts_->chosen.data() + parts_->chosen.size() ? nullptr : next;
+  return *current;
+}
