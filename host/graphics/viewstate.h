@@ -21,7 +21,7 @@ struct PixelPoint {
 };
 
 /// An axis-aligned box of ground; empty while minX > maxX.
-struct GroundBox {
+struct ACADHOST_EXPORT GroundBox {
   double minX = 1;
   double minY = 1;
   double maxX = 0;
