@@ -13,8 +13,8 @@ ACADHOST_EXPORT resbuf* acutNewRb(int type);
 ACADHOST_EXPORT int acutRelRb(resbuf* chain);
 
 /// A chain from (type, value) pairs, ended by RTNONE or 0 (RTDXF0 stands for group code 0). Values:
-/// double, ads_point, int (16-bit types), Adesk::Int32, Adesk::Int64, ACHAR*, ads_name, resbuf*
-/// with a binary chunk, nothing for RTLB, RTLE, RTNIL, RTT, RTVOID, RTDOTE. Texts are copied. Null
+/// double, ads_point, int (16-bit types), Adesk::Int32, Adesk::Int64, ACHAR*, ads_name, const
+/// ads_binary*, nothing for RTLB, RTLE, RTNIL, RTT, RTVOID, RTDOTE. Texts are copied. Null
 /// when nothing was given or a type is unknown.
 ACADHOST_EXPORT resbuf* acutBuildList(int type, ...);
 

@@ -39,5 +39,5 @@ ACADHOST_EXPORT bool acrxLockApplication(void* packet);
 ACADHOST_EXPORT bool acrxRegisterAppMDIAware(void* packet);
 
 /// Ends the program after printing the text.
-[[noreturn]] ACADHOST_EXPORT void acrx_abort(const ACHAR* format, ...);
+[[noreturn]] ACADHOST_EXPORT void acrx_abort(const ACHAR* text);
 [[noreturn]] ACADHOST_EXPORT void acrxAbort(const ACHAR* text);
