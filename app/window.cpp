@@ -1,0 +1,101 @@
+#include <QApplication>
+#include <QScreen>
+#include <QTimer>
+#include <fstream>
+#include <iostream>
+#include <list>
+
+#include "app/session.h"
+#include "host/editor/hostapp.h"
+#include "host/headless/headlessfrontend.h"
+#include "host/window/appearance.h"
+#include "host/window/canvas.h"
+#include "host/window/dialogs.h"
+#include "host/window/mainwindow.h"
+#include "host/window/windowfrontend.h"
+
+namespace tarn::app {
+
+namespace {
+
+/// Opens the scripts; false, with a message, when one cannot be read.
+bool addInputs(const Options& options, host::WindowFrontEnd& frontEnd,
+               std::list<std::ifstream>& scripts) {
+  for (const StartInput& input : options.inputs) {
+    if (input.kind == StartInput::Kind::kCommand) {
+      frontEnd.addLines([line = std::optional<std::string>(input.text)]() mutable {
+        return std::exchange(line, std::nullopt);
+      });
+    } else if (input.text == "-") {
+      frontEnd.addLines(host::linesOf(std::cin));
+    } else {
+      std::ifstream& script = scripts.emplace_back(input.text);
+      // Reading a folder opens, but gives nothing.
+      if (!script || (script.peek(), script.bad())) {
+        std::cerr << "cadhost: " << input.text << ": the script cannot be read.\n";
+        return false;
+      }
+      frontEnd.addLines(host::linesOf(script));
+    }
+  }
+  return true;
+}
+
+/// Gives the canvas the size of the options, in device pixels, as far as the screen has room.
+void fitWindow(host::MainWindow& window, const Options& options) {
+  const Options defaults;
+  if (options.width != defaults.width || options.height != defaults.height) {
+    const double ratio = window.devicePixelRatioF();
+    const QSize wanted(qRound(options.width / ratio), qRound(options.height / ratio));
+    window.ensurePolished();
+    window.resize(window.size() + wanted - window.canvas().size());
+  }
+  if (const QScreen* screen = window.screen()) {
+    window.resize(window.size().boundedTo(screen->availableSize()));
+  }
+}
+
+}  // namespace
+
+int runWindow(const Options& options, int& argc, char** argv) {
+  QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+  QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  QApplication::setHighDpiScaleFactorRoundingPolicy(
+      Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+  QApplication application(argc, argv);
+  QApplication::setApplicationName("Tarn Image");
+  QApplication::setApplicationVersion(TARN_VERSION);
+  host::applyAppearance(application);
+
+  host::WindowFrontEnd frontEnd;
+  host::DialogBackend dialogs;
+  std::list<std::ifstream> scripts;
+  if (!addInputs(options, frontEnd, scripts)) return 2;
+
+  const std::string profile = profileFolder(options);
+  const Status prepared = prepareProfile(profile);
+  host::HostApp app(frontEnd, dialogs, profile);
+  host::MainWindow window(app, frontEnd, dialogs);
+  if (!prepared) app.print("\n" + prepared.message() + "\n");
+  window.show();
+  fitWindow(window, options);
+
+  bool good = true;
+  // The window stands before images are opened, which may take a while.
+  QTimer::singleShot(0, &window, [&] {
+    window.session().perform([&] {
+      loadModules(app, QCoreApplication::applicationDirPath().toStdString());
+      good = startDrawing(app, options);
+      frontEnd.runLines(app);
+      if (options.picture.empty()) return;
+      const std::string fault = app.savePicture(options.picture);
+      if (!fault.empty()) app.print("\n" + fault + "\n");
+      good = good && fault.empty();
+    });
+  });
+  const int code = QApplication::exec();
+  if (code != 0) return code;
+  return good && app.failedCommands() == 0 ? 0 : 1;
+}
+
+}  // namespace tarn::app

@@ -1,0 +1,218 @@
+#include "host/window/canvas.h"
+
+#include <QBitmap>
+#include <QCursor>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QWheelEvent>
+#include <cmath>
+
+#include "host/editor/hostapp.h"
+#include "host/window/mousemessage.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr double kZoomPerNotch = 1.25;
+constexpr int kUnitsPerNotch = 120;
+constexpr QRgb kEmptyCanvas = 0xff212830;
+
+/// A light cross with a dark rim: seen on every ground. The middle stays open, so that the pixel
+/// aimed at is visible.
+QCursor crosshair(double ratio) {
+  constexpr int kSide = 41;
+  constexpr int kGap = 3;
+  constexpr int kMiddle = kSide / 2;
+  QPixmap shape(QSize(kSide, kSide) * ratio);
+  shape.setDevicePixelRatio(ratio);
+  shape.fill(Qt::transparent);
+  QPainter painter(&shape);
+  const auto arms = [&](int thick, const QColor& color) {
+    const int side = thick / 2;
+    const int length = kMiddle - kGap;
+    const int end = kMiddle + kGap + 1;
+    painter.fillRect(kMiddle - side, 1 - side, thick, length + side, color);
+    painter.fillRect(kMiddle - side, end, thick, length - 1 + side, color);
+    painter.fillRect(1 - side, kMiddle - side, length + side, thick, color);
+    painter.fillRect(end, kMiddle - side, length - 1 + side, thick, color);
+  };
+  arms(3, QColor(0, 0, 0, 130));
+  arms(1, QColor(255, 255, 255, 235));
+  painter.end();
+  return QCursor(shape, kMiddle, kMiddle);
+}
+
+}  // namespace
+
+Canvas::Canvas(HostApp& app, Hooks hooks) : app_(app), hooks_(std::move(hooks)) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMouseTracking(true);
+  setMinimumSize(160, 120);
+  setCursor(crosshair(devicePixelRatioF()));
+  settleTimer_.setSingleShot(true);
+  settleTimer_.setInterval(kSettleMilliseconds);
+  QObject::connect(&settleTimer_, &QTimer::timeout, this, [this] { settle(); });
+}
+
+void Canvas::contentChanged() {
+  if (!onlyViewMoves_) {
+    frame_.invalidate();
+    contentSeen_ = true;
+  }
+  update();
+}
+
+void Canvas::settleLater() {
+  settleTimer_.start();
+}
+
+void Canvas::settle() {
+  if (dragging_ || !hooks_.mayAct()) {
+    settleTimer_.start();
+    return;
+  }
+  const QSize size = deviceSize();
+  app_.resizeView(size.width(), size.height());
+  settleTimer_.stop();
+  app_.regenerate();
+  hooks_.acted();
+}
+
+void Canvas::zoomExtents() {
+  if (!app_.zoomExtents()) hooks_.nothingToShow();
+  settleTimer_.stop();
+  hooks_.acted();
+}
+
+QSize Canvas::deviceSize() const {
+  const double ratio = devicePixelRatioF();
+  return {qMax(1, qRound(width() * ratio)), qMax(1, qRound(height() * ratio))};
+}
+
+QPoint Canvas::devicePixel(QPointF local) const {
+  const double ratio = devicePixelRatioF();
+  // A little is added, since 10 / 1.25 * 1.25 may come out below 10.
+  return {static_cast<int>(std::floor(local.x() * ratio + 1e-6)),
+          static_cast<int>(std::floor(local.y() * ratio + 1e-6))};
+}
+
+GroundPoint Canvas::groundAt(QPointF local) const {
+  const QPoint pixel = devicePixel(local);
+  return groundFromPixel(app_.view(), {pixel.x() + 0.5, pixel.y() + 0.5});
+}
+
+void Canvas::paintEvent(QPaintEvent*) {
+  const QSize size = deviceSize();
+  ViewState view = app_.view();
+  if (hooks_.mayAct() && view.pixelWidth == size.width() && view.pixelHeight == size.height()) {
+    frame_.update(view, [&](QPainter& painter) {
+      app_.renderTo(painter, view.pixelWidth, view.pixelHeight);
+    });
+  }
+  QPainter painter(this);
+  if (frame_.image().size() != size) painter.fillRect(rect(), QColor(kEmptyCanvas));
+  if (frame_.image().isNull()) return;
+  QImage shown = frame_.image();
+  shown.setDevicePixelRatio(devicePixelRatioF());
+  painter.drawImage(0, 0, shown);
+}
+
+void Canvas::resizeEvent(QResizeEvent*) {
+  if (hooks_.mayAct()) {
+    const QSize size = deviceSize();
+    app_.resizeView(size.width(), size.height());
+  }
+  settleLater();
+}
+
+void Canvas::tellWatchers(UINT message, const QMouseEvent& event) {
+  MouseState state;
+  state.canvas = devicePixel(event.localPos());
+  state.screen = devicePixel(event.screenPos());
+  state.buttons = event.buttons();
+  state.modifiers = event.modifiers();
+  state.milliseconds = event.timestamp();
+  app_.dispatchWindowMessage(mouseMessage(message, state));
+}
+
+void Canvas::mousePressEvent(QMouseEvent* event) {
+  if (!hooks_.mayAct() || event->button() != Qt::MiddleButton) return;
+  tellWatchers(WM_MBUTTONDOWN, *event);
+  dragging_ = true;
+  moved_ = false;
+  dragFrom_ = devicePixel(event->localPos());
+  setCursor(Qt::ClosedHandCursor);
+}
+
+void Canvas::mouseMoveEvent(QMouseEvent* event) {
+  if (!hooks_.mayAct()) return;
+  if (dragging_) dragTo(event->localPos());
+  hooks_.hovered(groundAt(event->localPos()));
+}
+
+void Canvas::dragTo(QPointF local) {
+  const QPoint now = devicePixel(local);
+  const QPoint by = now - dragFrom_;
+  if (by.isNull()) return;
+  dragFrom_ = now;
+  moved_ = true;
+  onlyViewMoves_ = true;
+  app_.panBy(by.x(), by.y());
+  onlyViewMoves_ = false;
+}
+
+void Canvas::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::MiddleButton) endDrag(*event);
+  if (!hooks_.mayAct() || event->button() != Qt::LeftButton) return;
+  tellWatchers(WM_LBUTTONUP, *event);
+  if (rect().contains(event->pos())) hooks_.picked(groundAt(event->localPos()));
+}
+
+/// The view follows the mouse to where the button was let go; then the watchers hear of it, and
+/// what none of them has drawn anew is regenerated.
+void Canvas::endDrag(const QMouseEvent& event) {
+  if (!dragging_) return;
+  dragging_ = false;
+  setCursor(crosshair(devicePixelRatioF()));
+  if (!hooks_.mayAct()) {
+    settleLater();
+    return;
+  }
+  dragTo(event.localPos());
+  contentSeen_ = false;
+  tellWatchers(WM_MBUTTONUP, event);
+  settleTimer_.stop();
+  if (moved_ && !contentSeen_) app_.regenerate();
+  hooks_.acted();
+}
+
+void Canvas::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (!hooks_.mayAct() || event->button() != Qt::MiddleButton) return;
+  tellWatchers(WM_MBUTTONDOWN, *event);
+  zoomExtents();
+  dragging_ = true;
+  moved_ = false;
+  dragFrom_ = devicePixel(event->localPos());
+}
+
+void Canvas::wheelEvent(QWheelEvent* event) {
+  const int delta = event->angleDelta().y();
+  if (!hooks_.mayAct() || delta == 0) return;
+  MouseState state;
+  state.canvas = devicePixel(event->position());
+  state.screen = devicePixel(event->globalPosition());
+  state.buttons = event->buttons();
+  state.modifiers = event->modifiers();
+  state.wheelDelta = delta;
+  state.milliseconds = event->timestamp();
+  app_.dispatchWindowMessage(mouseMessage(WM_MOUSEWHEEL, state));
+  const double factor = std::pow(kZoomPerNotch, static_cast<double>(delta) / kUnitsPerNotch);
+  app_.zoomAt({state.canvas.x() + 0.5, state.canvas.y() + 0.5}, factor);
+  settleLater();
+  hooks_.hovered(groundAt(event->position()));
+  event->accept();
+}
+
+}  // namespace tarn::host

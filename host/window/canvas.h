@@ -1,0 +1,67 @@
+// The drawing area: shows the picture of the current view and turns the mouse into view changes,
+// raw messages for the watchers, and picked points. Positions are device pixels.
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+#include "afxwin.h"
+#include "host/window/frame.h"
+
+namespace tarn::host {
+
+class HostApp;
+
+class Canvas : public QWidget {
+ public:
+  /// What the window around it supplies; all must be set. `app` must outlive the canvas.
+  struct Hooks {
+    std::function<bool()> mayAct;  ///< false while the host computes: the picture only stands there
+    std::function<void(GroundPoint)> picked;   ///< left click
+    std::function<void(GroundPoint)> hovered;  ///< the mouse stands on this ground
+    std::function<void()> acted;               ///< the canvas has made the host draw
+    std::function<void()> nothingToShow;       ///< zoom to extents of an empty drawing
+  };
+  Canvas(HostApp& app, Hooks hooks);
+
+  /// The picture of the drawing has changed: paint again soon. Cheap.
+  void contentChanged();
+  /// Regenerates when the view has been still for a moment.
+  void settleLater();
+  /// Zooms to the extents, or says that there is nothing to show.
+  void zoomExtents();
+
+  /// Time without a view change before the host regenerates, in milliseconds.
+  static constexpr int kSettleMilliseconds = 120;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  QPoint devicePixel(QPointF local) const;
+  QSize deviceSize() const;
+  GroundPoint groundAt(QPointF local) const;
+  void tellWatchers(UINT message, const QMouseEvent& event);
+  void dragTo(QPointF local);
+  void endDrag(const QMouseEvent& event);
+  void settle();
+
+  HostApp& app_;
+  Hooks hooks_;
+  Frame frame_;
+  QTimer settleTimer_;
+  QPoint dragFrom_;
+  bool dragging_ = false;
+  bool moved_ = false;          ///< the drag has changed the view
+  bool onlyViewMoves_ = false;  ///< display changes of this moment come from a pan of our own
+  bool contentSeen_ = false;    ///< something was drawn anew since this was last cleared
+};
+
+}  // namespace tarn::host

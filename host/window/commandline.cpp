@@ -1,0 +1,181 @@
+#include "host/window/commandline.h"
+
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QVBoxLayout>
+
+namespace tarn::host {
+
+namespace {
+
+constexpr int kMostHistoryLines = 5000;
+
+QFont lineFont() {
+  QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  font.setFamilies({"DejaVu Sans Mono", "WenQuanYi Micro Hei Mono", font.family()});
+  return font;
+}
+
+bool typesText(const QKeyEvent& key) {
+  const bool chord = key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+  return !chord && !key.text().isEmpty();
+}
+
+}  // namespace
+
+CommandLine::CommandLine(Hooks hooks)
+    : hooks_(std::move(hooks)),
+      history_(new QPlainTextEdit(this)),
+      prompt_(new QLabel(this)),
+      input_(new QLineEdit(this)) {
+  setObjectName("commandLine");
+  history_->setObjectName("history");
+  history_->setReadOnly(true);
+  history_->setUndoRedoEnabled(false);
+  history_->setMaximumBlockCount(kMostHistoryLines);
+  history_->setFrameShape(QFrame::NoFrame);
+  history_->setFont(lineFont());
+  prompt_->setObjectName("prompt");
+  prompt_->setFont(lineFont());
+  input_->setObjectName("input");
+  input_->setFont(lineFont());
+  input_->setFrame(false);
+  auto* row = new QHBoxLayout;
+  row->setContentsMargins(6, 2, 6, 2);
+  row->setSpacing(6);
+  row->addWidget(prompt_);
+  row->addWidget(input_, 1);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(history_, 1);
+  column->addLayout(row);
+  setMinimumHeight(3 * history_->fontMetrics().lineSpacing());
+  for (QObject* watched : {static_cast<QObject*>(history_), static_cast<QObject*>(input_)}) {
+    watched->installEventFilter(this);
+  }
+  setFocusProxy(input_);
+}
+
+void CommandLine::addLines(const std::vector<std::string>& lines) {
+  if (lines.empty()) return;
+  showOpenLine({});
+  for (const std::string& line : lines) history_->appendPlainText(QString::fromStdString(line));
+  scrollToEnd();
+}
+
+void CommandLine::showOpenLine(const std::string& text) {
+  if (openLine_) {
+    QTextCursor cursor(history_->document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.select(QTextCursor::BlockUnderCursor);
+    cursor.removeSelectedText();
+  }
+  openLine_ = !text.empty();
+  if (!openLine_) return;
+  history_->appendPlainText(QString::fromStdString(text));
+  scrollToEnd();
+}
+
+void CommandLine::scrollToEnd() {
+  QScrollBar* bar = history_->verticalScrollBar();
+  bar->setValue(bar->maximum());
+}
+
+void CommandLine::setPrompt(const std::string& prompt) {
+  fullPrompt_ = QString::fromStdString(prompt).trimmed();
+  fullPrompt_ = fullPrompt_.mid(fullPrompt_.lastIndexOf('\n') + 1);
+  prompt_->setToolTip(fullPrompt_);
+  elidePrompt();
+}
+
+void CommandLine::elidePrompt() {
+  const int most = qMax(80, width() * 3 / 5);
+  prompt_->setText(prompt_->fontMetrics().elidedText(fullPrompt_, Qt::ElideMiddle, most));
+}
+
+void CommandLine::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  elidePrompt();
+}
+
+QString CommandLine::historyText() const {
+  return history_->toPlainText();
+}
+
+QString CommandLine::promptText() const {
+  return fullPrompt_;
+}
+
+bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  auto& key = static_cast<QKeyEvent&>(*event);
+  if (key.key() == Qt::Key_Escape) {
+    input_->clear();
+    recalled_ = 0;
+    hooks_.escaped();
+    return true;
+  }
+  if (watched == input_) {
+    if (key.key() != Qt::Key_Tab) completion_ = -1;
+    return inputKey(key.key());
+  }
+  // Text typed over the history belongs to the input line.
+  if (!typesText(key)) return false;
+  input_->setFocus();
+  return inputKey(key.key()) || (input_->event(event), true);
+}
+
+bool CommandLine::inputKey(int key) {
+  switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+      const std::string line = input_->text().toStdString();
+      input_->clear();
+      recalled_ = 0;
+      hooks_.entered(line);
+      return true;
+    }
+    case Qt::Key_Up:
+      recall(1);
+      return true;
+    case Qt::Key_Down:
+      recall(-1);
+      return true;
+    case Qt::Key_Tab:
+      complete();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void CommandLine::recall(int step) {
+  const std::vector<std::string> lines = hooks_.earlierLines();
+  if (recalled_ == 0) newLine_ = input_->text();
+  recalled_ = qBound(0, recalled_ + step, static_cast<int>(lines.size()));
+  input_->setText(recalled_ == 0 ? newLine_
+                                 : QString::fromStdString(lines[lines.size() - recalled_]));
+}
+
+/// Tab walks through the command names that begin with what is typed.
+void CommandLine::complete() {
+  if (completion_ < 0) {
+    completions_.clear();
+    for (const std::string& name : hooks_.namesBeginningWith(input_->text().toStdString())) {
+      completions_ << QString::fromStdString(name);
+    }
+  }
+  if (completions_.isEmpty()) return;
+  completion_ = (completion_ + 1) % completions_.size();
+  input_->setText(completions_[completion_]);
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,63 @@
+// The command line at the bottom of the window: history, prompt and input. It knows nothing of
+// commands; what is typed goes to its hooks.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace tarn::host {
+
+class CommandLine : public QWidget {
+ public:
+  struct Hooks {
+    std::function<void(const std::string&)> entered;         ///< Enter: the line as typed
+    std::function<void()> escaped;                           ///< Escape
+    std::function<std::vector<std::string>()> earlierLines;  ///< oldest first
+    std::function<std::vector<std::string>(const std::string&)> namesBeginningWith;
+  };
+  explicit CommandLine(Hooks hooks);
+
+  /// Adds whole lines to the history.
+  void addLines(const std::vector<std::string>& lines);
+  /// Shows a line that is not finished yet as the last one; empty takes it away.
+  void showOpenLine(const std::string& text);
+  /// The text before the input; its last line when it has several.
+  void setPrompt(const std::string& prompt);
+
+  QString historyText() const;
+  QString promptText() const;
+  QLineEdit& input() { return *input_; }
+  QPlainTextEdit& history() { return *history_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  bool inputKey(int key);
+  void recall(int step);
+  void complete();
+  void elidePrompt();
+  void scrollToEnd();
+
+  Hooks hooks_;
+  QPlainTextEdit* history_;  ///< these three belong to the widget
+  QLabel* prompt_;
+  QLineEdit* input_;
+  QString fullPrompt_;
+  bool openLine_ = false;
+  int recalled_ = 0;  ///< how far back the shown line stands; 0: a new line
+  QString newLine_;   ///< what was typed before an earlier line was recalled
+  QStringList completions_;
+  int completion_ = -1;
+};
+
+}  // namespace tarn::host

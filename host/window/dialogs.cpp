@@ -1,0 +1,103 @@
+#include "host/window/dialogs.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+#include "afxwin.h"
+#include "host/ui/uiservices.h"
+#include "host/window/filefilters.h"
+
+namespace tarn::host {
+
+namespace {
+
+QMessageBox::Icon iconOf(unsigned type) {
+  switch (type & 0xf0) {
+    case MB_ICONERROR:
+      return QMessageBox::Critical;
+    case MB_ICONQUESTION:
+      return QMessageBox::Question;
+    case MB_ICONWARNING:
+      return QMessageBox::Warning;
+    case MB_ICONINFORMATION:
+      return QMessageBox::Information;
+    default:
+      return QMessageBox::NoIcon;
+  }
+}
+
+QMessageBox::StandardButtons buttonsOf(unsigned type) {
+  switch (type & 0xf) {
+    case MB_OKCANCEL:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case MB_YESNO:
+      return QMessageBox::Yes | QMessageBox::No;
+    case MB_YESNOCANCEL:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    default:
+      return QMessageBox::Ok;
+  }
+}
+
+int identifierOf(int button, unsigned type) {
+  switch (button) {
+    case QMessageBox::Ok:
+      return IDOK;
+    case QMessageBox::Yes:
+      return IDYES;
+    case QMessageBox::No:
+      return IDNO;
+    case QMessageBox::Cancel:
+      return IDCANCEL;
+    default:
+      return refusingButton(type);
+  }
+}
+
+}  // namespace
+
+int DialogBackend::messageBox(const std::string& text, const std::string& caption, unsigned type) {
+  QMessageBox box(parent_);
+  box.setWindowTitle(caption.empty() ? "Tarn Image" : QString::fromStdString(caption));
+  box.setTextFormat(Qt::PlainText);
+  box.setText(QString::fromStdString(text));
+  box.setIcon(iconOf(type));
+  box.setStandardButtons(buttonsOf(type));
+  box.exec();
+  const QAbstractButton* pressed = box.clickedButton();
+  return identifierOf(pressed != nullptr ? static_cast<int>(box.standardButton(box.clickedButton()))
+                                         : static_cast<int>(QMessageBox::NoButton),
+                      type);
+}
+
+std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& request) {
+  QFileDialog dialog(parent_);
+  dialog.setWindowTitle(!request.title.empty() ? QString::fromStdString(request.title)
+                        : request.open         ? "Open"
+                                               : "Save as");
+  dialog.setAcceptMode(request.open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
+  dialog.setFileMode(request.several                     ? QFileDialog::ExistingFiles
+                     : request.open && request.mustExist ? QFileDialog::ExistingFile
+                                                         : QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
+  dialog.setDefaultSuffix(plainExtension(request.defaultExtension));
+  const QStringList filters = dialogFilters(request.filter);
+  if (!filters.isEmpty()) dialog.setNameFilters(filters);
+  const QString initial = QString::fromStdString(request.initialName);
+  const QFileInfo start(initial);
+  if (initial.contains('/')) {
+    dialog.setDirectory(start.path());
+  } else if (!folder_.isEmpty()) {
+    dialog.setDirectory(folder_);
+  }
+  // A pattern as the first name ("*.tif") is the filter's business.
+  if (!start.fileName().isEmpty() && !initial.contains('*')) dialog.selectFile(start.fileName());
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  folder_ = dialog.directory().absolutePath();
+  std::vector<std::string> names;
+  for (const QString& name : dialog.selectedFiles()) names.push_back(name.toStdString());
+  return names;
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,12 @@
+// Pictures of the tool bar, drawn so that they are sharp at every size.
+#pragma once
+
+#include <QIcon>
+
+namespace tarn::host {
+
+enum class IconKind { kAddImages, kSavePicture, kZoomExtents, kZoomPrevious, kRegenerate };
+
+QIcon makeIcon(IconKind kind, const QColor& color);
+
+}  // namespace tarn::host

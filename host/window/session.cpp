@@ -1,0 +1,125 @@
+#include "host/window/session.h"
+
+#include <utility>
+
+#include "host/editor/documents.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/regenerator.h"
+#include "host/window/windowfrontend.h"
+
+namespace tarn::host {
+
+Session::Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> closeWindow)
+    : app_(app), frontEnd_(frontEnd), closeWindow_(std::move(closeWindow)) {}
+
+bool Session::mayAct() const {
+  return !frontEnd_.pumping() && (!app_.commandActive() || frontEnd_.reading());
+}
+
+void Session::enter(const std::string& line) {
+  if (!mayAct()) return;
+  if (frontEnd_.reading()) {
+    frontEnd_.give(line);
+    return;
+  }
+  const std::string command = line.empty() ? app_.lastCommand() : line;
+  app_.print("\nCommand: " + command + "\n");
+  if (command.empty()) return;
+  perform([this, command] { app_.runLine(command); });
+}
+
+void Session::pick(GroundPoint ground) {
+  if (!mayAct() || !frontEnd_.reading()) return;
+  if (frontEnd_.readingKind() == InputKind::kPoint) {
+    frontEnd_.give(formatPoint(ground.x, ground.y));
+  }
+}
+
+void Session::escape() {
+  if (!mayAct()) {
+    frontEnd_.wantCancel();
+  } else {
+    frontEnd_.cancelRead();
+  }
+}
+
+void Session::run(const std::string& line) {
+  perform([this, line] {
+    app_.print("\nCommand: " + line + "\n");
+    app_.runLine(line);
+  });
+}
+
+void Session::addImages(const std::vector<std::string>& files) {
+  if (files.empty()) return;
+  perform([this, files] {
+    const auto isEmpty = [this] {
+      return app_.regenerator().extents(app_.documents().current()).isEmpty();
+    };
+    const bool wasEmpty = isEmpty();
+    app_.print("\nCommand: addImage\n");
+    app_.runWithFiles("addImage", files);
+    if (wasEmpty && !isEmpty()) app_.zoomExtents();
+  });
+}
+
+void Session::runQueued() {
+  // A running command sees to it itself when it ends.
+  if (working_ || app_.commandActive() || !app_.hasQueued()) return;
+  if (frontEnd_.pumping()) {
+    frontEnd_.inputQueued();
+  } else {
+    perform([this] { app_.runQueued(); });
+  }
+}
+
+void Session::acted() {
+  if (!mayAct()) return;
+  if (working_ || app_.commandActive()) {
+    frontEnd_.releaseHeldInput();
+  } else {
+    runNext();
+  }
+}
+
+bool Session::requestClose() {
+  closeAsked_ = true;
+  waiting_.clear();
+  if (!working_ && !app_.commandActive() && !frontEnd_.pumping()) return true;
+  frontEnd_.close();
+  return false;
+}
+
+void Session::perform(std::function<void()> work) {
+  if (closeAsked_) return;
+  waiting_.push_back(std::move(work));
+  if (working_ || app_.commandActive() || frontEnd_.pumping()) {
+    // The command that waits for input ends in an outer call, which then goes on with this.
+    if (mayAct()) frontEnd_.cancelRead();
+    return;
+  }
+  runNext();
+}
+
+void Session::runNext() {
+  working_ = true;
+  while (!waiting_.empty() && !closeAsked_) {
+    const auto work = std::move(waiting_.front());
+    waiting_.erase(waiting_.begin());
+    work();
+  }
+  working_ = false;
+  finish();
+}
+
+void Session::finish() {
+  if (closeAsked_ || app_.quitRequested()) {
+    closeAsked_ = true;
+    closeWindow_();
+    return;
+  }
+  frontEnd_.tellState();
+  frontEnd_.releaseHeldInput();
+}
+
+}  // namespace tarn::host

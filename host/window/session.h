@@ -1,0 +1,63 @@
+// What the user does in the window, turned into calls of the host at a moment when it may be
+// called: lines, files, points, Escape, closing. Toolkit-free but for its timing.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/graphics/viewstate.h"
+
+namespace tarn::host {
+
+class HostApp;
+class WindowFrontEnd;
+
+class Session {
+ public:
+  /// Both must outlive the session. `closeWindow` is called once closing has been asked for and
+  /// nothing runs any more.
+  Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> closeWindow);
+
+  /// True when the host may be called now: no command computes.
+  bool mayAct() const;
+
+  /// A line of the command line: an answer for a waiting command, else a command; empty repeats the
+  /// last one.
+  void enter(const std::string& line);
+  /// A point picked in the drawing; means something only while a command waits for one.
+  void pick(GroundPoint ground);
+  /// Cancels what waits or computes.
+  void escape();
+
+  /// Calls of the host that may take long, once nothing runs any more. A waiting command is
+  /// cancelled first.
+  void perform(std::function<void()> work);
+  /// A command from the menus. A waiting command is cancelled first.
+  void run(const std::string& line);
+  /// A command whose file questions are answered with `files`; then, with nothing in the drawing
+  /// before, the view shows it all.
+  void addImages(const std::vector<std::string>& files);
+  /// Text that the host wants run; does nothing while a command runs.
+  void runQueued();
+
+  /// The canvas has called the host by itself (a regeneration, say): what arrived meanwhile
+  /// follows.
+  void acted();
+
+  /// Ends the program as soon as nothing runs. True when that is now.
+  bool requestClose();
+
+ private:
+  void runNext();
+  void finish();
+
+  HostApp& app_;
+  WindowFrontEnd& frontEnd_;
+  std::function<void()> closeWindow_;
+  std::vector<std::function<void()>> waiting_;  ///< run one after the other once nothing runs
+  bool working_ = false;
+  bool closeAsked_ = false;
+};
+
+}  // namespace tarn::host

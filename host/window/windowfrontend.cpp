@@ -1,0 +1,211 @@
+#include "host/window/windowfrontend.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QTimer>
+#include <utility>
+
+#include "host/window/canvas.h"
+#include "host/window/commandline.h"
+#include "host/window/heldinput.h"
+#include "host/window/statusarea.h"
+
+namespace tarn::host {
+
+namespace {
+
+/// Long operations ask often; the window is painted and keys are looked for this many times less.
+constexpr qint64 kPumpMilliseconds = 30;
+constexpr const char* kCommandPrompt = "Command:";
+
+}  // namespace
+
+struct WindowFrontEnd::Reader {
+  std::string prompt;
+  InputKind kind = InputKind::kToken;
+  QEventLoop loop;
+  std::optional<std::string> line;
+  bool done = false;
+};
+
+WindowFrontEnd::WindowFrontEnd()
+    : held_(std::make_unique<HeldInput>([this] { cancelWanted_ = true; })) {
+  sincePump_.start();
+}
+
+WindowFrontEnd::~WindowFrontEnd() = default;
+
+void WindowFrontEnd::attach(Canvas& canvas, CommandLine& line, StatusArea& status, Hooks hooks) {
+  canvas_ = &canvas;
+  line_ = &line;
+  status_ = &status;
+  hooks_ = std::move(hooks);
+  showPrompt();
+  print(std::exchange(early_, {}));
+}
+
+void WindowFrontEnd::detach() {
+  canvas_ = nullptr;
+  line_ = nullptr;
+  status_ = nullptr;
+  hooks_ = {};
+}
+
+void WindowFrontEnd::print(const std::string& text) {
+  if (line_ == nullptr) {
+    early_ += text;
+    return;
+  }
+  const std::vector<std::string> whole = lines_.add(text);
+  line_->addLines(whole);
+  line_->showOpenLine(lines_.open());
+}
+
+std::optional<std::string> WindowFrontEnd::readLine(const std::string& prompt, InputKind kind) {
+  if (line_ == nullptr || closing_) return std::nullopt;
+  if (std::optional<std::string> line = nextLine()) {
+    print("\n" + prompt + *line + "\n");
+    return line;
+  }
+  Reader reader;
+  reader.prompt = prompt;
+  reader.kind = kind;
+  readers_.push_back(&reader);
+  showPrompt();
+  releaseHeldInput();
+  while (!reader.done) reader.loop.exec();
+  readers_.pop_back();
+  print("\n" + prompt + reader.line.value_or("") + "\n");
+  showPrompt();
+  return reader.line;
+}
+
+void WindowFrontEnd::addLines(LineSource source) {
+  script_.push_back(std::move(source));
+}
+
+std::optional<std::string> WindowFrontEnd::nextLine() {
+  while (!script_.empty()) {
+    if (auto line = script_.front()()) return line;
+    script_.pop_front();
+  }
+  return std::nullopt;
+}
+
+void WindowFrontEnd::runLines(HostApp& app) {
+  while (!closing_ && !app.quitRequested()) {
+    const std::optional<std::string> line = nextLine();
+    if (!line) return;
+    if (line->empty() || line->front() == ';') continue;
+    print("\nCommand: " + *line + "\n");
+    app.runLine(*line);
+  }
+}
+
+void WindowFrontEnd::showPrompt() {
+  if (line_ == nullptr) return;
+  line_->setPrompt(readers_.empty() ? kCommandPrompt : readers_.back()->prompt);
+  tellState();
+}
+
+void WindowFrontEnd::tellState() {
+  if (hooks_.stateChanged) hooks_.stateChanged();
+}
+
+InputKind WindowFrontEnd::readingKind() const {
+  return readers_.empty() ? InputKind::kCommand : readers_.back()->kind;
+}
+
+void WindowFrontEnd::give(const std::string& line) {
+  if (readers_.empty()) return;
+  readers_.back()->line = line;
+  readers_.back()->done = true;
+  readers_.back()->loop.quit();
+}
+
+void WindowFrontEnd::cancelRead() {
+  if (readers_.empty()) return;
+  readers_.back()->line.reset();
+  readers_.back()->done = true;
+  readers_.back()->loop.quit();
+}
+
+void WindowFrontEnd::close() {
+  closing_ = true;
+  cancelWanted_ = true;
+  for (Reader* reader : readers_) {
+    reader->line.reset();
+    reader->done = true;
+    reader->loop.quit();
+  }
+}
+
+void WindowFrontEnd::progressBegin(const std::string& label, int minimum, int maximum) {
+  if (status_ == nullptr) return;
+  status_->beginProgress(QString::fromStdString(label), minimum, maximum);
+  pump();
+}
+
+void WindowFrontEnd::progressMove(int position) {
+  if (status_ == nullptr) return;
+  status_->moveProgress(position);
+  pumpSometimes();
+}
+
+void WindowFrontEnd::progressEnd() {
+  if (status_ != nullptr) status_->endProgress();
+}
+
+bool WindowFrontEnd::cancelWanted() {
+  pumpSometimes();
+  return cancelWanted_;
+}
+
+void WindowFrontEnd::cancelHandled() {
+  cancelWanted_ = closing_;
+}
+
+void WindowFrontEnd::pumpSometimes() {
+  if (sincePump_.elapsed() >= kPumpMilliseconds) pump();
+}
+
+void WindowFrontEnd::pump() {
+  if (pumping_ || line_ == nullptr) return;
+  pumping_ = true;
+  tellState();
+  QCoreApplication::instance()->installEventFilter(held_.get());
+  QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(kPumpMilliseconds));
+  QCoreApplication::instance()->removeEventFilter(held_.get());
+  pumping_ = false;
+  sincePump_.restart();
+}
+
+void WindowFrontEnd::releaseHeldInput() {
+  if (line_ != nullptr) held_->releaseTo(line_->input());
+}
+
+void WindowFrontEnd::displayChanged() {
+  if (canvas_ != nullptr) canvas_->contentChanged();
+}
+
+void WindowFrontEnd::inputQueued() {
+  if (line_ == nullptr) return;
+  QTimer::singleShot(pumping_ ? static_cast<int>(kPumpMilliseconds) : 0, line_, [this] {
+    if (hooks_.runQueued) hooks_.runQueued();
+  });
+}
+
+void WindowFrontEnd::regenerationWanted() {
+  if (canvas_ != nullptr) canvas_->settleLater();
+}
+
+void WindowFrontEnd::focusCommandLine() {
+  if (line_ != nullptr) line_->input().setFocus();
+}
+
+void WindowFrontEnd::quitWanted() {
+  if (hooks_.quit) hooks_.quit();
+}
+
+}  // namespace tarn::host
