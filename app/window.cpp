@@ -4,6 +4,8 @@
 #include <fstream>
 #include <iostream>
 #include <list>
+#include <optional>
+#include <utility>
 
 #include "app/session.h"
 #include "host/editor/hostapp.h"
