@@ -84,6 +84,7 @@ enum ErrorStatus : int {
   eNotAnEntity = 91,
   eHadMultipleReaders = 92,
   eDuplicateRecordName = 93,
+  eNoDatabase = 94,
   eMakeMeProxy = 301,
 };
 

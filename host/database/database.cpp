@@ -1,0 +1,138 @@
+#include <algorithm>
+
+#include "base/text.h"
+#include "dbdict.h"
+#include "dbents.h"
+#include "dbmain.h"
+#include "dbsymtb.h"
+#include "host/database/objectaccess.h"
+#include "host/database/observer.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDatabase, AcRxObject)
+
+using tarn::host::ObjectAccess;
+
+namespace {
+
+/// A new object of the host's own, owned by the database and closed.
+template <class T>
+AcDbObjectId addOwn(AcDbDatabase& database, T* object) {
+  const AcDbObjectId id = ObjectAccess::adopt(database, object);
+  object->close();
+  return id;
+}
+
+template <class Table, class Record>
+AcDbObjectId addRecord(AcDbObjectId tableId, Record* record, const ACHAR* name) {
+  record->setName(name);
+  Table* table = nullptr;
+  AcDbObjectId id;
+  if (acdbOpenObject(table, tableId, AcDb::kForWrite) == Acad::eOk) {
+    table->add(id, record);
+    record->close();
+    table->close();
+  }
+  return id;
+}
+
+}  // namespace
+
+AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
+    : state_(std::make_unique<tarn::host::DatabaseState>()) {
+  if (!buildDefaultDrawing) return;
+  state_->blockTable = addOwn(*this, new AcDbBlockTable);
+  state_->layerTable = addOwn(*this, new AcDbLayerTable);
+  state_->namedObjects = addOwn(*this, new AcDbDictionary);
+  state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
+  state_->currentLayer = state_->layerZero;
+  for (const ACHAR* space : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
+    addRecord<AcDbBlockTable>(state_->blockTable, new AcDbBlockTableRecord, space);
+  }
+}
+
+AcDbDatabase::~AcDbDatabase() {
+  state_->observer = nullptr;
+  // Newest first, so that an object outlives what it owns.
+  for (auto stub = state_->stubs.rbegin(); stub != state_->stubs.rend(); ++stub) {
+    stub->second->object.reset();
+    stub->second->database = nullptr;
+  }
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* object) {
+  if (object == nullptr) return Acad::eNullObjectPointer;
+  if (!object->objectId().isNull()) return Acad::eAlreadyInDb;
+  id = ObjectAccess::adopt(*this, object);
+  if (state_->observer != nullptr) state_->observer->objectAppended(*object);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObject* object) {
+  AcDbObjectId id;
+  return addAcDbObject(id, object);
+}
+
+AcDbObjectId AcDbDatabase::blockTableId() const {
+  return state_->blockTable;
+}
+AcDbObjectId AcDbDatabase::layerTableId() const {
+  return state_->layerTable;
+}
+AcDbObjectId AcDbDatabase::namedObjectsDictionaryId() const {
+  return state_->namedObjects;
+}
+
+Acad::ErrorStatus AcDbDatabase::getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->blockTable, mode);
+}
+
+Acad::ErrorStatus AcDbDatabase::getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->layerTable, mode);
+}
+
+Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dictionary,
+                                                          AcDb::OpenMode mode) {
+  return acdbOpenObject(dictionary, state_->namedObjects, mode);
+}
+
+AcDbObjectId AcDbDatabase::layerZero() const {
+  return state_->layerZero;
+}
+AcDbObjectId AcDbDatabase::clayer() const {
+  return state_->currentLayer;
+}
+
+Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId layer) {
+  const AcDbObject* record = tarn::host::peek(layer);
+  if (record == nullptr || layer.database() != this || layer.isErased()) return Acad::eInvalidInput;
+  if (!record->isKindOf(AcDbLayerTableRecord::desc())) return Acad::eNotThatKindOfClass;
+  state_->currentLayer = layer;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool /*createIfNotFound*/,
+                                                const AcDbHandle& handle) {
+  const auto found = state_->stubs.find(handle.value());
+  if (found == state_->stubs.end()) return Acad::eUnknownHandle;
+  id = AcDbObjectId(found->second);
+  return Acad::eOk;
+}
+
+AcDbHandle AcDbDatabase::handseed() const {
+  return AcDbHandle(state_->nextHandle);
+}
+
+Adesk::Int32 AcDbDatabase::approxNumObjects() const {
+  return static_cast<Adesk::Int32>(
+      std::count_if(state_->stubs.begin(), state_->stubs.end(),
+                    [](const auto& entry) { return !entry.second->object->isErased(); }));
+}
+
+Acad::ErrorStatus AcDbDatabase::getFilename(const ACHAR*& path) const {
+  path = state_->filename.c_str();
+  return Acad::eOk;
+}
+
+void AcDbDatabase::setFilename(const ACHAR* path) {
+  state_->filename = path != nullptr ? path : L"";
+}

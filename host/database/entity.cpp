@@ -1,0 +1,201 @@
+#include "acgi.h"
+#include "acutmem.h"
+#include "dbents.h"
+#include "dbfiler.h"
+#include "dbproxy.h"
+#include "dbsymtb.h"
+#include "host/database/objectaccess.h"
+#include "host/database/observer.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyEntity, AcDbEntity)
+
+namespace {
+
+constexpr Adesk::UInt16 kByLayer = 256;
+
+AcDbDatabase* databaseFor(const AcDbEntity& entity) {
+  return entity.database() != nullptr ? entity.database()
+                                      : acdbHostApplicationServices()->workingDatabase();
+}
+
+}  // namespace
+
+AcDbEntity::AcDbEntity() = default;
+AcDbEntity::~AcDbEntity() = default;
+
+AcDbObjectId AcDbEntity::layerId() const {
+  assertReadEnabled();
+  return layerId_;
+}
+
+ACHAR* AcDbEntity::layer() const {
+  assertReadEnabled();
+  const auto* record = AcDbLayerTableRecord::cast(tarn::host::peek(layerId_));
+  const ACHAR* name = L"0";
+  if (record != nullptr) record->getName(name);
+  ACHAR* copy = nullptr;
+  acutNewString(name, copy);
+  return copy;
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, Adesk::Boolean doSubents) {
+  AcDbDatabase* database = databaseFor(*this);
+  if (database == nullptr) return Acad::eNoDatabase;
+  const auto* layers = AcDbLayerTable::cast(tarn::host::peek(database->layerTableId()));
+  AcDbObjectId id;
+  if (layers == nullptr || layers->getIdAt(name, id) != Acad::eOk) return Acad::eKeyNotFound;
+  return setLayer(id, doSubents);
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId id, Adesk::Boolean /*doSubents*/) {
+  assertWriteEnabled();
+  const AcDbObject* record = tarn::host::peek(id);
+  if (record == nullptr || !record->isKindOf(AcDbLayerTableRecord::desc()))
+    return Acad::eInvalidInput;
+  layerId_ = id;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+Adesk::UInt16 AcDbEntity::colorIndex() const {
+  assertReadEnabled();
+  return color_;
+}
+
+Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 color, Adesk::Boolean /*doSubents*/) {
+  assertWriteEnabled();
+  if (color > kByLayer) return Acad::eInvalidInput;
+  color_ = color;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+AcDb::Visibility AcDbEntity::visibility() const {
+  assertReadEnabled();
+  return visibility_;
+}
+
+Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility visibility,
+                                            Adesk::Boolean /*doSubents*/) {
+  assertWriteEnabled();
+  visibility_ = visibility;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
+  assertWriteEnabled();
+  if (database == nullptr) database = databaseFor(*this);
+  if (database != nullptr) layerId_ = database->clayer();
+  color_ = kByLayer;
+}
+
+Adesk::Boolean AcDbEntity::worldDraw(AcGiWorldDraw* draw) {
+  return subWorldDraw(draw);
+}
+void AcDbEntity::viewportDraw(AcGiViewportDraw* draw) {
+  subViewportDraw(draw);
+}
+Adesk::UInt32 AcDbEntity::setAttributes(AcGiDrawableTraits* traits) {
+  return subSetAttributes(traits);
+}
+
+Acad::ErrorStatus AcDbEntity::draw() {
+  if (!isReadEnabled()) return Acad::eNotOpenForRead;
+  if (tarn::host::DatabaseObserver* observer = tarn::host::observerOf(*this)) {
+    observer->drawWanted(*this);
+  }
+  return Acad::eOk;
+}
+
+void AcDbEntity::recordGraphicsModified(Adesk::Boolean setModified) {
+  setModifiedGraphics(setModified);
+}
+
+Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
+  return subGetGeomExtents(extents);
+}
+
+Acad::ErrorStatus AcDbEntity::getOsnapPoints(
+    AcDb::OsnapMode osnapMode, Adesk::GsMarker gsSelectionMark, const AcGePoint3d& pickPoint,
+    const AcGePoint3d& lastPoint, const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+    AcDbIntArray& geomIds) const {
+  return subGetOsnapPoints(osnapMode, gsSelectionMark, pickPoint, lastPoint, viewXform, snapPoints,
+                           geomIds);
+}
+
+Acad::ErrorStatus AcDbEntity::getGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
+                                            AcDbIntArray& geomIds) const {
+  return subGetGripPoints(gripPoints, osnapModes, geomIds);
+}
+
+Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& transform) {
+  return subTransformBy(transform);
+}
+
+Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
+  const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer);
+  if (status != Acad::eOk) return status;
+  filer->writeHardPointerId(layerId_);
+  filer->writeUInt16(color_);
+  filer->writeUInt8(static_cast<Adesk::UInt8>(visibility_));
+  return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
+  const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer);
+  if (status != Acad::eOk) return status;
+  Adesk::UInt8 visibility = 0;
+  filer->readHardPointerId(&layerId_);
+  filer->readUInt16(&color_);
+  filer->readUInt8(&visibility);
+  visibility_ = visibility == AcDb::kInvisible ? AcDb::kInvisible : AcDb::kVisible;
+  recordGraphicsModified();
+  return filer->filerStatus();
+}
+
+Adesk::Boolean AcDbEntity::subWorldDraw(AcGiWorldDraw*) {
+  assertReadEnabled();
+  return Adesk::kTrue;
+}
+
+void AcDbEntity::subViewportDraw(AcGiViewportDraw*) {
+  assertReadEnabled();
+}
+
+Adesk::UInt32 AcDbEntity::subSetAttributes(AcGiDrawableTraits* traits) {
+  assertReadEnabled();
+  if (traits != nullptr) traits->setColor(color_);
+  return 0;
+}
+
+Acad::ErrorStatus AcDbEntity::subGetGeomExtents(AcDbExtents&) const {
+  assertReadEnabled();
+  return Acad::eInvalidExtents;
+}
+
+Acad::ErrorStatus AcDbEntity::subGetOsnapPoints(AcDb::OsnapMode, Adesk::GsMarker,
+                                                const AcGePoint3d&, const AcGePoint3d&,
+                                                const AcGeMatrix3d&, AcGePoint3dArray&,
+                                                AcDbIntArray&) const {
+  assertReadEnabled();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::subGetGripPoints(AcGePoint3dArray&, AcDbIntArray&,
+                                               AcDbIntArray&) const {
+  assertReadEnabled();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d&) {
+  assertWriteEnabled();
+  return Acad::eNotApplicable;
+}
+
+Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased) {
+  const Acad::ErrorStatus status = acdbOpenObject(entity, id, mode, openErased);
+  return status == Acad::eNotThatKindOfClass ? Acad::eNotAnEntity : status;
+}

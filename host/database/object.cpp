@@ -1,0 +1,197 @@
+#include <algorithm>
+#include <vector>
+
+#include "dbfiler.h"
+#include "dbmain.h"
+#include "host/database/objectaccess.h"
+#include "host/database/observer.h"
+#include "rxregsvc.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObject, AcRxObject)
+
+namespace {
+
+constexpr int kMostReaders = 256;
+
+}  // namespace
+
+struct AcDbObject::Reactors {
+  std::vector<AcDbObjectReactor*> list;
+};
+
+AcDbObjectReactor::~AcDbObjectReactor() = default;
+
+AcDbObject::AcDbObject() = default;
+
+AcDbObject::~AcDbObject() {
+  if (reactors_ == nullptr) return;
+  const std::vector<AcDbObjectReactor*> told = reactors_->list;
+  for (AcDbObjectReactor* reactor : told) reactor->goodbye(this);
+}
+
+Acad::ErrorStatus AcDbObject::setOwnerId(AcDbObjectId owner) {
+  assertWriteEnabled();
+  ownerId_ = owner;
+  return Acad::eOk;
+}
+
+namespace tarn::host {
+
+Acad::ErrorStatus ObjectAccess::open(AcDbObject& object, AcDb::OpenMode mode, bool openErased) {
+  if (object.erased_ && !openErased) return Acad::eWasErased;
+  if (object.writing_) return Acad::eWasOpenForWrite;
+  if (object.notifying_) return Acad::eWasOpenForNotify;
+  if (mode == AcDb::kForWrite && object.readers_ > 0) return Acad::eWasOpenForRead;
+  if (mode == AcDb::kForRead && object.readers_ >= kMostReaders) return Acad::eAtMaxReaders;
+  if (const Acad::ErrorStatus refused = object.subOpen(mode); refused != Acad::eOk) return refused;
+  switch (mode) {
+    case AcDb::kForRead:
+      ++object.readers_;
+      break;
+    case AcDb::kForWrite:
+      object.writing_ = true;
+      break;
+    case AcDb::kForNotify:
+      object.notifying_ = true;
+      break;
+  }
+  return Acad::eOk;
+}
+
+}  // namespace tarn::host
+
+Acad::ErrorStatus AcDbObject::close() {
+  if (!isResident() || (readers_ == 0 && !writing_ && !notifying_)) return Acad::eInvalidOpenState;
+  if (const Acad::ErrorStatus refused = subClose(); refused != Acad::eOk) return refused;
+  if (writing_) {
+    endWrite();
+  } else if (notifying_) {
+    notifying_ = false;
+  } else {
+    --readers_;
+  }
+  return Acad::eOk;
+}
+
+void AcDbObject::endWrite() {
+  writing_ = false;
+  appended_ = false;
+  const bool eraseChanged = std::exchange(eraseChanged_, false);
+  const bool modified = std::exchange(modified_, false) || std::exchange(graphicsModified_, false);
+  const auto told = reactors_ ? reactors_->list : std::vector<AcDbObjectReactor*>();
+  tarn::host::DatabaseObserver* observer = tarn::host::observerOf(*this);
+  if (eraseChanged) {
+    if (observer != nullptr) observer->objectErased(*this, erased_);
+    for (AcDbObjectReactor* reactor : told) reactor->erased(this, erased_);
+  } else if (modified) {
+    if (observer != nullptr) observer->objectModified(*this);
+    for (AcDbObjectReactor* reactor : told) reactor->modified(this);
+  }
+}
+
+Acad::ErrorStatus AcDbObject::upgradeOpen() {
+  if (!isResident() || readers_ == 0) return Acad::eInvalidOpenState;
+  if (readers_ > 1) return Acad::eHadMultipleReaders;
+  readers_ = 0;
+  writing_ = true;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::downgradeOpen() {
+  if (!isResident() || !writing_) return Acad::eInvalidOpenState;
+  endWrite();
+  readers_ = 1;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::upgradeFromNotify(Adesk::Boolean& wasWritable) {
+  if (!isResident() || !notifying_) return Acad::eInvalidOpenState;
+  wasWritable = writing_;
+  notifying_ = false;
+  writing_ = true;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::downgradeToNotify(Adesk::Boolean wasWritable) {
+  if (!isResident() || !writing_) return Acad::eInvalidOpenState;
+  if (!wasWritable) endWrite();
+  notifying_ = true;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
+  if (!isResident()) return Acad::eNoDatabase;
+  if (!writing_) return Acad::eNotOpenForWrite;
+  if (erased_ == erasing) return erasing ? Acad::eWasErased : Acad::eInvalidOpenState;
+  if (const Acad::ErrorStatus refused = subErase(erasing); refused != Acad::eOk) return refused;
+  erased_ = erasing;
+  eraseChanged_ = !eraseChanged_;
+  modified_ = true;
+  return Acad::eOk;
+}
+
+void AcDbObject::assertReadEnabled() const {
+  if (!isReadEnabled()) acrx_abort(L"eNotOpenForRead");
+}
+
+void AcDbObject::assertWriteEnabled(Adesk::Boolean /*autoUndo*/, Adesk::Boolean recordModified) {
+  if (!isWriteEnabled()) acrx_abort(L"eNotOpenForWrite");
+  if (recordModified) modified_ = true;
+}
+
+void AcDbObject::assertNotifyEnabled() const {
+  if (!isNotifyEnabled() && !isReadEnabled()) acrx_abort(L"eNotOpenForNotify");
+}
+
+void AcDbObject::addReactor(AcDbObjectReactor* reactor) const {
+  if (reactors_ == nullptr) reactors_ = std::make_unique<Reactors>();
+  std::vector<AcDbObjectReactor*>& list = reactors_->list;
+  if (std::find(list.begin(), list.end(), reactor) == list.end()) list.push_back(reactor);
+}
+
+void AcDbObject::removeReactor(AcDbObjectReactor* reactor) const {
+  if (reactors_ == nullptr) return;
+  std::vector<AcDbObjectReactor*>& list = reactors_->list;
+  list.erase(std::remove(list.begin(), list.end(), reactor), list.end());
+}
+
+Acad::ErrorStatus AcDbObject::dwgOut(AcDbDwgFiler* filer) const {
+  return dwgOutFields(filer);
+}
+
+Acad::ErrorStatus AcDbObject::dwgIn(AcDbDwgFiler* filer) {
+  return dwgInFields(filer);
+}
+
+Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
+  assertReadEnabled();
+  filer->writeSoftPointerId(ownerId_);
+  return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
+  assertWriteEnabled();
+  filer->readSoftPointerId(&ownerId_);
+  return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbObject::subOpen(AcDb::OpenMode) {
+  return Acad::eOk;
+}
+Acad::ErrorStatus AcDbObject::subErase(Adesk::Boolean) {
+  return Acad::eOk;
+}
+Acad::ErrorStatus AcDbObject::subClose() {
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased) {
+  object = nullptr;
+  if (id.isNull()) return Acad::eNullObjectId;
+  AcDbObject* found = tarn::host::peek(id);
+  if (found == nullptr) return Acad::ePermanentlyErased;
+  const Acad::ErrorStatus status = tarn::host::ObjectAccess::open(*found, mode, openErased);
+  if (status == Acad::eOk) object = found;
+  return status;
+}

@@ -1,0 +1,52 @@
+// The state behind ids, objects and databases, and the one place that changes how objects are open.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "dbid.h"
+#include "dbmain.h"
+
+namespace tarn::host {
+class DatabaseObserver;
+}
+
+/// What an id points to. Never destroyed, so that an id kept too long stays harmless; without a
+/// database once the drawing was closed.
+class AcDbStub {
+ public:
+  AcDbDatabase* database = nullptr;
+  AcDbHandle handle;
+  std::unique_ptr<AcDbObject> object;
+};
+
+namespace tarn::host {
+
+struct DatabaseState {
+  std::map<Adesk::UInt64, AcDbStub*> stubs;  // by handle, in the order of creation
+  Adesk::UInt64 nextHandle = 1;
+  AcDbObjectId blockTable;
+  AcDbObjectId layerTable;
+  AcDbObjectId namedObjects;
+  AcDbObjectId layerZero;
+  AcDbObjectId currentLayer;
+  std::wstring filename;
+  DatabaseObserver* observer = nullptr;
+};
+
+/// Each opening of an object, for whatever purpose, goes through here; undo recording belongs here
+/// too.
+class ObjectAccess {
+ public:
+  static DatabaseState& state(AcDbDatabase& database) { return *database.state_; }
+  static AcDbObjectId adopt(AcDbDatabase& database, AcDbObject* object);
+  static Acad::ErrorStatus open(AcDbObject& object, AcDb::OpenMode mode, bool openErased);
+  static void setOwner(AcDbObject& object, AcDbObjectId owner) { object.ownerId_ = owner; }
+};
+
+/// The object of a valid id, open or not, for the host's own look at its tables; else null.
+AcDbObject* peek(AcDbObjectId id);
+
+}  // namespace tarn::host

@@ -1,0 +1,33 @@
+// How the program around a database learns what happens in it.
+#pragma once
+
+#include "adesk.h"
+
+class AcDbDatabase;
+class AcDbEntity;
+class AcDbObject;
+
+namespace tarn::host {
+
+/// Every call comes on the main thread. During objectAppended and drawWanted the object is open for
+/// write or read; during the others it is closed. Nothing may be destroyed by a call.
+class DatabaseObserver {
+ public:
+  virtual ~DatabaseObserver() = default;
+  virtual void objectAppended(AcDbObject& object) = 0;
+  /// A change was made and the object was closed.
+  virtual void objectModified(AcDbObject& object) = 0;
+  /// The erase mark was set or taken off and the object was closed.
+  virtual void objectErased(AcDbObject& object, bool erased) = 0;
+  /// AcDbEntity::draw() was called: draw this one now.
+  virtual void drawWanted(AcDbEntity& entity) = 0;
+};
+
+/// Installs the one observer of a database, in place of an earlier one; null takes it off. The
+/// observer is not owned and must be taken off before it is destroyed.
+ACADHOST_EXPORT void setDatabaseObserver(AcDbDatabase& database, DatabaseObserver* observer);
+
+/// The observer of an object's database, or null.
+DatabaseObserver* observerOf(const AcDbObject& object);
+
+}  // namespace tarn::host
