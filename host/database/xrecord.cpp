@@ -1,6 +1,8 @@
 #include "dbxrecrd.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <variant>
@@ -9,9 +11,13 @@
 #include "acutmem.h"
 #include "dbfiler.h"
 #include "host/database/recordfiling.h"
+#include "host/rx/resbuf_kind.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbXrecord, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
                         XRECORD, ObjectDBX Classes)
+
+using tarn::host::ResbufKind;
+using tarn::host::resbufKindOf;
 
 namespace {
 
@@ -25,64 +31,42 @@ struct Item {
   Value value;
 };
 
-enum class Kind { kNone, kText, kPoint, kReal, kInt16, kInt32, kInt64, kBytes, kId };
-
-struct Range {
-  int first;
-  int last;
-  Kind kind;
-};
-
-// Which value a group code of a record has.
-constexpr Range kRanges[] = {
-    {1, 4, Kind::kText},      {6, 9, Kind::kText},      {10, 37, Kind::kPoint},
-    {38, 59, Kind::kReal},    {60, 79, Kind::kInt16},   {90, 99, Kind::kInt32},
-    {100, 100, Kind::kText},  {102, 102, Kind::kText},  {110, 119, Kind::kPoint},
-    {140, 149, Kind::kReal},  {160, 169, Kind::kInt64}, {170, 179, Kind::kInt16},
-    {210, 219, Kind::kPoint}, {270, 299, Kind::kInt16}, {300, 309, Kind::kText},
-    {310, 319, Kind::kBytes}, {320, 369, Kind::kId},    {370, 389, Kind::kInt16},
-    {400, 409, Kind::kInt16}, {410, 419, Kind::kText},  {420, 429, Kind::kInt32},
-    {430, 439, Kind::kText},  {440, 459, Kind::kInt32}, {460, 469, Kind::kReal},
-    {470, 479, Kind::kText},
-};
-
-Kind kindOf(int code) {
-  for (const Range& range : kRanges) {
-    if (code >= range.first && code <= range.last) return range.kind;
-  }
-  return Kind::kNone;
+/// A record keeps no result codes and no extended data.
+ResbufKind kindOf(int code) {
+  return code >= 1 && code < 999 ? resbufKindOf(code) : ResbufKind::kUnknown;
 }
 
 bool itemFrom(const resbuf& buffer, Item& item) {
   item.code = buffer.restype;
   const ads_u_val& value = buffer.resval;
   switch (kindOf(item.code)) {
-    case Kind::kText:
+    case ResbufKind::kText:
       item.value = std::wstring(value.rstring != nullptr ? value.rstring : L"");
       return true;
-    case Kind::kPoint:
+    case ResbufKind::kPoint:
       item.value = Point{value.rpoint[0], value.rpoint[1], value.rpoint[2]};
       return true;
-    case Kind::kReal:
+    case ResbufKind::kReal:
       item.value = value.rreal;
       return true;
-    case Kind::kInt16:
+    case ResbufKind::kInt16:
       item.value = static_cast<Adesk::Int16>(value.rint);
       return true;
-    case Kind::kInt32:
+    case ResbufKind::kInt32:
       item.value = value.rlong;
       return true;
-    case Kind::kInt64:
+    case ResbufKind::kInt64:
       item.value = value.mnInt64;
       return true;
-    case Kind::kBytes:
+    case ResbufKind::kBinary:
       item.value =
           Bytes(value.rbinary.buf, value.rbinary.buf + std::max<short>(0, value.rbinary.clen));
       return true;
-    case Kind::kId:
+    case ResbufKind::kName:
       item.value = AcDbObjectId().setFromOldId(value.rlname[0]);
       return true;
-    case Kind::kNone:
+    case ResbufKind::kUnknown:
+    case ResbufKind::kNothing:
       break;
   }
   return false;
@@ -92,8 +76,9 @@ void copyBytes(const Bytes& bytes, resbuf& buffer) {
   buffer.resval.rbinary.clen = static_cast<short>(bytes.size());
   buffer.resval.rbinary.buf = nullptr;
   if (bytes.empty()) return;
-  // acutRelRb frees binary chunks with delete[].
-  buffer.resval.rbinary.buf = new char[bytes.size()];
+  // acutRelRb frees it.
+  buffer.resval.rbinary.buf = static_cast<char*>(std::malloc(bytes.size()));
+  if (buffer.resval.rbinary.buf == nullptr) return;
   std::memcpy(buffer.resval.rbinary.buf, bytes.data(), bytes.size());
 }
 
@@ -142,34 +127,35 @@ T readWith(AcDbDwgFiler& filer, Acad::ErrorStatus (AcDbDwgFiler::*read)(T*)) {
   return value;
 }
 
-Value readValue(AcDbDwgFiler& filer, Kind kind) {
+Value readValue(AcDbDwgFiler& filer, ResbufKind kind) {
   switch (kind) {
-    case Kind::kText: {
+    case ResbufKind::kText: {
       std::wstring text;
       tarn::host::readText(filer, text);
       return text;
     }
-    case Kind::kPoint: {
+    case ResbufKind::kPoint: {
       const auto point = readWith(filer, &AcDbDwgFiler::readPoint3d);
       return Point{point.x, point.y, point.z};
     }
-    case Kind::kReal:
+    case ResbufKind::kReal:
       return readWith(filer, &AcDbDwgFiler::readDouble);
-    case Kind::kInt16:
+    case ResbufKind::kInt16:
       return readWith(filer, &AcDbDwgFiler::readInt16);
-    case Kind::kInt32:
+    case ResbufKind::kInt32:
       return readWith(filer, &AcDbDwgFiler::readInt32);
-    case Kind::kInt64:
+    case ResbufKind::kInt64:
       return readWith(filer, &AcDbDwgFiler::readInt64);
-    case Kind::kBytes: {
+    case ResbufKind::kBinary: {
       const auto size = readWith(filer, &AcDbDwgFiler::readInt32);
       Bytes bytes(static_cast<size_t>(std::clamp(size, 0, 32767)));
       filer.readBytes(bytes.data(), bytes.size());
       return bytes;
     }
-    case Kind::kId:
+    case ResbufKind::kName:
       return readWith(filer, &AcDbDwgFiler::readSoftPointerId);
-    case Kind::kNone:
+    case ResbufKind::kUnknown:
+    case ResbufKind::kNothing:
       break;
   }
   filer.setFilerStatus(Acad::eInvalidDxfCode);
