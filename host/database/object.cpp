@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "dbfiler.h"
@@ -77,7 +78,8 @@ void AcDbObject::endWrite() {
   writing_ = false;
   appended_ = false;
   const bool eraseChanged = std::exchange(eraseChanged_, false);
-  const bool modified = std::exchange(modified_, false) || std::exchange(graphicsModified_, false);
+  const bool graphics = std::exchange(graphicsModified_, false);
+  const bool modified = std::exchange(modified_, false) || graphics;
   const auto told = reactors_ ? reactors_->list : std::vector<AcDbObjectReactor*>();
   tarn::host::DatabaseObserver* observer = tarn::host::observerOf(*this);
   if (eraseChanged) {

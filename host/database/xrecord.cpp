@@ -158,7 +158,7 @@ Value readValue(AcDbDwgFiler& filer, ResbufKind kind) {
     case ResbufKind::kNothing:
       break;
   }
-  filer.setFilerStatus(Acad::eInvalidDxfCode);
+  if (filer.filerStatus() == Acad::eOk) filer.setFilerStatus(Acad::eInvalidDxfCode);
   return {};
 }
 
