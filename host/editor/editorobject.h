@@ -28,9 +28,8 @@ class ACADHOST_EXPORT EditorObject : public AcEditor {
   std::vector<AcRxEventReactor*> reactors_;
 };
 
-/// The one editor object, entered as "AcEditor" in the system registry while a HostApp lives.
+/// The one editor object; enterEditorObject() puts it into the system registry as "AcEditor".
 ACADHOST_EXPORT EditorObject& editorObject();
 void enterEditorObject();
-void removeEditorObject();
 
 }  // namespace tarn::host

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/parallel.h"
+
 namespace tarn::host {
 
 namespace {
@@ -60,8 +62,8 @@ QRect coveredPixels(const BlitPlan& plan, int imageWidth, int imageHeight, int w
   const double det = plan.ix * plan.jy - plan.iy * plan.jx;
   double minX = 1e300, minY = 1e300, maxX = -1e300, maxY = -1e300;
   for (int corner = 0; corner < 4; ++corner) {
-    const double i = (corner % 2) * imageWidth - plan.i0;
-    const double j = (corner / 2) * imageHeight - plan.j0;
+    const double i = (corner % 2 == 0 ? 0 : imageWidth) - plan.i0;
+    const double j = (corner < 2 ? 0 : imageHeight) - plan.j0;
     const double x = (i * plan.jy - j * plan.iy) / det;
     const double y = (j * plan.ix - i * plan.jx) / det;
     minX = std::min(minX, x);
@@ -106,8 +108,8 @@ class Sampler {
     const double y = j - 0.5;
     const int left = static_cast<int>(std::floor(x));
     const int top = static_cast<int>(std::floor(y));
-    const auto wx = static_cast<std::uint32_t>((x - left) * 256 + 0.5);
-    const auto wy = static_cast<std::uint32_t>((y - top) * 256 + 0.5);
+    const auto wx = static_cast<std::uint32_t>((x - left) * 512 + 1) >> 1;
+    const auto wy = static_cast<std::uint32_t>((y - top) * 512 + 1) >> 1;
     const int l = std::max(left, 0);
     const int r = std::min(left + 1, width_ - 1);
     const int t = std::max(top, 0);
@@ -159,8 +161,11 @@ QImage resample(const QImage& source, const BlitPlan& plan, int deviceWidth, int
   if (out.isNull()) return out;
   const Sampler sampler(source);
   const bool smooth = plan.mode == BlitMode::kBilinear;
-  for (int row = 0; row < covered.height(); ++row) {
-    auto* line = reinterpret_cast<std::uint32_t*>(out.scanLine(row));
+  // Detached once, before the threads write their own rows.
+  std::uint32_t* const bits = reinterpret_cast<std::uint32_t*>(out.bits());
+  const ptrdiff_t stride = out.bytesPerLine() / 4;
+  const auto drawRow = [&](int row) {
+    std::uint32_t* line = bits + row * stride;
     const double y = covered.top() + row + 0.5;
     const double iRow = plan.iy * y + plan.i0;
     const double jRow = plan.jy * y + plan.j0;
@@ -172,7 +177,14 @@ QImage resample(const QImage& source, const BlitPlan& plan, int deviceWidth, int
                      : smooth             ? sampler.bilinear(i, j)
                                           : sampler.nearest(i, j);
     }
-  }
+  };
+  constexpr int kRowsAtOnce = 64;
+  const int bands = (covered.height() + kRowsAtOnce - 1) / kRowsAtOnce;
+  parallelFor(static_cast<size_t>(bands), [&](size_t band) {
+    const int first = static_cast<int>(band) * kRowsAtOnce;
+    const int last = std::min(first + kRowsAtOnce, covered.height());
+    for (int row = first; row < last; ++row) drawRow(row);
+  });
   return out;
 }
 

@@ -32,7 +32,9 @@ class MainFrame : public CMDIFrameWnd {
  protected:
   LRESULT WindowProc(UINT message, WPARAM, LPARAM lParam) override {
     if (message != WM_COPYDATA || lParam == 0) return 0;
-    const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+    // The message carries the address as a number.
+    const auto* data =
+        reinterpret_cast<const COPYDATASTRUCT*>(lParam);  // NOLINT(performance-no-int-to-ptr)
     if (data->dwData != kCommandText || !uiServices().runText) return 0;
     uiServices().runText(textOf(*data));
     return 1;

@@ -1,0 +1,97 @@
+#include "app/session.h"
+
+#include <QStandardPaths>
+#include <algorithm>
+#include <iterator>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/modules.h"
+#include "host/editor/namedrecords.h"
+
+namespace tarn::app {
+
+std::string profileFolder(const Options& options) {
+  if (!options.profile.empty()) return absolutePath(options.profile);
+  const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+  return joinPath(data.toStdString(), "tarnimage");
+}
+
+Status prepareProfile(const std::string& folder) {
+  const std::string configuration = joinPath(folder, "system");
+  if (Status status = makeFolders(configuration); !status) return status;
+  if (Status status = makeFolders(joinPath(folder, "cache")); !status) return status;
+  const std::string database = joinPath(configuration, "tarnconfig.db");
+  // An empty file is a valid, empty database.
+  if (fileKind(database) != FileKind::kMissing) return {};
+  return writeFileAtomically(database, "");
+}
+
+namespace {
+
+/// In the order of loading; the image module needs what the adapter registers.
+constexpr const char* kModules[] = {"adapter_autocad.arx", "image.arx"};
+
+}  // namespace
+
+void loadModules(host::HostApp& app, const std::string& programFolder) {
+  for (const char* name : kModules) {
+    const std::string path = joinPath(programFolder, name);
+    if (fileKind(path) == FileKind::kMissing) {
+      app.print("\n" + path + ": there is no such module; going on without it.\n");
+    } else if (Status status = host::loadModule(path); !status) {
+      app.print("\n" + status.message() + "\n");
+    }
+  }
+  app.runQueued();
+}
+
+void unloadModules() {
+  for (size_t i = std::size(kModules); i-- > 0;) host::unloadModule(kModules[i]);
+}
+
+namespace {
+
+/// Adds the images through the module's own command; false when one is not in its list afterwards.
+bool addImages(host::HostApp& app, const std::vector<std::string>& images) {
+  std::vector<std::string> present;
+  for (const std::string& image : images) {
+    if (fileKind(image) != FileKind::kMissing) {
+      present.push_back(absolutePath(image));
+    } else {
+      app.print("\n" + image + ": there is no such file.\n");
+    }
+  }
+  bool all = present.size() == images.size();
+  if (present.empty()) return false;
+  all = app.runWithFiles("addImage", present) && all;
+  const std::vector<std::string> listed = host::namedStrings(app, "ImagePath", "ImagePath");
+  for (const std::string& image : present) {
+    const bool found = std::find(listed.begin(), listed.end(), image) != listed.end();
+    if (!found) app.print("\n" + image + ": not added.\n");
+    all = all && found;
+  }
+  return all;
+}
+
+}  // namespace
+
+bool startDrawing(host::HostApp& app, const Options& options) {
+  constexpr double kDegree = 3.141592653589793 / 180;
+  app.setStatistics(options.statistics);
+  if (options.view) {
+    host::ViewState view = app.view();
+    view.centerX = options.view->centerX;
+    view.centerY = options.view->centerY;
+    view.height = options.view->height;
+    view.twist = options.view->twistDegrees * kDegree;
+    app.setView(view);
+  }
+  if (options.images.empty()) return true;
+  const bool added = addImages(app, options.images);
+  if (!options.view) app.zoomExtents();
+  return added;
+}
+
+}  // namespace tarn::app

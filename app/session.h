@@ -1,0 +1,38 @@
+// What happens at the start of the program, with and without a window.
+#pragma once
+
+#include <string>
+
+#include "app/options.h"
+#include "base/result.h"
+
+namespace tarn::host {
+class HostApp;
+}  // namespace tarn::host
+
+namespace tarn::app {
+
+/// The folder for settings and cache: that of the options, else the user's data folder.
+std::string profileFolder(const Options& options);
+
+/// Makes the profile's folders and, at the first start, an empty configuration database.
+Status prepareProfile(const std::string& folder);
+
+/// Loads the CAD adapter and the image module from the program's folder; a missing one is reported
+/// on the command line and left out.
+void loadModules(host::HostApp& app, const std::string& programFolder);
+
+/// Ends the modules, last first. Call it before the host goes.
+void unloadModules();
+
+/// View, statistics, and the images of the command line. False when an image could not be
+/// added; each has left a message.
+bool startDrawing(host::HostApp& app, const Options& options);
+
+/// The program with a window; returns its exit code.
+int runWindow(const Options& options, int& argc, char** argv);
+
+/// The program without one.
+int runHeadless(const Options& options, int& argc, char** argv);
+
+}  // namespace tarn::app

@@ -1,0 +1,114 @@
+#include "host/editor/commandlineui.h"
+
+#include "afxwin.h"
+#include "base/file.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "host/editor/commandprocessor.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/inputvalues.h"
+#include "host/ui/uiservices.h"
+
+namespace tarn::host {
+
+namespace {
+
+struct Button {
+  const char* keyword;
+  int id;
+};
+
+std::vector<Button> buttonsOf(unsigned type) {
+  switch (type & 0xf) {
+    case MB_OKCANCEL:
+      return {{"OK", IDOK}, {"Cancel", IDCANCEL}};
+    case MB_YESNO:
+      return {{"Yes", IDYES}, {"No", IDNO}};
+    case MB_YESNOCANCEL:
+      return {{"Yes", IDYES}, {"No", IDNO}, {"Cancel", IDCANCEL}};
+    default:
+      return {{"OK", IDOK}};
+  }
+}
+
+/// ".tif" of "*.tif", ".tif" or "tif".
+std::string plainExtension(const std::string& given) {
+  const size_t first = given.find_first_not_of("*.");
+  return first == std::string::npos ? std::string() : "." + given.substr(first);
+}
+
+bool exists(const std::string& path) {
+  return fileKind(path) == FileKind::kRegular;
+}
+
+/// The full path meant by a typed name; the default extension is added where the name has none.
+std::string meantPath(const std::string& typed, const FileRequest& request) {
+  const std::string path = absolutePath(typed);
+  if (!extensionOf(path).empty() || fileKind(path) != FileKind::kMissing) return path;
+  return path + plainExtension(request.defaultExtension);
+}
+
+/// Why a name cannot be taken, or "".
+std::string refusal(const std::string& path, const FileRequest& request) {
+  const FileKind kind = fileKind(path);
+  if (kind == FileKind::kFolder) return path + ": this is a folder.";
+  if (request.open && request.mustExist && kind == FileKind::kMissing) {
+    return path + ": there is no such file.";
+  }
+  return {};
+}
+
+}  // namespace
+
+int CommandLineUi::messageBox(const std::string& text, const std::string&, unsigned type) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return refusingButton(type);
+  app->print("\n" + text + "\n");
+  const std::vector<Button> buttons = buttonsOf(type);
+  if (buttons.size() == 1) return buttons.front().id;
+  std::string choices;
+  std::vector<std::string> keywords;
+  for (const Button& button : buttons) {
+    choices += (choices.empty() ? "" : "/") + std::string(button.keyword);
+    keywords.emplace_back(button.keyword);
+  }
+  const std::string prompt = "[" + choices + "] <" + keywords.front() + ">: ";
+  for (;;) {
+    const auto answer = app->commands().ask(prompt, InputKind::kAnswer);
+    if (!answer) return refusingButton(type);
+    if (answer->empty()) return buttons.front().id;
+    const auto keyword = matchKeyword(*answer, keywords);
+    for (const Button& button : buttons) {
+      if (keyword && *keyword == button.keyword) return button.id;
+    }
+    app->print("\nPlease answer " + choices + ".\n");
+  }
+}
+
+std::optional<std::vector<std::string>> CommandLineUi::fileNames(const FileRequest& request) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return std::nullopt;
+  const std::string prompt = request.several ? "File name (Enter ends the list): " : "File name: ";
+  std::vector<std::string> chosen;
+  for (;;) {
+    const auto typed = app->commands().ask(prompt, InputKind::kFileName);
+    if (!typed || typed->empty()) {
+      if (chosen.empty()) return std::nullopt;
+      return chosen;
+    }
+    const std::string path = meantPath(*typed, request);
+    const std::string reason = refusal(path, request);
+    if (!reason.empty()) {
+      app->print("\n" + reason + "\n");
+      continue;
+    }
+    if (request.overwritePrompt && exists(path) &&
+        messageBox(path + " exists. Replace it?", "", MB_YESNO) != IDYES) {
+      continue;
+    }
+    chosen.push_back(path);
+    if (!request.several) return chosen;
+  }
+}
+
+}  // namespace tarn::host

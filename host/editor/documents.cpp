@@ -1,0 +1,252 @@
+#include "host/editor/documents.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/path.h"
+#include "base/text.h"
+#include "dbapserv.h"
+#include "dbmain.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "host/editor/commandprocessor.h"
+#include "host/editor/databasewatch.h"
+#include "host/editor/hostapp.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr size_t kViewsKept = 10;
+
+bool sameView(const ViewState& a, const ViewState& b) {
+  return a.centerX == b.centerX && a.centerY == b.centerY && a.height == b.height &&
+         a.twist == b.twist;
+}
+
+}  // namespace
+
+Acad::ErrorStatus InputPointMonitors::addPointMonitor(AcEdInputPointMonitor* monitor) {
+  if (monitor == nullptr) return Acad::eInvalidInput;
+  if (std::find(monitors_.begin(), monitors_.end(), monitor) != monitors_.end()) {
+    return Acad::eDuplicateKey;
+  }
+  monitors_.push_back(monitor);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus InputPointMonitors::removePointMonitor(AcEdInputPointMonitor* monitor) {
+  const auto found = std::find(monitors_.begin(), monitors_.end(), monitor);
+  if (found == monitors_.end()) return Acad::eKeyNotFound;
+  monitors_.erase(found);
+  return Acad::eOk;
+}
+
+void InputPointMonitors::notify(AcApDocument* document, double x, double y) {
+  const AcEdInputPoint input(document, x, y);
+  AcEdInputPointMonitorResult output;
+  const auto all = monitors_;
+  for (AcEdInputPointMonitor* monitor : all) monitor->monitorInputPoint(input, output);
+}
+
+HostDocument::HostDocument(HostApp& app, std::string path)
+    : app_(app),
+      path_(std::move(path)),
+      widePath_(toWide(path_)),
+      title_(toWide(nameOf(path_))),
+      database_(std::make_unique<AcDbDatabase>()) {
+  watch_ = watchDatabase(app_, *this);
+}
+
+HostDocument::~HostDocument() = default;
+
+AcAp::DocLockMode HostDocument::myLockMode() const {
+  AcAp::DocLockMode strongest = AcAp::kNone;
+  for (const AcAp::DocLockMode mode : locks_) strongest = std::max(strongest, mode);
+  return strongest;
+}
+
+AcAp::DocLockMode HostDocument::lockMode(bool includeMyLocks) const {
+  // One session: all locks are mine.
+  return includeMyLocks ? myLockMode() : AcAp::kNone;
+}
+
+bool HostDocument::isQuiescent() const {
+  return !app_.commandActive();
+}
+
+AcEdInputPointManager* HostDocument::inputPointManager() const {
+  return &monitors_;
+}
+
+void HostDocument::changeView(const ViewState& view) {
+  if (!sameView(view_, view)) {
+    earlierViews_.push_back(view_);
+    if (earlierViews_.size() > kViewsKept) earlierViews_.erase(earlierViews_.begin());
+  }
+  view_ = view;
+}
+
+bool HostDocument::previousView() {
+  if (earlierViews_.empty()) return false;
+  ViewState view = earlierViews_.back();
+  earlierViews_.pop_back();
+  view.pixelWidth = view_.pixelWidth;
+  view.pixelHeight = view_.pixelHeight;
+  view_ = view;
+  return true;
+}
+
+std::string HostDocument::currentLayer() const {
+  const AcDbObjectPointer<AcDbLayerTableRecord> layer(database_->clayer(), AcDb::kForRead);
+  const ACHAR* name = nullptr;
+  if (layer.openStatus() != Acad::eOk || layer->getName(name) != Acad::eOk) return {};
+  return toUtf8(name);
+}
+
+bool HostDocument::setCurrentLayer(const std::string& name) {
+  AcDbLayerTable* layers = nullptr;
+  if (database_->getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return false;
+  AcDbObjectId id;
+  const Acad::ErrorStatus found = layers->getAt(toWide(name).c_str(), id);
+  layers->close();
+  return found == Acad::eOk && database_->setClayer(id) == Acad::eOk;
+}
+
+bool HostDocument::popLock() {
+  if (locks_.empty()) return false;
+  locks_.pop_back();
+  return true;
+}
+
+Documents::Documents(HostApp& app) : app_(app) {
+  AcApDocument::rxInit();
+  AcApDocManager::rxInit();
+  AcApDocManagerReactor::rxInit();
+}
+
+Documents::~Documents() = default;
+
+AcApDocument* Documents::curDocument() const {
+  return current_;
+}
+
+AcApDocument* Documents::document(const AcDbDatabase* database) const {
+  for (const auto& document : documents_) {
+    if (document->database() == database) return document.get();
+  }
+  return nullptr;
+}
+
+HostDocument* Documents::find(const AcApDocument* document) const {
+  for (const auto& known : documents_) {
+    if (known.get() == document) return known.get();
+  }
+  return nullptr;
+}
+
+template <typename Call>
+void Documents::notify(Call call) const {
+  // A reactor may take itself, or another, off the list.
+  const auto all = reactors_;
+  for (AcApDocManagerReactor* reactor : all) {
+    if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) call(*reactor);
+  }
+}
+
+void Documents::notifyLock(HostDocument& document, AcAp::DocLockMode before, AcAp::DocLockMode mine,
+                           const ACHAR* name) const {
+  const ACHAR* command = name != nullptr ? name : ACRX_T("");
+  notify([&](AcApDocManagerReactor& r) {
+    r.documentLockModeChanged(&document, before, mine, document.myLockMode(), command);
+  });
+}
+
+Acad::ErrorStatus Documents::lockDocument(AcApDocument* document, AcAp::DocLockMode mode,
+                                          const ACHAR* globalName, const ACHAR*, bool) {
+  HostDocument* known = find(document);
+  if (known == nullptr) return Acad::eInvalidInput;
+  const AcAp::DocLockMode before = known->myLockMode();
+  known->pushLock(mode);
+  notifyLock(*known, before, mode, globalName);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus Documents::unlockDocument(AcApDocument* document) {
+  HostDocument* known = find(document);
+  if (known == nullptr) return Acad::eInvalidInput;
+  const AcAp::DocLockMode before = known->myLockMode();
+  if (!known->popLock()) return Acad::eNotApplicable;
+  notifyLock(*known, before, known->myLockMode(), nullptr);
+  return Acad::eOk;
+}
+
+void Documents::activate(HostDocument& document) {
+  if (current_ == &document) return;
+  if (current_ != nullptr) {
+    notify([&](AcApDocManagerReactor& r) { r.documentToBeDeactivated(current_); });
+  }
+  notify([&](AcApDocManagerReactor& r) { r.documentToBeActivated(&document); });
+  current_ = &document;
+  acdbHostApplicationServices()->setWorkingDatabase(document.database());
+  notify([&](AcApDocManagerReactor& r) { r.documentBecameCurrent(&document); });
+  notify([&](AcApDocManagerReactor& r) { r.documentActivated(&document); });
+}
+
+Acad::ErrorStatus Documents::setCurDocument(AcApDocument* document, AcAp::DocLockMode, bool) {
+  HostDocument* known = find(document);
+  if (known == nullptr) return Acad::eInvalidInput;
+  activate(*known);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus Documents::sendStringToExecute(AcApDocument* document, const ACHAR* text, bool,
+                                                 bool, bool) {
+  if (find(document) == nullptr || text == nullptr) return Acad::eInvalidInput;
+  app_.queueInput(toUtf8(text));
+  return Acad::eOk;
+}
+
+void Documents::addReactor(AcApDocManagerReactor* reactor) {
+  if (reactor == nullptr) return;
+  if (std::find(reactors_.begin(), reactors_.end(), reactor) == reactors_.end()) {
+    reactors_.push_back(reactor);
+  }
+}
+
+void Documents::removeReactor(AcApDocManagerReactor* reactor) {
+  reactors_.erase(std::remove(reactors_.begin(), reactors_.end(), reactor), reactors_.end());
+}
+
+HostDocument& Documents::create() {
+  const std::string name = "Drawing" + std::to_string(++created_) + ".dxf";
+  auto made = std::make_unique<HostDocument>(app_, name);
+  HostDocument& document = *made;
+  if (current_ != nullptr) {
+    ViewState view = document.view();
+    view.pixelWidth = current_->view().pixelWidth;
+    view.pixelHeight = current_->view().pixelHeight;
+    document.view() = view;
+  }
+  notify([&](AcApDocManagerReactor& r) { r.documentCreateStarted(&document); });
+  documents_.push_back(std::move(made));
+  notify([&](AcApDocManagerReactor& r) { r.documentCreated(&document); });
+  activate(document);
+  return document;
+}
+
+void Documents::closeAll() {
+  while (!documents_.empty()) {
+    HostDocument* document = documents_.back().get();
+    const std::wstring name = document->fileName();
+    notify([&](AcApDocManagerReactor& r) { r.documentToBeDestroyed(document); });
+    if (acdbHostApplicationServices()->workingDatabase() == document->database()) {
+      acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+    }
+    if (current_ == document) current_ = nullptr;
+    documents_.pop_back();
+    notify([&](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
+  }
+}
+
+}  // namespace tarn::host

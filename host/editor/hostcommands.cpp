@@ -1,0 +1,232 @@
+#include "host/editor/hostcommands.h"
+
+#include <cmath>
+
+#include "accmd.h"
+#include "acedads.h"
+#include "base/text.h"
+#include "host/editor/commandprocessor.h"
+#include "host/editor/documents.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/inputvalues.h"
+#include "host/editor/sysvars.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr const ACHAR* kGroup = ACRX_T("CADHOST");
+
+HostApp& app() {
+  return *HostApp::instance();
+}
+
+void showWindow(const ads_point a, const ads_point b) {
+  GroundBox box;
+  box.add(a[0], a[1]);
+  box.add(b[0], b[1]);
+  app().setView(fittedTo(app().view(), box, 0));
+  app().regenerate();
+}
+
+/// "2x" is relative to the current view; a plain number is a view height. False: neither.
+bool zoomScale(const std::string& text) {
+  const bool relative = !text.empty() && (text.back() == 'x' || text.back() == 'X');
+  const auto number = parseNumber(relative ? text.substr(0, text.size() - 1) : text);
+  if (!number || *number <= 0) return false;
+  ViewState view = app().view();
+  view.height = relative ? view.height / *number : *number;
+  app().setView(view);
+  app().regenerate();
+  return true;
+}
+
+void zoomCenter() {
+  ads_point center = {0, 0, 0};
+  if (acedGetPoint(nullptr, ACRX_T("\nCenter point: "), center) != RTNORM) return;
+  ViewState view = app().view();
+  view.centerX = center[0];
+  view.centerY = center[1];
+  app().setView(view);
+  acedInitGet(RSG_NONULL | RSG_OTHER, nullptr);
+  ads_real height = 0;
+  const int answer = acedGetReal(ACRX_T("\nHeight or magnification (nX): "), &height);
+  ACHAR text[513] = {0};
+  if (answer == RTKWORD) acedGetInput(text);
+  const std::string scale = answer == RTKWORD ? toUtf8(text) : formatDouble(height);
+  if (answer == RTCAN) return;
+  if (!zoomScale(scale)) failCommand(app(), "A height above zero or a factor like 2x is needed.");
+}
+
+void zoomWindow() {
+  ads_point a = {0, 0, 0};
+  ads_point b = {0, 0, 0};
+  if (acedGetPoint(nullptr, ACRX_T("\nFirst corner: "), a) != RTNORM) return;
+  if (acedGetCorner(a, ACRX_T("\nOpposite corner: "), b) == RTNORM) showWindow(a, b);
+}
+
+void zoomCommand() {
+  acedInitGet(RSG_NONULL | RSG_OTHER, ACRX_T("All Center Extents Previous Window"));
+  ads_point first = {0, 0, 0};
+  const int answer = acedGetPoint(
+      nullptr, ACRX_T("\nCorner of window, scale (nX) or [All/Center/Extents/Previous/Window]: "),
+      first);
+  if (answer == RTNORM) {
+    ads_point second = {0, 0, 0};
+    if (acedGetCorner(first, ACRX_T("\nOpposite corner: "), second) == RTNORM) {
+      showWindow(first, second);
+    }
+    return;
+  }
+  if (answer != RTKWORD) return;
+  ACHAR typed[513] = {0};
+  acedGetInput(typed);
+  const std::string word = toUtf8(typed);
+  if (word == "Center") return zoomCenter();
+  if (word == "Window") return zoomWindow();
+  if (word == "Previous") {
+    if (!app().zoomPrevious()) app().print("\nThere is no earlier view.\n");
+    return;
+  }
+  if (word == "All" || word == "Extents") {
+    if (!app().zoomExtents()) app().print("\nThere is nothing in the drawing to show.\n");
+    return;
+  }
+  if (!zoomScale(word)) failCommand(app(), "\"" + word + "\" is no option and no scale.");
+}
+
+void panCommand() {
+  ads_point from = {0, 0, 0};
+  ads_point to = {0, 0, 0};
+  if (acedGetPoint(nullptr, ACRX_T("\nBase point or displacement: "), from) != RTNORM) return;
+  const int answer = acedGetPoint(from, ACRX_T("\nSecond point: "), to);
+  if (answer == RTCAN) return;
+  // Enter takes the first input as the displacement itself.
+  const double dx = answer == RTNORM ? to[0] - from[0] : from[0];
+  const double dy = answer == RTNORM ? to[1] - from[1] : from[1];
+  ViewState view = app().view();
+  view.centerX -= dx;
+  view.centerY -= dy;
+  app().setView(view);
+  app().regenerate();
+}
+
+void regenCommand() {
+  app().regenerate();
+}
+
+void twistCommand() {
+  ads_real angle = 0;
+  if (acedGetAngle(nullptr, ACRX_T("\nTwist of the view in degrees: "), &angle) != RTNORM) return;
+  ViewState view = app().view();
+  view.twist = std::remainder(angle, 2 * 3.141592653589793);
+  app().setView(view);
+  app().regenerate();
+}
+
+void switchSpace(short viewport) {
+  Space& space = app().documents().current().space();
+  if (space.tileMode == 1) return failCommand(app(), "This needs a layout (TILEMODE 0).");
+  space.viewport = viewport;
+}
+
+void mspaceCommand() {
+  switchSpace(kModelViewport);
+}
+void pspaceCommand() {
+  switchSpace(kPaperViewport);
+}
+
+void listVariables() {
+  SystemVariables& variables = app().variables();
+  for (const std::string& name : variables.names()) {
+    app().print("\n" + name + " " + formatValue(*variables.get(name)) +
+                (variables.isReadOnly(name) ? " (read only)" : "") + "\n");
+  }
+}
+
+void storeTyped(const std::string& name, const std::string& text) {
+  const auto value = app().variables().parse(name, text);
+  if (!value) return failCommand(app(), "\"" + text + "\" is no value for " + name + ".");
+  resbuf buffer = {};
+  if (const short* number = std::get_if<short>(&*value)) {
+    buffer.restype = RTSHORT;
+    buffer.resval.rint = *number;
+  } else if (const double* real = std::get_if<double>(&*value)) {
+    buffer.restype = RTREAL;
+    buffer.resval.rreal = *real;
+  } else if (const Point3* point = std::get_if<Point3>(&*value)) {
+    buffer.restype = RT3DPOINT;
+    buffer.resval.rpoint[0] = point->x;
+    buffer.resval.rpoint[1] = point->y;
+    buffer.resval.rpoint[2] = point->z;
+  }
+  std::wstring wide;
+  if (const auto* string = std::get_if<std::string>(&*value)) {
+    wide = toWide(*string);
+    buffer.restype = RTSTR;
+    buffer.resval.rstring = wide.data();
+  }
+  if (acedSetVar(toWide(name).c_str(), &buffer) != RTNORM) {
+    failCommand(app(), "\"" + text + "\" is no value for " + name + ".");
+  }
+}
+
+void setvarCommand() {
+  ACHAR typed[513] = {0};
+  if (acedGetString(0, ACRX_T("\nVariable name or ?: "), typed) != RTNORM) return;
+  const std::string name = toUtf8(typed);
+  if (name == "?") return listVariables();
+  SystemVariables& variables = app().variables();
+  const auto value = variables.get(name);
+  if (!value) return failCommand(app(), "Unknown variable \"" + name + "\".");
+  if (variables.isReadOnly(name)) {
+    app().print("\n" + name + " = " + formatValue(*value) + " (read only)\n");
+    return;
+  }
+  const bool isText = variables.typeOf(name) == VariableType::kString;
+  const std::wstring prompt =
+      toWide("\nNew value for " + name + " <" + formatValue(*value) + ">: ");
+  if (acedGetString(isText ? 1 : 0, prompt.c_str(), typed) != RTNORM || typed[0] == 0) return;
+  storeTyped(name, toUtf8(typed));
+}
+
+void quitCommand() {
+  app().requestQuit();
+}
+
+}  // namespace
+
+void failCommand(HostApp& host, const std::string& message) {
+  host.print("\n" + message + "\n");
+  host.commands().failRunning();
+}
+
+void registerHostCommands() {
+  struct Entry {
+    const ACHAR* name;
+    int flags;
+    void (*function)();
+  };
+  static const Entry kEntries[] = {
+      {ACRX_T("ERASE"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, &eraseCommand},
+      {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
+      {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
+      {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
+      {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
+      {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
+      {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
+      {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
+      {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
+      {ACRX_T("ZOOM"), ACRX_CMD_TRANSPARENT, &zoomCommand},
+  };
+  for (const Entry& entry : kEntries) {
+    acedRegCmds->addCommand(kGroup, entry.name, entry.name, entry.flags, entry.function);
+  }
+}
+
+void removeHostCommands() {
+  acedRegCmds->removeGroup(kGroup);
+}
+
+}  // namespace tarn::host

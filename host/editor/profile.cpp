@@ -1,0 +1,39 @@
+#include "host/editor/profile.h"
+
+#include <utility>
+
+#include "base/file.h"
+#include "base/path.h"
+
+namespace tarn::host {
+
+Profile::Profile(std::string folder) : folder_(std::move(folder)) {
+  if (!folder_.empty()) folder_ = absolutePath(folder_);
+}
+
+std::string Profile::configurationFolder() const {
+  return joinPath(folder_, "system");
+}
+std::string Profile::cacheFolder() const {
+  return joinPath(folder_, "cache");
+}
+
+void Profile::setFurtherFolders(std::vector<std::string> folders) {
+  further_ = std::move(folders);
+}
+
+std::string Profile::findFile(const std::string& name) const {
+  if (name.empty()) return {};
+  const auto isFile = [](const std::string& path) { return fileKind(path) == FileKind::kRegular; };
+  if (!folderOf(name).empty()) return isFile(name) ? absolutePath(name) : std::string();
+  std::vector<std::string> folders = {configurationFolder(), folder_};
+  folders.insert(folders.end(), further_.begin(), further_.end());
+  for (const std::string& folder : folders) {
+    if (folder.empty()) continue;
+    const std::string path = joinPath(folder, name);
+    if (isFile(path)) return path;
+  }
+  return {};
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,174 @@
+#include "host/editor/regenerator.h"
+
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "dbents.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "host/editor/documents.h"
+#include "host/editor/frontend.h"
+#include "host/editor/hostapp.h"
+#include "host/graphics/recorder.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr Adesk::UInt16 kForeground = 7;
+
+/// Counts how deep drawing is nested; commands that run inside a drawing must not start another.
+class Nesting {
+ public:
+  explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
+  ~Nesting() { --depth_; }
+  Nesting(const Nesting&) = delete;
+  Nesting& operator=(const Nesting&) = delete;
+
+ private:
+  int& depth_;
+};
+
+AcDbObjectIdArray modelSpaceIds(AcDbDatabase* database) {
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  AcDbObjectIdArray ids;
+  if (database->getBlockTable(blocks, AcDb::kForRead) != Acad::eOk) return ids;
+  if (blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForRead) == Acad::eOk) {
+    ids = space->entityIds();
+    space->close();
+  }
+  blocks->close();
+  return ids;
+}
+
+struct LayerState {
+  Adesk::UInt16 color = kForeground;
+  bool shown = true;
+};
+
+LayerState layerOf(const AcDbEntity& entity) {
+  const AcDbObjectPointer<AcDbLayerTableRecord> layer(entity.layerId(), AcDb::kForRead);
+  if (layer.openStatus() != Acad::eOk) return {};
+  return {layer->colorIndex(), !layer->isOff() && !layer->isFrozen()};
+}
+
+bool isShown(const AcDbEntity& entity, const LayerState& layer) {
+  return !entity.isErased() && entity.visibility() == AcDb::kVisible && layer.shown;
+}
+
+bool abortWanted() {
+  return HostApp::instance()->frontEnd().cancelWanted();
+}
+
+long long imagePixels(const Scene& scene, long long& images) {
+  long long pixels = 0;
+  for (const Scene::Key key : scene.order()) {
+    for (const DisplayItem& item : *scene.find(key)) {
+      const auto* image = std::get_if<ImageItem>(&item);
+      if (image == nullptr) continue;
+      ++images;
+      pixels += static_cast<long long>(image->image.width()) * image->image.height();
+    }
+  }
+  return pixels;
+}
+
+}  // namespace
+
+void Regenerator::draw(HostDocument& document, AcDbEntity& entity) {
+  const Scene::Key key = entity.handle().value();
+  const LayerState layer = layerOf(entity);
+  if (!isShown(entity, layer)) {
+    document.scene().remove(key);
+    return;
+  }
+  DisplayList list;
+  WorldDrawRecorder recorder(list, document.database(), layer.color, entity.colorIndex(),
+                             &abortWanted);
+  entity.worldDraw(&recorder);
+  document.scene().set(key, std::move(list));
+}
+
+void Regenerator::regenerate(HostDocument& document) {
+  if (depth_ > 0) return;
+  const Nesting nesting(depth_);
+  const auto start = std::chrono::steady_clock::now();
+  beginCounting();
+  std::vector<Scene::Key> order;
+  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() != Acad::eOk) continue;
+    draw(document, *entity.object());
+    order.push_back(id.handle().value());
+  }
+  document.scene().keepInOrder(order);
+  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  if (statistics_) printStatistics(took.count(), order.size());
+}
+
+void Regenerator::redraw(AcDbEntity& entity) {
+  auto* document = static_cast<HostDocument*>(app_.documents().document(entity.database()));
+  if (document == nullptr || depth_ > 0) return;
+  const Nesting nesting(depth_);
+  const auto start = std::chrono::steady_clock::now();
+  beginCounting();
+  draw(*document, entity);
+  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  if (statistics_) printStatistics(took.count(), 1);
+  app_.frontEnd().displayChanged();
+}
+
+void Regenerator::forget(AcDbEntity& entity) {
+  auto* document = static_cast<HostDocument*>(app_.documents().document(entity.database()));
+  if (document == nullptr) return;
+  document->scene().remove(entity.handle().value());
+  app_.frontEnd().displayChanged();
+}
+
+GroundBox Regenerator::extents(HostDocument& document) const {
+  GroundBox box;
+  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    AcDbExtents extents;
+    if (entity.openStatus() != Acad::eOk || !isShown(*entity.object(), layerOf(*entity.object())) ||
+        entity->getGeomExtents(extents) != Acad::eOk) {
+      continue;
+    }
+    box.add(extents.minPoint().x, extents.minPoint().y);
+    box.add(extents.maxPoint().x, extents.maxPoint().y);
+  }
+  return box;
+}
+
+void Regenerator::beginCounting() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  counters_.clear();
+}
+
+void Regenerator::count(const std::string& counter, long long amount) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  counters_[counter] += amount;
+}
+
+void Regenerator::printStatistics(double milliseconds, size_t entities) {
+  long long images = 0;
+  const long long drawn = imagePixels(app_.documents().current().scene(), images);
+  const double rounded = std::round(milliseconds * 100) / 100;
+  std::string line =
+      "{\"ms\":" + formatDouble(rounded) + ",\"entities\":" + std::to_string(entities) +
+      ",\"images\":" + std::to_string(images) + ",\"drawn_pixels\":" + std::to_string(drawn);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& [name, amount] : counters_) {
+      line += ",\"" + name + "\":" + std::to_string(amount);
+    }
+  }
+  app_.print("\n" + line + "}\n");
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,250 @@
+#include "host/editor/sysvars.h"
+
+#include <algorithm>
+
+#include "base/path.h"
+#include "base/text.h"
+#include "host/editor/documents.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/profile.h"
+#include "host/editor/regenerator.h"
+
+namespace tarn::host {
+
+namespace {
+
+using Reader = VariableValue (*)(HostApp&);
+using Writer = bool (*)(HostApp&, const VariableValue&);
+
+/// One variable. Without a reader the value is kept by SystemVariables, starting with `initial`.
+struct Rule {
+  const char* name;
+  VariableType type;
+  bool readOnly;
+  Reader read;
+  VariableValue initial;
+  Writer write = nullptr;
+  double minimum = -1e300;
+  double maximum = 1e300;
+};
+
+HostDocument& document(HostApp& app) {
+  return app.documents().current();
+}
+
+std::string drawingFolder(HostApp& app) {
+  const std::string folder = folderOf(document(app).path());
+  return folder.empty() ? folder : folder + "/";
+}
+
+Point3 extentsCorner(HostApp& app, bool maximum) {
+  const GroundBox box = app.regenerator().extents(document(app));
+  // An empty drawing has its extents the wrong way round, as everywhere in this trade.
+  if (box.isEmpty()) return maximum ? Point3{-1e20, -1e20, -1e20} : Point3{1e20, 1e20, 1e20};
+  return maximum ? Point3{box.maxX, box.maxY, 0} : Point3{box.minX, box.minY, 0};
+}
+
+bool writeTileMode(HostApp& app, const VariableValue& value) {
+  document(app).space().tileMode = std::get<short>(value);
+  return true;
+}
+
+bool writeViewport(HostApp& app, const VariableValue& value) {
+  Space& space = document(app).space();
+  const short number = std::get<short>(value);
+  if (space.tileMode == 1 && number != kModelViewport) return false;
+  space.viewport = number;
+  return true;
+}
+
+bool writeLayer(HostApp& app, const VariableValue& value) {
+  return document(app).setCurrentLayer(std::get<std::string>(value));
+}
+
+const std::vector<Rule>& rules() {
+  using T = VariableType;
+  static const std::vector<Rule> table = {
+      {"ACADPREFIX", T::kString, true,
+       [](HostApp& a) -> VariableValue { return a.profile().configurationFolder() + "/"; },
+       std::string()},
+      {"ACADVER", T::kString, true, nullptr, std::string("23.1s (LMS Tech)")},
+      {"BACKZ", T::kReal, true, nullptr, 0.0},
+      {"CLAYER", T::kString, false,
+       [](HostApp& a) -> VariableValue { return document(a).currentLayer(); }, std::string(),
+       writeLayer},
+      {"CMDACTIVE", T::kShort, true,
+       [](HostApp& a) -> VariableValue { return static_cast<short>(a.commandActive() ? 1 : 0); },
+       short{0}},
+      {"CMDECHO", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+      {"CMDNAMES", T::kString, true, [](HostApp& a) -> VariableValue { return a.commandNames(); },
+       std::string()},
+      {"CTAB", T::kString, true,
+       [](HostApp& a) -> VariableValue {
+         return std::string(document(a).space().tileMode == 1 ? "Model" : "Layout1");
+       },
+       std::string()},
+      {"CVPORT", T::kShort, false,
+       [](HostApp& a) -> VariableValue { return document(a).space().currentViewport(); }, short{2},
+       writeViewport, 1, 2},
+      {"DWGNAME", T::kString, true,
+       [](HostApp& a) -> VariableValue { return nameOf(document(a).path()); }, std::string()},
+      {"DWGPREFIX", T::kString, true, [](HostApp& a) -> VariableValue { return drawingFolder(a); },
+       std::string()},
+      {"EXPERT", T::kShort, false, nullptr, short{0}, nullptr, 0, 5},
+      {"EXTMAX", T::kPoint3, true,
+       [](HostApp& a) -> VariableValue { return extentsCorner(a, true); }, Point3{}},
+      {"EXTMIN", T::kPoint3, true,
+       [](HostApp& a) -> VariableValue { return extentsCorner(a, false); }, Point3{}},
+      {"FILEDIA", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+      {"FRONTZ", T::kReal, true, nullptr, 0.0},
+      {"LASTPOINT", T::kPoint3, false, nullptr, Point3{}},
+      {"LENSLENGTH", T::kReal, true, nullptr, 50.0},
+      {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
+      {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+      {"SCREENSIZE", T::kPoint2, true,
+       [](HostApp& a) -> VariableValue {
+         const ViewState view = a.view();
+         return Point3{view.pixelWidth * 1.0, view.pixelHeight * 1.0, 0};
+       },
+       Point3{}},
+      {"TARGET", T::kPoint3, true, nullptr, Point3{}},
+      {"TILEMODE", T::kShort, false,
+       [](HostApp& a) -> VariableValue { return document(a).space().tileMode; }, short{1},
+       writeTileMode, 0, 1},
+      {"USERI1", T::kShort, false, nullptr, short{0}},
+      {"USERR1", T::kReal, false, nullptr, 0.0},
+      {"USERR2", T::kReal, false, nullptr, 0.0},
+      {"USERR3", T::kReal, false, nullptr, 0.0},
+      {"USERR4", T::kReal, false, nullptr, 0.0},
+      {"USERR5", T::kReal, false, nullptr, 0.0},
+      {"USERS1", T::kString, false, nullptr, std::string()},
+      {"VIEWCTR", T::kPoint3, true,
+       [](HostApp& a) -> VariableValue {
+         const ViewState view = a.view();
+         return Point3{view.centerX, view.centerY, 0};
+       },
+       Point3{}},
+      {"VIEWDIR", T::kPoint3, true, nullptr, Point3{0, 0, 1}},
+      {"VIEWMODE", T::kShort, true, nullptr, short{0}},
+      {"VIEWSIZE", T::kReal, true, [](HostApp& a) -> VariableValue { return a.view().height; },
+       0.0},
+      {"VIEWTWIST", T::kReal, true, [](HostApp& a) -> VariableValue { return a.view().twist; },
+       0.0},
+      {"WORLDVIEW", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+  };
+  return table;
+}
+
+const Rule* ruleOf(const std::string& name) {
+  for (const Rule& rule : rules()) {
+    if (equalsIgnoreCase(std::string_view(rule.name), name)) return &rule;
+  }
+  return nullptr;
+}
+
+/// The value with exactly the rule's type; nothing when it cannot be taken so.
+std::optional<VariableValue> typed(const Rule& rule, const VariableValue& value) {
+  switch (rule.type) {
+    case VariableType::kShort:
+      if (std::holds_alternative<short>(value)) return value;
+      return std::nullopt;
+    case VariableType::kReal:
+      if (const short* number = std::get_if<short>(&value)) return static_cast<double>(*number);
+      if (std::holds_alternative<double>(value)) return value;
+      return std::nullopt;
+    case VariableType::kString:
+      if (std::holds_alternative<std::string>(value)) return value;
+      return std::nullopt;
+    default:
+      if (std::holds_alternative<Point3>(value)) return value;
+      return std::nullopt;
+  }
+}
+
+bool inRange(const Rule& rule, const VariableValue& value) {
+  const short* number = std::get_if<short>(&value);
+  return number == nullptr || (*number >= rule.minimum && *number <= rule.maximum);
+}
+
+}  // namespace
+
+SystemVariables::SystemVariables(HostApp& app) : app_(app) {
+  for (const Rule& rule : rules()) {
+    if (rule.read == nullptr) stored_[rule.name] = rule.initial;
+  }
+}
+
+std::optional<VariableValue> SystemVariables::get(const std::string& name) const {
+  const Rule* rule = ruleOf(name);
+  if (rule == nullptr) return std::nullopt;
+  if (rule->read != nullptr) return rule->read(app_);
+  return stored_.at(rule->name);
+}
+
+std::optional<VariableType> SystemVariables::typeOf(const std::string& name) const {
+  const Rule* rule = ruleOf(name);
+  if (rule == nullptr) return std::nullopt;
+  return rule->type;
+}
+
+bool SystemVariables::isReadOnly(const std::string& name) const {
+  const Rule* rule = ruleOf(name);
+  return rule != nullptr && rule->readOnly;
+}
+
+VariableError SystemVariables::set(const std::string& name, const VariableValue& value) {
+  const Rule* rule = ruleOf(name);
+  if (rule == nullptr) return VariableError::kUnknown;
+  if (rule->readOnly) return VariableError::kReadOnly;
+  const auto wanted = typed(*rule, value);
+  if (!wanted) return VariableError::kWrongType;
+  if (!inRange(*rule, *wanted)) return VariableError::kOutOfRange;
+  if (rule->write != nullptr) {
+    return rule->write(app_, *wanted) ? VariableError::kNone : VariableError::kOutOfRange;
+  }
+  stored_[rule->name] = *wanted;
+  return VariableError::kNone;
+}
+
+std::optional<VariableValue> SystemVariables::parse(const std::string& name,
+                                                    const std::string& text) const {
+  const Rule* rule = ruleOf(name);
+  if (rule == nullptr) return std::nullopt;
+  if (rule->type == VariableType::kString) return VariableValue(text);
+  if (rule->type == VariableType::kShort) {
+    int number = 0;
+    if (!parseInt(text, number) || number < -32768 || number > 32767) return std::nullopt;
+    return VariableValue(static_cast<short>(number));
+  }
+  if (rule->type == VariableType::kReal) {
+    const auto number = parseNumber(text);
+    if (!number) return std::nullopt;
+    return VariableValue(*number);
+  }
+  const auto point = parsePoint(text, {});
+  if (!point) return std::nullopt;
+  return VariableValue(*point);
+}
+
+std::vector<std::string> SystemVariables::names() const {
+  std::vector<std::string> out;
+  for (const Rule& rule : rules()) out.emplace_back(rule.name);
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+short SystemVariables::shortOf(const std::string& name) const {
+  const auto value = get(name);
+  const short* number = value ? std::get_if<short>(&*value) : nullptr;
+  return number != nullptr ? *number : short{0};
+}
+
+std::string formatValue(const VariableValue& value) {
+  if (const short* number = std::get_if<short>(&value)) return std::to_string(*number);
+  if (const double* number = std::get_if<double>(&value)) return formatDouble(*number);
+  if (const auto* text = std::get_if<std::string>(&value)) return "\"" + *text + "\"";
+  const Point3& p = std::get<Point3>(value);
+  return formatDouble(p.x) + "," + formatDouble(p.y) + "," + formatDouble(p.z);
+}
+
+}  // namespace tarn::host
