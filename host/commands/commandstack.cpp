@@ -108,6 +108,7 @@ class CommandStack final : public AcEdCommandStack {
       if (name.front() == L'_') {
         global = true;
         if (AcEdCommand* exact = newest(&Command::global, name)) return exact;
+        if (AcEdCommand* exact = newest(&Command::local, name)) return exact;
       }
       name.remove_prefix(1);
     }

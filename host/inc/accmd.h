@@ -59,8 +59,8 @@ class ACADHOST_EXPORT AcEdCommandStack : public AcRxObject {
   virtual AcEdCommand* lookupInGroup(const ACHAR* group, const ACHAR* globalName) const = 0;
 
   /// What a user means by a typed name: leading '.' are ignored; a name with '_' is a global name,
-  /// first with its underscore (a command may be registered so), then without; any other name is a
-  /// local name. Null when there is none.
+  /// first with its underscore (global or local names may be registered so), then without; any
+  /// other name is a local name. Null when there is none.
   virtual AcEdCommand* lookupTyped(const ACHAR* typed) const = 0;
 
   /// All commands of a group, or of all groups when `group` is null, in order of registration.
