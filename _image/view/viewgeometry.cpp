@@ -11,7 +11,10 @@ constexpr double kPi = 3.141592653589793;
 
 /// Moves the ground so that `center` falls on the middle of the screen.
 void centerOnScreen(QTransform& transform, const ViewSize& view, const ScreenSize& screen) {
-  const QPointF middle = transform.inverted().map(QPointF(screen.width / 2, screen.height / 2));
+  // Deliberate: halves of odd sides are truncated.
+  const int halfWidth = screen.width / 2;
+  const int halfHeight = screen.height / 2;
+  const QPointF middle = transform.inverted().map(QPointF(halfWidth, halfHeight));
   transform.translate(middle.x() - view.centerX, middle.y() - view.centerY);
 }
 

@@ -48,8 +48,8 @@ TEST(ViewGeometry, GroundPointsLandWhereTheScreenShowsThem) {
     const QTransform transform = groundToScreen(view.size(), view.screen, view.twist());
     // The middle of a screen with an odd side is its integer half, so such a view is off by half a
     // pixel, the same everywhere.
-    const double shiftX = view.screen.width / 2 - view.screen.width / 2.0;
-    const double shiftY = view.screen.height / 2 - view.screen.height / 2.0;
+    const double shiftX = view.screen.width % 2 / -2.0;
+    const double shiftY = view.screen.height % 2 / -2.0;
     for (const QPointF at : {QPointF(0, 0), QPointF(17.25, 400), QPointF(300, 11)}) {
       const QPointF mapped = transform.map(view.groundAt(at.x(), at.y()));
       EXPECT_NEAR(mapped.x(), at.x() + shiftX, 1e-4);

@@ -1,0 +1,164 @@
+// The image entity: it stands for the images of a drawing, holds one source an image, and at every
+// redraw fetches just the pixels that the view needs. No pixels and no paths are filed with it; the
+// document's record binds it again when a drawing is opened.
+#pragma once
+
+#include <QPolygonF>
+#include <QRect>
+#include <QTransform>
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "_image/view/pixelwindow.h"
+#include "afxstr.h"
+#include "dbents.h"
+#include "gept3dar.h"
+#include "inc/iimagedivision.h"
+
+class AcGiDrawableTraits;
+class AcGiViewportDraw;
+class AcGiWorldDraw;
+class TarnClientManager;
+
+/// Paths are full paths of image files and the keys of every map. Sources are counted; the entity
+/// keeps a count of its own for each.
+class CCadImage : public AcDbEntity {
+ public:
+  ACRX_DECLARE_MEMBERS(CCadImage);
+
+  using Division = kel::Object<IImageDivision>;
+  /// Upper left, upper right, lower right, lower left.
+  using Corners = std::array<AcGePoint3d, 4>;
+
+  static Adesk::UInt32 kCurrentVersionNumber;
+  static const Adesk::UInt32 kImagePixelDataByteCount;
+  static const Adesk::UInt32 kImagePixelDataMaxWidth;
+  static const Adesk::UInt32 kImagePixelDataMaxHeight;
+
+  CCadImage();
+  ~CCadImage() override;
+
+  // ---- Data and filing ----------------------------------------------------------------------
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+  /// A new entity bound to the same file, with a footprint of its own; unbound when the file can no
+  /// longer be opened.
+  AcRxObject* clone() const override;
+  Acad::ErrorStatus erase(bool erasing = true);
+
+  /// Binds the entity to an image whose source is open.
+  // Deliberate: the footprint follows the drawing scale, not the image's pixel size.
+  void SetImageInfo(const std::wstring& path, const Division& division);
+  /// The image that pAnalyser speaks of.
+  void SetCurrentImage(const std::wstring& path);
+  const std::wstring& currentImage() const { return m_strCurImage; }
+  const std::wstring& imagePath() const { return m_strImagePath; }
+  /// The source of the current image: IImageDivision when local, TarnClientManager else; null when
+  /// there is none.
+  void* pAnalyser(bool isLocal) const;
+  // Deliberate: which map holds an image tells whether it is local.
+  void setIsLocal(bool isLocal);
+  /// The host's current viewport number.
+  int GetCVPort() const;
+  void SetCVPort(int port) const;
+
+  /// True when a source for the path is held.
+  bool holds(const std::wstring& path) const;
+  bool holdsNoImage() const { return m_mapImageDivision.empty() && m_mapImageClient.empty(); }
+  /// Closes the source of one image and forgets it; false when there was none.
+  bool releaseImage(const std::wstring& path);
+
+  // ---- View (cadimage_view.cpp) --------------------------------------------------------------
+  void getScreenPixelNumXY(int& width, int& height);
+  void GetViewSize(double& width, double& height, double& centreX, double& centreY) const;
+  QTransform GetTransform(int& width, int& height);
+  void GetScreenRect(double& maxY, double& minY, double& minX, double& maxX);
+  void GetScreenRectOld(double& maxY, double& minY, double& minX, double& maxX) const;
+  QPolygonF mapToScene(const QTransform& transform, const QRect& rect) const;
+  double GetRotateAngle() const;
+  bool IsInModelSpace() const;
+  void GetViewDirect(AcGeVector3d& direction) const;
+  /// True when the image is switched on for display in its document.
+  bool isShowThisImage(const std::wstring& path) const;
+  // Deliberate: true, and nothing changes.
+  bool imageCoordinate2pixelCoordinate(int& left, int& top, int& right, int& bottom, double& x,
+                                       double& y) const;
+  // Deliberate: nothing.
+  void getViewportImagePixelCoord(int& left, int& top, int& right, int& bottom) const;
+
+  // ---- Sources (cadimage_source.cpp) ---------------------------------------------------------
+  /// Opens the source of a local image into `division`, which the caller made; builds the pyramid
+  /// first unless the configuration says no. False after a message on the command line.
+  bool GetimageDivision(Division& division, const std::wstring& path) const;
+  /// The same for a file that the user chooses, which becomes the current image.
+  bool GetImageDataFile(Division& division);
+  /// True when the source holds an image.
+  bool GetImageData(const Division& division) const;
+  bool GetImageData(const Division& division, const double* georef, int& width, int& height,
+                    double& a, double& e, double& y0, double& x0, double& right,
+                    double& bottom) const;
+  // Deliberate: paints the chunk's place red and copies nothing; no bounds are checked.
+  void MergeImageChunkData(unsigned char* dest, int destWidth, int destHeight,
+                           const unsigned char* chunk, int x, int y, int chunkWidth,
+                           int chunkHeight) const;
+  // Deliberate: nothing.
+  void GetImageFillBlankPixels(double x, double y) const;
+
+  // ---- Editing (cadimage_edit.cpp) -----------------------------------------------------------
+  /// Erases every image entity of the current drawing that holds no image; returns how many.
+  static int EraseInvalidImage();
+  // Deliberate: a null id, and nothing is added.
+  static AcDbObjectId PostToModelSpace(AcDbEntity* entity);
+  /// Paths of the local or of the server images, in key order.
+  void GetImageFileList(std::vector<CString>& files, bool isLocal) const;
+  /// In spite of its name the two opposite corners of the image.
+  void GetImageCenterPt(const Division& division, double upperLeft[2], double lowerRight[2]) const;
+
+ protected:
+  Adesk::Boolean subWorldDraw(AcGiWorldDraw* worldDraw) override;
+  void subViewportDraw(AcGiViewportDraw* viewportDraw) override;
+  Adesk::UInt32 subSetAttributes(AcGiDrawableTraits* traits) override;
+  Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+  Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker gsSelectionMark,
+                                      const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                      const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                      AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
+                                     AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subErase(Adesk::Boolean erasing) override;
+
+  bool subWorldDrawPlot(AcGiWorldDraw* worldDraw);
+  void DrawImageWrapPoints(AcGiWorldDraw* worldDraw, double top, double left, double right,
+                           double bottom) const;
+  /// Converts and draws one buffer whose lower left corner is `origin`; `u` and `v` are its whole
+  /// width and height in drawing units.
+  void DrawImage(int width, int height, int limitWidth, int limitHeight, double u, double v,
+                 const AcGePoint3d& origin, AcGiWorldDraw* worldDraw,
+                 const unsigned char* pixels) const;
+
+  void setImageFileNameMapIO(const std::wstring& path, const Division& division, double* georef);
+  void setImgInfoMap(const std::wstring& path, TarnClientManager* client);
+
+ private:
+  /// The whole extent of a local image, or false.
+  bool extentOf(const std::wstring& path, tarn::image::ImageExtent& extent) const;
+  tarn::image::ViewState currentView();
+  void drawShownImages(AcGiWorldDraw* worldDraw, const tarn::image::ViewState& view) const;
+  void drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
+                      const tarn::image::ViewState& view) const;
+
+  std::wstring m_strImagePath;
+  std::map<std::wstring, Division> m_mapImageDivision;
+  std::map<std::wstring, double*> m_mapImageGeoref;
+  std::map<std::wstring, Corners> m_mapImageCorners;
+  std::map<std::wstring, TarnClientManager*> m_mapImageClient;
+  std::wstring m_strCurImage;
+  /// Footprint of the image bound last.
+  Corners m_footprint;
+  int m_screenPixelWidth = 0;
+  int m_screenPixelHeight = 0;
+  QTransform m_transform;
+};

@@ -1,0 +1,100 @@
+// Drawing: a marker and the pixels of every image that is shown.
+#include <memory>
+#include <optional>
+
+#include "_image/adskdmgr.h"
+#include "_image/cadimage.h"
+#include "_image/cadimage_pixels.h"
+#include "_image/docdata.h"
+#include "_image/moduleglobals.h"
+#include "_image/view/pixelconvert.h"
+#include "acgi.h"
+#include "dbapserv.h"
+
+using tarn::image::ImageExtent;
+using tarn::image::PixelBuffer;
+using tarn::image::PixelRequest;
+using tarn::image::ViewState;
+
+namespace {
+
+/// Drawing units between an image's border and its marker.
+constexpr double kMarkerInset = 100.0;
+
+}  // namespace
+
+Adesk::Boolean CCadImage::subWorldDraw(AcGiWorldDraw* worldDraw) {
+  assertReadEnabled();
+  AcGiContext* context = worldDraw->context();
+  if (context && context->isPlotGeneration()) return subWorldDrawPlot(worldDraw);
+  const ViewState view = currentView();
+  drawShownImages(worldDraw, view);
+  return true;
+}
+
+bool CCadImage::subWorldDrawPlot(AcGiWorldDraw* worldDraw) {
+  drawShownImages(worldDraw, currentView());
+  return true;
+}
+
+/// In the order of the document's list, local images first.
+void CCadImage::drawShownImages(AcGiWorldDraw* worldDraw, const ViewState& view) const {
+  const AcDbDatabase* database = acdbHostApplicationServices()->workingDatabase();
+  const CDocData* record = g_dataMap ? g_dataMap->ofDatabase(database) : nullptr;
+  if (!record) return;
+  for (const CDocData::Image& image : record->images()) {
+    if (image.isDisplayed) drawLocalImage(image.path, worldDraw, view);
+  }
+}
+
+void CCadImage::drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
+                               const ViewState& view) const {
+  ImageExtent extent;
+  if (!extentOf(path, extent)) return;
+  DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
+  if (tarn::image::g_suppressPixels) return;
+
+  const std::optional<PixelRequest> request = tarn::image::planPixelRequest(view, extent);
+  if (!request) return;
+  IImageDivision& source = *m_mapImageDivision.find(path)->second.get();
+  const PixelBuffer pixels = tarn::image::readPixels(source, *request, view.clarity);
+  if (!pixels) return;
+  DrawImage(request->columns, request->rows, request->columns + 1, request->rows + 1,
+            request->spanU, request->spanV, AcGePoint3d(request->originX, request->originY, 0),
+            worldDraw, pixels.get());
+  tarn::image::g_lastRequest.buffer = nullptr;
+}
+
+// Deliberate: one open Z of four points, inset by 100 drawing units also where the image is too
+// small for that.
+void CCadImage::DrawImageWrapPoints(AcGiWorldDraw* worldDraw, double top, double left, double right,
+                                    double bottom) const {
+  const double m = kMarkerInset;
+  const AcGePoint3d points[] = {
+      AcGePoint3d(left + m, top - m, 0), AcGePoint3d(right - m, top - m, 0),
+      AcGePoint3d(left + m, bottom + m, 0), AcGePoint3d(right - m, bottom + m, 0)};
+  worldDraw->geometry().polyline(4, points, nullptr, 0);
+}
+
+void CCadImage::DrawImage(int width, int height, int limitWidth, int limitHeight, double u,
+                          double v, const AcGePoint3d& origin, AcGiWorldDraw* worldDraw,
+                          const unsigned char* pixels) const {
+  if (tarn::image::g_suppressPixels) return;
+  const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
+  const std::unique_ptr<AcGiPixelBGRA32[]> converted(new AcGiPixelBGRA32[count]);
+  tarn::image::convertRgbToBgraWithin(pixels, width, height, limitWidth, limitHeight,
+                                      reinterpret_cast<uint8_t*>(converted.get()));
+  const AcGiImageBGRA32 image(static_cast<Adesk::UInt32>(width), static_cast<Adesk::UInt32>(height),
+                              converted.get(), false);
+  worldDraw->geometry().image(image, origin, AcGeVector3d(u, 0, 0), AcGeVector3d(0, v, 0),
+                              AcGiGeometry::kTransparency8Bit);
+}
+
+void CCadImage::subViewportDraw(AcGiViewportDraw* /*viewportDraw*/) {
+  assertReadEnabled();
+}
+
+Adesk::UInt32 CCadImage::subSetAttributes(AcGiDrawableTraits* traits) {
+  assertReadEnabled();
+  return AcDbEntity::subSetAttributes(traits);
+}

@@ -1,0 +1,188 @@
+#include "_image/commands.h"
+
+#include <cwchar>
+#include <iterator>
+#include <string>
+
+#include "_image/binding/usesite.h"
+#include "_image/cadimage.h"
+#include "_image/displaysettings.h"
+#include "_image/docdata.h"
+#include "_image/hostcommand.h"
+#include "_image/imageadding.h"
+#include "accmd.h"
+#include "acdocman.h"
+#include "aced.h"
+#include "acedads.h"
+#include "commoncode/cadutil/documentlock.h"
+#include "commoncode/cadutil/message.h"
+#include "inc/icadadapter.h"
+
+using tarn::cad::printMessage;
+
+namespace tarn::image {
+namespace {
+
+constexpr const ACHAR* kGroup = L"TARNIMAGE";
+constexpr int kPickFirst = ACRX_CMD_TRANSPARENT | ACRX_CMD_USEPICKSET;
+constexpr int kRedraw = ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW;
+constexpr size_t kPromptCharacters = 1024;
+
+struct Command {
+  const ACHAR* name;
+  int flags;
+  void (*function)();
+};
+
+constexpr Command kFirstCommand = {L"tarnimage", kRedraw, commandTarnImage};
+constexpr Command kFurtherCommands[] = {
+    {L"addImage", kRedraw, commandAddImage},
+    {L"loadCloud", kPickFirst, commandLoadCloud},
+    {L"rectifyImage", kPickFirst, commandRectifyImage},
+    {L"OpenImageList", kRedraw, commandOpenImageList},
+    {L"testimage", kRedraw, commandTestImage},
+    {L"EraseInvalidImage", kRedraw, commandEraseInvalidImage},
+    {L"ImageConversion", kRedraw, commandImageConversion},
+    {L"SetImageClarityRatio", kRedraw, commandSetImageClarityRatio},
+    {L"SetImageOffsetRatio", kRedraw, commandSetImageOffsetRatio},
+};
+
+void registerCommand(const Command& command) {
+  acedRegCmds->addCommand(kGroup, command.name, command.name, command.flags, command.function);
+}
+
+void reportNotProvided(const std::wstring& command) {
+  printMessage(L"\n%1 尚未提供。", command);
+}
+
+/// The rest of "DrawImage" and "ShowImage": the user chooses a file, the document's entity shows
+/// it.
+void drawChosenImage(CDocData& record) {
+  record.ensureImage();
+  auto division = makeObject<IImageDivision>(kCommandsSite);
+  acutPrintf(L"%d", static_cast<int>(record.images().size()));
+  if (division.isNull()) printMessage(L"null0");
+  std::wstring path;
+  {
+    const OpenedImage image(record, AcDb::kForRead);
+    if (!image || !image->GetImageDataFile(division)) {
+      printMessage(L"获取数据失败");
+      return;
+    }
+    path = image->currentImage();
+  }
+  AcApDocument* document = acDocManager->curDocument();
+  if (!addOpenedImage(document, record, path, division)) return;
+  storeImagePath(document, record, path);
+  sendCommandToHost(L"regen");
+}
+
+/// Writes a setting with the document locked and says what came of it.
+template <typename Value>
+void storeSetting(bool (*write)(const cad::RecordPlace&, Value), const cad::RecordPlace& place,
+                  Value value) {
+  const cad::DocumentLock lock(acDocManager->curDocument());
+  if (!lock.isLocked()) {
+    printMessage(L"\nlockDocument fail");
+    return;
+  }
+  printMessage(write(place, value) ? L"\n修改成功!" : L"\n修改失败!");
+}
+
+}  // namespace
+
+void registerFirstCommand() {
+  registerCommand(kFirstCommand);
+}
+
+void registerFurtherCommands() {
+  for (const Command& command : kFurtherCommands) registerCommand(command);
+}
+
+void commandDrawImage() {
+  if (CDocData* record = currentRecordOrReport()) drawChosenImage(*record);
+}
+
+void commandShowImage() {
+  CDocData* record = currentRecordOrReport();
+  if (!record) return;
+  if (!record->hasImage()) printMessage(L"\n当前文档没有实体请先添加影像实体");
+  drawChosenImage(*record);
+}
+
+void commandNothing() {}
+
+void commandList() {
+  commandOpenImageList();
+}
+
+void commandRectifyTestImage() {
+  if (currentRecordOrReport()) reportNotProvided(L"_RectifyImage");
+}
+
+void commandTarnImage() {
+  const auto adapter = makeObject<ICadAdapter>(kCommandsSite);
+  if (adapter.isNull()) {
+    printMessage(L"icadapter nil\n");
+    return;
+  }
+  adapter->setModuleState("image", true);
+}
+
+void commandAddImage() {
+  addLocalImages();
+}
+
+void commandLoadCloud() {
+  reportNotProvided(L"loadCloud");
+}
+
+void commandRectifyImage() {
+  reportNotProvided(L"rectifyImage");
+}
+
+void commandOpenImageList() {
+  reportNotProvided(L"OpenImageList");
+}
+
+void commandTestImage() {
+  CCadImage::EraseInvalidImage();
+}
+
+void commandEraseInvalidImage() {
+  const int erased = CCadImage::EraseInvalidImage();
+  printMessage(L"\n共删除了%1个无效的Image对象！", std::to_wstring(erased));
+}
+
+void commandImageConversion() {
+  reportNotProvided(L"ImageConversion");
+}
+
+// What is typed is stored as it is; the getters take a value below 1 as 1.
+void commandSetImageClarityRatio() {
+  const cad::RecordPlace place = clarityRatioPlace();
+  int value = 1;
+  cad::readInt(place, value);
+  ACHAR prompt[kPromptCharacters] = {};
+  std::swprintf(prompt, std::size(prompt),
+                L"\n指定清晰度比率(数值越大，清晰度越低，速度越快)：<%d>", value);
+  int entered = 0;
+  const int result = acedGetInt(prompt, &entered);
+  if (result == RTCAN) return;
+  storeSetting<int>(&cad::writeInt, place, result == RTNORM ? entered : value);
+}
+
+void commandSetImageOffsetRatio() {
+  const cad::RecordPlace place = offsetRatioPlace();
+  double value = 1.0;
+  cad::readReal(place, value);
+  ACHAR prompt[kPromptCharacters] = {};
+  std::swprintf(prompt, std::size(prompt), L"\n指定外扩比率(数值越大，外扩距离越大)：<%.1f>",
+                value);
+  double entered = 0;
+  const int result = acedGetReal(prompt, &entered);
+  if (result == RTCAN) return;
+  storeSetting<double>(&cad::writeReal, place, result == RTNORM ? entered : value);
+}
+
+}  // namespace tarn::image

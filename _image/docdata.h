@@ -1,0 +1,82 @@
+// What the module keeps for one open document: its image entity and the list of its images.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "acdb.h"
+#include "dbid.h"
+
+class AcApDocument;
+class AcDbDatabase;
+class CCadImage;
+
+class CDocData {
+ public:
+  struct Image {
+    std::wstring path;
+    bool isDisplayed = true;
+  };
+
+  explicit CDocData(AcApDocument* document);
+  ~CDocData();
+  CDocData(const CDocData&) = delete;
+  CDocData& operator=(const CDocData&) = delete;
+
+  AcDbDatabase* database() const { return m_database; }
+
+  /// The images in their order, which list, drawing and stored record follow. Paths are full and
+  /// compared case-sensitively.
+  const std::vector<Image>& images() const { return m_images; }
+  bool contains(const std::wstring& path) const;
+  bool isDisplayed(const std::wstring& path) const;
+  /// Enters a path at the end, or switches on one that is there.
+  void addDisplayed(const std::wstring& path);
+  void setDisplayed(const std::wstring& path, bool isDisplayed);
+  /// False when there was none.
+  bool remove(const std::wstring& path);
+
+  /// The image entity while it is not in the drawing yet; owned here. Null otherwise.
+  CCadImage* pendingImage() const { return m_pending.get(); }
+  /// The image entity in the drawing: the one known here unless it was erased, else the first in
+  /// model space. Null id when there is none.
+  AcDbObjectId residentImage();
+  bool hasImage() { return m_pending || !residentImage().isNull(); }
+  /// Makes an entity when there is none, resident or not.
+  void ensureImage();
+  /// The pending entity, given away to the drawing that has just appended it as `id`.
+  void becameResident(AcDbObjectId id);
+
+  /// True once the drawing's stored images have been bound.
+  bool isRestored() const { return m_isRestored; }
+  void setRestored() { m_isRestored = true; }
+
+ private:
+  std::vector<Image>::iterator find(const std::wstring& path);
+
+  AcDbDatabase* m_database;
+  std::unique_ptr<CCadImage> m_pending;
+  AcDbObjectId m_residentId;
+  std::vector<Image> m_images;
+  bool m_isRestored = false;
+};
+
+/// A record's image entity for a short time: the pending one, or the one in the drawing, opened and
+/// closed again.
+class OpenedImage {
+ public:
+  OpenedImage(CDocData& record, AcDb::OpenMode mode);
+  ~OpenedImage();
+  OpenedImage(const OpenedImage&) = delete;
+  OpenedImage& operator=(const OpenedImage&) = delete;
+
+  /// Null when there is none or it could not be opened.
+  CCadImage* get() const { return m_image; }
+  CCadImage* operator->() const { return m_image; }
+  explicit operator bool() const { return m_image != nullptr; }
+
+ private:
+  CCadImage* m_image = nullptr;
+  bool m_isResident = false;
+};

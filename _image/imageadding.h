@@ -1,0 +1,37 @@
+// Adding images to a drawing: the one way for commands, panel and command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "inc/iimagedivision.h"
+
+class AcApDocument;
+class CDocData;
+
+namespace tarn::image {
+
+/// The message of every caller that finds no record of the current document.
+void reportNoRecord();
+
+/// The record of the current document; null after the message.
+CDocData* currentRecordOrReport();
+
+/// Asks for local image files and adds them, stores the list and redraws.
+void addLocalImages();
+
+/// Adds one image whose source is open: binds it to the document's image entity, enters it in the
+/// record's list as displayed, appends the entity to the drawing when it is not there yet. False
+/// after a message; the record is then as it was and the source closed.
+bool addOpenedImage(AcApDocument* document, CDocData& record, const std::wstring& path,
+                    kel::Object<IImageDivision>& division);
+
+/// The paths stored in a drawing, and storing them. False, after a message, when they cannot be
+/// stored.
+std::vector<std::wstring> storedImagePaths(const CDocData& record);
+bool storeImagePaths(AcApDocument* document, CDocData& record,
+                     const std::vector<std::wstring>& paths);
+/// Adds one path to those stored, unless it is among them.
+bool storeImagePath(AcApDocument* document, CDocData& record, const std::wstring& path);
+
+}  // namespace tarn::image

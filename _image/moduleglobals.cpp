@@ -1,0 +1,19 @@
+#include "_image/moduleglobals.h"
+
+AsdkDataManager<CDocData>* g_dataMap = nullptr;
+tarnEditorReactor* g_editorReactor = nullptr;
+tarnPlotReactor* g_plotReactor = nullptr;
+AsdkInputPointMonitor* g_inputPointMonitor = nullptr;
+std::set<std::wstring>* g_watchedCommands = nullptr;
+
+namespace tarn::image {
+
+RefreshFlags g_refresh;
+double g_viewTwistAtCommandStart = 0;
+bool g_suppressPixels = false;
+bool g_useScreenRectOld = false;
+int g_screenSizeReads = 0;
+double g_plotValues[6] = {};
+LastRequest g_lastRequest;
+
+}  // namespace tarn::image

@@ -1,0 +1,67 @@
+// The module's program-wide state, in one place: the owned singletons (raw pointers, null when
+// absent, made and deleted where named) and the few values that the parts share. Main thread only.
+#pragma once
+
+#include <set>
+#include <string>
+
+template <class T>
+class AsdkDataManager;
+class AsdkInputPointMonitor;
+class CDocData;
+class tarnEditorReactor;
+class tarnPlotReactor;
+
+/// The per-document registry. Made at the first full load and kept until the process ends: it
+/// serves entities of open documents, also after the module was unloaded.
+extern AsdkDataManager<CDocData>* g_dataMap;
+/// Made at load, deleted at unload (acrxentrypoint).
+extern tarnEditorReactor* g_editorReactor;
+extern tarnPlotReactor* g_plotReactor;
+extern AsdkInputPointMonitor* g_inputPointMonitor;
+/// Names of the commands during which refresh is suspended. Made at load (reactors), kept.
+extern std::set<std::wstring>* g_watchedCommands;
+
+namespace tarn::image {
+
+/// What the reactors and the message watcher tell each other.
+struct RefreshFlags {
+  /// A watched command or a middle-button drag is under way; a redraw is owed when it ends.
+  bool suspendRefresh = false;
+  /// Command "plot" runs; the message watcher ignores everything.
+  bool plotting = false;
+  /// Command "VIEWCUBEACTION" runs.
+  bool viewCube = false;
+};
+extern RefreshFlags g_refresh;
+
+/// VIEWTWIST when the last command started, in radians.
+extern double g_viewTwistAtCommandStart;
+
+/// Only markers are drawn, no pixels: on between the start and the end of a watched command.
+extern bool g_suppressPixels;
+
+/// GetScreenRect gives what GetScreenRectOld gives: on while the drawing pipeline draws a twisted
+/// view.
+extern bool g_useScreenRectOld;
+
+/// How often the screen size was read for drawing.
+extern int g_screenSizeReads;
+
+/// The region that is being plotted, kept by the plot reactor; all 0 between plots.
+extern double g_plotValues[6];
+
+/// The last request made for drawing, overwritten by each. The source may be gone since then and is
+/// only for comparing.
+struct LastRequest {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  const void* source = nullptr;
+  unsigned char* buffer = nullptr;  ///< null once the draw has freed it
+  double reduction = 0;
+};
+extern LastRequest g_lastRequest;
+
+}  // namespace tarn::image
