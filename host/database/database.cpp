@@ -52,6 +52,8 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
 
 AcDbDatabase::~AcDbDatabase() {
   state_->observer = nullptr;
+  AcDbHostApplicationServices* services = acdbHostApplicationServices();
+  if (services->workingDatabase() == this) services->setWorkingDatabase(nullptr);
   // Newest first, so that an object outlives what it owns.
   for (auto stub = state_->stubs.rbegin(); stub != state_->stubs.rend(); ++stub) {
     stub->second->object.reset();

@@ -146,10 +146,14 @@ Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
 Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
   const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer);
   if (status != Acad::eOk) return status;
+  AcDbObjectId layer;
+  Adesk::UInt16 color = 0;
   Adesk::UInt8 visibility = 0;
-  filer->readHardPointerId(&layerId_);
-  filer->readUInt16(&color_);
-  filer->readUInt8(&visibility);
+  filer->readHardPointerId(&layer);
+  filer->readUInt16(&color);
+  if (filer->readUInt8(&visibility) != Acad::eOk) return filer->filerStatus();
+  layerId_ = layer;
+  color_ = color;
   visibility_ = visibility == AcDb::kInvisible ? AcDb::kInvisible : AcDb::kVisible;
   recordGraphicsModified();
   return filer->filerStatus();

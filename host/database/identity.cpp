@@ -46,7 +46,8 @@ const AcRxClass* AcDbObjectId::objectClass() const {
 namespace tarn::host {
 
 AcDbObjectId ObjectAccess::adopt(AcDbDatabase& database, AcDbObject* object) {
-  static std::deque<AcDbStub> everyStub;
+  // Not destroyed at the end of the process either: ids in other libraries' globals are.
+  static auto& everyStub = *new std::deque<AcDbStub>;
   DatabaseState& own = state(database);
   AcDbStub& stub = everyStub.emplace_back();
   stub.database = &database;

@@ -59,6 +59,7 @@ Adesk::Boolean AcDbLine::subWorldDraw(AcGiWorldDraw* draw) {
 
 Acad::ErrorStatus AcDbLine::subGetGeomExtents(AcDbExtents& extents) const {
   assertReadEnabled();
+  extents = AcDbExtents();
   extents.addPoint(start_);
   return extents.addPoint(end_);
 }

@@ -50,13 +50,18 @@ Acad::ErrorStatus ObjectAccess::open(AcDbObject& object, AcDb::OpenMode mode, bo
       ++object.readers_;
       break;
     case AcDb::kForWrite:
-      object.writing_ = true;
+      beginWrite(object);
       break;
     case AcDb::kForNotify:
       object.notifying_ = true;
       break;
   }
   return Acad::eOk;
+}
+
+void ObjectAccess::beginWrite(AcDbObject& object) {
+  object.writing_ = true;
+  if (DatabaseObserver* observer = observerOf(object)) observer->objectOpenedForWrite(object);
 }
 
 }  // namespace tarn::host
@@ -95,7 +100,7 @@ Acad::ErrorStatus AcDbObject::upgradeOpen() {
   if (!isResident() || readers_ == 0) return Acad::eInvalidOpenState;
   if (readers_ > 1) return Acad::eHadMultipleReaders;
   readers_ = 0;
-  writing_ = true;
+  tarn::host::ObjectAccess::beginWrite(*this);
   return Acad::eOk;
 }
 
@@ -110,7 +115,7 @@ Acad::ErrorStatus AcDbObject::upgradeFromNotify(Adesk::Boolean& wasWritable) {
   if (!isResident() || !notifying_) return Acad::eInvalidOpenState;
   wasWritable = writing_;
   notifying_ = false;
-  writing_ = true;
+  if (!writing_) tarn::host::ObjectAccess::beginWrite(*this);
   return Acad::eOk;
 }
 
@@ -124,7 +129,7 @@ Acad::ErrorStatus AcDbObject::downgradeToNotify(Adesk::Boolean wasWritable) {
 Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (!isResident()) return Acad::eNoDatabase;
   if (!writing_) return Acad::eNotOpenForWrite;
-  if (erased_ == erasing) return erasing ? Acad::eWasErased : Acad::eInvalidOpenState;
+  if (erased_ == erasing) return erasing ? Acad::eWasErased : Acad::eWasNotErased;
   if (const Acad::ErrorStatus refused = subErase(erasing); refused != Acad::eOk) return refused;
   erased_ = erasing;
   eraseChanged_ = !eraseChanged_;

@@ -36,13 +36,14 @@ struct DatabaseState {
   DatabaseObserver* observer = nullptr;
 };
 
-/// Each opening of an object, for whatever purpose, goes through here; undo recording belongs here
-/// too.
+/// Each opening of an object, for whatever purpose, goes through open(), and each beginning of a
+/// change through beginWrite().
 class ObjectAccess {
  public:
   static DatabaseState& state(AcDbDatabase& database) { return *database.state_; }
   static AcDbObjectId adopt(AcDbDatabase& database, AcDbObject* object);
   static Acad::ErrorStatus open(AcDbObject& object, AcDb::OpenMode mode, bool openErased);
+  static void beginWrite(AcDbObject& object);
   static void setOwner(AcDbObject& object, AcDbObjectId owner) { object.ownerId_ = owner; }
 };
 

@@ -9,12 +9,14 @@ class AcDbObject;
 
 namespace tarn::host {
 
-/// Every call comes on the main thread. During objectAppended and drawWanted the object is open for
-/// write or read; during the others it is closed. Nothing may be destroyed by a call.
+/// Every call comes on the main thread. During objectAppended, objectOpenedForWrite and drawWanted
+/// the object is open; during the others it is closed. Nothing may be destroyed by a call.
 class DatabaseObserver {
  public:
   virtual ~DatabaseObserver() = default;
   virtual void objectAppended(AcDbObject& object) = 0;
+  /// Opened for write and not changed yet: the moment to take a snapshot.
+  virtual void objectOpenedForWrite(const AcDbObject&) {}
   /// A change was made and the object was closed.
   virtual void objectModified(AcDbObject& object) = 0;
   /// The erase mark was set or taken off and the object was closed.

@@ -13,7 +13,7 @@ struct Services {
 };
 
 Services& services() {
-  static Services instance;
+  static auto& instance = *new Services;  // globals of modules may still ask at the end
   return instance;
 }
 
@@ -25,8 +25,9 @@ Acad::ErrorStatus AcDbHostApplicationServices::findFile(ACHAR* result, int capac
                                                         const ACHAR* name, AcDbDatabase*,
                                                         FindFileHint) {
   if (name == nullptr || result == nullptr) return Acad::eInvalidInput;
-  const std::wstring path = name;
-  if (tarn::fileKind(tarn::toUtf8(path)) != tarn::FileKind::kRegular) return Acad::eFileNotFound;
+  const std::string given = tarn::toUtf8(name);
+  if (tarn::fileKind(given) != tarn::FileKind::kRegular) return Acad::eFileNotFound;
+  const std::wstring path = tarn::toWide(tarn::absolutePath(given));
   if (capacity < 0 || path.size() >= static_cast<size_t>(capacity)) return Acad::eBufferTooSmall;
   std::copy(path.c_str(), path.c_str() + path.size() + 1, result);
   return Acad::eOk;

@@ -84,7 +84,13 @@ enum ErrorStatus : int {
   eNotAnEntity = 91,
   eHadMultipleReaders = 92,
   eDuplicateRecordName = 93,
-  eNoDatabase = 94,
+  eXRefDependent = 94,
+  eSelfReference = 95,
+  eMissingSymbolTable = 96,
+  eMissingSymbolTableRec = 97,
+  eWasNotOpenForWrite = 98,
+  eWasNotErased = 105,
+  eNoDatabase = 111,
   eMakeMeProxy = 301,
 };
 

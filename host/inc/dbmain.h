@@ -63,7 +63,8 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   Acad::ErrorStatus downgradeToNotify(Adesk::Boolean wasWritable);
 
   /// Marks as erased, or takes the mark off (open it with openErased for that). subErase() is
-  /// called first and may refuse. eWasErased when it is erased already.
+  /// called first and may refuse. eWasErased, eWasNotErased when the mark stands so already;
+  /// eNotOpenForWrite, eNoDatabase.
   Acad::ErrorStatus erase(Adesk::Boolean erasing = Adesk::kTrue);
 
   bool isReadEnabled() const { return !isResident() || readers_ > 0 || writing_ || notifying_; }

@@ -99,6 +99,7 @@ TEST_F(DatabaseTest, ErasingMarksAndUnerasingBringsBackTheSameObject) {
   EXPECT_EQ(acdbOpenObject(line, id, AcDb::kForRead), Acad::eWasErased);
   ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForWrite, true), Acad::eOk);
   EXPECT_EQ(line->erase(false), Acad::eOk);
+  EXPECT_EQ(line->erase(false), Acad::eWasNotErased);
   line->close();
   ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForRead), Acad::eOk);
   EXPECT_EQ(line, before);
@@ -111,7 +112,9 @@ TEST_F(DatabaseTest, AnIdOutlivesItsDrawing) {
     AcDbDatabase other;
     id = other.layerZero();
     EXPECT_TRUE(id.isValid());
+    acdbHostApplicationServices()->setWorkingDatabase(&other);
   }
+  EXPECT_EQ(acdbHostApplicationServices()->workingDatabase(), nullptr);
   AcDbObject* object = nullptr;
   EXPECT_FALSE(id.isValid());
   EXPECT_EQ(acdbOpenObject(object, id, AcDb::kForRead), Acad::ePermanentlyErased);
@@ -197,9 +200,39 @@ TEST_F(DatabaseTest, DictionariesFindWithoutCaseAndReplaceByErasing) {
   root->close();
 }
 
+TEST_F(DatabaseTest, ReactorsHearOfOneObject) {
+  class Counter : public AcDbObjectReactor {
+   public:
+    void modified(const AcDbObject*) override { events += "m"; }
+    void erased(const AcDbObject*, Adesk::Boolean on) override { events += on ? "e" : "u"; }
+    void goodbye(const AcDbObject*) override { events += "g"; }
+    std::string events;
+  } counter;
+  auto other = std::make_unique<AcDbDatabase>();
+  AcDbLayerTableRecord* layer = nullptr;
+  ASSERT_EQ(acdbOpenObject(layer, other->layerZero(), AcDb::kForWrite), Acad::eOk);
+  layer->addReactor(&counter);
+  layer->addReactor(&counter);
+  EXPECT_EQ(layer->setColorIndex(0), Acad::eInvalidInput);
+  layer->setIsOff(true);
+  layer->close();
+  ASSERT_EQ(acdbOpenObject(layer, other->layerZero(), AcDb::kForWrite), Acad::eOk);
+  layer->erase();
+  layer->close();
+  other.reset();
+  EXPECT_EQ(counter.events, "meg");
+}
+
+TEST(Status, HasItsNameAndPublicValue) {
+  EXPECT_STREQ(acadErrorStatusText(Acad::eWasErased), L"eWasErased");
+  EXPECT_STREQ(acadErrorStatusText(static_cast<Acad::ErrorStatus>(4711)), L"unknown status");
+  EXPECT_EQ(Acad::eMakeMeProxy, 301);
+}
+
 class Recorder : public DatabaseObserver {
  public:
   void objectAppended(AcDbObject&) override { events += "+"; }
+  void objectOpenedForWrite(const AcDbObject&) override { events += "w"; }
   void objectModified(AcDbObject&) override { events += "m"; }
   void objectErased(AcDbObject&, bool erased) override { events += erased ? "e" : "u"; }
   void drawWanted(AcDbEntity&) override { events += "d"; }
@@ -210,12 +243,12 @@ TEST_F(DatabaseTest, TheObserverHearsEachChangeOnce) {
   Recorder recorder;
   setDatabaseObserver(database_, &recorder);
   const AcDbObjectId id = addLine();
-  EXPECT_EQ(recorder.events, "+mm");  // appended; the line and its block are closed after a change
+  EXPECT_EQ(recorder.events, "w+mm");  // the block, appended; the line and its block are closed
   recorder.events.clear();
   AcDbLine* line = nullptr;
   acdbOpenObject(line, id, AcDb::kForWrite);
   line->close();
-  EXPECT_EQ(recorder.events, "");
+  EXPECT_EQ(recorder.events, "w");
   acdbOpenObject(line, id, AcDb::kForWrite);
   line->setStartPoint(AcGePoint3d(1, 1, 1));
   line->setEndPoint(AcGePoint3d(2, 2, 2));
@@ -231,7 +264,17 @@ TEST_F(DatabaseTest, TheObserverHearsEachChangeOnce) {
   line->erase(true);
   line->erase(false);
   line->close();
-  EXPECT_EQ(recorder.events, "mdeu");
+  EXPECT_EQ(recorder.events, "wwmdwewu");
+  recorder.events.clear();
+  acdbOpenObject(line, id, AcDb::kForRead);
+  line->upgradeOpen();
+  line->close();
+  Adesk::Boolean wasWritable = true;
+  acdbOpenObject(line, id, AcDb::kForNotify);
+  line->upgradeFromNotify(wasWritable);
+  EXPECT_FALSE(wasWritable);
+  line->close();
+  EXPECT_EQ(recorder.events, "ww") << "no way to a change goes past the observer";
   setDatabaseObserver(database_, nullptr);
 }
 

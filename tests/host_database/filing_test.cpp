@@ -11,6 +11,7 @@
 #include "dbsymtb.h"
 #include "dbxrecrd.h"
 #include "host/filing/memoryfiler.h"
+#include "host/filing/snapshot.h"
 
 namespace tarn::host {
 namespace {
@@ -82,6 +83,61 @@ TEST(Filing, EveryShortenedFileIsRefusedAndChangesNothing) {
     double untouched = 3;
     EXPECT_EQ(in.readDouble(&untouched), Acad::eEndOfObject);
     EXPECT_EQ(untouched, 3);
+  }
+}
+
+TEST(Filing, ASnapshotBringsStateAndEraseMarkBack) {
+  AcDbDatabase database;
+  AcDbLayerTable* layers = nullptr;
+  ASSERT_EQ(database.getLayerTable(layers, AcDb::kForWrite), Acad::eOk);
+  auto* layer = new AcDbLayerTableRecord;
+  layer->setName(L"before");
+  AcDbObjectId id;
+  ASSERT_EQ(layers->add(id, layer), Acad::eOk);
+  layers->close();
+  const std::vector<char> before = takeSnapshot(*layer);
+  layer->setName(L"after");
+  layer->setColorIndex(1);
+  layer->erase();
+  const std::vector<char> after = takeSnapshot(*layer);
+  ASSERT_EQ(restoreSnapshot(*layer, before), Acad::eOk);
+  const ACHAR* name = nullptr;
+  layer->getName(name);
+  EXPECT_STREQ(name, L"before");
+  EXPECT_EQ(layer->colorIndex(), 7);
+  EXPECT_FALSE(layer->isErased());
+  ASSERT_EQ(restoreSnapshot(*layer, after), Acad::eOk);
+  EXPECT_TRUE(layer->isErased());
+  EXPECT_EQ(takeSnapshot(*layer), after);
+  EXPECT_EQ(restoreSnapshot(*layer, {}), Acad::eEndOfObject);
+  layer->close();
+}
+
+/// An entity that files a version of its own, as entities of modules do.
+class Versioned : public AcDbEntity {
+ public:
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override {
+    const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
+    return status == Acad::eOk ? filer->writeUInt32(version) : status;
+  }
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override {
+    Adesk::UInt32 read = 0;
+    Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
+    if (status == Acad::eOk) status = filer->readUInt32(&read);
+    return status == Acad::eOk && read > 1 ? Acad::eMakeMeProxy : status;
+  }
+  Adesk::UInt32 version = 1;
+};
+
+TEST(Filing, AnEntitysOwnRefusalPassesThrough) {
+  for (const Adesk::UInt32 version : {0U, 1U, 2U}) {
+    Versioned written;
+    written.version = version;
+    MemoryFiler out;
+    ASSERT_EQ(written.dwgOut(&out), Acad::eOk);
+    MemoryFiler in(out.bytes());
+    Versioned read;
+    EXPECT_EQ(read.dwgIn(&in), version > 1 ? Acad::eMakeMeProxy : Acad::eOk) << version;
   }
 }
 

@@ -24,11 +24,18 @@ LEAFAPP
 namespace {
 
 TEST(RxClass, HierarchyIsConnectedInAnyOrder) {
+  const AcRxClass* early = newAcRxClass(L"RxEarlyChild", L"RxLateParent");
+  EXPECT_FALSE(early->isDerivedFrom(AcRxObject::desc())) << "its parent is not registered yet";
+  const AcRxClass* late = newAcRxClass(L"RxLateParent", L"AcRxObject");
+  acrxBuildClassHierarchy();
+  EXPECT_EQ(early->myParent(), late);
+  EXPECT_TRUE(early->isDerivedFrom(AcRxObject::desc()));
+}
+
+TEST(RxClass, CastsFollowTheHierarchy) {
+  RxBase::rxInit();
   RxLeaf::rxInit();
   const RxLeaf leaf;
-  EXPECT_FALSE(leaf.isKindOf(AcRxObject::desc())) << "its parent is not registered yet";
-  RxBase::rxInit();
-  acrxBuildClassHierarchy();
   EXPECT_TRUE(leaf.isKindOf(RxLeaf::desc()));
   EXPECT_TRUE(leaf.isKindOf(AcRxObject::desc()));
   EXPECT_EQ(RxBase::cast(&leaf), &leaf);

@@ -115,7 +115,7 @@ TEST_F(ModuleTest, ALockedModuleStays) {
 }
 
 TEST_F(ModuleTest, WrongFilesAreNamedWithTheReason) {
-  const auto folder = tarn::makeTemporaryFolder("/tmp", "rxtest");
+  const auto folder = tarn::makeTemporaryFolder(testing::TempDir(), "rxtest");
   ASSERT_TRUE(folder.isOk());
   const std::string text = tarn::joinPath(folder.value(), "text.arx");
   std::ofstream(text) << "not a library";
