@@ -43,7 +43,7 @@ bool exists(const std::string& path) {
 
 /// The full path meant by a typed name; the default extension is added where the name has none.
 std::string meantPath(const std::string& typed, const FileRequest& request) {
-  const std::string path = absolutePath(typed);
+  std::string path = absolutePath(typed);
   if (!extensionOf(path).empty() || fileKind(path) != FileKind::kMissing) return path;
   return path + plainExtension(request.defaultExtension);
 }

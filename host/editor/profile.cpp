@@ -30,7 +30,7 @@ std::string Profile::findFile(const std::string& name) const {
   folders.insert(folders.end(), further_.begin(), further_.end());
   for (const std::string& folder : folders) {
     if (folder.empty()) continue;
-    const std::string path = joinPath(folder, name);
+    std::string path = joinPath(folder, name);
     if (isFile(path)) return path;
   }
   return {};

@@ -113,7 +113,7 @@ void HeadlessFrontEnd::print(const std::string& text) {
 
 std::optional<std::string> HeadlessFrontEnd::readLine(const std::string& prompt, InputKind) {
   if (cancelRequested != 0) return std::nullopt;
-  const auto line = nextLine();
+  auto line = nextLine();
   if (!line) {
     endedInside_ = true;
     print(prompt + "\n");

@@ -43,6 +43,8 @@ std::wstring formatWide(const ACHAR* format, va_list arguments) {
   for (;;) {
     va_list copy;
     va_copy(copy, arguments);
+    // The analyser does not see va_copy.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     const int count = std::vswprintf(buffer.data(), buffer.size(), rule.c_str(), copy);
     va_end(copy);
     if (count >= 0) return {buffer.data(), static_cast<size_t>(count)};
