@@ -5,6 +5,7 @@
 #include <list>
 
 #include "app/session.h"
+#include "base/log.h"
 #include "host/editor/commandlineui.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/sysvars.h"
@@ -38,6 +39,11 @@ bool addInputs(const Options& options, host::HeadlessFrontEnd& frontEnd,
   return true;
 }
 
+/// The toolkit's own remarks mean nothing to the user of a script.
+void toLog(QtMsgType, const QMessageLogContext&, const QString& message) {
+  logLine(message.toStdString());
+}
+
 bool writePicture(host::HostApp& app, const std::string& path) {
   if (path.empty()) return true;
   const std::string fault = app.savePicture(path);
@@ -49,6 +55,7 @@ bool writePicture(host::HostApp& app, const std::string& path) {
 
 int runHeadless(const Options& options, int& argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  qInstallMessageHandler(toLog);
   const QGuiApplication application(argc, argv);
   host::HeadlessFrontEnd::installSignals();
   host::HeadlessFrontEnd frontEnd(std::cout, host::HeadlessFrontEnd::standardOutputIsTerminal());

@@ -123,8 +123,9 @@ Result<Options> parseOptions(const std::vector<std::string>& arguments) {
         return Status::error(name + " needs a value.");
       }
       const std::string value = inPlace ? argument.substr(equals + 1) : arguments[++i];
-      status =
-          value.empty() ? Status::error(name + " needs a value.") : setter->second(value, options);
+      // An empty command line is Enter.
+      const bool missing = value.empty() && name != "--command";
+      status = missing ? Status::error(name + " needs a value.") : setter->second(value, options);
     }
     if (!status) return status;
   }

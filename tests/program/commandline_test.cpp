@@ -129,6 +129,13 @@ TEST_F(Program, saysWhichImageWasNotAdded) {
       << result.output;
 }
 
+TEST_F(Program, printsNothingButTheTranscript) {
+  const Outcome result = run("--command 'SETVAR TILEMODE' --command ''", "env -u XDG_RUNTIME_DIR");
+  const size_t first = result.output.find("Command: SETVAR");
+  ASSERT_NE(first, std::string::npos) << result.output;
+  EXPECT_EQ(result.output.find("QStandardPaths"), std::string::npos) << result.output;
+}
+
 TEST_F(Program, survivesAReaderThatLeaves) {
   EXPECT_EQ(run("--command 'SETVAR ?' --picture '" + path("p.png") + "'", "", "| head -1").code, 0);
   EXPECT_EQ(tarn::fileKind(path("p.png")), tarn::FileKind::kRegular);
