@@ -90,7 +90,12 @@ GuardedImage::~GuardedImage() {
 std::string GuardedImage::cleaned(const std::string& gdalText) const {
   std::string text = replaceAll(gdalText, prefix_ + nameOf(path_) + ": ", "");
   text = replaceAll(text, prefix_, "");
-  return replaceAll(replaceAll(text, "\r", ""), "\n", " ");
+  // Damaged files put any bytes into GDAL's words.
+  std::wstring shown = toWide(text);
+  for (wchar_t& c : shown) {
+    if (c < L' ' || c == 0x7F) c = L' ';
+  }
+  return toUtf8(shown);
 }
 
 Result<DatasetPtr> GuardedImage::open() const {
@@ -104,10 +109,12 @@ Result<DatasetPtr> GuardedImage::open() const {
                                        options, nullptr));
   if (dataset) return dataset;
   const std::string reason = cleaned(errors.text());
-  return Status::error(path_ + ": " +
-                       (errors.failures() == 0 || reason.find("not recognized") != std::string::npos
-                            ? "is no TIFF, IMG or JPG image"
-                            : "cannot be read: " + reason));
+  if (errors.failures() == 0 || reason.find("not recognized") != std::string::npos)
+    return Status::error(path_ + ": is no TIFF, IMG or JPG image");
+  // Failed reads are reported with addresses and positions that say nothing to a user.
+  if (reason.find("VSIF") != std::string::npos)
+    return Status::error(path_ + ": is cut short or damaged");
+  return Status::error(path_ + ": cannot be read: " + reason);
 }
 
 uint64_t guardedBytesRead() {

@@ -72,8 +72,6 @@ Status checkBand(const BandFacts& band) {
     return Status::error("has " + std::to_string(band.bits) + " bits a sample; 8 can be shown");
   if (band.hasPalette || band.colour == BandColour::kPalette)
     return Status::error("has a colour palette; gray and RGB images can be shown");
-  if (band.colour == BandColour::kAlpha)
-    return Status::error("has an alpha band; gray and RGB images can be shown");
   if (band.hasMask) return Status::error("has a mask; images without one can be shown");
   if (band.nodata && !isHarmless(*band.nodata))
     return Status::error("has the nodata value " + formatDouble(*band.nodata) +
@@ -107,6 +105,11 @@ ImageFacts describe(GDALDataset& dataset) {
 
 Result<Presentation> decidePresentation(const ImageFacts& facts) {
   if (facts.bands.empty()) return Status::error("has no bands");
+  for (const BandFacts& band : facts.bands) {
+    // Named before the mask that it brings for the other bands.
+    if (band.colour == BandColour::kAlpha)
+      return Status::error("has an alpha band; gray and RGB images can be shown");
+  }
   for (const BandFacts& band : facts.bands) {
     if (Status status = checkBand(band); !status) return status;
   }

@@ -232,17 +232,15 @@ void RasterImage::loadOwnOverviews() {
 }
 
 void RasterImage::loadPyramid(const PyramidPlaces& places) {
-  removeDeadBuild(path_, places.folder);
   const auto use = [&](const std::string& path, bool cached) {
+    removeDeadBuild(path);
     const PyramidState state =
         pyramidState(path, path_, width(), height(), presentation_.channels, cached);
     if (state != PyramidState::kOurs && state != PyramidState::kForeign) return false;
     return addPyramidLevels(path, state == PyramidState::kOurs);
   };
   if (use(pyramidPath(path_, places.folder), false) || places.cacheFolder.empty()) return;
-  const std::string cached = cachedPyramidPath(path_, places.cacheFolder);
-  removeDeadBuild(cached, folderOf(cached));
-  use(cached, true);
+  use(cachedPyramidPath(path_, places.cacheFolder), true);
 }
 
 bool RasterImage::addPyramidLevels(const std::string& path, bool ours) {

@@ -220,9 +220,8 @@ class BuildFolder {
     if (!path_.empty()) static_cast<void>(removeAll(path_));
   }
   Status make(const std::string& target) {
-    const std::string folder = folderOf(target);
-    removeDeadBuild(target, folder);
-    const std::string path = buildFolderPath(target, folder);
+    removeDeadBuild(target);
+    const std::string path = buildFolderPath(target);
     if (Status made = makeFolders(path); !made) return made;
     if (Status locked = lock_.tryLock(buildLockPath(path)); !locked) return locked;
     path_ = path;

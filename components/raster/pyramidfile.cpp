@@ -75,16 +75,16 @@ PyramidState pyramidState(const std::string& path, const std::string& imagePath,
   return current && !cached ? PyramidState::kForeign : PyramidState::kStale;
 }
 
-std::string buildFolderPath(const std::string& imagePath, const std::string& folder) {
-  return joinPath(folder, ".tarnpyramid-" + hashName(nameOf(imagePath)));
+std::string buildFolderPath(const std::string& pyramid) {
+  return joinPath(folderOf(pyramid), ".tarnpyramid-" + hashName(nameOf(pyramid)));
 }
 
 std::string buildLockPath(const std::string& buildFolder) {
   return joinPath(buildFolder, "lock");
 }
 
-void removeDeadBuild(const std::string& imagePath, const std::string& folder) {
-  const std::string build = buildFolderPath(imagePath, folder);
+void removeDeadBuild(const std::string& pyramid) {
+  const std::string build = buildFolderPath(pyramid);
   if (fileKind(build) != FileKind::kFolder) return;
   FileLock lock;
   if (!lock.tryLock(buildLockPath(build))) return;

@@ -40,14 +40,13 @@ enum class PyramidState { kMissing, kOurs, kForeign, kStale };
 PyramidState pyramidState(const std::string& path, const std::string& imagePath, int width,
                           int height, int channels, bool cached);
 
-/// Name of the folder in which the pyramid of an image is built. One a image, so that two builds
-/// meet and leftovers are found without searching.
-std::string buildFolderPath(const std::string& imagePath, const std::string& folder);
-/// Name of the lock file in it; a living build holds its lock.
+/// The hidden folder in which a pyramid is built, beside the place where it will stand. One a
+/// pyramid, so that two builds meet and leftovers are found without searching.
+std::string buildFolderPath(const std::string& pyramid);
+/// The lock file in it; a living build holds its lock.
 std::string buildLockPath(const std::string& buildFolder);
 
-/// Removes what a build that died has left in `folder` for this image. A living build is left
-/// alone.
-void removeDeadBuild(const std::string& imagePath, const std::string& folder);
+/// Removes what a build of the pyramid that died has left. A living build is left alone.
+void removeDeadBuild(const std::string& pyramid);
 
 }  // namespace tarn::raster

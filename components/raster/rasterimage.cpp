@@ -17,7 +17,7 @@ namespace {
 
 // Decoded pixels that one step of a read may need at once; larger windows are read in steps.
 constexpr int64_t kStepBytes = 64 << 20;
-constexpr int kMostCells = 1 << 16;
+constexpr int kMostCells = 1 << 17;
 constexpr double kSameSize = 1e-6;
 constexpr double kFarthest = 1e12;
 
@@ -29,7 +29,12 @@ bool isReadable(const Window& w) {
          w.columns <= kMostCells && w.rows <= kMostCells;
 }
 
-Filter filterFor(double cell, bool smooth) {
+/// `cell` in image pixels, `levelCell` in pixels of the level that is read.
+Filter filterFor(double cell, double levelCell, bool smooth) {
+  // Cells of millions of pixels of a level come from images without a pyramid; averaging them would
+  // take minutes.
+  constexpr double kMostAveraged = 16384;
+  if (levelCell > kMostAveraged) return Filter::kNearest;
   if (cell > 1 + kSameSize) return Filter::kBox;
   return smooth ? Filter::kBilinear : Filter::kNearest;
 }
@@ -85,10 +90,10 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
   const TileGrid& grid = level.reader->grid();
   const AxisTaps across = makeTaps({window.x / level.factorX, window.cellX / level.factorX,
                                     window.columns, facts_.width / level.factorX, grid.width},
-                                   filterFor(window.cellX, smooth));
+                                   filterFor(window.cellX, window.cellX / level.factorX, smooth));
   const AxisTaps down = makeTaps({window.y / level.factorY, window.cellY / level.factorY,
                                   window.rows, facts_.height / level.factorY, grid.height},
-                                 filterFor(window.cellY, smooth));
+                                 filterFor(window.cellY, window.cellY / level.factorY, smooth));
   if (readCells(level, across, down, out, stride, counts)) return Status::ok();
   std::memset(out, 0, stride * window.rows);
   return Status::error(path_ + ": some of its pixels cannot be read");

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "inc/callbackprogressbar.h"
+#include "inc/iappmanager.h"
+#include "inc/iimagedivision.h"
+#include "inc/kcore.h"
+#include "tests/raster/testimages.h"
+#include "tests/support/recordinginterface.h"
+
+namespace tarn::raster {
+namespace {
+
+using test::recorded;
+
+struct RecordingProgress : CallBackProgressBar {
+  void start(const char* label, int minimum, int maximum) override {
+    calls.push_back(std::string(label) + " " + std::to_string(minimum) + ".." +
+                    std::to_string(maximum));
+  }
+  void setPosition(int position) override {
+    positions.push_back(position);
+    threads.push_back(std::this_thread::get_id());
+  }
+  void end() override { calls.emplace_back("end"); }
+  std::vector<std::string> calls;
+  std::vector<int> positions;
+  std::vector<std::thread::id> threads;
+};
+
+class ImageSource : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::RecordingInterface::registerSelf();
+    kel::Object<IAppManager> manager("N", "test", 1);
+    ASSERT_TRUE(manager->loadPlugins("plugins", 0));
+    recorded() = {};
+    recorded().folder = scratch_ / "cache";
+    source_ = kel::Object<IImageDivision>("N", "test", 2);
+    ASSERT_FALSE(source_.isNull());
+    path_ = scratch_ / "航片 1.tif";
+    writePicture(path_, smooth(1200, 900, 3));
+  }
+  bool init() { return source_->init(path_.c_str(), scratch_.folder().c_str(), false); }
+  bool build() {
+    return source_->buildPyramid(scratch_.folder().c_str(), 0, 3, 256.0, 256.0, 1, 100);
+  }
+  std::vector<uint8_t> read(double x, double y, double cell, int width, int height) {
+    std::vector<uint8_t> out(size_t(width) * height * 3, 9);
+    source_->announceWindow(x, y, cell, cell);
+    EXPECT_TRUE(source_->readRegion(5, 6, width, height, 77, 78, out.data()));
+    return out;
+  }
+  Scratch scratch_;
+  std::string path_;
+  kel::Object<IImageDivision> source_;
+};
+
+TEST_F(ImageSource, OpensReportsAndCloses) {
+  ASSERT_TRUE(init());
+  EXPECT_EQ(source_->width(), 1200);
+  EXPECT_EQ(source_->height(), 900);
+  const double expected[6] = {0.5, 0, 0, -0.5, 500000, 3400000};
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(source_->geoTransform()[i], expected[i]);
+  int width = 0, height = 0, code = 5;
+  double x0 = 0, y0 = 0, a = 0, e = 0;
+  source_->getGeoInfo(width, height, x0, y0, a, e);
+  EXPECT_EQ(width, 1200);
+  EXPECT_EQ(height, 900);
+  EXPECT_EQ(x0, 500000);
+  EXPECT_EQ(y0, 3400000);
+  EXPECT_EQ(a, 0.5);
+  EXPECT_EQ(e, -0.5);
+  source_->coordinateSystem(code);
+  EXPECT_LT(code, 0);
+  source_->close();
+  uint8_t out[3] = {};
+  EXPECT_FALSE(source_->readRegion(0, 0, 1, 1, 1, 1, out));
+  EXPECT_FALSE(build());
+  EXPECT_EQ(source_->width(), 0);
+  EXPECT_TRUE(init()) << "opens again";
+  EXPECT_TRUE(recorded().messages.empty());
+}
+
+TEST_F(ImageSource, FailuresAreSaidOnceAndLeaveItUsable) {
+  writeText(scratch_ / "bad.tif", "nothing");
+  const std::string folder = scratch_.folder();
+  EXPECT_FALSE(source_->init((scratch_ / "bad.tif").c_str(), folder.c_str(), false));
+  EXPECT_FALSE(source_->init((scratch_ / "missing.tif").c_str(), folder.c_str(), false));
+  EXPECT_FALSE(source_->init("", folder.c_str(), false));
+  EXPECT_FALSE(source_->init("a.tif", "", false));
+  EXPECT_FALSE(source_->init(nullptr, nullptr, false));
+  EXPECT_EQ(recorded().messages.size(), 5U);
+  EXPECT_NE(recorded().messages[0].find("bad.tif"), std::string::npos);
+  source_->close();
+  recorded().messages.clear();
+  ASSERT_TRUE(init());
+  ASSERT_TRUE(removeAll(path_));
+  uint8_t out[12];
+  for (int i = 0; i < 3; ++i) {
+    std::fill_n(out, 12, uint8_t{9});
+    EXPECT_FALSE(source_->readRegion(0, 0, 2, 2, 1, 1, out));
+    EXPECT_EQ(*std::max_element(out, out + 12), 0);
+  }
+  ASSERT_EQ(recorded().messages.size(), 1U) << "one message an image";
+  EXPECT_NE(recorded().messages[0].find(path_), std::string::npos);
+}
+
+TEST_F(ImageSource, BuildsThePyramidWithProgress) {
+  ASSERT_TRUE(init());
+  EXPECT_FALSE(source_->hasPyramid(scratch_.folder().c_str()));
+  RecordingProgress progress;
+  kel::Core::setProgressBar(&progress);
+  EXPECT_TRUE(build());
+  kel::Core::setProgressBar(nullptr);
+  EXPECT_EQ(progress.calls, (std::vector<std::string>{"金字塔 航片 1.tif 1..100", "end"}));
+  ASSERT_FALSE(progress.positions.empty());
+  EXPECT_EQ(progress.positions.back(), 100);
+  EXPECT_TRUE(std::is_sorted(progress.positions.begin(), progress.positions.end()));
+  for (const auto& thread : progress.threads) EXPECT_EQ(thread, std::this_thread::get_id());
+  EXPECT_TRUE(source_->hasPyramid(scratch_.folder().c_str()));
+  source_->close();
+  ASSERT_TRUE(init());
+  recorded().counters.clear();
+  read(0, 0, 4, 200, 200);
+  EXPECT_EQ(recorded().counters["windows"], 1);
+  EXPECT_EQ(recorded().counters["pixels"], 40000);
+  EXPECT_EQ(recorded().counters["tiles_read"] + recorded().counters["tiles_cached"], 1)
+      << "200 pixels of the level of a quarter";
+  source_->setNoPyramid(true);
+  recorded().counters.clear();
+  read(0, 0, 4, 200, 200);
+  EXPECT_GT(recorded().counters["tiles_read"], 4) << "the file itself";
+}
+
+TEST_F(ImageSource, CancellingLeavesNothing) {
+  ASSERT_TRUE(init());
+  recorded().cancel = true;
+  EXPECT_FALSE(build());
+  EXPECT_EQ(listFolder(scratch_.folder()).size(), 1U);
+  EXPECT_EQ(recorded().messages.size(), 1U);
+  recorded().cancel = false;
+  EXPECT_TRUE(build());
+}
+
+TEST_F(ImageSource, SmallImagesNeedNoPyramid) {
+  writePicture(path_, smooth(256, 200, 1));
+  ASSERT_TRUE(init());
+  EXPECT_TRUE(source_->hasPyramid(scratch_.folder().c_str()));
+}
+
+TEST_F(ImageSource, AnAnnouncedWindowHoldsForOneRead) {
+  ASSERT_TRUE(init());
+  const Picture full = readByGdal(path_);
+  const auto announced = read(100, 50, 1, 4, 3);
+  EXPECT_TRUE(std::equal(announced.begin(), announced.begin() + 12, full.at(100, 50)));
+  std::vector<uint8_t> plain(36);
+  ASSERT_TRUE(source_->readRegion(10, 20, 4, 3, 1, 1, plain.data()));
+  EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + 12, full.at(10, 20)));
+  ASSERT_TRUE(source_->readRegionOverview(10, 20, 4, 3, 1, plain.data()));
+  EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + 12, full.at(10, 20)));
+  unsigned char* target = plain.data();
+  source_->announceWindow(500, 500, 9, 9);
+  ASSERT_TRUE(source_->readBlock(30, 40, 4, 3, 1, 1, &target));
+  EXPECT_TRUE(std::equal(plain.begin(), plain.begin() + 12, full.at(30, 40)))
+      << "blocks are not announced";
+  EXPECT_FALSE(source_->readBlock(0, 0, 4, 3, 1, 1, nullptr));
+  target = nullptr;
+  EXPECT_FALSE(source_->readBlock(0, 0, 4, 3, 1, 1, &target));
+}
+
+TEST_F(ImageSource, NotesAreSaidOnceAndNameTheImage) {
+  writePicture(path_, smooth(1200, 900, 3), {"GTiff", {}, false});
+  ASSERT_TRUE(init());
+  source_->close();
+  ASSERT_TRUE(init());
+  ASSERT_EQ(recorded().messages.size(), 1U);
+  EXPECT_EQ(recorded().messages[0].find("航片 1.tif: "), 0U) << recorded().messages[0];
+}
+
+TEST_F(ImageSource, WorksWithoutAUserInterface) {
+  kel::unregisterImplementation("N", IUserInterface::interfaceId());
+  kel::Object<IImageDivision> silent("N", "test", 3);
+  EXPECT_FALSE(silent->init("/missing.tif", "/", false));
+  EXPECT_TRUE(silent->init(path_.c_str(), scratch_.folder().c_str(), false));
+  uint8_t out[12];
+  EXPECT_TRUE(silent->readRegion(0, 0, 2, 2, 1, 1, out));
+  EXPECT_TRUE(recorded().messages.empty());
+}
+
+}  // namespace
+}  // namespace tarn::raster

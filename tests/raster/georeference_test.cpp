@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include "components/raster/georeference.h"
+#include "tests/raster/testimages.h"
+
+namespace tarn::raster {
+namespace {
+
+struct Kind {
+  const char* file;
+  const char* world;
+  FileForm form;
+  bool hasInner;
+};
+
+const Kind kKinds[] = {{"a.tif", "a.tfw", {"GTiff", {}}, true},
+                       {"a.img", "a.igw", {"HFA", {}}, true},
+                       {"a.jpg", "a.jgw", {"JPEG", {}}, false}};
+
+std::string auxText(double x) {
+  return "<PAMDataset><GeoTransform>" + std::to_string(x) +
+         ", 0.5, 0, 800, 0, -0.5</GeoTransform></PAMDataset>";
+}
+
+TEST(Georeference, AuxBeforeWorldFileBeforeInner) {
+  for (const Kind& kind : kKinds) {
+    SCOPED_TRACE(kind.file);
+    const Scratch scratch;
+    const std::string path = scratch / kind.file;
+    FileForm form = kind.form;
+    form.georeferenced = kind.hasInner;
+    writePicture(path, texture(40, 30, 3), form);
+    const auto place = [&] {
+      const auto image = openImage(path);
+      return image ? image->geoTransform() : GeoTransform{};
+    };
+    if (kind.hasInner) {
+      EXPECT_EQ(place().x0, 500000);
+      EXPECT_EQ(place().y0, 3400000);
+    } else {
+      EXPECT_EQ(place().x0, 0);
+      EXPECT_EQ(place().y0, 30);
+      EXPECT_EQ(place().a, 1);
+      EXPECT_EQ(openImage(path)->notes().size(), 1U);
+    }
+    // The centre of the first pixel, so the corner is half a pixel up and left.
+    writeText(scratch / kind.world, "0.5\n0\n0\n-0.5\n600000.25\n3500000.75\n");
+    EXPECT_EQ(place().x0, 600000);
+    EXPECT_EQ(place().y0, 3500001);
+    EXPECT_EQ(openImage(path)->notes().size(), kind.hasInner ? 1U : 0U)
+        << "differs from the inner one";
+    writeText(path + ".aux.xml", auxText(700));
+    EXPECT_EQ(place().x0, 700);
+    EXPECT_EQ(place().y0, 800);
+    ASSERT_EQ(openImage(path)->notes().size(), 1U);
+    const std::string note = openImage(path)->notes()[0];
+    EXPECT_NE(note.find(".aux.xml"), std::string::npos) << note;
+    EXPECT_NE(note.find(kind.world), std::string::npos) << note;
+  }
+}
+
+TEST(Georeference, BrokenWorldFileIsIgnoredWithANote) {
+  const Scratch scratch;
+  writePicture(scratch / "a.tif", texture(40, 30, 3));
+  for (const char* text : {"", "0.5\n0\n0\n-0.5\n1\n", "a\nb\nc\nd\ne\nf\n", "0\n0\n0\n0\n5\n5\n",
+                           "nan\n0\n0\n-1\n0\n0\n", "1e300\n0\n0\n-1\n0\n0\n"}) {
+    writeText(scratch / "a.tfw", text);
+    const auto image = openImage(scratch / "a.tif");
+    ASSERT_TRUE(image) << text;
+    EXPECT_EQ(image->geoTransform().x0, 500000) << text;
+    EXPECT_EQ(image->notes().size(), 1U) << text;
+  }
+}
+
+TEST(Georeference, WorldFileNamesAndTexts) {
+  const auto names = worldFileNames("old map.tiff");
+  for (const char* wanted : {"old map.tfw", "old map.tiffw", "old map.wld", "old map.TFW"}) {
+    EXPECT_NE(std::find(names.begin(), names.end(), wanted), names.end()) << wanted;
+  }
+  const auto t = parseWorldFile("  0.1\r\n0.0\r\n0\r\n-1e-1\r\n40500123.456\r\n3512345.678\r\n");
+  ASSERT_TRUE(t);
+  EXPECT_DOUBLE_EQ(t->x0, 40500123.406);
+  EXPECT_DOUBLE_EQ(t->y0, 3512345.728);
+}
+
+TEST(Georeference, OnlyNorthUpIsShown) {
+  struct Case {
+    GeoTransform transform;
+    const char* reason;
+  };
+  for (const Case& c :
+       {Case{{0, 1, 0.2, 0, 0.2, -1}, "rotated"}, Case{{0, 1, 0, 0, 0, 1}, "south-up"},
+        Case{{0, -1, 0, 0, 0, -1}, "mirrored"}}) {
+    const auto chosen = chooseGeoreference({{"x", c.transform}}, 100, 100);
+    ASSERT_FALSE(chosen);
+    EXPECT_NE(chosen.message().find(c.reason), std::string::npos) << chosen.message();
+  }
+  // A rotation that moves nothing visibly is none.
+  EXPECT_TRUE(chooseGeoreference({{"x", {0, 1, 1e-9, 0, -1e-9, -1}}}, 20000, 20000));
+}
+
+TEST(Georeference, CoordinateSystem) {
+  const Scratch scratch;
+  writePicture(scratch / "a.tif", texture(40, 30, 3));
+  EXPECT_EQ(openImage(scratch / "a.tif")->coordinateSystem(), -1);
+  writeText(scratch / "a.tif.aux.xml",
+            "<PAMDataset><SRS>PROJCS[\"x\",GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS "
+            "84\",6378137,"
+            "298.257223563]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],"
+            "PROJECTION[\"Transverse_Mercator\"],UNIT[\"metre\",1],AUTHORITY[\"EPSG\",\"4547\"]]</"
+            "SRS></PAMDataset>");
+  EXPECT_EQ(openImage(scratch / "a.tif")->coordinateSystem(), 4547);
+}
+
+}  // namespace
+}  // namespace tarn::raster

@@ -1,0 +1,72 @@
+#include <gdal_priv.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "tests/raster/testimages.h"
+
+namespace tarn::raster {
+namespace {
+
+bool gdalReads(const std::string& path) {
+  auto* dataset = GDALDataset::Open(path.c_str(), GDAL_OF_RASTER);
+  bool all = true;
+  for (int i = 1; i <= dataset->GetRasterCount(); ++i) {
+    std::vector<uint8_t> line(dataset->GetRasterXSize());
+    for (int y = 0; y < dataset->GetRasterYSize(); ++y) {
+      all = all && dataset->GetRasterBand(i)->RasterIO(GF_Read, 0, y, int(line.size()), 1,
+                                                       line.data(), int(line.size()), 1, GDT_Byte,
+                                                       0, 0, nullptr) == CE_None;
+    }
+  }
+  GDALClose(dataset);
+  return all;
+}
+
+TEST(RealFiles, NoneCrashesAndThoseShownAreGdals) {
+  if (fileKind(TARN_DATA_DIR) != FileKind::kFolder)
+    GTEST_SKIP() << "no real files in " << TARN_DATA_DIR;
+  int shown = 0, refused = 0;
+  CPLPushErrorHandler(CPLQuietErrorHandler);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(TARN_DATA_DIR)) {
+    const std::string path = entry.path().string();
+    const std::string ending = toLower(extensionOf(path));
+    if (!entry.is_regular_file() || (ending != ".tif" && ending != ".img" && ending != ".jpg"))
+      continue;
+    SCOPED_TRACE(path);
+    const auto opened = RasterImage::open(path, {{folderOf(path), ""}, true});
+    if (!opened) {
+      ++refused;
+      EXPECT_EQ(opened.message().compare(0, path.size(), path), 0) << opened.message();
+      continue;
+    }
+    const RasterImage& image = *opened.value();
+    ReadCounts counts;
+    std::vector<uint8_t> overview(64 * 64 * 3);
+    const double cell = std::max(image.width(), image.height()) / 64.0;
+    const bool readable =
+        image.read({0, 0, cell, cell, 64, 64}, false, overview.data(), counts).isOk();
+    constexpr int64_t kMostPixels = 100'000'000;
+    if (int64_t(image.width()) * image.height() > kMostPixels) continue;
+    std::vector<uint8_t> out(size_t(image.width()) * image.height() * 3);
+    const Window all{0, 0, 1, 1, image.width(), image.height()};
+    if (!image.read(all, false, out.data(), counts)) {
+      // What GDAL reads, this library must read.
+      EXPECT_FALSE(gdalReads(path));
+      ++refused;
+      continue;
+    }
+    ++shown;
+    EXPECT_TRUE(readable);
+    EXPECT_EQ(largestDifference({image.width(), image.height(), 3, out}, readByGdal(path)), 0);
+  }
+  CPLPopErrorHandler();
+  std::printf("%d real files shown, %d refused with a reason\n", shown, refused);
+  EXPECT_GT(shown, 0);
+}
+
+}  // namespace
+}  // namespace tarn::raster
