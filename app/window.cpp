@@ -63,7 +63,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
   QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
   QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
   QApplication::setHighDpiScaleFactorRoundingPolicy(
-      Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+      Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
   QApplication application(argc, argv);
   QApplication::setApplicationName("Tarn Image");
   QApplication::setApplicationVersion(TARN_VERSION);
