@@ -85,6 +85,16 @@ void HostDocument::changeView(const ViewState& view) {
     if (earlierViews_.size() > kViewsKept) earlierViews_.erase(earlierViews_.begin());
   }
   view_ = view;
+  inGesture_ = false;
+}
+
+void HostDocument::moveView(const ViewState& view) {
+  if (inGesture_) {
+    view_ = view;
+  } else {
+    changeView(view);
+    inGesture_ = true;
+  }
 }
 
 bool HostDocument::previousView() {

@@ -56,6 +56,10 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   const ViewState& view() const { return view_; }
   /// Replaces the view and remembers the earlier one; equal views are not remembered twice.
   void changeView(const ViewState& view);
+  /// The same for one step of a pan or zoom by hand: until endGesture() only the view before the
+  /// first step is remembered.
+  void moveView(const ViewState& view);
+  void endGesture() { inGesture_ = false; }
   /// False when there is no earlier view.
   bool previousView();
 
@@ -80,6 +84,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   std::unique_ptr<DatabaseWatch> watch_;
   ViewState view_;
   std::vector<ViewState> earlierViews_;
+  bool inGesture_ = false;
   Scene scene_;
   Space space_;
   std::vector<AcAp::DocLockMode> locks_;

@@ -5,6 +5,7 @@
 #include <QImageWriter>
 #include <QPainter>
 #include <cmath>
+#include <optional>
 #include <set>
 
 #include "accmd.h"
@@ -146,18 +147,41 @@ ViewState HostApp::view() const {
   return parts_->documents.current().view();
 }
 
-void HostApp::setView(const ViewState& view) {
-  HostDocument& document = parts_->documents.current();
-  ViewState wanted = view;
-  wanted.pixelWidth = document.view().pixelWidth;
-  wanted.pixelHeight = document.view().pixelHeight;
+namespace {
+
+/// `wanted` with the pixels of `now`; nothing when it is no view.
+std::optional<ViewState> acceptedView(const ViewState& wanted, const ViewState& now) {
   if (!std::isfinite(wanted.centerX + wanted.centerY + wanted.twist) || !(wanted.height > 0) ||
       !std::isfinite(wanted.height)) {
-    return;
+    return std::nullopt;
   }
-  document.changeView(wanted);
+  ViewState view = wanted;
+  view.pixelWidth = now.pixelWidth;
+  view.pixelHeight = now.pixelHeight;
+  return view;
+}
+
+}  // namespace
+
+void HostApp::setView(const ViewState& view) {
+  const auto accepted = acceptedView(view, this->view());
+  if (!accepted) return;
+  parts_->documents.current().changeView(*accepted);
   parts_->frontEnd.displayChanged();
   editorObject().notifyViewChanged();
+}
+
+void HostApp::moveTo(const ViewState& view) {
+  const auto accepted = acceptedView(view, this->view());
+  if (!accepted) return;
+  parts_->documents.current().moveView(*accepted);
+  parts_->frontEnd.displayChanged();
+  editorObject().notifyViewChanged();
+  parts_->frontEnd.regenerationWanted();
+}
+
+void HostApp::viewSettled() {
+  parts_->documents.current().endGesture();
 }
 
 void HostApp::resizeView(int pixelWidth, int pixelHeight) {
@@ -172,13 +196,11 @@ void HostApp::resizeView(int pixelWidth, int pixelHeight) {
 }
 
 void HostApp::zoomAt(PixelPoint pixel, double factor) {
-  setView(zoomedAt(view(), pixel, factor));
-  parts_->frontEnd.regenerationWanted();
+  moveTo(zoomedAt(view(), pixel, factor));
 }
 
 void HostApp::panBy(double dx, double dy) {
-  setView(pannedBy(view(), dx, dy));
-  parts_->frontEnd.regenerationWanted();
+  moveTo(pannedBy(view(), dx, dy));
 }
 
 bool HostApp::zoomExtents() {
@@ -197,6 +219,7 @@ bool HostApp::zoomPrevious() {
 }
 
 void HostApp::regenerate() {
+  viewSettled();
   parts_->regenerator.regenerate(parts_->documents.current());
   parts_->frontEnd.displayChanged();
 }

@@ -81,6 +81,9 @@ class ACADHOST_EXPORT HostApp {
   void resizeView(int pixelWidth, int pixelHeight);
   void zoomAt(PixelPoint pixel, double factor);
   void panBy(double dx, double dy);
+  /// The user has let go of the view: the next zoomAt() or panBy() is a new change for ZOOM
+  /// Previous. A regeneration says the same.
+  void viewSettled();
   /// Shows the extents of the visible entities with a margin of 1 per cent and regenerates. False
   /// when there is nothing to show.
   bool zoomExtents();
@@ -125,6 +128,8 @@ class ACADHOST_EXPORT HostApp {
 
  private:
   struct Parts;
+  void moveTo(const ViewState& view);
+
   std::unique_ptr<Parts> parts_;
 };
 

@@ -184,6 +184,7 @@ void Canvas::endDrag(const QMouseEvent& event) {
   contentSeen_ = false;
   tellWatchers(WM_MBUTTONUP, event);
   settleTimer_.stop();
+  app_.viewSettled();
   if (moved_ && !contentSeen_) app_.regenerate();
   hooks_.acted();
 }

@@ -109,6 +109,22 @@ TEST_F(CanvasTest, DoubleMiddleClickShowsEverything) {
             (std::vector<unsigned>{WM_MBUTTONDOWN, WM_MBUTTONUP, WM_MBUTTONDOWN, WM_MBUTTONUP}));
 }
 
+TEST_F(CanvasTest, PreviousViewGoesBackByWholeGestures) {
+  const ViewState start = app_->view();
+  for (int i = 0; i < 3; ++i) wheel({200, 100}, 1);
+  wait(kSettled);
+  const ViewState zoomed = app_->view();
+  drag({400, 300}, {137, 222}, 7);
+  drag({400, 300}, {437, 322}, 7);
+  EXPECT_TRUE(app_->zoomPrevious());
+  EXPECT_TRUE(app_->zoomPrevious());
+  EXPECT_EQ(app_->view().centerX, zoomed.centerX);
+  EXPECT_EQ(app_->view().height, zoomed.height);
+  EXPECT_TRUE(app_->zoomPrevious());
+  EXPECT_EQ(app_->view().centerX, start.centerX);
+  EXPECT_EQ(app_->view().height, start.height);
+}
+
 TEST_F(CanvasTest, ResizeKeepsTheScale) {
   const double scale = app_->view().unitsPerPixel();
   const double x = app_->view().centerX;
