@@ -5,6 +5,7 @@
 
 #include "app/options.h"
 #include "app/session.h"
+#include "base/file.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ bool hasDisplay() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  tarn::makeWriteFailuresErrors();
   const auto options = tarn::app::parseOptions(std::vector<std::string>(argv + 1, argv + argc));
   if (!options) {
     std::cerr << "cadhost: " << options.message() << "\n";

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -36,6 +37,11 @@ Status syncFolder(const std::string& folder) {
 }
 
 }  // namespace
+
+void makeWriteFailuresErrors() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 std::string lastSystemError() {
   return std::strerror(errno);

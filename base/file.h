@@ -55,6 +55,10 @@ Status writeFileAtomically(const std::string& path, std::string_view bytes);
 /// Absolute form of a path, relative to the working folder; does not need to exist.
 std::string absolutePath(const std::string& path);
 
+/// From now on a write to a closed pipe or beyond a size limit fails with an error instead of
+/// ending the process. For programs, once at their start.
+void makeWriteFailuresErrors();
+
 /// The reason of the last failed system call, for messages.
 std::string lastSystemError();
 

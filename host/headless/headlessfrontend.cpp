@@ -86,9 +86,6 @@ void HeadlessFrontEnd::requestCancel() {
 
 void HeadlessFrontEnd::installSignals() {
   std::signal(SIGINT, onInterrupt);
-#ifdef SIGPIPE
-  std::signal(SIGPIPE, SIG_IGN);
-#endif
 }
 
 bool HeadlessFrontEnd::standardOutputIsTerminal() {

@@ -1,0 +1,58 @@
+// Images, scripts, pictures and statistics of the program together.
+
+#include <gtest/gtest.h>
+
+#include "base/file.h"
+#include "base/text.h"
+#include "tests/support/program.h"
+#include "tests/support/rasters.h"
+
+namespace tarn::test {
+namespace {
+
+bool contains(const std::string& text, const std::string& piece) {
+  return text.find(piece) != std::string::npos;
+}
+
+TEST(ImagesOnTheCommandLine, ScriptCommandsPictureAndStatisticsWorkTogether) {
+  const Scratch scratch("tarn_cli_");
+  const Raster raster =
+      makeRaster(700, 500, 1000, 2000, 0.5, [](int column, int row, uint8_t* rgb) {
+        rgb[0] = static_cast<uint8_t>(20 + column / 4);
+        rgb[1] = static_cast<uint8_t>(20 + row / 4);
+        rgb[2] = 128;
+      });
+  ASSERT_TRUE(writeRaster(raster, scratch.at("a.tif")));
+  ASSERT_TRUE(writeFileAtomically(scratch.at("s.scr"), "LINE\n1000,1750\n1350,2000\n\nREGEN\n"));
+  const Outcome outcome =
+      runCadhost(scratch, {"--stats", "--script", scratch.at("s.scr"), "--command", "ZOOM E",
+                           "--command", "REGEN", "--size", "500x400", "--picture",
+                           scratch.at("p.png"), scratch.at("a.tif")});
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  EXPECT_EQ(QImage(QString::fromStdString(scratch.at("p.png"))).size(), QSize(500, 400));
+  bool sawWindow = false;
+  for (const std::string& line : split(outcome.output, '\n')) {
+    if (line.empty() || line[0] != '{') continue;
+    EXPECT_TRUE(contains(line, "\"ms\"")) << line;
+    sawWindow = sawWindow || contains(line, "\"windows\":1");
+  }
+  EXPECT_TRUE(sawWindow) << outcome.output;
+  EXPECT_EQ(runCadhost(scratch, {"--command", "NOSUCHCOMMAND"}).exitCode, 1);
+  // The second start finds its profile in place.
+  EXPECT_EQ(fileKind(scratch.at("profile/system/tarnconfig.db")), FileKind::kRegular);
+  EXPECT_EQ(runCadhost(scratch, {"--command", "REGEN"}).exitCode, 0);
+}
+
+TEST(ImagesOnTheCommandLine, WhatCannotBeDoneYetIsRefusedInOneLine) {
+  const Scratch scratch("tarn_cli_");
+  EXPECT_NE(runCadhost(scratch, {"--save", scratch.at("x.dxf"), "--command", "REGEN"}).exitCode, 0);
+  EXPECT_EQ(fileKind(scratch.at("x.dxf")), FileKind::kMissing);
+  for (const char* command : {"rectifyImage", "OpenImageList", "ImageConversion", "loadCloud"}) {
+    const Outcome outcome = runCadhost(scratch, {"--command", command});
+    EXPECT_FALSE(contains(outcome.output, "Unknown command")) << command;
+    EXPECT_TRUE(contains(outcome.output, command)) << outcome.output;
+  }
+}
+
+}  // namespace
+}  // namespace tarn::test
