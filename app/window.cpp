@@ -1,6 +1,6 @@
 #include <QApplication>
+#include <QMetaObject>
 #include <QScreen>
-#include <QTimer>
 #include <fstream>
 #include <iostream>
 #include <list>
@@ -84,7 +84,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
 
   bool good = true;
   // The window stands before images are opened, which may take a while.
-  QTimer::singleShot(0, &window, [&] {
+  const auto start = [&] {
     window.session().perform([&] {
       loadModules(app, QCoreApplication::applicationDirPath().toStdString());
       good = startDrawing(app, options);
@@ -94,7 +94,8 @@ int runWindow(const Options& options, int& argc, char** argv) {
       if (!fault.empty()) app.print("\n" + fault + "\n");
       good = good && fault.empty();
     });
-  });
+  };
+  QMetaObject::invokeMethod(&window, start, Qt::QueuedConnection);
   const int code = QApplication::exec();
   if (code != 0) return code;
   return good && app.failedCommands() == 0 ? 0 : 1;

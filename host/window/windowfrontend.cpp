@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QLineEdit>
-#include <QTimer>
 #include <utility>
 
 #include "host/window/canvas.h"
@@ -32,6 +31,10 @@ struct WindowFrontEnd::Reader {
 WindowFrontEnd::WindowFrontEnd()
     : held_(std::make_unique<HeldInput>([this] { cancelWanted_ = true; })) {
   sincePump_.start();
+  queueTimer_.setSingleShot(true);
+  QObject::connect(&queueTimer_, &QTimer::timeout, [this] {
+    if (hooks_.runQueued) hooks_.runQueued();
+  });
 }
 
 WindowFrontEnd::~WindowFrontEnd() = default;
@@ -190,10 +193,7 @@ void WindowFrontEnd::displayChanged() {
 }
 
 void WindowFrontEnd::inputQueued() {
-  if (line_ == nullptr) return;
-  QTimer::singleShot(pumping_ ? static_cast<int>(kPumpMilliseconds) : 0, line_, [this] {
-    if (hooks_.runQueued) hooks_.runQueued();
-  });
+  queueTimer_.start(pumping_ ? static_cast<int>(kPumpMilliseconds) : 0);
 }
 
 void WindowFrontEnd::regenerationWanted() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -95,6 +96,7 @@ class WindowFrontEnd final : public FrontEnd {
   std::vector<Reader*> readers_;
   std::unique_ptr<HeldInput> held_;
   QElapsedTimer sincePump_;
+  QTimer queueTimer_;
   bool pumping_ = false;
   bool cancelWanted_ = false;
   bool closing_ = false;

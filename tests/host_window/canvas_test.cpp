@@ -22,6 +22,7 @@ double apart(GroundPoint a, GroundPoint b, const ViewState& view) {
 
 std::vector<unsigned> messagesOf(const std::vector<Seen>& seen) {
   std::vector<unsigned> out;
+  out.reserve(seen.size());
   for (const Seen& s : seen) out.push_back(s.message);
   return out;
 }
