@@ -149,7 +149,9 @@ std::optional<VariableValue> typed(const Rule& rule, const VariableValue& value)
       if (std::holds_alternative<short>(value)) return value;
       return std::nullopt;
     case VariableType::kReal:
-      if (const short* number = std::get_if<short>(&value)) return static_cast<double>(*number);
+      if (const short* number = std::get_if<short>(&value)) {
+        return std::optional<VariableValue>(std::in_place, static_cast<double>(*number));
+      }
       if (std::holds_alternative<double>(value)) return value;
       return std::nullopt;
     case VariableType::kString:
@@ -210,20 +212,20 @@ std::optional<VariableValue> SystemVariables::parse(const std::string& name,
                                                     const std::string& text) const {
   const Rule* rule = ruleOf(name);
   if (rule == nullptr) return std::nullopt;
-  if (rule->type == VariableType::kString) return VariableValue(text);
+  if (rule->type == VariableType::kString) return std::optional<VariableValue>(std::in_place, text);
   if (rule->type == VariableType::kShort) {
     int number = 0;
     if (!parseInt(text, number) || number < -32768 || number > 32767) return std::nullopt;
-    return VariableValue(static_cast<short>(number));
+    return std::optional<VariableValue>(std::in_place, static_cast<short>(number));
   }
   if (rule->type == VariableType::kReal) {
     const auto number = parseNumber(text);
     if (!number) return std::nullopt;
-    return VariableValue(*number);
+    return std::optional<VariableValue>(std::in_place, *number);
   }
   const auto point = parsePoint(text, {});
   if (!point) return std::nullopt;
-  return VariableValue(*point);
+  return std::optional<VariableValue>(std::in_place, *point);
 }
 
 std::vector<std::string> SystemVariables::names() const {
