@@ -11,6 +11,10 @@ EditorObject& editorObject() {
 }
 
 void enterEditorObject() {
+  AcRxEvent::rxInit();
+  AcRxEventReactor::rxInit();
+  AcEditor::rxInit();
+  AcEditorReactor::rxInit();
   acrxSysRegistry()->atPut(ACED_EDITOR_OBJ, &editorObject());
 }
 

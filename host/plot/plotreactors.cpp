@@ -39,5 +39,7 @@ PlotReactors& plotReactors() {
 }  // namespace tarn::host
 
 AcPlPlotReactorMgr* acplPlotReactorMgrPtr() {
+  AcPlPlotReactor::rxInit();
+  AcPlPlotInfo::rxInit();
   return &tarn::host::plotReactors();
 }

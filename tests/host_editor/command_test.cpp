@@ -4,6 +4,7 @@
 
 #include "acdocman.h"
 #include "acedads.h"
+#include "acutmem.h"
 #include "base/text.h"
 #include "rxmfcapi.h"
 #include "tests/host_editor/scriptedhost.h"
@@ -59,6 +60,7 @@ void nesting() {
   note(std::to_string(acedCommandS(RTSTR, ACRX_T("NOSUCH"), RTNONE)));
   acedGetVar(ACRX_T("CMDNAMES"), &names);
   note(toUtf8(names.resval.rstring));
+  acutDelString(names.resval.rstring);
 }
 
 class Commands : public testing::Test {

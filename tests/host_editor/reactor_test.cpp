@@ -2,8 +2,10 @@
 
 #include "acdocman.h"
 #include "aced.h"
+#include "acplplotreactormgr.h"
 #include "base/text.h"
 #include "host/editor/documents.h"
+#include "rxclass.h"
 #include "rxmfcapi.h"
 #include "tests/host_editor/scriptedhost.h"
 
@@ -63,6 +65,19 @@ TEST(EditorReactor, isToldInOrder) {
     noted.clear();
     host.run({c.line});
     EXPECT_EQ(noted, c.noted);
+  }
+}
+
+TEST(EditorReactor, classesAreRegistered) {
+  const ScriptedHost host;
+  AcRxObject* entry = acrxSysRegistry()->at(ACED_EDITOR_OBJ);
+  ASSERT_NE(entry, nullptr);
+  ASSERT_NE(entry->isA(), nullptr);
+  EXPECT_STREQ(entry->isA()->name(), ACRX_T("AcEditor"));
+  EXPECT_NE(acplPlotReactorMgrPtr(), nullptr);
+  for (const ACHAR* name : {ACRX_T("AcEditorReactor"), ACRX_T("AcApDocManagerReactor"),
+                            ACRX_T("AcApDocument"), ACRX_T("AcPlPlotReactor")}) {
+    EXPECT_NE(acrxClassDictionary->at(name), nullptr) << toUtf8(name);
   }
 }
 
