@@ -53,6 +53,7 @@ class ACADHOST_EXPORT AcDbObjectId {
 
   Adesk::IntDbId asOldId() const { return reinterpret_cast<Adesk::IntDbId>(stub_); }
   AcDbObjectId& setFromOldId(Adesk::IntDbId old) {
+    // Entity names carry ids as integers. NOLINTNEXTLINE(performance-no-int-to-ptr)
     stub_ = reinterpret_cast<AcDbStub*>(old);
     return *this;
   }

@@ -162,15 +162,16 @@ const ACHAR* AcRxDynamicLinker::lastMessage() const {
 }
 
 void AcRxDynamicLinker::sendToAll(AcRx::AppMsgCode message) {
-  // By index: a module may load another one while it handles the message.
-  for (size_t i = 0; i < tarn::host::modules().size(); ++i) {
-    tarn::host::Module& module = *tarn::host::modules()[i];
+  // A copy: a module may load another one while it handles the message.
+  std::vector<tarn::host::Module*> told;
+  for (const auto& module : tarn::host::modules()) told.push_back(module.get());
+  for (tarn::host::Module* module : told) {
     std::string failure;
-    if (!module.loaded) continue;
-    tarn::host::send(module, message, failure);
+    if (!module->loaded) continue;
+    tarn::host::send(*module, message, failure);
     if (!failure.empty()) {
       tarn::host::printMessage(
-          tarn::toWide("\nModule \"" + module.name + "\" failed: " + failure + ".\n"));
+          tarn::toWide("\nModule \"" + module->name + "\" failed: " + failure + ".\n"));
     }
   }
 }
