@@ -67,9 +67,8 @@ TEST_F(PyramidFaults, KilledAtAnyMoment) {
     if (there) {
       ++whole;
       EXPECT_EQ(image->levelCount(), 5U);
-      EXPECT_GT(
-          *std::min_element(readByGdal(path_, 3).pixels.begin(), readByGdal(path_, 3).pixels.end()),
-          0);
+      const auto pixels = readByGdal(path_, 3).pixels;
+      EXPECT_GT(*std::min_element(pixels.begin(), pixels.end()), 0);
       EXPECT_EQ(names().size(), 2U);
     } else {
       expectNothingLeft();
