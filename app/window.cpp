@@ -53,7 +53,8 @@ void fitWindow(host::MainWindow& window, const Options& options) {
     window.resize(window.size() + wanted - window.canvas().size());
   }
   if (const QScreen* screen = window.screen()) {
-    window.resize(window.size().boundedTo(screen->availableSize()));
+    constexpr int kTitleBar = 40;  // the frame is not known before the window manager has made it
+    window.resize(window.size().boundedTo(screen->availableSize() - QSize(0, kTitleBar)));
   }
 }
 
