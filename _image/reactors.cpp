@@ -149,7 +149,9 @@ void redrawImages() {
 }
 
 void redrawImagesLocked() {
-  const cad::DocumentLock lock(acDocManager ? acDocManager->curDocument() : nullptr);
+  AcApDocument* document = acDocManager ? acDocManager->curDocument() : nullptr;
+  if (!document) return;
+  const cad::DocumentLock lock(document);
   if (lock.isLocked()) {
     redrawImages();
   } else {
