@@ -40,7 +40,11 @@ void startDiagnosticLog(const std::wstring& database) {
 }
 
 void setUpCurrentDocument() {
-  if (!g_dataMap) g_dataMap = new AsdkDataManager<CDocData>(&tarn::image::restoreImages);
+  if (!g_dataMap) {
+    g_dataMap = new AsdkDataManager<CDocData>(&tarn::image::restoreImages);
+  } else {
+    g_dataMap->attach();
+  }
   if (acDocManager) tarn::image::restoreImages(acDocManager->curDocument());
 }
 

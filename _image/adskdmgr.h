@@ -13,11 +13,16 @@ class AsdkDataManager : public AcApDocManagerReactor {
   /// Called when a document has become the current one and has a record.
   using ReadyHandler = void (*)(AcApDocument* document);
 
-  explicit AsdkDataManager(ReadyHandler handler = nullptr) : m_ready(handler) {
-    if (acDocManager) acDocManager->addReactor(this);
-  }
+  explicit AsdkDataManager(ReadyHandler handler = nullptr) : m_ready(handler) { attach(); }
   ~AsdkDataManager() override {
     if (acDocManager) acDocManager->removeReactor(this);
+  }
+
+  /// Makes sure that the document manager that is there now tells this about its documents.
+  void attach() {
+    if (!acDocManager) return;
+    acDocManager->removeReactor(this);
+    acDocManager->addReactor(this);
   }
 
   /// The record of a document, or null.
