@@ -17,6 +17,8 @@ namespace {
 
 // Decoded pixels that one step of a read may need at once; larger windows are read in steps.
 constexpr int64_t kStepBytes = 64 << 20;
+// Work on less than this is done before another thread has started.
+constexpr int64_t kWorthAThread = 3 << 20;
 constexpr int kMostCells = 1 << 17;
 constexpr double kSameSize = 1e-6;
 constexpr double kFarthest = 1e12;
@@ -113,7 +115,12 @@ bool RasterImage::readCells(const Level& level, const AxisTaps& across, const Ax
            readCells(level, byRows ? across : high, byRows ? high : down, out, stride, counts);
   }
   if (!fetchTiles(level, block, counts)) return false;
-  const int bands = std::clamp(down.cells() / 16, 1, static_cast<int>(workerCount()) * 3);
+  const int64_t sourceBytes = static_cast<int64_t>(across.pixelEnd - across.pixelBegin) *
+                              (down.pixelEnd - down.pixelBegin) * block.grid.channels;
+  const int64_t cellBytes = static_cast<int64_t>(across.cells()) * down.cells() * 3;
+  const int bands = std::max(sourceBytes, cellBytes) < kWorthAThread
+                        ? 1
+                        : std::clamp(down.cells() / 16, 1, static_cast<int>(workerCount()) * 3);
   parallelFor(bands, [&](size_t band) {
     const auto edge = [&](size_t i) {
       return down.first + static_cast<int>(static_cast<int64_t>(down.cells()) * i / bands);
@@ -157,7 +164,9 @@ bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& c
     block.tiles[i] = tile;
     cache.insert(keyOf(i), std::move(tile));
   };
-  if (level.reader->sequential()) {
+  const int64_t missingBytes = static_cast<int64_t>(missing.size()) * block.grid.tileWidth *
+                               block.grid.tileHeight * block.grid.channels;
+  if (level.reader->sequential() || (level.reader->cheap() && missingBytes < kWorthAThread)) {
     for (size_t n = 0; n < missing.size(); ++n) decode(n);
   } else {
     parallelFor(missing.size(), decode);

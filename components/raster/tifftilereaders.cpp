@@ -31,6 +31,7 @@ class RawTileReader : public TileReader {
       : file_(std::move(file)), directory_(std::move(directory)), grid_(blockGrid(directory_)) {}
 
   const TileGrid& grid() const override { return grid_; }
+  bool cheap() const override { return true; }
 
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     const size_t index = static_cast<size_t>(row) * grid_.columns() + column;
@@ -69,6 +70,7 @@ class RawStripReader : public TileReader {
         grid_(gridOf(directory_, kStripTileWidth, kStripTileHeight)) {}
 
   const TileGrid& grid() const override { return grid_; }
+  bool cheap() const override { return true; }
 
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);

@@ -50,6 +50,8 @@ class TileReader {
   /// Decodes one tile into `out` (hasKeys is left to the caller) and adds the bytes read from the
   /// file to `bytesRead`. False when the file does not hold it whole.
   virtual bool read(int column, int row, Tile& out, uint64_t& bytesRead) const = 0;
+  /// True when reading a tile costs little more than copying its pixels.
+  virtual bool cheap() const { return false; }
   /// True when tiles are best read one after the other, in order.
   virtual bool sequential() const { return false; }
 };
