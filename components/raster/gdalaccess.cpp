@@ -3,10 +3,12 @@
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_vsi.h>
+#include <cpl_vsi_virtual.h>
 #include <gdal_frmts.h>
 #include <gdal_priv.h>
 #include <ogr_srs_api.h>
 
+#include <array>
 #include <mutex>
 
 #include "base/path.h"
@@ -24,17 +26,34 @@ int refuseStat(void*, const char*, VSIStatBufL*, int) {
   return -1;
 }
 
+// GDAL keeps the pointers, so the names must last as long as the process.
+constexpr std::array kNetwork = {"/vsicurl/",
+                                 "/vsicurl?",
+                                 "/vsicurl_streaming/",
+                                 "/vsis3/",
+                                 "/vsis3_streaming/",
+                                 "/vsigs/",
+                                 "/vsigs_streaming/",
+                                 "/vsiaz/",
+                                 "/vsiaz_streaming/",
+                                 "/vsiadls/",
+                                 "/vsioss/",
+                                 "/vsioss_streaming/",
+                                 "/vsiswift/",
+                                 "/vsiswift_streaming/",
+                                 "/vsiwebhdfs/",
+                                 "/vsihdfs/"};
+// GDAL forgets the handlers that are replaced; somebody else may still be using one.
+std::array<VSIFilesystemHandler*, kNetwork.size()> g_replaced;
+
 void refuseNetwork() {
   VSIFilesystemPluginCallbacksStruct* callbacks = VSIAllocFilesystemPluginCallbacksStruct();
   callbacks->open = refuseOpen;
   callbacks->stat = refuseStat;
-  for (const char* name : {"curl", "s3", "gs", "az", "adls", "oss", "swift", "webhdfs", "hdfs"}) {
-    for (const char* ending : {"/", "_streaming/"}) {
-      const std::string prefix = std::string("/vsi") + name + ending;
-      VSIInstallPluginHandler(prefix.c_str(), callbacks);
-    }
+  for (size_t i = 0; i < kNetwork.size(); ++i) {
+    g_replaced[i] = VSIFileManager::GetHandler(kNetwork[i]);
+    VSIInstallPluginHandler(kNetwork[i], callbacks);
   }
-  VSIInstallPluginHandler("/vsicurl?", callbacks);
   VSIFreeFilesystemPluginCallbacksStruct(callbacks);
 }
 

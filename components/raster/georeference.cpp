@@ -145,7 +145,7 @@ std::vector<std::string> worldFileNames(const std::string& imageName) {
   if (!ending.empty()) ending.erase(0, 1);
   std::vector<std::string> endings;
   if (ending.size() >= 2) {
-    endings.push_back(std::string() + ending.front() + ending.back() + 'w');
+    endings.push_back({ending.front(), ending.back(), 'w'});
     endings.push_back(ending + 'w');
   }
   endings.emplace_back("wld");
@@ -154,7 +154,8 @@ std::vector<std::string> worldFileNames(const std::string& imageName) {
     std::string upper = each;
     for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     for (const std::string& form : {each, toLower(each), upper}) {
-      const std::string name = stem + "." + form;
+      std::string name = stem;
+      name.append(".").append(form);
       if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
     }
   }

@@ -154,7 +154,7 @@ Status PyramidWriter::finish() {
 }
 
 Status PyramidWriter::check() const {
-  const Status damaged = Status::error(path_ + ": cannot be read back as it was written");
+  Status damaged = Status::error(path_ + ": cannot be read back as it was written");
   RandomFile file;
   if (Status opened = file.open(path_); !opened) return opened;
   auto directories = readTiffDirectories(file, fileTimes(path_).size);

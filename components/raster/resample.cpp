@@ -172,7 +172,7 @@ class RowSampler {
     const uint8_t* previous = nullptr;
     for (int i = 0; i < down_.cells(); ++i) {
       uint8_t* row = out_ + (down_.first + i) * stride_;
-      if (previous && down_.start[i] == down_.start[i - 1]) {
+      if (i > 0 && down_.start[i] == down_.start[i - 1]) {
         std::memcpy(row, previous, 3 * static_cast<size_t>(across_.cells()));
       } else {
         copyRow(down_.start[i], row);
