@@ -55,9 +55,9 @@ AcDbDatabase::~AcDbDatabase() {
   AcDbHostApplicationServices* services = acdbHostApplicationServices();
   if (services->workingDatabase() == this) services->setWorkingDatabase(nullptr);
   // Newest first, so that an object outlives what it owns.
-  for (auto stub = state_->stubs.rbegin(); stub != state_->stubs.rend(); ++stub) {
-    stub->second->object.reset();
-    stub->second->database = nullptr;
+  for (auto entry = state_->stubs.rbegin(); entry != state_->stubs.rend(); ++entry) {
+    entry->second->object.reset();
+    entry->second->database = nullptr;
   }
 }
 

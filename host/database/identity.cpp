@@ -47,14 +47,14 @@ namespace tarn::host {
 
 AcDbObjectId ObjectAccess::adopt(AcDbDatabase& database, AcDbObject* object) {
   // Not destroyed at the end of the process either: ids in other libraries' globals are.
-  static auto& everyStub = *new std::deque<AcDbStub>;
+  static auto& everySlot = *new std::deque<AcDbStub>;
   DatabaseState& own = state(database);
-  AcDbStub& stub = everyStub.emplace_back();
-  stub.database = &database;
-  stub.handle = AcDbHandle(own.nextHandle);
-  stub.object.reset(object);
-  own.stubs.emplace(own.nextHandle++, &stub);
-  object->id_ = AcDbObjectId(&stub);
+  AcDbStub& slot = everySlot.emplace_back();
+  slot.database = &database;
+  slot.handle = AcDbHandle(own.nextHandle);
+  slot.object.reset(object);
+  own.stubs.emplace(own.nextHandle++, &slot);
+  object->id_ = AcDbObjectId(&slot);
   object->writing_ = true;
   object->appended_ = true;
   return object->id_;

@@ -34,7 +34,7 @@ class ACADHOST_EXPORT AcDbHandle {
 class ACADHOST_EXPORT AcDbObjectId {
  public:
   constexpr AcDbObjectId() = default;
-  explicit constexpr AcDbObjectId(AcDbStub* stub) : stub_(stub) {}
+  explicit constexpr AcDbObjectId(AcDbStub* target) : stub_(target) {}
   static const AcDbObjectId kNull;
 
   bool isNull() const { return stub_ == nullptr; }
