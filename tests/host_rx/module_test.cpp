@@ -26,7 +26,7 @@ class ModuleTest : public testing::Test {
     forgetNotes();
   }
   static std::wstring bin(const std::string& name) {
-    return tarn::toWide(tarn::joinPath(TARN_BIN_DIR, name));
+    return tarn::toWide(tarn::joinPath(TEST_MODULE_DIR, name));
   }
   static bool load(const std::string& name = "rxprobe.arx") {
     return acrxDynamicLinker->loadModule(bin(name).c_str(), false);
@@ -119,7 +119,7 @@ TEST_F(ModuleTest, WrongFilesAreNamedWithTheReason) {
   ASSERT_TRUE(folder.isOk());
   const std::string text = tarn::joinPath(folder.value(), "text.arx");
   std::ofstream(text) << "not a library";
-  const std::string bins = TARN_BIN_DIR;
+  const std::string probes = TEST_MODULE_DIR;
   struct Case {
     std::string path, reason;
   };
@@ -127,10 +127,10 @@ TEST_F(ModuleTest, WrongFilesAreNamedWithTheReason) {
       {tarn::joinPath(folder.value(), "missing.arx"), "there is no such file"},
       {folder.value(), "it is a folder"},
       {text, "file too short"},
-      {tarn::joinPath(bins, "libcadhost.so"), "no acrxEntryPoint"},
-      {tarn::joinPath(bins, "rxprobe_noentry.arx"), "no acrxEntryPoint"},
-      {tarn::joinPath(bins, "rxprobe_newer.arx"), "version 23.2"},
-      {tarn::joinPath(bins, "rxprobe_needsmore.arx"), "tarnProbeNobodyHasThis"},
+      {TARN_BIN_DIR "/libcadhost.so", "no acrxEntryPoint"},
+      {tarn::joinPath(probes, "rxprobe_noentry.arx"), "no acrxEntryPoint"},
+      {tarn::joinPath(probes, "rxprobe_newer.arx"), "version 23.2"},
+      {tarn::joinPath(probes, "rxprobe_needsmore.arx"), "tarnProbeNobodyHasThis"},
   };
   for (const Case& c : cases) {
     EXPECT_FALSE(acrxDynamicLinker->loadModule(tarn::toWide(c.path).c_str(), false)) << c.path;

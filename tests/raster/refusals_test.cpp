@@ -43,7 +43,7 @@ TEST(Refusals, EachNamesTheFileAndTheReason) {
     writeText(scratch / to, bytes.substr(0, size_t(bytes.size() * part)));
   };
   cut("good.tif", "half.tif", 0.5);
-  cut("good.tif", "stub.tif", 0.0005);
+  cut("good.tif", "nearly_nothing.tif", 0.0005);
   cut("good.jpg", "half.jpg", 0.5);
   cut("good.img", "half.img", 0.5);
   writeText(scratch / "empty.tif", "");
@@ -99,7 +99,7 @@ TEST(Refusals, EachNamesTheFileAndTheReason) {
       {"wms.tif", "no TIFF, IMG or JPG"},
       {"png.tif", "no TIFF, IMG or JPG"},
       {"half.tif", "cut short"},
-      {"stub.tif", ""},
+      {"nearly_nothing.tif", ""},
       {"half.jpg", "cut short"},
       {"half.img", "cut short"},
       {"alpha.tif", "alpha"},
