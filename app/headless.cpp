@@ -1,10 +1,9 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <fstream>
 #include <iostream>
-#include <list>
 
 #include "app/session.h"
+#include "app/startinputs.h"
 #include "base/log.h"
 #include "host/editor/commandlineui.h"
 #include "host/editor/hostapp.h"
@@ -14,30 +13,6 @@
 namespace tarn::app {
 
 namespace {
-
-/// Opens the scripts; false, with a message, when one cannot be read.
-bool addInputs(const Options& options, host::HeadlessFrontEnd& frontEnd,
-               std::list<std::ifstream>& scripts) {
-  for (const StartInput& input : options.inputs) {
-    if (input.kind == StartInput::Kind::kCommand) {
-      frontEnd.addLine(input.text);
-    } else if (input.text == "-") {
-      frontEnd.addLines(host::linesOf(std::cin));
-    } else {
-      std::ifstream& script = scripts.emplace_back(input.text);
-      // Reading a folder opens, but gives nothing.
-      if (!script || (script.peek(), script.bad())) {
-        std::cerr << "cadhost: " << input.text << ": the script cannot be read.\n";
-        return false;
-      }
-      frontEnd.addLines(host::linesOf(script));
-    }
-  }
-  const bool nothingElse =
-      options.inputs.empty() && options.images.empty() && options.picture.empty();
-  if (nothingElse) frontEnd.addLines(host::linesOf(std::cin));
-  return true;
-}
 
 /// The toolkit's own remarks mean nothing to the user of a script.
 void toLog(QtMsgType, const QMessageLogContext&, const QString& message) {
@@ -60,8 +35,15 @@ int runHeadless(const Options& options, int& argc, char** argv) {
   host::HeadlessFrontEnd::installSignals();
   host::HeadlessFrontEnd frontEnd(std::cout, host::HeadlessFrontEnd::standardOutputIsTerminal());
   host::CommandLineUi ui;
-  std::list<std::ifstream> scripts;
-  if (!addInputs(options, frontEnd, scripts)) return 2;
+  const auto inputs = startInputs(options);
+  if (!inputs) {
+    std::cerr << "cadhost: " << inputs.message() << "\n";
+    return 2;
+  }
+  for (const LineSource& source : inputs.value()) frontEnd.addLines(source);
+  const bool nothingElse =
+      options.inputs.empty() && options.images.empty() && options.picture.empty();
+  if (nothingElse) frontEnd.addLines(host::linesOf(std::cin));
 
   const std::string profile = profileFolder(options);
   const Status prepared = prepareProfile(profile);

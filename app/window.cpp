@@ -1,15 +1,11 @@
 #include <QApplication>
 #include <QMetaObject>
 #include <QScreen>
-#include <fstream>
 #include <iostream>
-#include <list>
-#include <optional>
-#include <utility>
 
 #include "app/session.h"
+#include "app/startinputs.h"
 #include "host/editor/hostapp.h"
-#include "host/headless/headlessfrontend.h"
 #include "host/window/appearance.h"
 #include "host/window/canvas.h"
 #include "host/window/dialogs.h"
@@ -19,29 +15,6 @@
 namespace tarn::app {
 
 namespace {
-
-/// Opens the scripts; false, with a message, when one cannot be read.
-bool addInputs(const Options& options, host::WindowFrontEnd& frontEnd,
-               std::list<std::ifstream>& scripts) {
-  for (const StartInput& input : options.inputs) {
-    if (input.kind == StartInput::Kind::kCommand) {
-      frontEnd.addLines([line = std::optional<std::string>(input.text)]() mutable {
-        return std::exchange(line, std::nullopt);
-      });
-    } else if (input.text == "-") {
-      frontEnd.addLines(host::linesOf(std::cin));
-    } else {
-      std::ifstream& script = scripts.emplace_back(input.text);
-      // Reading a folder opens, but gives nothing.
-      if (!script || (script.peek(), script.bad())) {
-        std::cerr << "cadhost: " << input.text << ": the script cannot be read.\n";
-        return false;
-      }
-      frontEnd.addLines(host::linesOf(script));
-    }
-  }
-  return true;
-}
 
 /// Gives the canvas the size of the options, in device pixels, as far as the screen has room.
 void fitWindow(host::MainWindow& window, const Options& options) {
@@ -72,8 +45,12 @@ int runWindow(const Options& options, int& argc, char** argv) {
 
   host::WindowFrontEnd frontEnd;
   host::DialogBackend dialogs;
-  std::list<std::ifstream> scripts;
-  if (!addInputs(options, frontEnd, scripts)) return 2;
+  const auto inputs = startInputs(options);
+  if (!inputs) {
+    std::cerr << "cadhost: " << inputs.message() << "\n";
+    return 2;
+  }
+  for (const LineSource& source : inputs.value()) frontEnd.addLines(source);
 
   const std::string profile = profileFolder(options);
   const Status prepared = prepareProfile(profile);
