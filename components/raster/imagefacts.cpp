@@ -128,18 +128,19 @@ Result<Presentation> decidePresentation(const ImageFacts& facts) {
     return Status::error("has " + std::to_string(bands.size()) +
                          " bands; gray and RGB images can be shown");
   result.bands = {0, 0, 0};
-  bool unknown = true;
+  bool unnamed = true;
   for (int i = 0; i < 3; ++i) {
     const BandColour colour = bands[i].colour;
-    unknown = unknown && colour == BandColour::kUnknown;
+    unnamed = unnamed && (colour == BandColour::kUnknown || colour == BandColour::kGray);
     const int place = colour == BandColour::kRed     ? 0
                       : colour == BandColour::kGreen ? 1
                       : colour == BandColour::kBlue  ? 2
                                                      : -1;
     if (place >= 0) result.bands[place] = i + 1;
   }
-  // IMG files name no colours; three layers are red, green and blue in this order there.
-  if (unknown && facts.driver == "HFA") result.bands = {1, 2, 3};
+  // IMG files and many TIFFs name no colours; three bands are red, green and blue in this order
+  // then.
+  if (unnamed) result.bands = {1, 2, 3};
   for (const int band : result.bands) {
     if (band == 0) return Status::error("has three bands that are not red, green and blue");
   }

@@ -75,6 +75,15 @@ TEST(Formats, EveryPixelIsGdals) {
   }
 }
 
+TEST(Formats, ThreeBandsWithoutNamesAreRedGreenAndBlue) {
+  const Scratch scratch;
+  const std::string path = scratch / "unnamed.tif";
+  writePicture(path, texture(300, 200, 3), {"GTiff", {"PHOTOMETRIC=MINISBLACK"}, true, false});
+  const auto image = openImage(path);
+  ASSERT_TRUE(image);
+  EXPECT_EQ(largestDifference(readAll(*image), readByGdal(path)), 0);
+}
+
 TEST(Formats, SparseTilesAreBlack) {
   const Scratch scratch;
   const std::string path = scratch / "a.tif";

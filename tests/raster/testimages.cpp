@@ -59,7 +59,7 @@ void writePicture(const std::string& path, const Picture& picture, const FileFor
                              picture.width * picture.channels, 1, nullptr),
             CE_None);
   const GDALColorInterp colours[] = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand, GCI_AlphaBand};
-  for (int i = 0; i < picture.channels && picture.channels > 1; ++i) {
+  for (int i = 0; i < picture.channels && picture.channels > 1 && form.coloursNamed; ++i) {
     memory->GetRasterBand(i + 1)->SetColorInterpretation(colours[i]);
   }
   double place[6] = {500000, 0.5, 0, 3400000, 0, -0.5};

@@ -30,6 +30,7 @@ struct FileForm {
   std::string driver = "GTiff";
   std::vector<std::string> options;
   bool georeferenced = true;
+  bool coloursNamed = true;
 };
 
 /// Writes by GDAL; on failure the calling test fails.
