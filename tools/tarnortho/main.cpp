@@ -1,6 +1,7 @@
 // tarnortho: writes a made-up orthophoto for demonstrations, tests and timings.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -23,7 +24,7 @@ constexpr char kUsage[] =
     "The upper-left corner lies at easting 40500000, northing 3512600 (EPSG:4528).\n";
 
 uint8_t toByte(float value) {
-  return static_cast<uint8_t>(std::clamp(value, 3.0F, 252.0F) + 0.5F);
+  return static_cast<uint8_t>(std::lround(std::clamp(value, 3.0F, 252.0F)));
 }
 
 /// One row of pixels, averaged over 2 x 2 places a pixel so that thin lines do not break up.
