@@ -126,16 +126,6 @@ Result<std::string> readFile(const std::string& path, uint64_t limit) {
   return bytes;
 }
 
-Status syncFile(const std::string& path) {
-  const int handle = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-  if (handle < 0) return failure(path, "cannot open");
-  const int synced = ::fsync(handle);
-  const int error = errno;
-  ::close(handle);
-  errno = error;
-  return synced == 0 ? Status::ok() : failure(path, "cannot sync");
-}
-
 Status replaceFile(const std::string& from, const std::string& to) {
   if (::rename(from.c_str(), to.c_str()) != 0) return failure(to, "cannot rename into place");
   return syncFolder(folderOf(to).empty() && !to.empty() && to[0] == '/' ? "/" : folderOf(to));

@@ -41,9 +41,6 @@ Result<std::string> makeTemporaryFolder(const std::string& folder, const std::st
 /// Reads a whole file; refused above `limit` bytes.
 Result<std::string> readFile(const std::string& path, uint64_t limit);
 
-/// Puts a file's bytes onto the disk.
-Status syncFile(const std::string& path);
-
 /// Moves a finished file (already synced) into its place and syncs the folder: after a crash there
 /// is the old file or the new one, whole. Both must be on one disk.
 Status replaceFile(const std::string& from, const std::string& to);

@@ -11,7 +11,6 @@
 #include "dbsymtb.h"
 #include "dbxrecrd.h"
 #include "host/filing/memoryfiler.h"
-#include "host/filing/snapshot.h"
 
 namespace tarn::host {
 namespace {
@@ -84,33 +83,6 @@ TEST(Filing, EveryShortenedFileIsRefusedAndChangesNothing) {
     EXPECT_EQ(in.readDouble(&untouched), Acad::eEndOfObject);
     EXPECT_EQ(untouched, 3);
   }
-}
-
-TEST(Filing, ASnapshotBringsStateAndEraseMarkBack) {
-  AcDbDatabase database;
-  AcDbLayerTable* layers = nullptr;
-  ASSERT_EQ(database.getLayerTable(layers, AcDb::kForWrite), Acad::eOk);
-  auto* layer = new AcDbLayerTableRecord;
-  layer->setName(L"before");
-  AcDbObjectId id;
-  ASSERT_EQ(layers->add(id, layer), Acad::eOk);
-  layers->close();
-  const std::vector<char> before = takeSnapshot(*layer);
-  layer->setName(L"after");
-  layer->setColorIndex(1);
-  layer->erase();
-  const std::vector<char> after = takeSnapshot(*layer);
-  ASSERT_EQ(restoreSnapshot(*layer, before), Acad::eOk);
-  const ACHAR* name = nullptr;
-  layer->getName(name);
-  EXPECT_STREQ(name, L"before");
-  EXPECT_EQ(layer->colorIndex(), 7);
-  EXPECT_FALSE(layer->isErased());
-  ASSERT_EQ(restoreSnapshot(*layer, after), Acad::eOk);
-  EXPECT_TRUE(layer->isErased());
-  EXPECT_EQ(takeSnapshot(*layer), after);
-  EXPECT_EQ(restoreSnapshot(*layer, {}), Acad::eEndOfObject);
-  layer->close();
 }
 
 /// An entity that files a version of its own, as entities of modules do.
