@@ -120,15 +120,17 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
                  unsigned char** destination) override {
     if (!image_ || !destination) return false;
     ReadCounts counts;
-    return image_
-        ->read({static_cast<double>(column), static_cast<double>(row), resolutionX, resolutionY,
-                width, height},
-               antiAliasing_, *destination, counts)
+    return readCells({static_cast<double>(column), static_cast<double>(row), resolutionX,
+                      resolutionY, width, height},
+                     *destination, counts)
         .isOk();
   }
 
   void setAntiAliasing(bool on) override { antiAliasing_ = on; }
-  void setStretchMode(int mode) override { stretchMode_ = mode; }
+  void setStretchMode(int mode) override {
+    const bool known = mode == 1 || mode == 2;
+    stretch_ = known ? static_cast<raster::StretchMode>(mode) : raster::StretchMode::kNone;
+  }
 
   void announceWindow(double x, double y, double cellX, double cellY) override {
     announced_ = Window{x, y, cellX, cellY, 0, 0};
@@ -137,6 +139,12 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
  private:
   raster::PyramidPlaces places(const std::string& folder) const {
     return {folder, user_.cacheFolder()};
+  }
+
+  Status readCells(const Window& window, unsigned char* out, ReadCounts& counts) const {
+    Status done = image_->read(window, antiAliasing_, out, counts);
+    if (done) image_->stretch(stretch_, out, static_cast<size_t>(window.columns) * window.rows);
+    return done;
   }
 
   bool readCounted(Window window, unsigned char* out) {
@@ -148,7 +156,7 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
     }
     if (!image_) return false;
     ReadCounts counts;
-    const Status done = image_->read(window, antiAliasing_, out, counts);
+    const Status done = readCells(window, out, counts);
     user_.count(counts);
     // A broken image would say so at every redraw: once is enough until a read succeeds again.
     if (!done && done.message() != reportedFailure_) user_.message(done.message());
@@ -165,7 +173,7 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
   double geoTransform_[6] = {1, 0, 0, -1, 0, 0};
   bool noPyramid_ = false;
   std::atomic<bool> antiAliasing_{false};
-  std::atomic<int> stretchMode_{-1};
+  std::atomic<raster::StretchMode> stretch_{raster::StretchMode::kNone};
 };
 
 }  // namespace

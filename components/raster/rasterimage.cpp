@@ -177,6 +177,19 @@ bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& c
   return !failed;
 }
 
+void RasterImage::stretch(StretchMode mode, uint8_t* cells, size_t pixels) const {
+  if (mode == StretchMode::kNone) return;
+  std::call_once(stretchOnce_, [&] {
+    const auto histogram = sampleLevel(*levels_.back().reader);
+    if (!histogram) return;
+    stretches_ = {makeStretchTables(*histogram, StretchMode::kEqualise),
+                  makeStretchTables(*histogram, StretchMode::kDeviations)};
+  });
+  if (!stretches_) return;
+  applyStretch(mode == StretchMode::kEqualise ? stretches_->equalise : stretches_->deviations,
+               cells, pixels);
+}
+
 bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
   if (pyramidLevels(width(), height()).empty() || hasOwnOverviews_) return true;
   const auto usable = [&](const std::string& path, bool cached) {

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "components/raster/imagefacts.h"
 #include "components/raster/pyramidbuilder.h"
 #include "components/raster/pyramidfile.h"
+#include "components/raster/stretch.h"
 #include "components/raster/tiffdirectory.h"
 #include "components/raster/tile.h"
 
@@ -82,6 +85,11 @@ class RasterImage {
   /// failure `out` is black. May be called from several threads at once.
   Status read(const Window& window, bool smooth, uint8_t* out, ReadCounts& counts) const;
 
+  /// Stretches `pixels` cells that read() has filled, by what the coarsest level holds. That level
+  /// (a bounded sample of it) is looked at once, at the first call; should it not be readable the
+  /// cells stay as they are. May be called from several threads at once.
+  void stretch(StretchMode mode, uint8_t* cells, size_t pixels) const;
+
  private:
   struct Level {
     std::unique_ptr<TileReader> reader;
@@ -107,6 +115,12 @@ class RasterImage {
                  size_t stride, ReadCounts& counts) const;
   bool fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const;
 
+  /// The tables of both ways to stretch.
+  struct Stretches {
+    StretchTables equalise;
+    StretchTables deviations;
+  };
+
   std::string path_;
   uint64_t id_ = 0;
   FileTimes times_;
@@ -118,6 +132,8 @@ class RasterImage {
   std::vector<TiffDirectory> directories_;
   bool hasOwnOverviews_ = false;
   std::vector<Level> levels_;
+  mutable std::once_flag stretchOnce_;
+  mutable std::optional<Stretches> stretches_;
 };
 
 }  // namespace tarn::raster

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <map>
 #include <thread>
 
 #include "base/file.h"
@@ -170,6 +172,72 @@ TEST_F(ImageSource, AnAnnouncedWindowHoldsForOneRead) {
   EXPECT_FALSE(source_->readBlock(0, 0, 4, 3, 1, 1, nullptr));
   target = nullptr;
   EXPECT_FALSE(source_->readBlock(0, 0, 4, 3, 1, 1, &target));
+}
+
+/// One channel of a cell from full-size pixels: its area average when reducing; else the pixel at
+/// its centre, or what lies between the four around it.
+double expectedCell(const Picture& p, double x, double y, double cell, bool smooth, int channel) {
+  double left = x, top = y, size = cell;
+  if (cell <= 1) {
+    const double u = x + cell / 2, v = y + cell / 2;
+    if (!smooth) return p.at(int(u), int(v))[channel];
+    // Bilinear is the average over one pixel's area around the centre.
+    left = u - 0.5, top = v - 0.5, size = 1;
+  }
+  double sum = 0;
+  for (int row = int(top); row < top + size; ++row) {
+    for (int column = int(left); column < left + size; ++column) {
+      sum += (std::min(left + size, column + 1.0) - std::max(left, double(column))) *
+             (std::min(top + size, row + 1.0) - std::max(top, double(row))) *
+             p.at(column, row)[channel];
+    }
+  }
+  return sum / (size * size);
+}
+
+TEST_F(ImageSource, SamplingFollowsTheAntiAliasingSwitch) {
+  writePicture(path_, texture(1200, 900, 3));
+  ASSERT_TRUE(init());
+  const Picture full = readByGdal(path_);
+  for (const bool smooth : {false, true, false}) {
+    source_->setAntiAliasing(smooth);
+    for (const double cell : {0.3, 1.0, 1.7, 4.6}) {
+      const auto cells = read(100.4, 50.7, cell, 90, 60);
+      double worst = 0;
+      for (int i = 0; i < 90 * 60 * 3; ++i) {
+        const double exact = expectedCell(full, 100.4 + i / 3 % 90 * cell, 50.7 + i / 270 * cell,
+                                          cell, smooth, i % 3);
+        worst = std::max(worst, std::fabs(cells[i] - exact));
+      }
+      EXPECT_LE(worst, 1.6) << "cell " << cell << (smooth ? " smooth" : "");
+    }
+  }
+}
+
+TEST_F(ImageSource, StretchSwitchesWithoutReadingAnything) {
+  ASSERT_TRUE(init());
+  ASSERT_TRUE(build());
+  ASSERT_TRUE(init());
+  const std::string pyramid = readFile(path_ + ".ovr", 1 << 24).value();
+  const auto plain = read(30, 40, 2.5, 300, 200);
+  recorded().counters.clear();
+  // Modes that are not known are as none.
+  const std::pair<int, bool> modes[] = {{1, true}, {2, true}, {-1, false}, {1, true}, {7, false}};
+  std::map<int, std::vector<uint8_t>> seen;
+  for (const auto& [mode, changes] : modes) {
+    source_->setStretchMode(mode);
+    const auto cells = read(30, 40, 2.5, 300, 200);
+    EXPECT_EQ(cells != plain, changes) << mode;
+    EXPECT_EQ(seen.emplace(mode, cells).first->second, cells) << mode;
+    std::vector<uint8_t> block(cells.size());
+    unsigned char* target = block.data();
+    ASSERT_TRUE(source_->readBlock(30, 40, 300, 200, 2.5, 2.5, &target));
+    EXPECT_EQ(block, cells) << mode;
+  }
+  EXPECT_NE(seen.at(1), seen.at(2));
+  EXPECT_EQ(recorded().counters["tiles_read"], 0);
+  EXPECT_EQ(recorded().counters["bytes"], 0);
+  EXPECT_EQ(readFile(path_ + ".ovr", 1 << 24).value(), pyramid);
 }
 
 TEST_F(ImageSource, NotesAreSaidOnceAndNameTheImage) {
