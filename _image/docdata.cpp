@@ -92,6 +92,10 @@ void CDocData::becameResident(AcDbObjectId id) {
   m_pending.release();  // NOLINT(bugprone-unused-return-value): the database owns it now.
 }
 
+void CDocData::forgetPending() {
+  m_pending.reset();
+}
+
 OpenedImage::OpenedImage(CDocData& record, AcDb::OpenMode mode) {
   const AcDbObjectId id = record.residentImage();
   if (id.isNull()) {

@@ -45,6 +45,8 @@ class CDocData {
   bool hasImage() { return m_pending || !residentImage().isNull(); }
   /// Makes an entity when there is none, resident or not.
   void ensureImage();
+  /// Drops the pending entity: one has come back into the drawing.
+  void forgetPending();
   /// The pending entity, given away to the drawing that has just appended it as `id`.
   void becameResident(AcDbObjectId id);
 

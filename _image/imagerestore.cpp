@@ -1,6 +1,8 @@
 #include "_image/imagerestore.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "_image/adskdmgr.h"
 #include "_image/binding/usesite.h"
@@ -40,7 +42,51 @@ bool restoreImage(AcApDocument* document, CDocData& record, const std::wstring& 
   return addOpenedImage(document, record, path, division);
 }
 
+std::vector<std::wstring> existingStoredPaths(const CDocData& record,
+                                              const AcApDocument& document) {
+  std::vector<std::wstring> paths;
+  for (const std::wstring& stored : storedImagePaths(record)) {
+    const std::string path = existingPath(toUtf8(stored), document);
+    if (!path.empty()) paths.push_back(toWide(path));
+  }
+  return paths;
+}
+
+/// Takes a path that is no longer stored out of the list and closes its source. An erased entity
+/// keeps its sources, so that it is whole when it comes back.
+void forgetImage(CDocData& record, const std::wstring& path) {
+  record.remove(path);
+  if (record.residentImage().isNull()) return;
+  const OpenedImage image(record, AcDb::kForWrite);
+  if (image) image->releaseImage(path);
+}
+
+bool bindAgain(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  const bool isNew = !record.contains(path);
+  if (isNew) record.addDisplayed(path);
+  if (record.residentImage().isNull()) return isNew;
+  return restoreImage(document, record, path) || isNew;
+}
+
 }  // namespace
+
+bool followDrawing(AcApDocument* document) {
+  CDocData* record = g_dataMap ? g_dataMap->find(document) : nullptr;
+  if (!record || !record->isRestored()) return false;
+  if (!record->residentImage().isNull()) record->forgetPending();
+  const std::vector<std::wstring> stored = existingStoredPaths(*record, *document);
+  bool isChanged = false;
+  const std::vector<CDocData::Image> listed = record->images();
+  for (const CDocData::Image& image : listed) {
+    if (std::find(stored.begin(), stored.end(), image.path) != stored.end()) continue;
+    forgetImage(*record, image.path);
+    isChanged = true;
+  }
+  for (const std::wstring& path : stored) {
+    if (bindAgain(document, *record, path)) isChanged = true;
+  }
+  return isChanged;
+}
 
 void restoreImages(AcApDocument* document) {
   if (!document || !g_dataMap) return;
@@ -49,10 +95,8 @@ void restoreImages(AcApDocument* document) {
   record.setRestored();
   record.ensureImage();
   bool isAnyRestored = false;
-  for (const std::wstring& stored : storedImagePaths(record)) {
-    const std::string path = existingPath(toUtf8(stored), *document);
-    if (path.empty()) continue;
-    if (restoreImage(document, record, toWide(path))) isAnyRestored = true;
+  for (const std::wstring& path : existingStoredPaths(record, *document)) {
+    if (restoreImage(document, record, path)) isAnyRestored = true;
   }
   if (isAnyRestored) sendCommandToHost(L"regen");
 }

@@ -9,4 +9,8 @@ namespace tarn::image {
 /// found neither where they were stored nor beside the drawing are skipped without a word.
 void restoreImages(AcApDocument* document);
 
+/// After undo and redo: the record's list and the sources bound to its entity become those of the
+/// paths that the drawing stores now. True when that changed what is to be seen.
+bool followDrawing(AcApDocument* document);
+
 }  // namespace tarn::image

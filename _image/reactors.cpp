@@ -8,7 +8,9 @@
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
 #include "_image/docdata.h"
+#include "_image/imagerestore.h"
 #include "_image/moduleglobals.h"
+#include "acdocman.h"
 #include "acplplotreactormgr.h"
 #include "base/text.h"
 #include "commoncode/cadutil/documentlock.h"
@@ -32,6 +34,13 @@ std::wstring nameOf(const ACHAR* command) {
 double viewTwist() {
   resbuf value{};
   return acedGetVar(L"VIEWTWIST", &value) == RTNORM ? value.resval.rreal : 0.0;
+}
+
+/// Commands after which the drawing may hold other images than the record knows.
+bool isUndoCommand(const std::wstring& name) {
+  constexpr const ACHAR* kNames[] = {L"u", L"undo", L"redo", L"mredo"};
+  return std::any_of(std::begin(kNames), std::end(kNames),
+                     [&](const ACHAR* one) { return equalsIgnoreCase(one, name); });
 }
 
 }  // namespace
@@ -78,6 +87,7 @@ void tarnEditorReactor::commandFailed(const ACHAR* command) {
 void tarnEditorReactor::commandOver(const ACHAR* command) {
   const std::wstring name = nameOf(command);
   bool isOwed = g_refresh.suspendRefresh;
+  if (isUndoCommand(name) && tarn::image::followDrawing(acDocManager->curDocument())) isOwed = true;
   // A transparent command inside a watched one has cleared the flag, but pictures are missing.
   if (g_suppressPixels && tarn::image::isWatchedCommand(name)) {
     g_suppressPixels = false;

@@ -108,6 +108,7 @@ Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId layer) {
   const AcDbObject* record = tarn::host::peek(layer);
   if (record == nullptr || layer.database() != this || layer.isErased()) return Acad::eInvalidInput;
   if (!record->isKindOf(AcDbLayerTableRecord::desc())) return Acad::eNotThatKindOfClass;
+  if (state_->observer != nullptr) state_->observer->headerWillChange();
   state_->currentLayer = layer;
   return Acad::eOk;
 }

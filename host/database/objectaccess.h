@@ -45,6 +45,29 @@ class ObjectAccess {
   static Acad::ErrorStatus open(AcDbObject& object, AcDb::OpenMode mode, bool openErased);
   static void beginWrite(AcDbObject& object);
   static void setOwner(AcDbObject& object, AcDbObjectId owner) { object.ownerId_ = owner; }
+
+  static bool isOpen(const AcDbObject& object) {
+    return object.readers_ > 0 || object.writing_ || object.notifying_;
+  }
+  /// Opens a closed object to bring an earlier state of it back; nobody is asked or told. close()
+  /// ends it and tells.
+  static void beginRestore(AcDbObject& object) { object.writing_ = true; }
+  /// Sets the mark of an object that is being restored, without asking the object.
+  static void setErased(AcDbObject& object, bool erased) {
+    if (object.erased_ != erased) object.eraseChanged_ = !object.eraseChanged_;
+    object.erased_ = erased;
+  }
+  /// Makes any object readable while it lives.
+  class Look {
+   public:
+    explicit Look(AcDbObject& object) : object_(object) { ++object_.readers_; }
+    ~Look() { --object_.readers_; }
+    Look(const Look&) = delete;
+    Look& operator=(const Look&) = delete;
+
+   private:
+    AcDbObject& object_;
+  };
 };
 
 /// The object of a valid id, open or not, for the host's own look at its tables; else null.

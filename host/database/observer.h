@@ -16,7 +16,9 @@ class DatabaseObserver {
   virtual ~DatabaseObserver() = default;
   virtual void objectAppended(AcDbObject& object) = 0;
   /// Opened for write and not changed yet: the moment to take a snapshot.
-  virtual void objectOpenedForWrite(const AcDbObject&) {}
+  virtual void objectOpenedForWrite(AcDbObject&) {}
+  /// The current layer is about to be another one.
+  virtual void headerWillChange() {}
   /// A change was made and the object was closed.
   virtual void objectModified(AcDbObject& object) = 0;
   /// The erase mark was set or taken off and the object was closed.

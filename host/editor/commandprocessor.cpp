@@ -219,7 +219,10 @@ CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nest
     app_.print("\nCommands are nested too deeply.\n");
     return CommandOutcome::kFailed;
   }
-  if (running_.empty()) app_.frontEnd().cancelHandled();
+  if (running_.empty()) {
+    app_.frontEnd().cancelHandled();
+    app_.documents().endUndoStep({});
+  }
   running_.push_back({command->globalName});
   const std::wstring wide = toWide(command->globalName);
   const CommandOutcome outcome = [&] {
@@ -229,6 +232,8 @@ CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nest
   }();
   running_.pop_back();
   editorObject().notifyEnd(wide, outcome);
+  // Commands inside another one are part of its step.
+  if (running_.empty()) app_.documents().endUndoStep(upper(command->globalName));
   if (outcome == CommandOutcome::kEnded && !nested) last_ = plainName(typedName);
   if (outcome == CommandOutcome::kFailed && !nested) ++failures_;
   return outcome;

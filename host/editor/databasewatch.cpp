@@ -2,6 +2,7 @@
 
 #include "dbents.h"
 #include "dbobjptr.h"
+#include "dbsymtb.h"
 #include "host/database/observer.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
@@ -13,14 +14,24 @@ namespace {
 
 class PictureWatch : public DatabaseWatch, public DatabaseObserver {
  public:
-  PictureWatch(HostApp& app, AcDbDatabase& database) : app_(app), database_(database) {
-    setDatabaseObserver(database_, this);
+  PictureWatch(HostApp& app, HostDocument& document) : app_(app), document_(document) {
+    setDatabaseObserver(*document_.database(), this);
   }
-  ~PictureWatch() override { setDatabaseObserver(database_, nullptr); }
+  ~PictureWatch() override { setDatabaseObserver(*document_.database(), nullptr); }
 
   /// Drawn when it is closed for the first time, since its maker may still be filling it.
-  void objectAppended(AcDbObject&) override {}
-  void objectModified(AcDbObject& object) override { redrawClosed(object); }
+  void objectAppended(AcDbObject& object) override { document_.undo().objectAppended(object); }
+  void objectOpenedForWrite(AcDbObject& object) override {
+    document_.undo().objectWillChange(object);
+  }
+  void headerWillChange() override { document_.undo().headerWillChange(); }
+  void objectModified(AcDbObject& object) override {
+    if (object.isKindOf(AcDbLayerTableRecord::desc())) {
+      app_.regenerator().redrawLayer(document_, object.objectId());
+    } else {
+      redrawClosed(object);
+    }
+  }
   void objectErased(AcDbObject& object, bool erased) override {
     auto* entity = AcDbEntity::cast(&object);
     if (entity == nullptr) return;
@@ -40,13 +51,13 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
   }
 
   HostApp& app_;
-  AcDbDatabase& database_;
+  HostDocument& document_;
 };
 
 }  // namespace
 
 std::unique_ptr<DatabaseWatch> watchDatabase(HostApp& app, HostDocument& document) {
-  return std::make_unique<PictureWatch>(app, *document.database());
+  return std::make_unique<PictureWatch>(app, document);
 }
 
 }  // namespace tarn::host

@@ -54,7 +54,8 @@ HostDocument::HostDocument(HostApp& app, std::string path)
       path_(std::move(path)),
       widePath_(toWide(path_)),
       title_(toWide(nameOf(path_))),
-      database_(std::make_unique<AcDbDatabase>()) {
+      database_(std::make_unique<AcDbDatabase>()),
+      undo_(*database_) {
   watch_ = watchDatabase(app_, *this);
 }
 
@@ -187,6 +188,8 @@ Acad::ErrorStatus Documents::unlockDocument(AcApDocument* document) {
   if (known == nullptr) return Acad::eInvalidInput;
   const AcAp::DocLockMode before = known->myLockMode();
   if (!known->popLock()) return Acad::eNotApplicable;
+  // A program that changed the drawing outside a command is done with it.
+  if (!app_.commandActive() && known->myLockMode() == AcAp::kNone) known->undo().endStep({});
   notifyLock(*known, before, known->myLockMode(), nullptr);
   return Acad::eOk;
 }
@@ -243,6 +246,10 @@ HostDocument& Documents::create() {
   notify([&](AcApDocManagerReactor& r) { r.documentCreated(&document); });
   activate(document);
   return document;
+}
+
+void Documents::endUndoStep(const std::string& name) {
+  for (const auto& document : documents_) document->undo().endStep(name);
 }
 
 void Documents::closeAll() {

@@ -7,6 +7,7 @@
 
 #include "acdocman.h"
 #include "aced.h"
+#include "host/filing/undolog.h"
 #include "host/graphics/displaylist.h"
 #include "host/graphics/viewstate.h"
 
@@ -66,6 +67,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   Scene& scene() { return scene_; }
   const Scene& scene() const { return scene_; }
   Space& space() { return space_; }
+  UndoLog& undo() { return undo_; }
 
   std::string currentLayer() const;
   /// False when there is no such layer.
@@ -81,6 +83,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   std::wstring widePath_;
   std::wstring title_;
   std::unique_ptr<AcDbDatabase> database_;
+  UndoLog undo_;
   std::unique_ptr<DatabaseWatch> watch_;
   ViewState view_;
   std::vector<ViewState> earlierViews_;
@@ -116,6 +119,8 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   HostDocument& current() const { return *current_; }
   /// Opens a new, empty drawing and makes it current.
   HostDocument& create();
+  /// What was changed in any drawing until now is a step of its own for undo.
+  void endUndoStep(const std::string& name);
   /// Closes every drawing, with notifications.
   void closeAll();
 

@@ -211,13 +211,17 @@ void registerHostCommands() {
   static const Entry kEntries[] = {
       {ACRX_T("ERASE"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, &eraseCommand},
       {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
+      {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
+      {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
       {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
       {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
+      {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},
+      {ACRX_T("UNDO"), ACRX_CMD_MODAL, &undoCommand},
       {ACRX_T("ZOOM"), ACRX_CMD_TRANSPARENT, &zoomCommand},
   };
   for (const Entry& entry : kEntries) {

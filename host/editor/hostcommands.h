@@ -17,4 +17,9 @@ void failCommand(HostApp& app, const std::string& message);
 void lineCommand();
 void eraseCommand();
 
+void uCommand();
+void undoCommand();
+void redoCommand();
+void multipleRedoCommand();
+
 }  // namespace tarn::host

@@ -123,6 +123,13 @@ void Regenerator::redraw(AcDbEntity& entity) {
   app_.frontEnd().displayChanged();
 }
 
+void Regenerator::redrawLayer(HostDocument& document, AcDbObjectId layer) {
+  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() == Acad::eOk && entity->layerId() == layer) redraw(*entity.object());
+  }
+}
+
 void Regenerator::forget(AcDbEntity& entity) {
   auto* document = static_cast<HostDocument*>(app_.documents().document(entity.database()));
   if (document == nullptr) return;

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "adesk.h"
+#include "dbid.h"
 #include "host/graphics/viewstate.h"
 
-class AcDbDatabase;
 class AcDbEntity;
 
 namespace tarn::host {
@@ -24,6 +24,8 @@ class ACADHOST_EXPORT Regenerator {
   void regenerate(HostDocument& document);
   /// Draws one entity, which must be open, anew; an erased or invisible one is taken away.
   void redraw(AcDbEntity& entity);
+  /// Draws the entities of one layer of the model space anew.
+  void redrawLayer(HostDocument& document, AcDbObjectId layer);
   /// Takes an entity out of the picture.
   void forget(AcDbEntity& entity);
 

@@ -232,7 +232,7 @@ TEST(Status, HasItsNameAndPublicValue) {
 class Recorder : public DatabaseObserver {
  public:
   void objectAppended(AcDbObject&) override { events += "+"; }
-  void objectOpenedForWrite(const AcDbObject&) override { events += "w"; }
+  void objectOpenedForWrite(AcDbObject&) override { events += "w"; }
   void objectModified(AcDbObject&) override { events += "m"; }
   void objectErased(AcDbObject&, bool erased) override { events += erased ? "e" : "u"; }
   void drawWanted(AcDbEntity&) override { events += "d"; }

@@ -1,0 +1,16 @@
+// The whole state of an object as bytes.
+#pragma once
+
+#include "host/filing/bytedelta.h"
+
+class AcDbObject;
+
+namespace tarn::host {
+
+/// What the object files, open or not. Empty when it cannot be filed.
+ACADHOST_EXPORT Bytes objectBytes(AcDbObject& object);
+
+/// Reads the bytes back into the object, which must be open for write. False when they do not fit.
+bool readObjectBytes(AcDbObject& object, const Bytes& bytes);
+
+}  // namespace tarn::host
