@@ -42,7 +42,9 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
     std::copy(numbers, numbers + 6, geoTransform_);
     // An image is opened again once its pyramid is there; what was said then is not said twice.
     if (path != notedPath_) {
-      for (const std::string& note : image_->notes()) user_.message(nameOf(path) + ": " + note);
+      std::string all;
+      for (const std::string& note : image_->notes()) all += (all.empty() ? "" : "; ") + note;
+      if (!all.empty()) user_.message(nameOf(path) + ": " + all);
       notedPath_ = path;
     }
     return true;

@@ -8,6 +8,7 @@
 #include <gdal_priv.h>
 #include <ogr_srs_api.h>
 
+#include <algorithm>
 #include <array>
 #include <mutex>
 
@@ -62,6 +63,9 @@ void CPL_STDCALL collectError(CPLErr kind, CPLErrorNum, const char* text) {
   if (kind >= CE_Warning) errors->add(kind >= CE_Failure, text);
 }
 
+constexpr GIntBig kLeastCache = 64 << 20, kMostCache = 512 << 20;
+std::mutex g_cacheMutex;
+
 }  // namespace
 
 void prepareGdal() {
@@ -71,9 +75,17 @@ void prepareGdal() {
     GDALRegister_HFA();
     GDALRegister_JPEG();
     OSRSetPROJEnableNetwork(0);
+    // Tiles are kept in the cache of this library; GDAL's is for what it is just decoding.
+    GDALSetCacheMax64(kLeastCache);
     refuseNetwork();
     installGuardedFiles();
   });
+}
+
+void reserveGdalCache(uint64_t bytes) {
+  const std::lock_guard<std::mutex> lock(g_cacheMutex);
+  const GIntBig wanted = static_cast<GIntBig>(std::min<uint64_t>(bytes, kMostCache));
+  if (wanted > GDALGetCacheMax64()) GDALSetCacheMax64(wanted);
 }
 
 GdalErrors::GdalErrors() {

@@ -16,6 +16,10 @@ namespace tarn::raster {
 /// network file systems. Done once; safe from any thread.
 void prepareGdal();
 
+/// Lets GDAL keep as many bytes of decoded blocks, for all images together, up to 512 MiB; without
+/// a call 64 MiB. It is never lowered again.
+void reserveGdalCache(uint64_t bytes);
+
 /// Collects what GDAL reports on this thread while it lives, and keeps it off standard error. May
 /// be nested; belongs to one thread.
 class GdalErrors {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "components/raster/gdalsamples.h"
 #include "components/raster/tilereaders.h"
 
 namespace tarn::raster {
@@ -50,27 +51,16 @@ class GdalTileReader : public TileReader {
     DatasetPtr dataset = borrow();
     if (!dataset) return false;
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
-    const bool done = readInto(*dataset, column * grid_.tileWidth, row * grid_.tileHeight, out) &&
-                      errors.failures() == 0;
+    const PixelRect rect{column * grid_.tileWidth, row * grid_.tileHeight, out.width, out.height};
+    const bool done =
+        readConverted(*dataset, picture_.presentation, picture_.overview, rect, out.pixels.get()) &&
+        errors.failures() == 0;
     giveBack(std::move(dataset));
     bytesRead += guardedBytesRead() - before;
     return done;
   }
 
  private:
-  bool readInto(GDALDataset& dataset, int x, int y, Tile& out) const {
-    for (int channel = 0; channel < grid_.channels; ++channel) {
-      GDALRasterBand* band = dataset.GetRasterBand(picture_.bands[channel]);
-      if (band && picture_.overview >= 0) band = band->GetOverview(picture_.overview);
-      if (!band) return false;
-      if (band->RasterIO(GF_Read, x, y, out.width, out.height, out.pixels.get() + channel,
-                         out.width, out.height, GDT_Byte, grid_.channels,
-                         static_cast<GSpacing>(out.stride()), nullptr) != CE_None)
-        return false;
-    }
-    return true;
-  }
-
   DatasetPtr borrow() const {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
@@ -99,18 +89,11 @@ class GdalTileReader : public TileReader {
 
 Result<std::unique_ptr<TileReader>> makeGdalReader(GdalPicture picture, DatasetPtr first) {
   const GdalErrors errors;
-  GDALRasterBand* band = first->GetRasterBand(picture.bands[0]);
-  if (band && picture.overview >= 0) band = band->GetOverview(picture.overview);
-  if (!band) return Status::error(picture.image->path() + ": has no such picture");
-  int blockWidth = 1, blockHeight = 1;
-  band->GetBlockSize(&blockWidth, &blockHeight);
-  const uint64_t block = static_cast<uint64_t>(blockWidth) * static_cast<uint64_t>(blockHeight) *
-                         static_cast<uint64_t>(picture.channels);
-  if (blockWidth < 1 || blockHeight < 1 || block > kMostBlockBytes)
-    return Status::error(picture.image->path() + ": its pixels are stored in pieces of more than " +
-                         std::to_string(kMostBlockBytes >> 20) + " MiB");
+  const auto shape = shapeOf(*first, picture.presentation, picture.overview);
+  if (!shape) return Status::error(picture.image->path() + ": " + shape.message());
+  const PictureShape& s = shape.value();
   const TileGrid grid =
-      chooseGrid(band->GetXSize(), band->GetYSize(), blockWidth, blockHeight, picture.channels);
+      chooseGrid(s.width, s.height, s.blockWidth, s.blockHeight, picture.presentation.channels);
   return std::unique_ptr<TileReader>(
       std::make_unique<GdalTileReader>(std::move(picture), grid, std::move(first)));
 }

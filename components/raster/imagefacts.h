@@ -1,4 +1,4 @@
-// What an image file is, as plain values, and how it is presented: decided from the values alone.
+// What an image file is, as plain values.
 #pragma once
 
 #include <array>
@@ -7,22 +7,38 @@
 #include <string>
 #include <vector>
 
-#include "base/result.h"
 #include "components/raster/georeference.h"
 
 class GDALDataset;
 
 namespace tarn::raster {
 
-enum class BandColour { kUnknown, kGray, kRed, kGreen, kBlue, kAlpha, kPalette, kOther };
+enum class BandColour {
+  kUnknown,
+  kGray,
+  kRed,
+  kGreen,
+  kBlue,
+  kAlpha,
+  kCyan,
+  kMagenta,
+  kYellow,
+  kBlack,
+  kOther
+};
+
+/// Red, green, blue, alpha.
+using PaletteColour = std::array<uint8_t, 4>;
 
 struct BandFacts {
-  /// Name of the sample type, "Byte" for unsigned 8 bits.
+  /// GDAL's name of the sample type, "Byte" for unsigned 8 bits.
   std::string type;
   /// Bits in use; 8 for plain bytes.
   int bits = 8;
   BandColour colour = BandColour::kUnknown;
-  bool hasPalette = false;
+  /// Empty for none.
+  std::vector<PaletteColour> palette;
+  /// A mask of its own or of the whole image, not one that follows from alpha or nodata.
   bool hasMask = false;
   std::optional<double> nodata;
 };
@@ -34,7 +50,10 @@ struct ImageFacts {
   std::vector<BandFacts> bands;
   /// GDAL's name of the compression; empty for none.
   std::string compression;
+  /// Colours of the file when GDAL converts them ("CMYK"); empty else.
   std::string colourSpace;
+  /// Samples count from white down.
+  bool minIsWhite = false;
   int controlPoints = 0;
   std::optional<GeoTransform> innerGeoTransform;
   /// EPSG number, 0 for a coordinate system without one, -1 for none.
@@ -43,18 +62,7 @@ struct ImageFacts {
   bool namesOverviewFile = false;
 };
 
-/// How an image becomes gray or RGB of 8 bits.
-struct Presentation {
-  int channels = 3;
-  std::array<int, 3> bands{1, 2, 3};
-  /// Its pyramid's tiles are JPEG too.
-  bool lossy = false;
-};
-
 /// Reads the facts of an open dataset; I/O, but no decision.
 ImageFacts describe(GDALDataset& dataset);
-
-/// The presentation, or the reason why the image cannot be shown (a sentence without the file).
-Result<Presentation> decidePresentation(const ImageFacts& facts);
 
 }  // namespace tarn::raster

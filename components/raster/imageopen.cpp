@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/path.h"
+#include "components/raster/gdalsamples.h"
 #include "components/raster/rasterimage.h"
 #include "components/raster/tilecache.h"
 #include "components/raster/tilereaders.h"
@@ -31,16 +32,25 @@ Status checkPath(const std::string& path) {
   return Status::ok();
 }
 
-/// A JPG that was written to its end has an end marker near it.
+/// A JPG that was written to its end has an end marker near it, or before the mask that GDAL
+/// appends, whose last four bytes say where it begins.
 bool hasJpegEnd(const RandomFile& file, uint64_t size) {
   std::vector<uint8_t> tail(std::min<uint64_t>(size, 65536));
   if (!file.readAt(size - tail.size(), tail.data(), tail.size())) return false;
   const uint8_t marker[] = {0xFF, 0xD9};
-  return std::search(tail.begin(), tail.end(), marker, marker + 2) != tail.end();
+  if (std::search(tail.begin(), tail.end(), marker, marker + 2) != tail.end()) return true;
+  if (tail.size() < 6) return false;
+  uint64_t mask = 0;
+  for (size_t i = 0; i < 4; ++i)
+    mask |= static_cast<uint64_t>(tail[tail.size() - 4 + i]) << (8 * i);
+  uint8_t before[2] = {};
+  return mask >= 2 && mask < size && file.readAt(mask - 2, before, 2) &&
+         std::equal(before, before + 2, marker);
 }
 
-bool plainOrder(const Presentation& presentation) {
-  return presentation.channels == 1 || presentation.bands == std::array<int, 3>{1, 2, 3};
+bool isReducedPicture(const TiffDirectory& directory) {
+  return (directory.subfileType & tiff::kReducedImage) != 0 &&
+         (directory.subfileType & tiff::kMask) == 0;
 }
 
 /// Which of the dataset's overviews has the size; -1 for none.
@@ -74,15 +84,19 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   if (Status opened = file->open(path); !opened) return opened;
   file_ = std::move(file);
   guarded_ = std::make_shared<GuardedImage>(path);
-  if (Status status = loadFullSize(); !status) return status;
+  if (Status status = loadFullSize(options); !status) return status;
   if (Status status = loadGeoreference(); !status) return status;
+  if (!presentation_.note.empty()) notes_.push_back(presentation_.note);
+  if (presentation_.conversion == Conversion::kScaled)
+    notes_.push_back(scaleNote(facts_, presentation_));
+  notes_.insert(notes_.end(), georeference_.notes.begin(), georeference_.notes.end());
   if (!options.usePyramid) return Status::ok();
   loadOwnOverviews();
   if (!hasOwnOverviews_) loadPyramid(options.places);
   return Status::ok();
 }
 
-Status RasterImage::loadFullSize() {
+Status RasterImage::loadFullSize(const OpenOptions& options) {
   Result<DatasetPtr> opened = guarded_->open();
   if (!opened) return opened.status();
   DatasetPtr dataset = opened.take();
@@ -90,14 +104,42 @@ Status RasterImage::loadFullSize() {
   facts_ = describe(*dataset);
   Result<Presentation> presentation = decidePresentation(facts_);
   if (!presentation) return Status::error(path_ + ": " + presentation.message());
-  presentation_ = presentation.value();
+  presentation_ = presentation.take();
+  subject_ = {path_,
+              facts_.width,
+              facts_.height,
+              presentation_.channels,
+              static_cast<int>(facts_.bands.size()),
+              presentation_.plain ? "" : formOf(presentation_)};
+  if (presentation_.hasMask) {
+    const FileTimes mask = fileTimes(path_ + ".msk");
+    subject_.form += " m" + std::to_string(mask.size) + ' ' + std::to_string(mask.modifiedNs);
+  }
   if (facts_.driver == "GTiff") {
     auto directories = readTiffDirectories(*file_, times_.size);
     if (!directories) return Status::error(path_ + ": " + directories.message());
     directories_ = directories.take();
   }
+  chooseScale(*dataset, options);
+  return addFullSize(std::move(dataset));
+}
+
+void RasterImage::chooseScale(GDALDataset& dataset, const OpenOptions& options) {
+  if (presentation_.conversion != Conversion::kScaled) return;
+  // As it was when the pyramid was built, so that its levels match the image.
+  if (options.usePyramid) {
+    const FoundPyramid found = findPyramid(subject_, options.places);
+    if (found.state == PyramidState::kOurs && found.mark.scale) {
+      presentation_.scale = *found.mark.scale;
+      return;
+    }
+  }
+  presentation_.scale = measureScale(dataset, presentation_, hasInnerOverviews());
+}
+
+Status RasterImage::addFullSize(DatasetPtr dataset) {
   Level level;
-  const bool plain = !directories_.empty() && plainOrder(presentation_) &&
+  const bool plain = presentation_.plain && !directories_.empty() &&
                      directories_[0].samples == presentation_.channels &&
                      directories_[0].width == static_cast<uint32_t>(facts_.width) &&
                      directories_[0].height == static_cast<uint32_t>(facts_.height);
@@ -105,9 +147,7 @@ Status RasterImage::loadFullSize() {
   if (plain && !level.reader) level.reader = makeJpegTiffReader(file_, directories_[0]);
   if (!level.reader) {
     const bool sequential = facts_.driver == "JPEG";
-    auto reader =
-        makeGdalReader({guarded_, -1, presentation_.bands, presentation_.channels, sequential},
-                       std::move(dataset));
+    auto reader = makeGdalReader({guarded_, -1, presentation_, sequential}, std::move(dataset));
     if (!reader) return reader.status();
     level.reader = reader.take();
   }
@@ -171,10 +211,11 @@ bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,
                            const std::shared_ptr<const RandomFile>& file,
                            const std::shared_ptr<GuardedImage>& guarded) {
   Level level;
-  const bool plain =
-      (ours || plainOrder(presentation_)) && directory.samples == presentation_.channels;
-  if (plain) level.reader = makeRawTiffReader(file, directory);
-  if (plain && !level.reader) level.reader = makeJpegTiffReader(file, directory);
+  if (directory.samples == presentation_.channels) {
+    level.reader = makeRawTiffReader(file, directory);
+    if (!level.reader) level.reader = makeJpegTiffReader(file, directory);
+  }
+  if (!level.reader && ours) return false;
   if (!level.reader) {
     Result<DatasetPtr> dataset = guarded->open();
     const GdalErrors quiet;
@@ -182,8 +223,7 @@ bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,
     const int overview =
         index == 0 ? -1 : overviewOfSize(*dataset.value(), directory.width, directory.height);
     if (index != 0 && overview < 0) return false;
-    auto reader = makeGdalReader(
-        {guarded, overview, presentation_.bands, presentation_.channels, false}, dataset.take());
+    auto reader = makeGdalReader({guarded, overview, presentation_, false}, dataset.take());
     if (!reader) return false;
     level.reader = reader.take();
   }
@@ -199,27 +239,40 @@ bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,
   return true;
 }
 
+bool RasterImage::hasInnerOverviews() const {
+  if (facts_.driver == "HFA") {
+    // Asking an IMG that has none for its overviews makes GDAL look at the pyramid beside it.
+    return !facts_.namesOverviewFile && fileKind(path_ + ".ovr") == FileKind::kMissing;
+  }
+  return std::any_of(directories_.begin() + (directories_.empty() ? 0 : 1), directories_.end(),
+                     isReducedPicture);
+}
+
 void RasterImage::loadOwnOverviews() {
+  if (!hasInnerOverviews()) return;
+  if (!presentation_.plain || facts_.driver == "HFA") {
+    hasOwnOverviews_ = addGdalOverviews();
+    return;
+  }
   for (size_t i = 1; i < directories_.size(); ++i) {
     const TiffDirectory& directory = directories_[i];
-    const bool reduced = (directory.subfileType & tiff::kReducedImage) != 0 &&
-                         (directory.subfileType & tiff::kMask) == 0;
-    if (!reduced || directory.samples != directories_[0].samples || !directory.plainBytes) continue;
+    if (!isReducedPicture(directory) || directory.samples != directories_[0].samples ||
+        !directory.plainBytes)
+      continue;
     if (addLevel(directory, static_cast<int>(i), false, file_, guarded_)) hasOwnOverviews_ = true;
   }
-  // Asking an IMG that has none for its overviews makes GDAL look at the pyramid beside it.
-  const bool pyramidBeside = fileKind(path_ + ".ovr") != FileKind::kMissing;
-  if (facts_.driver != "HFA" || facts_.namesOverviewFile || pyramidBeside) return;
+}
+
+bool RasterImage::addGdalOverviews() {
   Result<DatasetPtr> dataset = guarded_->open();
-  if (!dataset) return;
+  if (!dataset) return false;
   const GdalErrors quiet;
-  GDALRasterBand* band = dataset.value()->GetRasterBand(1);
-  const int count = band->GetOverviewCount();
+  const int count = overviewCount(*dataset.value(), presentation_);
+  bool added = false;
   for (int i = 0; i < count; ++i) {
     Result<DatasetPtr> own = guarded_->open();
-    if (!own) return;
-    auto reader = makeGdalReader({guarded_, i, presentation_.bands, presentation_.channels, false},
-                                 own.take());
+    if (!own) break;
+    auto reader = makeGdalReader({guarded_, i, presentation_, false}, own.take());
     if (!reader) continue;
     Level level;
     level.reader = reader.take();
@@ -227,27 +280,30 @@ void RasterImage::loadOwnOverviews() {
     level.factorY = static_cast<double>(facts_.height) / level.reader->grid().height;
     if (level.factorX < 1 || level.factorY < 1) continue;
     levels_.push_back(std::move(level));
-    hasOwnOverviews_ = true;
+    added = true;
   }
+  return added;
 }
 
 void RasterImage::loadPyramid(const PyramidPlaces& places) {
-  const auto use = [&](const std::string& path, bool cached) {
-    removeDeadBuild(path);
-    const PyramidState state =
-        pyramidState(path, path_, width(), height(), presentation_.channels, cached);
-    if (state != PyramidState::kOurs && state != PyramidState::kForeign) return false;
-    return addPyramidLevels(path, state == PyramidState::kOurs);
-  };
-  if (use(pyramidPath(path_, places.folder), false) || places.cacheFolder.empty()) return;
-  use(cachedPyramidPath(path_, places.cacheFolder), true);
+  removeDeadBuild(pyramidPath(subject_, places.folder));
+  if (!places.cacheFolder.empty()) removeDeadBuild(cachedPyramidPath(subject_, places.cacheFolder));
+  const FoundPyramid found = findPyramid(subject_, places);
+  if (found.state == PyramidState::kMissing) return;
+  const bool ours = found.state == PyramidState::kOurs;
+  // GDAL knows what another program's samples mean by the image that they belong to.
+  if (ours || presentation_.plain) {
+    addPyramidLevels(found.path, ours);
+  } else {
+    addGdalOverviews();
+  }
 }
 
-bool RasterImage::addPyramidLevels(const std::string& path, bool ours) {
+void RasterImage::addPyramidLevels(const std::string& path, bool ours) {
   auto file = std::make_shared<RandomFile>();
-  if (!file->open(path)) return false;
+  if (!file->open(path)) return;
   auto directories = readTiffDirectories(*file, fileTimes(path).size);
-  if (!directories) return false;
+  if (!directories) return;
   const auto guarded = std::make_shared<GuardedImage>(path);
   int index = 0;
   for (const TiffDirectory& directory : directories.value()) {
@@ -256,7 +312,6 @@ bool RasterImage::addPyramidLevels(const std::string& path, bool ours) {
       break;
     ++index;
   }
-  return levels_.size() > 1;
 }
 
 }  // namespace tarn::raster

@@ -236,18 +236,20 @@ class BuildFolder {
 
 Status buildInto(const PyramidSource& source, const std::string& target, const Progress& progress,
                  BuildFolder& build) {
-  const Result<ImageStamp> before = stampOf(source.imagePath);
+  const std::string& imagePath = source.subject.imagePath;
+  const Result<ImageStamp> before = stampOf(imagePath);
   if (!before) return before.status();
   const std::string temporary = build.file(nameOf(target));
   PyramidForm form{pyramidLevels(source.reader->grid().width, source.reader->grid().height),
-                   source.reader->grid().channels, source.lossy, stampMetadata(before.value())};
+                   source.reader->grid().channels, source.lossy,
+                   markMetadata({before.value(), source.subject.form, source.scale})};
   PyramidWriter writer;
   if (Status created = writer.create(temporary, form); !created) return created;
   Builder builder(*source.reader, writer, form.levels);
   if (Status built = builder.run(progress); !built) return built;
   if (Status finished = writer.finish(); !finished) return finished;
   if (Status whole = writer.check(); !whole) return whole;
-  const Result<ImageStamp> after = stampOf(source.imagePath);
+  const Result<ImageStamp> after = stampOf(imagePath);
   if (!after || !(after.value() == before.value()))
     return Status::error("the image was changed meanwhile");
   return replaceFile(temporary, target);
@@ -258,21 +260,22 @@ Status buildInto(const PyramidSource& source, const std::string& target, const P
 Status buildPyramidFile(const PyramidSource& source, const PyramidPlaces& places,
                         const Progress& progress, std::string& note) {
   BuildFolder build;
-  std::string target = pyramidPath(source.imagePath, places.folder);
+  std::string target = pyramidPath(source.subject, places.folder);
   Status made = folderIsWritable(places.folder)
                     ? build.make(target)
                     : Status::error(places.folder + ": cannot be written");
   if (!made && !places.cacheFolder.empty()) {
-    target = cachedPyramidPath(source.imagePath, places.cacheFolder);
+    target = cachedPyramidPath(source.subject, places.cacheFolder);
     note = "its folder cannot be written; its pyramid is kept in " + folderOf(target);
     made = makeFolders(folderOf(target));
     if (made) made = build.make(target);
   }
   Status status = made ? buildInto(source, target, progress, build) : made;
   if (status) return status;
-  const bool named = status.message().find(source.imagePath) != std::string::npos;
+  const bool named = status.message().find(source.subject.imagePath) != std::string::npos;
   return named ? status
-               : Status::error(source.imagePath + ": no pyramid was made: " + status.message());
+               : Status::error(source.subject.imagePath +
+                               ": no pyramid was made: " + status.message());
 }
 
 }  // namespace tarn::raster

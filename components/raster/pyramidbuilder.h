@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "base/result.h"
@@ -14,9 +15,11 @@ namespace tarn::raster {
 using Progress = std::function<bool(double)>;
 
 struct PyramidSource {
-  std::string imagePath;
+  PyramidSubject subject;
   /// The image in full size.
   const TileReader* reader = nullptr;
+  /// Of an image whose samples are scaled.
+  std::optional<Scale> scale;
   /// The image is JPEG-compressed, and so may its pyramid be.
   bool lossy = false;
 };

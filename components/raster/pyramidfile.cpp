@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "base/file.h"
 #include "base/filelock.h"
 #include "base/path.h"
-#include "components/raster/pyramidstamp.h"
 #include "components/raster/tiffdirectory.h"
 
 namespace tarn::raster {
@@ -36,6 +36,32 @@ bool isReduction(const TiffDirectory& picture, int width, int height) {
          std::fabs(height / factor - picture.height) <= 1.01;
 }
 
+std::string endingOf(const PyramidSubject& subject) {
+  return subject.form.empty() ? ".ovr" : ".rgb.ovr";
+}
+
+/// What stands at `path` for the image; its path and mark too when it may be used.
+PyramidState examine(const std::string& path, const PyramidSubject& subject, FoundPyramid& found) {
+  if (fileKind(path) != FileKind::kRegular) return PyramidState::kMissing;
+  RandomFile file;
+  if (!file.open(path)) return PyramidState::kMissing;
+  const auto directories = readTiffDirectories(file, fileTimes(path).size);
+  if (!directories) return PyramidState::kStale;
+  const TiffDirectory& first = directories.value().front();
+  if (!isReduction(first, subject.width, subject.height)) return PyramidState::kStale;
+  found.path = path;
+  if (std::optional<PyramidMark> mark = markInMetadata(first.gdalMetadata)) {
+    const auto now = stampOf(subject.imagePath);
+    const bool fits = now && now.value() == mark->stamp && mark->form == subject.form &&
+                      first.samples == subject.channels && first.plainBytes;
+    found.mark = std::move(*mark);
+    return fits ? PyramidState::kOurs : PyramidState::kStale;
+  }
+  const bool current = fileTimes(path).modifiedNs >= fileTimes(subject.imagePath).modifiedNs;
+  const bool fits = first.samples == subject.bands && (first.plainBytes || !subject.form.empty());
+  return current && fits ? PyramidState::kForeign : PyramidState::kStale;
+}
+
 }  // namespace
 
 std::vector<LevelSize> pyramidLevels(int width, int height) {
@@ -48,31 +74,33 @@ std::vector<LevelSize> pyramidLevels(int width, int height) {
   return levels;
 }
 
-std::string pyramidPath(const std::string& imagePath, const std::string& folder) {
-  return joinPath(folder, nameOf(imagePath) + ".ovr");
+std::string pyramidPath(const PyramidSubject& subject, const std::string& folder) {
+  return joinPath(folder, nameOf(subject.imagePath) + endingOf(subject));
 }
 
-std::string cachedPyramidPath(const std::string& imagePath, const std::string& cacheFolder) {
+std::string cachedPyramidPath(const PyramidSubject& subject, const std::string& cacheFolder) {
   return joinPath(joinPath(cacheFolder, "pyramids"),
-                  hashName(absolutePath(imagePath)) + ".tif.ovr");
+                  hashName(absolutePath(subject.imagePath)) + ".tif" + endingOf(subject));
 }
 
-PyramidState pyramidState(const std::string& path, const std::string& imagePath, int width,
-                          int height, int channels, bool cached) {
-  if (fileKind(path) != FileKind::kRegular) return PyramidState::kMissing;
-  RandomFile file;
-  if (!file.open(path)) return PyramidState::kMissing;
-  const auto directories = readTiffDirectories(file, fileTimes(path).size);
-  if (!directories) return PyramidState::kStale;
-  const TiffDirectory& first = directories.value().front();
-  if (!isReduction(first, width, height) || first.samples != channels || !first.plainBytes)
-    return PyramidState::kStale;
-  if (const std::optional<ImageStamp> stamp = stampInMetadata(first.gdalMetadata)) {
-    const auto now = stampOf(imagePath);
-    return now && now.value() == *stamp ? PyramidState::kOurs : PyramidState::kStale;
+FoundPyramid findPyramid(const PyramidSubject& subject, const PyramidPlaces& places) {
+  FoundPyramid found;
+  const std::string own = pyramidPath(subject, places.folder);
+  const std::string standard = subject.imagePath + ".ovr";
+  const std::string cached =
+      places.cacheFolder.empty() ? "" : cachedPyramidPath(subject, places.cacheFolder);
+  const bool plain = subject.form.empty();
+  for (const std::string& path : {own, plain ? std::string() : standard, cached}) {
+    if (path.empty()) continue;
+    found.state = examine(path, subject, found);
+    if (found.state == PyramidState::kOurs) return found;
+    // Another program writes where all programs look.
+    const bool shared = path == standard || (plain && path == own);
+    if (found.state == PyramidState::kForeign && shared) return found;
+    const bool ours = plain || path != standard;
+    found.stale = found.stale || (ours && found.state != PyramidState::kMissing);
   }
-  const bool current = fileTimes(path).modifiedNs >= fileTimes(imagePath).modifiedNs;
-  return current && !cached ? PyramidState::kForeign : PyramidState::kStale;
+  return {PyramidState::kMissing, {}, {}, found.stale};
 }
 
 std::string buildFolderPath(const std::string& pyramid) {

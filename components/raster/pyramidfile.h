@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/result.h"
+#include "components/raster/pyramidstamp.h"
 
 namespace tarn::raster {
 
@@ -27,18 +28,39 @@ struct PyramidPlaces {
   std::string cacheFolder;
 };
 
-/// Path of the pyramid beside the image, "NAME.tif.ovr".
-std::string pyramidPath(const std::string& imagePath, const std::string& folder);
+/// The image that a pyramid is for.
+struct PyramidSubject {
+  std::string imagePath;
+  int width = 0;
+  int height = 0;
+  /// Of the pyramid.
+  int channels = 3;
+  /// Of the image.
+  int bands = 3;
+  /// How the image's samples become the pyramid's pixels; empty when they simply are.
+  std::string form;
+};
+
+/// Path of the pyramid beside the image: "NAME.tif.ovr", where every program looks, or
+/// "NAME.tif.rgb.ovr" when the pyramid's pixels are not those of the image's bands.
+std::string pyramidPath(const PyramidSubject& subject, const std::string& folder);
 /// Path of the pyramid in the cache folder; the image's whole path makes its name.
-std::string cachedPyramidPath(const std::string& imagePath, const std::string& cacheFolder);
+std::string cachedPyramidPath(const PyramidSubject& subject, const std::string& cacheFolder);
+/// Where another program's pyramid of the image would be.
+std::string foreignPyramidPath(const std::string& imagePath);
 
 enum class PyramidState { kMissing, kOurs, kForeign, kStale };
 
-/// What stands at `path` for the image: ours (its stamp fits), of another program (right size and
-/// channels, not older than the image), stale or damaged, or nothing. `cached` pyramids are never
-/// another program's.
-PyramidState pyramidState(const std::string& path, const std::string& imagePath, int width,
-                          int height, int channels, bool cached);
+/// The pyramid to use for an image: ours (its stamp and form fit), or another program's (right size
+/// and bands, not older than the image). `mark` is that of ours. `stale`: one of ours, or one in
+/// its place, does not fit the image any more or is damaged.
+struct FoundPyramid {
+  PyramidState state = PyramidState::kMissing;
+  std::string path;
+  PyramidMark mark;
+  bool stale = false;
+};
+FoundPyramid findPyramid(const PyramidSubject& subject, const PyramidPlaces& places);
 
 /// The hidden folder in which a pyramid is built, beside the place where it will stand. One a
 /// pyramid, so that two builds meet and leftovers are found without searching.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <vector>
 
 #include "base/file.h"
@@ -10,8 +11,7 @@
 namespace tarn::raster {
 namespace {
 
-constexpr const char* kItemStart = "<Item name=\"TARN_STAMP\">";
-constexpr const char* kItemEnd = "</Item>";
+constexpr const char *kStamp = "TARN_STAMP", *kForm = "TARN_FORM", *kScale = "TARN_SCALE";
 constexpr const char* kVersion = "1";
 
 std::string hex(uint64_t value) {
@@ -24,6 +24,27 @@ bool parseHex(const std::string& text, uint64_t& value) {
   const char* end = text.data() + text.size();
   const auto done = std::from_chars(text.data(), end, value, 16);
   return done.ec == std::errc() && done.ptr == end;
+}
+
+std::string item(const char* name, const std::string& value) {
+  return std::string("<Item name=\"") + name + "\">" + value + "</Item>";
+}
+
+std::optional<std::string> itemIn(const std::string& xml, const char* name) {
+  const std::string start = std::string("<Item name=\"") + name + "\">";
+  const size_t at = xml.find(start);
+  if (at == std::string::npos) return std::nullopt;
+  const size_t from = at + start.size(), to = xml.find("</Item>", from);
+  return to == std::string::npos ? std::nullopt : std::optional(xml.substr(from, to - from));
+}
+
+std::optional<Scale> parseScale(const std::string& text) {
+  const std::vector<std::string> parts = split(text, ' ');
+  Scale scale;
+  const bool whole = parts.size() == 2 && parseDouble(parts[0], scale.low) &&
+                     parseDouble(parts[1], scale.high) && std::isfinite(scale.low) &&
+                     std::isfinite(scale.high);
+  return whole ? std::optional(scale) : std::nullopt;
 }
 
 }  // namespace
@@ -65,17 +86,23 @@ std::optional<ImageStamp> parseStamp(const std::string& text) {
   return stamp;
 }
 
-std::string stampMetadata(const ImageStamp& stamp) {
-  return std::string("<GDALMetadata>") + kItemStart + formatStamp(stamp) + kItemEnd +
-         "</GDALMetadata>";
+std::string markMetadata(const PyramidMark& mark) {
+  std::string items = item(kStamp, formatStamp(mark.stamp));
+  if (!mark.form.empty()) items += item(kForm, mark.form);
+  if (mark.scale)
+    items += item(kScale, formatDouble(mark.scale->low) + ' ' + formatDouble(mark.scale->high));
+  return "<GDALMetadata>" + items + "</GDALMetadata>";
 }
 
-std::optional<ImageStamp> stampInMetadata(const std::string& xml) {
-  const size_t at = xml.find(kItemStart);
-  if (at == std::string::npos) return std::nullopt;
-  const size_t from = at + std::string(kItemStart).size();
-  const size_t to = xml.find(kItemEnd, from);
-  return to == std::string::npos ? std::nullopt : parseStamp(xml.substr(from, to - from));
+std::optional<PyramidMark> markInMetadata(const std::string& xml) {
+  const std::optional<std::string> stampText = itemIn(xml, kStamp);
+  const std::optional<ImageStamp> stamp = stampText ? parseStamp(*stampText) : std::nullopt;
+  if (!stamp) return std::nullopt;
+  PyramidMark mark;
+  mark.stamp = *stamp;
+  mark.form = itemIn(xml, kForm).value_or("");
+  if (const std::optional<std::string> scale = itemIn(xml, kScale)) mark.scale = parseScale(*scale);
+  return mark;
 }
 
 }  // namespace tarn::raster

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/result.h"
+#include "components/raster/presentation.h"
 
 namespace tarn::raster {
 
@@ -27,9 +28,18 @@ Result<ImageStamp> stampOf(const std::string& path);
 std::string formatStamp(const ImageStamp& stamp);
 std::optional<ImageStamp> parseStamp(const std::string& text);
 
-/// The GDAL metadata of a pyramid's first picture, and the stamp in such a text.
-std::string stampMetadata(const ImageStamp& stamp);
-std::optional<ImageStamp> stampInMetadata(const std::string& xml);
+/// What a pyramid says about where it comes from.
+struct PyramidMark {
+  ImageStamp stamp;
+  /// How the image's samples became the pyramid's pixels; empty for the image's own bands.
+  std::string form;
+  /// The scale of samples that are not bytes.
+  std::optional<Scale> scale;
+};
+
+/// The GDAL metadata of a pyramid's first picture, and the mark in such a text.
+std::string markMetadata(const PyramidMark& mark);
+std::optional<PyramidMark> markInMetadata(const std::string& xml);
 
 /// A 64-bit hash (FNV-1a) of bytes, going on from `hash`.
 constexpr uint64_t kHashStart = 0xCBF29CE484222325ULL;

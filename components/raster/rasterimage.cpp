@@ -192,21 +192,20 @@ void RasterImage::stretch(StretchMode mode, uint8_t* cells, size_t pixels) const
 
 bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
   if (pyramidLevels(width(), height()).empty() || hasOwnOverviews_) return true;
-  const auto usable = [&](const std::string& path, bool cached) {
-    const PyramidState state =
-        pyramidState(path, path_, width(), height(), presentation_.channels, cached);
-    return state == PyramidState::kOurs || state == PyramidState::kForeign;
-  };
-  return usable(pyramidPath(path_, places.folder), false) ||
-         (!places.cacheFolder.empty() &&
-          usable(cachedPyramidPath(path_, places.cacheFolder), true));
+  return findPyramid(subject_, places).state != PyramidState::kMissing;
 }
 
 Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& progress,
                                  std::string& note) const {
   if (pyramidLevels(width(), height()).empty()) return Status::ok();
-  return buildPyramidFile({path_, levels_.front().reader.get(), presentation_.lossy}, places,
-                          progress, note);
+  const bool stale = findPyramid(subject_, places).stale;
+  PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt, presentation_.lossy};
+  if (presentation_.conversion == Conversion::kScaled) source.scale = presentation_.scale;
+  const Status built = buildPyramidFile(source, places, progress, note);
+  if (built && stale)
+    note = "its pyramid no longer fitted the image and was built again" +
+           (note.empty() ? note : "; " + note);
+  return built;
 }
 
 }  // namespace tarn::raster

@@ -14,6 +14,7 @@
 #include "components/raster/gdalaccess.h"
 #include "components/raster/georeference.h"
 #include "components/raster/imagefacts.h"
+#include "components/raster/presentation.h"
 #include "components/raster/pyramidbuilder.h"
 #include "components/raster/pyramidfile.h"
 #include "components/raster/stretch.h"
@@ -65,7 +66,7 @@ class RasterImage {
   /// EPSG number, 0 without one, -1 without a coordinate system.
   int coordinateSystem() const { return facts_.coordinateSystem; }
   /// Sentences for the user about what was found, without the image's name.
-  const std::vector<std::string>& notes() const { return georeference_.notes; }
+  const std::vector<std::string>& notes() const { return notes_; }
   /// Number of levels in use, the full size included.
   size_t levelCount() const { return levels_.size(); }
 
@@ -74,8 +75,9 @@ class RasterImage {
   bool hasPyramid(const PyramidPlaces& places) const;
 
   /// Builds the pyramid into the first of the places that can be written. `note` is set when it is
-  /// not the image's own folder. On failure nothing is left behind and the image stays usable; the
-  /// reason names the file. The new pyramid is used after the image has been opened again.
+  /// not the image's own folder, or when it takes the place of one that did not fit. On failure
+  /// nothing is left behind and the image stays usable; the reason names the file. The new pyramid
+  /// is used after the image has been opened again.
   Status buildPyramid(const PyramidPlaces& places, const Progress& progress,
                       std::string& note) const;
 
@@ -100,10 +102,14 @@ class RasterImage {
 
   RasterImage() = default;
   Status load(const std::string& path, const OpenOptions& options);
-  Status loadFullSize();
+  Status loadFullSize(const OpenOptions& options);
+  void chooseScale(GDALDataset& dataset, const OpenOptions& options);
+  Status addFullSize(DatasetPtr dataset);
+  bool hasInnerOverviews() const;
   void loadOwnOverviews();
+  bool addGdalOverviews();
   void loadPyramid(const PyramidPlaces& places);
-  bool addPyramidLevels(const std::string& path, bool ours);
+  void addPyramidLevels(const std::string& path, bool ours);
   bool addLevel(const TiffDirectory& directory, int index, bool ours,
                 const std::shared_ptr<const RandomFile>& file,
                 const std::shared_ptr<GuardedImage>& guarded);
@@ -126,7 +132,9 @@ class RasterImage {
   FileTimes times_;
   ImageFacts facts_;
   Presentation presentation_;
+  PyramidSubject subject_;
   Georeference georeference_;
+  std::vector<std::string> notes_;
   std::shared_ptr<GuardedImage> guarded_;
   std::shared_ptr<const RandomFile> file_;
   std::vector<TiffDirectory> directories_;

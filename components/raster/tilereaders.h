@@ -1,12 +1,12 @@
 // The ways to decode a level: straight from the file where its form is plain, else through GDAL.
 #pragma once
 
-#include <array>
 #include <memory>
 
 #include "base/file.h"
 #include "base/result.h"
 #include "components/raster/gdalaccess.h"
+#include "components/raster/presentation.h"
 #include "components/raster/tiffdirectory.h"
 #include "components/raster/tile.h"
 
@@ -21,13 +21,11 @@ std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomFile> 
 std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomFile> file,
                                                TiffDirectory directory);
 
-/// Which picture of a GDAL dataset: the image, or one of the image's own overviews (-1: none).
+/// Which picture of a GDAL dataset: the image, or one of its overviews (-1: none).
 struct GdalPicture {
   std::shared_ptr<const GuardedImage> image;
   int overview = -1;
-  /// Bands to read as R, G, B; only the first counts for one channel.
-  std::array<int, 3> bands{1, 2, 3};
-  int channels = 3;
+  Presentation presentation;
   /// Lines can only be decoded from the top, so tiles are best read one after the other.
   bool sequential = false;
 };

@@ -226,12 +226,18 @@ TEST_F(Staleness, PyramidOfAnotherProgram) {
 TEST_F(Staleness, StampsAreReadBackOrRefused) {
   const ImageStamp stamp = stampOf(path_).value();
   EXPECT_TRUE(*parseStamp(formatStamp(stamp)) == stamp);
-  EXPECT_TRUE(*stampInMetadata(stampMetadata(stamp)) == stamp);
+  const auto mark = markInMetadata(markMetadata({stamp, "3 1 b2", Scale{-0.1, 1e30}}));
+  ASSERT_TRUE(mark);
+  EXPECT_TRUE(mark->stamp == stamp);
+  EXPECT_EQ(mark->form, "3 1 b2");
+  ASSERT_TRUE(mark->scale);
+  EXPECT_EQ(mark->scale->low, -0.1);
+  EXPECT_EQ(mark->scale->high, 1e30);
   for (const char* text :
        {"", "1", "2 1 1 1", "1 1 1", "1 x 1 1", "1 1 1 1 1", "1 11111111111111111 1 1"}) {
     EXPECT_FALSE(parseStamp(text)) << text;
   }
-  EXPECT_FALSE(stampInMetadata("<GDALMetadata><Item name=\"TARN_STAMP\">1 1 1 1"));
+  EXPECT_FALSE(markInMetadata("<GDALMetadata><Item name=\"TARN_STAMP\">1 1 1 1"));
 }
 
 }  // namespace
