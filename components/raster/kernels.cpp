@@ -53,37 +53,75 @@ uint32_t contentOnly(uint32_t rgb) {
   return rgb == kWhite ? kNearlyWhite : rgb;
 }
 
-/// One cell of a colour row, as 0x00BBGGRR.
-uint32_t gatherColour(const uint16_t* pixels, const uint16_t* weights, int taps) {
 #if defined(__SSE2__)
-  __m128i sum = _mm_set1_epi16(128);
-  for (int k = 0; k < taps; ++k) {
-    const __m128i p = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + 3 * k));
-    const __m128i w = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(weights + 4 * k));
-    sum = _mm_add_epi16(sum, _mm_mulhi_epu16(p, w));
-  }
-  sum = _mm_srli_epi16(sum, 8);
-  return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(sum, sum)));
-#else
-  uint32_t sums[3] = {128, 128, 128};
-  for (int k = 0; k < taps; ++k) {
-    for (int c = 0; c < 3; ++c) sums[c] += (uint32_t{pixels[3 * k + c]} * weights[4 * k]) >> 16;
-  }
-  return sums[0] >> 8 | (sums[1] >> 8) << 8 | (sums[2] >> 8) << 16;
-#endif
+__m128i loadTwo(const uint16_t* low, const uint16_t* high) {
+  const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
+  return _mm_castpd_si128(
+      _mm_loadh_pd(_mm_castsi128_pd(first), reinterpret_cast<const double*>(high)));
 }
 
+/// Four cells R, G, B from their sums (times 256); writes two bytes more than the twelve.
+void storeFour(__m128i first, __m128i second, uint8_t* out) {
+  __m128i rgb = _mm_packus_epi16(_mm_srli_epi16(first, 8), _mm_srli_epi16(second, 8));
+  const __m128i white = _mm_set1_epi32(kWhite), one = _mm_set1_epi32(kNearlyBlack);
+  rgb = _mm_and_si128(rgb, white);
+  const __m128i isBlack = _mm_cmpeq_epi32(rgb, _mm_setzero_si128());
+  const __m128i isWhite = _mm_cmpeq_epi32(rgb, white);
+  rgb = _mm_add_epi32(rgb, _mm_and_si128(isBlack, one));
+  rgb = _mm_sub_epi32(rgb, _mm_and_si128(isWhite, one));
+  const __m128i low = _mm_and_si128(rgb, _mm_set1_epi64x(0xFFFFFF));
+  const __m128i high = _mm_and_si128(_mm_srli_epi64(rgb, 8), _mm_set1_epi64x(0xFFFFFF000000));
+  const __m128i six = _mm_or_si128(low, high);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), six);
+  _mm_storeh_pd(reinterpret_cast<double*>(out + 6), _mm_castsi128_pd(six));
+}
+
+void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
+                uint8_t* out) {
+  const uint16_t* p[4];
+  for (int i = 0; i < 4; ++i) p[i] = row + 3 * static_cast<size_t>(start[i]);
+  __m128i first = _mm_set1_epi16(128), second = first;
+  for (int k = 0; k < taps; ++k) {
+    const auto* w = reinterpret_cast<const __m128i*>(weights + 16 * k);
+    const size_t at = 3 * static_cast<size_t>(k);
+    first =
+        _mm_add_epi16(first, _mm_mulhi_epu16(loadTwo(p[0] + at, p[1] + at), _mm_loadu_si128(w)));
+    second = _mm_add_epi16(second,
+                           _mm_mulhi_epu16(loadTwo(p[2] + at, p[3] + at), _mm_loadu_si128(w + 1)));
+  }
+  storeFour(first, second, out);
+}
+#else
+void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
+                uint8_t* out) {
+  for (int i = 0; i < 4; ++i) {
+    uint32_t rgb = 0;
+    for (int c = 0; c < 3; ++c) {
+      uint32_t sum = 128;
+      for (int k = 0; k < taps; ++k) {
+        const size_t pixel = static_cast<size_t>(start[i]) + k;
+        sum += (uint32_t{row[3 * pixel + c]} * weights[16 * k + 4 * i]) >> 16;
+      }
+      rgb |= (sum >> 8) << (8 * c);
+    }
+    rgb = contentOnly(rgb);
+    for (int c = 0; c < 3; ++c) out[3 * i + c] = static_cast<uint8_t>(rgb >> (8 * c));
+  }
+}
+#endif
+
+/// `kTaps` 0: any number of taps.
 template <int kTaps>
 void gatherColourRow(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
                      int cells, uint8_t* out) {
   const int count = kTaps > 0 ? kTaps : taps;
-  for (int i = 0; i < cells; ++i) {
-    const uint32_t rgb =
-        contentOnly(gatherColour(row + 3 * static_cast<size_t>(start[i]),
-                                 weights + 4 * static_cast<size_t>(i) * count, count));
-    // The fourth byte is the next cell's first and written again with it.
-    std::memcpy(out + 3 * static_cast<size_t>(i), &rgb, i + 1 < cells ? 4 : 3);
-  }
+  const size_t step = size_t{16} * count;
+  int i = 0;
+  for (; i + 4 < cells; i += 4, weights += step, out += 12)
+    gatherFour(row, start + i, weights, count, out);
+  uint8_t last[16];
+  gatherFour(row, start + i, weights, count, last);
+  std::memcpy(out, last, 3 * static_cast<size_t>(cells - i));
 }
 
 void gatherGrayRow(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
@@ -91,7 +129,8 @@ void gatherGrayRow(const uint16_t* row, const int* start, const uint16_t* weight
   for (int i = 0; i < cells; ++i) {
     uint32_t sum = 128;
     for (int k = 0; k < taps; ++k) {
-      sum += (uint32_t{row[start[i] + k]} * weights[4 * (static_cast<size_t>(i) * taps + k)]) >> 16;
+      const size_t at = 16 * (static_cast<size_t>(i / 4) * taps + k) + 4 * (i % 4);
+      sum += (uint32_t{row[start[i] + k]} * weights[at]) >> 16;
     }
     std::memset(out + 3 * static_cast<size_t>(i), static_cast<int>(std::clamp(sum >> 8, 1U, 254U)),
                 3);

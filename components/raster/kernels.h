@@ -19,8 +19,9 @@ void addRowWithoutKeys(const uint8_t* row, float weight, size_t pixels, int chan
                        float* cover);
 
 /// Cells of a blended row: cell i is the sum of `taps` pixels from start[i] with weights of
-/// 65536ths (at most 65535, four times each), as R, G, B. The row must be readable one pixel
-/// further. No cell becomes pure black or white.
+/// 65536ths (at most 65535), as R, G, B. The weights go by groups of four cells: for each tap, four
+/// times each cell's weight. `start` and the weights are filled up to whole groups. The row must be
+/// readable one pixel further. No cell becomes pure black or white.
 void gatherCells(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
                  int cells, int channels, uint8_t* out);
 

@@ -56,6 +56,22 @@ int64_t bytesOf(const TileBlock& block) {
          block.grid.tileHeight * block.grid.channels;
 }
 
+/// Makes the cells black that the taps leave alone.
+void clearOutside(const Window& w, const AxisTaps& across, const AxisTaps& down, uint8_t* out) {
+  const bool none = across.cells() == 0 || down.cells() == 0;
+  const size_t stride = static_cast<size_t>(w.columns) * 3;
+  const int first = none ? w.rows : down.first, last = none ? w.rows : down.last;
+  std::memset(out, 0, stride * first);
+  std::memset(out + stride * last, 0, stride * (w.rows - last));
+  const size_t left = static_cast<size_t>(across.first) * 3,
+               right = static_cast<size_t>(across.last) * 3;
+  if (right - left == stride) return;
+  for (int row = first; row < last; ++row) {
+    std::memset(out + row * stride, 0, left);
+    std::memset(out + row * stride + right, 0, stride - right);
+  }
+}
+
 }  // namespace
 
 RasterImage::~RasterImage() {
@@ -85,9 +101,12 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
                          ReadCounts& counts) const {
   if (!isReadable(window) || !out) return Status::error(path_ + ": the window cannot be read");
   const size_t stride = static_cast<size_t>(window.columns) * 3;
-  std::memset(out, 0, stride * window.rows);
+  const auto fail = [&](Status status) {
+    std::memset(out, 0, stride * window.rows);
+    return status;
+  };
   counts.pixels += static_cast<uint64_t>(window.columns) * window.rows;
-  if (Status unchanged = checkUnchanged(); !unchanged) return unchanged;
+  if (Status unchanged = checkUnchanged(); !unchanged) return fail(unchanged);
   const Level& level = levelFor(window.cellX, window.cellY);
   const TileGrid& grid = level.reader->grid();
   const AxisTaps across = makeTaps({window.x / level.factorX, window.cellX / level.factorX,
@@ -96,9 +115,9 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
   const AxisTaps down = makeTaps({window.y / level.factorY, window.cellY / level.factorY,
                                   window.rows, facts_.height / level.factorY, grid.height},
                                  filterFor(window.cellY, window.cellY / level.factorY, smooth));
+  clearOutside(window, across, down, out);
   if (readCells(level, across, down, out, stride, counts)) return Status::ok();
-  std::memset(out, 0, stride * window.rows);
-  return Status::error(path_ + ": some of its pixels cannot be read");
+  return fail(Status::error(path_ + ": some of its pixels cannot be read"));
 }
 
 bool RasterImage::readCells(const Level& level, const AxisTaps& across, const AxisTaps& down,

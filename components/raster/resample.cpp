@@ -82,12 +82,15 @@ class RowSampler {
 
   void quantiseAcross() {
     if (across_.width > kMostFastTaps) return;
-    fastWeights_.resize(static_cast<size_t>(across_.cells()) * across_.width * 4);
+    const size_t groups = (static_cast<size_t>(across_.cells()) + 3) / 4;
+    start_.resize(groups * 4, start_.back());
+    fastWeights_.resize(groups * 16 * across_.width);
     for (int i = 0; i < across_.cells(); ++i) {
       for (int k = 0; k < across_.width; ++k) {
         const float weight = across_.weightsOf(i)[k] * 65536.0F;
         const auto whole = static_cast<uint16_t>(std::clamp(std::lround(weight), 0L, 65535L));
-        std::fill_n(&fastWeights_[(static_cast<size_t>(i) * across_.width + k) * 4], 4, whole);
+        const size_t at = 16 * (static_cast<size_t>(i / 4) * across_.width + k) + 4 * (i % 4);
+        std::fill_n(&fastWeights_[at], 4, whole);
       }
     }
     // One pixel more than there are, for reads of four numbers at the last one.
