@@ -34,7 +34,7 @@ void prepareErrors(Errors& errors) {
 /// The part between the setjmp and its jump: no object here has a destructor.
 void decodeInto(jpeg_decompress_struct& codec, Span<const uint8_t> stream,
                 Span<const uint8_t> tables, JpegColours colours, int width, int height,
-                uint8_t* row, uint8_t* out) {
+                uint8_t* out) {
   if (!tables.empty()) {
     jpeg_mem_src(&codec, tables.data(), tables.size());
     jpeg_read_header(&codec, FALSE);
@@ -53,6 +53,13 @@ void decodeInto(jpeg_decompress_struct& codec, Span<const uint8_t> stream,
   jpeg_start_decompress(&codec);
   const bool whole = codec.output_width == static_cast<JDIMENSION>(width);
   const size_t stride = static_cast<size_t>(width) * channels;
+  // Streams wider than the piece asked for pass through a line of their own.
+  JSAMPROW row = nullptr;
+  if (!whole) {
+    row = static_cast<JSAMPROW>(
+        (*codec.mem->alloc_large)(reinterpret_cast<j_common_ptr>(&codec), JPOOL_IMAGE,
+                                  static_cast<size_t>(codec.output_width) * channels));
+  }
   while (codec.output_scanline < static_cast<JDIMENSION>(height)) {
     uint8_t* target = out + codec.output_scanline * stride;
     JSAMPROW line = whole ? target : row;
@@ -66,8 +73,6 @@ void decodeInto(jpeg_decompress_struct& codec, Span<const uint8_t> stream,
 bool decodeJpegTile(Span<const uint8_t> stream, Span<const uint8_t> tables, JpegColours colours,
                     int width, int height, uint8_t* out) {
   if (stream.empty()) return false;
-  // One line of the widest stream; only streams wider than the piece asked for pass through it.
-  std::vector<uint8_t> row(static_cast<size_t>(65500) * 3);
   jpeg_decompress_struct codec{};
   Errors errors;
   prepareErrors(errors);
@@ -77,7 +82,7 @@ bool decodeJpegTile(Span<const uint8_t> stream, Span<const uint8_t> tables, Jpeg
     return false;
   }
   jpeg_create_decompress(&codec);
-  decodeInto(codec, stream, tables, colours, width, height, row.data(), out);
+  decodeInto(codec, stream, tables, colours, width, height, out);
   jpeg_destroy_decompress(&codec);
   return true;
 }

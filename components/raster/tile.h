@@ -7,6 +7,17 @@
 
 namespace tarn::raster {
 
+class PixelPool;
+
+/// Hands the memory of pixels on to the next tile: the first touch of new memory costs a third of
+/// what decoding into it does.
+struct PixelRecycler {
+  std::shared_ptr<PixelPool> pool;
+  size_t capacity = 0;
+  void operator()(uint8_t* pixels) const;
+};
+using PixelMemory = std::unique_ptr<uint8_t[], PixelRecycler>;
+
 /// `width * height` pixels of `channels` bytes (1 gray, 3 R G B), rows without gaps.
 struct Tile {
   int width = 0;
@@ -14,7 +25,7 @@ struct Tile {
   int channels = 0;
   /// Some pixel is pure black or pure white, and so means "nothing here".
   bool hasKeys = false;
-  std::unique_ptr<uint8_t[]> pixels;
+  PixelMemory pixels;
 
   size_t bytes() const { return static_cast<size_t>(width) * height * channels; }
   size_t stride() const { return static_cast<size_t>(width) * channels; }
