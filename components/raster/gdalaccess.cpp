@@ -129,11 +129,12 @@ std::string GuardedImage::cleaned(const std::string& gdalText) const {
   return toUtf8(shown);
 }
 
-Result<DatasetPtr> GuardedImage::open() const {
+Result<DatasetPtr> GuardedImage::open(const char* georeferencing) const {
   const GdalErrors errors;
   // Georeferencing beside the image is read by this library itself, so that one order of precedence
   // holds for every driver.
-  const char* options[] = {"GEOREF_SOURCES=INTERNAL", nullptr};
+  const std::string source = std::string("GEOREF_SOURCES=") + georeferencing;
+  const char* options[] = {source.c_str(), nullptr};
   const char* drivers[] = {"GTiff", "HFA", "JPEG", nullptr};
   const std::string name = prefix_ + nameOf(path_);
   DatasetPtr dataset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers,

@@ -60,7 +60,10 @@ class GuardedImage {
   const std::string& path() const { return path_; }
   /// Opens the image for reading, by the allowed drivers only. The reason of a failure names the
   /// file.
-  Result<DatasetPtr> open() const;
+  Result<DatasetPtr> open() const { return open("INTERNAL"); }
+  /// The same, with georeferencing taken from "INTERNAL" or "PAM" (its .aux.xml) by drivers that
+  /// have the choice.
+  Result<DatasetPtr> open(const char* georeferencing) const;
   /// A text of GDAL with its own file name replaced by nothing that the user does not know.
   std::string cleaned(const std::string& gdalText) const;
 

@@ -15,55 +15,51 @@ namespace tarn::raster {
 namespace {
 
 constexpr double kFarthest = 1e12;
+/// Of a transform.
+constexpr size_t kNumbers = 6;
 
-bool isUsable(const GeoTransform& t) {
-  for (const double value : {t.x0, t.a, t.b, t.y0, t.d, t.e}) {
-    if (!std::isfinite(value) || std::fabs(value) > kFarthest) return false;
-  }
-  return std::fabs(t.a * t.e - t.b * t.d) > 0;
-}
-
-/// Numbers separated by white space or commas; empty when there is anything else.
-std::vector<double> numbersIn(std::string_view text) {
-  std::vector<double> numbers;
-  std::string word;
-  const auto take = [&] {
-    double value = 0;
-    if (word.empty()) return true;
-    if (!parseDouble(word, value)) return false;
-    numbers.push_back(value);
-    word.clear();
-    return true;
-  };
+std::vector<std::string> wordsIn(std::string_view text, bool commasPart) {
+  std::vector<std::string> words(1);
   for (const char c : text) {
-    if (c != ',' && std::isspace(static_cast<unsigned char>(c)) == 0) {
-      word += c;
-    } else if (!take()) {
-      return {};
+    if (std::isspace(static_cast<unsigned char>(c)) == 0 && !(commasPart && c == ',')) {
+      words.back() += c;
+    } else if (!words.back().empty()) {
+      words.emplace_back();
     }
   }
-  return take() ? numbers : std::vector<double>();
+  if (words.back().empty()) words.pop_back();
+  return words;
 }
 
-/// Largest distance of the image's corners between two transforms, in pixels of the first.
-double distanceInPixels(const GeoTransform& p, const GeoTransform& q, int width, int height) {
-  const double pixel = std::sqrt(std::fabs(p.a * p.e - p.b * p.d));
-  double most = 0;
-  for (const int column : {0, width}) {
-    for (const int row : {0, height}) {
-      const double dx = (q.x0 - p.x0) + (q.a - p.a) * column + (q.b - p.b) * row;
-      const double dy = (q.y0 - p.y0) + (q.d - p.d) * column + (q.e - p.e) * row;
-      most = std::max(most, std::hypot(dx, dy));
-    }
+/// Numbers separated by white space or commas; empty when there is anything else. Where white space
+/// alone parts them, a comma inside of one is its decimal point.
+std::vector<double> numbersIn(std::string_view text) {
+  std::vector<std::string> words = wordsIn(text, false);
+  if (words.size() < kNumbers) words = wordsIn(text, true);
+  std::vector<double> numbers;
+  for (std::string& word : words) {
+    if (word.back() == ',') word.pop_back();
+    std::replace(word.begin(), word.end(), ',', '.');
+    double value = 0;
+    if (!parseDouble(word, value)) return {};
+    numbers.push_back(value);
   }
-  return pixel > 0 ? most / pixel : most;
+  return numbers;
 }
 
-/// True when the rotation moves no pixel of the image visibly.
-bool isUpright(const GeoTransform& t, int width, int height) {
-  constexpr double kInvisible = 0.1;
-  return std::fabs(t.b) * height < kInvisible * std::fabs(t.a) &&
-         std::fabs(t.d) * width < kInvisible * std::fabs(t.e);
+std::vector<ControlPoint> controlPointsOf(const CPLXMLNode* root) {
+  std::vector<ControlPoint> points;
+  const CPLXMLNode* list = CPLGetXMLNode(root, "GCPList");
+  for (const CPLXMLNode* node = list ? list->psChild : nullptr; node; node = node->psNext) {
+    if (node->eType != CXT_Element || !equalsIgnoreCase(node->pszValue, "GCP")) continue;
+    double n[4] = {};
+    const char* names[4] = {"Pixel", "Line", "X", "Y"};
+    bool whole = true;
+    for (int i = 0; i < 4; ++i)
+      whole = whole && parseDouble(CPLGetXMLValue(node, names[i], ""), n[i]);
+    if (whole) points.push_back({n[0], n[1], n[2], n[3]});
+  }
+  return points;
 }
 
 int epsgOfWkt(const char* wkt) {
@@ -78,9 +74,16 @@ int epsgOfWkt(const char* wkt) {
 
 }  // namespace
 
+bool isUsable(const GeoTransform& t) {
+  for (const double value : {t.x0, t.a, t.b, t.y0, t.d, t.e}) {
+    if (!std::isfinite(value) || std::fabs(value) > kFarthest) return false;
+  }
+  return std::fabs(t.a * t.e - t.b * t.d) > 0;
+}
+
 std::optional<GeoTransform> parseWorldFile(std::string_view text) {
   const std::vector<double> n = numbersIn(text);
-  if (n.size() < 6) return std::nullopt;
+  if (n.size() < kNumbers) return std::nullopt;
   // Six lines: a, d, b, e, x and y of the centre of the first pixel.
   GeoTransform t;
   t.a = n[0];
@@ -98,45 +101,20 @@ AuxFacts parseAuxFile(const std::string& xml) {
     void operator()(CPLXMLNode* node) const { CPLDestroyXMLNode(node); }
   };
   const std::unique_ptr<CPLXMLNode, Destroy> tree(CPLParseXMLString(xml.c_str()));
+  facts.hasForeignPoints = tree && CPLGetXMLNode(tree.get(), "=GeodataXform");
   const CPLXMLNode* root = tree ? CPLGetXMLNode(tree.get(), "=PAMDataset") : nullptr;
   if (!root) return facts;
   const std::vector<double> n = numbersIn(CPLGetXMLValue(root, "GeoTransform", ""));
-  if (n.size() == 6) {
+  if (n.size() == kNumbers) {
     const GeoTransform t{n[0], n[1], n[2], n[3], n[4], n[5]};
     if (isUsable(t)) facts.transform = t;
   }
-  facts.hasControlPoints = CPLGetXMLNode(root, "GCPList.GCP") != nullptr;
+  facts.points = controlPointsOf(root);
   const char* system = CPLGetXMLValue(root, "SRS", "");
+  if (!*system) system = CPLGetXMLValue(root, "GCPList.Projection", "");
   if (*system) facts.coordinateSystem = epsgOfWkt(system);
   facts.namesOverviewFile = xml.find("OVERVIEW_FILE") != std::string::npos;
   return facts;
-}
-
-Result<Georeference> chooseGeoreference(const std::vector<GeoCandidate>& candidates, int width,
-                                        int height) {
-  Georeference result;
-  if (candidates.empty()) {
-    result.transform.y0 = height;
-    result.notes.emplace_back("has no georeferencing: shown at the origin, one unit a pixel");
-    return result;
-  }
-  const GeoCandidate& chosen = candidates.front();
-  if (!isUsable(chosen.transform)) return Status::error("its georeferencing is not usable");
-  if (!isUpright(chosen.transform, width, height))
-    return Status::error("is rotated by its georeferencing; only north-up images can be shown");
-  if (chosen.transform.a <= 0 || chosen.transform.e >= 0)
-    return Status::error(
-        "is mirrored or south-up by its georeferencing; only north-up images can be shown");
-  result.transform = chosen.transform;
-  result.transform.b = result.transform.d = 0;
-  for (size_t i = 1; i < candidates.size(); ++i) {
-    if (distanceInPixels(chosen.transform, candidates[i].transform, width, height) > 0.5) {
-      result.notes.push_back("its georeferencing in " + chosen.name + " and in " +
-                             candidates[i].name + " differs; " + chosen.name + " counts");
-      break;
-    }
-  }
-  return result;
 }
 
 std::vector<std::string> worldFileNames(const std::string& imageName) {

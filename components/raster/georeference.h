@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "base/result.h"
-
 namespace tarn::raster {
 
 /// Ground coordinates of pixel (column, row), of the outer corner of the first pixel:
@@ -21,17 +19,22 @@ struct GeoTransform {
   double e = -1;
 };
 
-/// A source of georeferencing as it was found.
+/// A point of the image, (0, 0) being the outer corner of its first pixel, and where it lies.
+struct ControlPoint {
+  double column = 0;
+  double row = 0;
+  double x = 0;
+  double y = 0;
+};
+
+/// A source of georeferencing as it was found: a transform or, without one, control points.
 struct GeoCandidate {
   /// What to call it in a note: a file name, or "the image itself".
   std::string name;
-  GeoTransform transform;
-};
-
-struct Georeference {
-  GeoTransform transform;
-  /// Sentences for the user, without the image's name.
-  std::vector<std::string> notes;
+  std::optional<GeoTransform> transform;
+  std::vector<ControlPoint> points;
+  /// As in ImageFacts, of the control points; -1 when they have none of their own.
+  int coordinateSystem = -1;
 };
 
 /// The text of a world file (six numbers; the position is the centre of the first pixel) as the
@@ -41,18 +44,19 @@ std::optional<GeoTransform> parseWorldFile(std::string_view text);
 /// What a .aux.xml file says about the position.
 struct AuxFacts {
   std::optional<GeoTransform> transform;
-  bool hasControlPoints = false;
+  std::vector<ControlPoint> points;
+  /// It has a form of control points that only GDAL's GeoTIFF driver reads, with the image's own
+  /// resolution.
+  bool hasForeignPoints = false;
   bool namesOverviewFile = false;
   /// As in ImageFacts.
   int coordinateSystem = -1;
 };
 AuxFacts parseAuxFile(const std::string& xml);
 
-/// The candidates in order of precedence; the first counts. Without any the image lies with its
-/// lower left corner at the origin, one unit a pixel. Fails (a sentence without the file) when the
-/// transform that counts is rotated, mirrored or not finite.
-Result<Georeference> chooseGeoreference(const std::vector<GeoCandidate>& candidates, int width,
-                                        int height);
+/// True when all numbers are finite and of the size of ground coordinates, and the pixels have an
+/// area.
+bool isUsable(const GeoTransform& transform);
 
 /// Names that an image's world file may have, in order of preference ("x.tfw", "x.tifw", "x.wld").
 std::vector<std::string> worldFileNames(const std::string& imageName);

@@ -107,13 +107,24 @@ ImageFacts describe(GDALDataset& dataset) {
   const char* space = dataset.GetMetadataItem("SOURCE_COLOR_SPACE", "IMAGE_STRUCTURE");
   facts.colourSpace = space ? space : "";
   facts.minIsWhite = dataset.GetMetadataItem("MINISWHITE", "IMAGE_STRUCTURE") != nullptr;
-  facts.controlPoints = dataset.GetGCPCount();
   // The JPEG driver has no inner georeferencing: what it reports comes from side files.
+  if (facts.driver != "JPEG") facts.innerControlPoints = controlPointsOf(dataset);
   double t[6] = {};
   if (facts.driver != "JPEG" && dataset.GetGeoTransform(t) == CE_None)
     facts.innerGeoTransform = GeoTransform{t[0], t[1], t[2], t[3], t[4], t[5]};
   facts.coordinateSystem = systemOf(dataset.GetSpatialRef());
+  if (facts.coordinateSystem < 0) facts.coordinateSystem = systemOf(dataset.GetGCPSpatialRef());
   return facts;
+}
+
+std::vector<ControlPoint> controlPointsOf(GDALDataset& dataset) {
+  std::vector<ControlPoint> points;
+  const GDAL_GCP* gdalPoints = dataset.GetGCPs();
+  for (int i = 0; gdalPoints && i < dataset.GetGCPCount(); ++i) {
+    const GDAL_GCP& p = gdalPoints[i];
+    points.push_back({p.dfGCPPixel, p.dfGCPLine, p.dfGCPX, p.dfGCPY});
+  }
+  return points;
 }
 
 }  // namespace tarn::raster

@@ -54,7 +54,7 @@ struct ImageFacts {
   std::string colourSpace;
   /// Samples count from white down.
   bool minIsWhite = false;
-  int controlPoints = 0;
+  std::vector<ControlPoint> innerControlPoints;
   std::optional<GeoTransform> innerGeoTransform;
   /// EPSG number, 0 for a coordinate system without one, -1 for none.
   int coordinateSystem = -1;
@@ -64,5 +64,6 @@ struct ImageFacts {
 
 /// Reads the facts of an open dataset; I/O, but no decision.
 ImageFacts describe(GDALDataset& dataset);
+std::vector<ControlPoint> controlPointsOf(GDALDataset& dataset);
 
 }  // namespace tarn::raster

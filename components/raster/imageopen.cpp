@@ -6,14 +6,14 @@
 
 #include "base/path.h"
 #include "components/raster/gdalsamples.h"
+#include "components/raster/georeferencefiles.h"
+#include "components/raster/presentedlevels.h"
 #include "components/raster/rasterimage.h"
 #include "components/raster/tilecache.h"
 #include "components/raster/tilereaders.h"
 
 namespace tarn::raster {
 namespace {
-
-constexpr uint64_t kMostSideFileBytes = 16 << 20;
 
 Status checkPath(const std::string& path) {
   if (path.compare(0, 4, "/vsi") == 0 || path.compare(0, 4, "\\vsi") == 0)
@@ -73,6 +73,7 @@ Result<std::shared_ptr<RasterImage>> RasterImage::open(const std::string& path,
   if (Status usable = checkPath(path); !usable) return usable;
   std::shared_ptr<RasterImage> image(new RasterImage());
   image->id_ = nextId++;
+  image->ownTilesId_ = nextId++;
   if (Status loaded = image->load(path, options); !loaded) return loaded;
   return image;
 }
@@ -85,14 +86,17 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   file_ = std::move(file);
   guarded_ = std::make_shared<GuardedImage>(path);
   if (Status status = loadFullSize(options); !status) return status;
-  if (Status status = loadGeoreference(); !status) return status;
+  loadPlacement();
   if (!presentation_.note.empty()) notes_.push_back(presentation_.note);
   if (presentation_.conversion == Conversion::kScaled)
     notes_.push_back(scaleNote(facts_, presentation_));
-  notes_.insert(notes_.end(), georeference_.notes.begin(), georeference_.notes.end());
-  if (!options.usePyramid) return Status::ok();
-  loadOwnOverviews();
-  if (!hasOwnOverviews_) loadPyramid(options.places);
+  notes_.insert(notes_.end(), placement_.notes.begin(), placement_.notes.end());
+  if (options.usePyramid) {
+    loadOwnOverviews();
+    if (!hasOwnOverviews_) loadPyramid(options.places);
+  }
+  if (!placement_.isAsStored())
+    presented_ = presentLevels(levels_, ownTilesId_, placement_, facts_.width, facts_.height);
   return Status::ok();
 }
 
@@ -167,44 +171,19 @@ Status RasterImage::checkWhole() const {
   return whole ? Status::ok() : cut;
 }
 
-Status RasterImage::loadGeoreference() {
-  const std::string folder = folderOf(path_), name = nameOf(path_);
-  std::vector<GeoCandidate> candidates;
-  std::vector<std::string> notes;
-  const std::string auxName = name + ".aux.xml";
-  AuxFacts aux;
-  if (fileKind(joinPath(folder, auxName)) == FileKind::kRegular) {
-    if (const auto xml = readFile(joinPath(folder, auxName), kMostSideFileBytes)) {
-      const GdalErrors quiet;
-      aux = parseAuxFile(xml.value());
-    }
+void RasterImage::loadPlacement() {
+  const GeoreferenceFound found = findGeoreference(*guarded_, facts_);
+  facts_.namesOverviewFile = facts_.namesOverviewFile || found.namesOverviewFile;
+  placement_ = placeImage(found.candidates, facts_.width, facts_.height);
+  if (placement_.coordinateSystem >= 0) {
+    facts_.coordinateSystem = placement_.coordinateSystem;
+  } else if (found.coordinateSystem >= 0) {
+    facts_.coordinateSystem = found.coordinateSystem;
   }
-  facts_.namesOverviewFile = facts_.namesOverviewFile || aux.namesOverviewFile;
-  if (aux.coordinateSystem >= 0) facts_.coordinateSystem = aux.coordinateSystem;
-  if (aux.transform) candidates.push_back({auxName, *aux.transform});
-  for (const std::string& worldName : worldFileNames(name)) {
-    const std::string worldPath = joinPath(folder, worldName);
-    if (fileKind(worldPath) != FileKind::kRegular) continue;
-    const auto text = readFile(worldPath, kMostSideFileBytes);
-    const auto transform = text ? parseWorldFile(text.value()) : std::nullopt;
-    if (transform) {
-      candidates.push_back({worldName, *transform});
-      break;
-    }
-    notes.push_back("its world file " + worldName + " is not usable and is ignored");
-  }
-  if (facts_.innerGeoTransform && !(aux.transform && facts_.driver != "GTiff"))
-    candidates.push_back({"the image itself", *facts_.innerGeoTransform});
-  if (candidates.empty() && (facts_.controlPoints > 0 || aux.hasControlPoints))
-    return Status::error(path_ +
-                         ": is placed by control points only; north-up images can be shown");
-  auto chosen = chooseGeoreference(candidates, facts_.width, facts_.height);
-  if (!chosen) return Status::error(path_ + ": " + chosen.message());
-  georeference_ = chosen.take();
+  std::vector<std::string> notes = found.notes;
   if (facts_.namesOverviewFile)
     notes.emplace_back("names another file as its overviews; that file is not read");
-  georeference_.notes.insert(georeference_.notes.begin(), notes.begin(), notes.end());
-  return Status::ok();
+  placement_.notes.insert(placement_.notes.begin(), notes.begin(), notes.end());
 }
 
 bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,

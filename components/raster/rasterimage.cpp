@@ -76,6 +76,7 @@ void clearOutside(const Window& w, const AxisTaps& across, const AxisTaps& down,
 
 RasterImage::~RasterImage() {
   TileCache::shared().removeImage(id_);
+  TileCache::shared().removeImage(ownTilesId_);
 }
 
 Status RasterImage::checkUnchanged() const {
@@ -86,9 +87,9 @@ Status RasterImage::checkUnchanged() const {
                                     : ": has been changed since it was opened"));
 }
 
-const RasterImage::Level& RasterImage::levelFor(double cellX, double cellY) const {
-  const Level* best = &levels_.front();
-  for (const Level& level : levels_) {
+const Level& RasterImage::levelFor(double cellX, double cellY) const {
+  const Level* best = &shownLevels().front();
+  for (const Level& level : shownLevels()) {
     // The coarsest that still has all the detail of the cells, never one beyond it.
     if (level.factorX <= cellX * (1 + kSameSize) && level.factorY <= cellY * (1 + kSameSize) &&
         level.factorX > best->factorX)
@@ -109,12 +110,16 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
   if (Status unchanged = checkUnchanged(); !unchanged) return fail(unchanged);
   const Level& level = levelFor(window.cellX, window.cellY);
   const TileGrid& grid = level.reader->grid();
-  const AxisTaps across = makeTaps({window.x / level.factorX, window.cellX / level.factorX,
-                                    window.columns, facts_.width / level.factorX, grid.width},
-                                   filterFor(window.cellX, window.cellX / level.factorX, smooth));
-  const AxisTaps down = makeTaps({window.y / level.factorY, window.cellY / level.factorY,
-                                  window.rows, facts_.height / level.factorY, grid.height},
-                                 filterFor(window.cellY, window.cellY / level.factorY, smooth));
+  const auto axis = [&](double start, double cell, int cells, double factor, double origin,
+                        int size, int pixels) {
+    const AxisWindow along{(start - origin) / factor, cell / factor, cells,
+                           (size - origin) / factor,  pixels,        -origin / factor};
+    return makeTaps(along, filterFor(cell, cell / factor, smooth));
+  };
+  const AxisTaps across = axis(window.x, window.cellX, window.columns, level.factorX, level.originX,
+                               width(), grid.width);
+  const AxisTaps down = axis(window.y, window.cellY, window.rows, level.factorY, level.originY,
+                             height(), grid.height);
   clearOutside(window, across, down, out);
   if (readCells(level, across, down, out, stride, counts)) return Status::ok();
   return fail(Status::error(path_ + ": some of its pixels cannot be read"));
@@ -150,7 +155,7 @@ bool RasterImage::readCells(const Level& level, const AxisTaps& across, const Ax
 }
 
 bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const {
-  const auto levelIndex = static_cast<uint32_t>(&level - levels_.data());
+  const auto levelIndex = static_cast<uint32_t>(&level - shownLevels().data());
   TileCache& cache = TileCache::shared();
   block.tiles.resize(static_cast<size_t>(block.columns) * block.rows);
   const auto keyOf = [&](size_t i) {
@@ -210,13 +215,13 @@ void RasterImage::stretch(StretchMode mode, uint8_t* cells, size_t pixels) const
 }
 
 bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
-  if (pyramidLevels(width(), height()).empty() || hasOwnOverviews_) return true;
+  if (pyramidLevels(facts_.width, facts_.height).empty() || hasOwnOverviews_) return true;
   return findPyramid(subject_, places).state != PyramidState::kMissing;
 }
 
 Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& progress,
                                  std::string& note) const {
-  if (pyramidLevels(width(), height()).empty()) return Status::ok();
+  if (pyramidLevels(facts_.width, facts_.height).empty()) return Status::ok();
   const bool stale = findPyramid(subject_, places).stale;
   PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt, presentation_.lossy};
   if (presentation_.conversion == Conversion::kScaled) source.scale = presentation_.scale;

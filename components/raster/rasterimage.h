@@ -12,8 +12,9 @@
 #include "base/file.h"
 #include "base/result.h"
 #include "components/raster/gdalaccess.h"
-#include "components/raster/georeference.h"
 #include "components/raster/imagefacts.h"
+#include "components/raster/level.h"
+#include "components/raster/placement.h"
 #include "components/raster/presentation.h"
 #include "components/raster/pyramidbuilder.h"
 #include "components/raster/pyramidfile.h"
@@ -60,9 +61,12 @@ class RasterImage {
   RasterImage& operator=(const RasterImage&) = delete;
 
   const std::string& path() const { return path_; }
-  int width() const { return facts_.width; }
-  int height() const { return facts_.height; }
-  const GeoTransform& geoTransform() const { return georeference_.transform; }
+  /// Size and place as presented: north up, so the rotation terms are 0.
+  int width() const { return placement_.width; }
+  int height() const { return placement_.height; }
+  const GeoTransform& geoTransform() const { return placement_.transform; }
+  /// True when every presented pixel is the stored one: nothing turned, mirrored or resampled.
+  bool isAsStored() const { return placement_.isAsStored(); }
   /// EPSG number, 0 without one, -1 without a coordinate system.
   int coordinateSystem() const { return facts_.coordinateSystem; }
   /// Sentences for the user about what was found, without the image's name.
@@ -93,13 +97,6 @@ class RasterImage {
   void stretch(StretchMode mode, uint8_t* cells, size_t pixels) const;
 
  private:
-  struct Level {
-    std::unique_ptr<TileReader> reader;
-    /// Image pixels that a pixel of the level covers.
-    double factorX = 1;
-    double factorY = 1;
-  };
-
   RasterImage() = default;
   Status load(const std::string& path, const OpenOptions& options);
   Status loadFullSize(const OpenOptions& options);
@@ -113,8 +110,11 @@ class RasterImage {
   bool addLevel(const TiffDirectory& directory, int index, bool ours,
                 const std::shared_ptr<const RandomFile>& file,
                 const std::shared_ptr<GuardedImage>& guarded);
-  Status loadGeoreference();
+  void loadPlacement();
   Status checkWhole() const;
+  const std::vector<Level>& shownLevels() const {
+    return placement_.isAsStored() ? levels_ : presented_;
+  }
   const Level& levelFor(double cellX, double cellY) const;
   Status checkUnchanged() const;
   bool readCells(const Level& level, const AxisTaps& across, const AxisTaps& down, uint8_t* out,
@@ -128,18 +128,22 @@ class RasterImage {
   };
 
   std::string path_;
+  /// In the tile cache: of what is shown, and of its own tiles that are presented otherwise.
   uint64_t id_ = 0;
+  uint64_t ownTilesId_ = 0;
   FileTimes times_;
   ImageFacts facts_;
   Presentation presentation_;
   PyramidSubject subject_;
-  Georeference georeference_;
+  Placement placement_;
   std::vector<std::string> notes_;
   std::shared_ptr<GuardedImage> guarded_;
   std::shared_ptr<const RandomFile> file_;
   std::vector<TiffDirectory> directories_;
   bool hasOwnOverviews_ = false;
+  /// The image's own pixels, and what is presented where that is not the same.
   std::vector<Level> levels_;
+  std::vector<Level> presented_;
   mutable std::once_flag stretchOnce_;
   mutable std::optional<Stretches> stretches_;
 };

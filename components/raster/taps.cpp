@@ -27,7 +27,7 @@ struct Span1D {
 
 Span1D coverOf(const AxisWindow& w, int index) {
   const double from = w.origin + index * w.cell;
-  return {std::max(from, 0.0), std::min(from + w.cell, w.extent)};
+  return {std::max(from, w.begin), std::min(from + w.cell, w.extent)};
 }
 
 void addBox(const AxisWindow& w, int index, AxisTaps& taps) {
@@ -67,7 +67,7 @@ void addPoint(const AxisWindow& w, int index, Filter filter, AxisTaps& taps) {
 
 AxisTaps makeTaps(const AxisWindow& w, Filter filter) {
   AxisTaps taps;
-  taps.first = cellAt(w, 0);
+  taps.first = cellAt(w, w.begin);
   taps.last = std::max(taps.first, cellAt(w, w.extent));
   taps.width = filter == Filter::kNearest    ? 1
                : filter == Filter::kBilinear ? 2

@@ -26,14 +26,15 @@ struct AxisTaps {
 };
 
 /// Along one axis: cell i covers [origin + i * cell, origin + (i + 1) * cell) in pixels of the
-/// level, which has `pixels` pixels of which the image covers the first `extent` (the last pixel
-/// may stand for less than a whole one).
+/// level, which has `pixels` pixels of which the image covers [begin, extent) (the first and the
+/// last pixel may stand for less than a whole one).
 struct AxisWindow {
   double origin = 0;
   double cell = 1;
   int cells = 0;
   double extent = 0;
   int pixels = 0;
+  double begin = 0;
 };
 
 AxisTaps makeTaps(const AxisWindow& window, Filter filter);

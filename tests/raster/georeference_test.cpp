@@ -83,22 +83,6 @@ TEST(Georeference, WorldFileNamesAndTexts) {
   EXPECT_DOUBLE_EQ(t->y0, 3512345.728);
 }
 
-TEST(Georeference, OnlyNorthUpIsShown) {
-  struct Case {
-    GeoTransform transform;
-    const char* reason;
-  };
-  for (const Case& c :
-       {Case{{0, 1, 0.2, 0, 0.2, -1}, "rotated"}, Case{{0, 1, 0, 0, 0, 1}, "south-up"},
-        Case{{0, -1, 0, 0, 0, -1}, "mirrored"}}) {
-    const auto chosen = chooseGeoreference({{"x", c.transform}}, 100, 100);
-    ASSERT_FALSE(chosen);
-    EXPECT_NE(chosen.message().find(c.reason), std::string::npos) << chosen.message();
-  }
-  // A rotation that moves nothing visibly is none.
-  EXPECT_TRUE(chooseGeoreference({{"x", {0, 1, 1e-9, 0, -1e-9, -1}}}, 20000, 20000));
-}
-
 TEST(Georeference, CoordinateSystem) {
   const Scratch scratch;
   writePicture(scratch / "a.tif", texture(40, 30, 3));

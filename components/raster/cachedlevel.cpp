@@ -1,0 +1,59 @@
+#include "components/raster/cachedlevel.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "components/raster/tilecache.h"
+
+namespace tarn::raster {
+
+TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
+  const uint32_t index = static_cast<uint32_t>(row) * grid().columns() + column;
+  const TileKey key{image_, level_, index};
+  TileCache& cache = TileCache::shared();
+  if (TilePtr found = cache.find(key)) return found;
+  const std::lock_guard<std::mutex> lock(decoding_[index % decoding_.size()]);
+  // Another thread may have decoded it while this one waited.
+  if (TilePtr found = cache.find(key)) return found;
+  auto decoded = std::make_shared<Tile>();
+  if (!reader_.read(column, row, *decoded, bytesRead)) return nullptr;
+  decoded->hasKeys =
+      findKeys(decoded->pixels.get(), static_cast<size_t>(decoded->width) * decoded->height,
+               decoded->channels);
+  cache.insert(key, decoded);
+  return decoded;
+}
+
+bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
+  constexpr size_t kReadableBehind = 16;
+  const TileGrid& g = grid();
+  patch.channels = g.channels;
+  patch.hasKeys = false;
+  const size_t bytes = patch.stride() * patch.height;
+  patch.pixels.reset(new uint8_t[bytes + patch.stride() + kReadableBehind]);
+  std::memset(patch.pixels.get() + bytes, 0, patch.stride() + kReadableBehind);
+  for (int row = patch.y / g.tileHeight; row * g.tileHeight < patch.y + patch.height; ++row) {
+    const int top = row * g.tileHeight;
+    const int from = std::max(top, patch.y),
+              to = std::min(top + g.tileHeight, patch.y + patch.height);
+    for (int column = patch.x / g.tileWidth; column * g.tileWidth < patch.x + patch.width;
+         ++column) {
+      const TilePtr source = tile(column, row, bytesRead);
+      if (!source) return false;
+      const int left = column * g.tileWidth;
+      const int first = std::max(left, patch.x);
+      const int last = std::min(left + g.tileWidth, patch.x + patch.width);
+      patch.hasKeys = patch.hasKeys || source->hasKeys;
+      for (int y = from; y < to; ++y) {
+        std::memcpy(patch.pixels.get() + (y - patch.y) * patch.stride() +
+                        static_cast<size_t>(first - patch.x) * g.channels,
+                    source->pixels.get() + (y - top) * source->stride() +
+                        static_cast<size_t>(first - left) * g.channels,
+                    static_cast<size_t>(last - first) * g.channels);
+      }
+    }
+  }
+  return true;
+}
+
+}  // namespace tarn::raster

@@ -1,0 +1,52 @@
+// The pixels of one level of an image's own, through the tile cache.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include "components/raster/tile.h"
+
+namespace tarn::raster {
+
+/// Pixels [x, x + width) x [y, y + height) of a level, rows without gaps. One row more and a few
+/// bytes may be read, so that loops need not treat the last ones apart.
+struct PixelPatch {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  int channels = 0;
+  /// As of a tile; true also when it is not known.
+  bool hasKeys = false;
+  std::unique_ptr<uint8_t[]> pixels;
+
+  size_t stride() const { return static_cast<size_t>(width) * channels; }
+};
+
+/// Reads a level's tiles through the shared cache, under the number of an image of their own. Each
+/// tile is decoded once, however many threads ask for it at a time.
+class CachedLevel {
+ public:
+  /// The reader must live as long.
+  CachedLevel(const TileReader& reader, uint64_t image, uint32_t level)
+      : reader_(reader), image_(image), level_(level) {}
+
+  const TileReader& reader() const { return reader_; }
+  const TileGrid& grid() const { return reader_.grid(); }
+
+  /// Fills the patch's pixels; the rest of it says which, inside the level. False when some cannot
+  /// be read.
+  bool copy(PixelPatch& patch, uint64_t& bytesRead) const;
+
+ private:
+  TilePtr tile(int column, int row, uint64_t& bytesRead) const;
+
+  const TileReader& reader_;
+  uint64_t image_;
+  uint32_t level_;
+  mutable std::array<std::mutex, 16> decoding_;
+};
+
+}  // namespace tarn::raster

@@ -1,0 +1,74 @@
+#include "components/raster/presentedlevels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+#include "components/raster/cachedlevel.h"
+#include "components/raster/resampledreader.h"
+#include "components/raster/turnedreader.h"
+
+namespace tarn::raster {
+namespace {
+
+/// The origin of a level along an axis that is counted from the other end: what its last pixel
+/// covers beyond the image now lies before the first.
+double mirroredOrigin(double imageSize, double factor, int pixels) {
+  constexpr double kTrace = 1e-6;
+  const double origin = imageSize - factor * pixels;
+  return std::fabs(origin) < kTrace ? 0 : std::min(origin, 0.0);
+}
+
+Level turnedLevel(const Level& own, std::shared_ptr<const CachedLevel> cached,
+                  const Placement& placement) {
+  const Turn& turn = placement.turn;
+  const TileGrid& grid = own.reader->grid();
+  Level level;
+  level.factorX = own.factorX;
+  level.factorY = own.factorY;
+  const int width = turn.transposed ? placement.height : placement.width;
+  const int height = turn.transposed ? placement.width : placement.height;
+  if (turn.mirroredColumns) level.originX = mirroredOrigin(width, own.factorX, grid.width);
+  if (turn.mirroredRows) level.originY = mirroredOrigin(height, own.factorY, grid.height);
+  if (turn.transposed) {
+    std::swap(level.factorX, level.factorY);
+    std::swap(level.originX, level.originY);
+  }
+  level.reader = makeTurnedReader(std::move(cached), turn);
+  return level;
+}
+
+}  // namespace
+
+std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheImage,
+                                 const Placement& placement, int width, int height) {
+  std::vector<SourceLevel> sources;
+  for (size_t i = 0; i < own.size(); ++i) {
+    auto cached =
+        std::make_shared<const CachedLevel>(*own[i].reader, cacheImage, static_cast<uint32_t>(i));
+    sources.push_back({std::move(cached), own[i].factorX, own[i].factorY});
+  }
+  std::vector<Level> presented;
+  for (size_t i = 0; i < own.size(); ++i) {
+    if (!placement.resampling) {
+      presented.push_back(turnedLevel(own[i], sources[i].pixels, placement));
+      continue;
+    }
+    std::vector<SourceLevel> usable{sources[i]};
+    for (const SourceLevel& each : sources) {
+      if (each.factorX > own[i].factorX) usable.push_back(each);
+    }
+    std::sort(usable.begin(), usable.end(),
+              [](const SourceLevel& a, const SourceLevel& b) { return a.factorX < b.factorX; });
+    Level level;
+    level.factorX = level.factorY = std::sqrt(own[i].factorX * own[i].factorY);
+    level.reader =
+        makeResampledReader(usable, *placement.resampling,
+                            {placement.width, placement.height, width, height, level.factorX});
+    presented.push_back(std::move(level));
+  }
+  return presented;
+}
+
+}  // namespace tarn::raster

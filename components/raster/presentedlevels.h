@@ -1,0 +1,18 @@
+// The levels of an image as they come out north up, made from its own when they are asked for.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "components/raster/level.h"
+#include "components/raster/placement.h"
+
+namespace tarn::raster {
+
+/// A presented level for each of `own`, which must live as long; its factors and origin count
+/// presented pixels; `width` and `height` are the image's own. `own` is read through the tile cache
+/// under the number `cacheImage`. The placement must not be as stored.
+std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheImage,
+                                 const Placement& placement, int width, int height);
+
+}  // namespace tarn::raster

@@ -1,0 +1,193 @@
+#include "components/raster/resampledreader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "components/raster/warpkernels.h"
+
+namespace tarn::raster {
+namespace {
+
+constexpr int kTile = 256;
+// Pixels of a level that are taken together for a part of a tile.
+constexpr int64_t kMostPatchPixels = 2 << 20;
+constexpr int kSmallestPart = 16;
+// Steps of up to this many pixels lose nothing that is worth the time of averaging.
+constexpr double kLongestStep = 1.5;
+constexpr int kMostPoints = 8;
+
+/// A rectangle of a level's presented pixels.
+struct Part {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+struct Source {
+  std::shared_ptr<const CachedLevel> pixels;
+  /// Presented pixels of this level to pixels of the source.
+  PlaneMapping mapping;
+  LevelExtent extent;
+};
+
+/// Which source a part is read from, and how many points a pixel is the average of, squared.
+struct Choice {
+  const Source* source = nullptr;
+  int points = 1;
+};
+
+double longestStep(const PlaneMapping& mapping, const Part& part) {
+  double longest = 0;
+  for (const double x : {0.0, 0.5, 1.0}) {
+    for (const double y : {0.0, 0.5, 1.0})
+      longest = std::max(
+          longest, mapping.slopeAt(part.x + x * part.width, part.y + y * part.height).longest());
+  }
+  return longest;
+}
+
+/// The pixels of the source that a part may need; empty (width 0) when it lies outside.
+PixelPatch patchFor(const Source& source, const Part& part) {
+  const bool affine = source.mapping.isAffine();
+  const int steps = affine ? 1 : 8;
+  PlanePoint low{HUGE_VAL, HUGE_VAL}, high{-HUGE_VAL, -HUGE_VAL};
+  for (int j = 0; j <= steps; ++j) {
+    for (int i = 0; i <= steps; ++i) {
+      const PlanePoint p = source.mapping.at(part.x + static_cast<double>(part.width) * i / steps,
+                                             part.y + static_cast<double>(part.height) * j / steps);
+      low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+      high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+    }
+  }
+  const double slack =
+      1 + source.mapping.bend(static_cast<double>(std::max(part.width, part.height)) / steps);
+  const TileGrid& grid = source.pixels->grid();
+  const auto pixel = [](double position, int count) {
+    return static_cast<int>(std::clamp(std::floor(position), 0.0, static_cast<double>(count)));
+  };
+  PixelPatch patch;
+  patch.x = pixel(low.x - slack, grid.width);
+  patch.y = pixel(low.y - slack, grid.height);
+  const int right = pixel(high.x + slack + 1, grid.width);
+  const int bottom = pixel(high.y + slack + 1, grid.height);
+  if (right > patch.x && bottom > patch.y) {
+    patch.width = right - patch.x;
+    patch.height = bottom - patch.y;
+  }
+  return patch;
+}
+
+class ResampledReader : public TileReader {
+ public:
+  ResampledReader(const std::vector<SourceLevel>& sources, const PlaneMapping& mapping,
+                  const PresentedGrid& presented) {
+    constexpr double kTrace = 1e-9;
+    grid_.width = static_cast<int>(std::ceil(presented.width / presented.factor - kTrace));
+    grid_.height = static_cast<int>(std::ceil(presented.height / presented.factor - kTrace));
+    grid_.tileWidth = std::min(kTile, grid_.width);
+    grid_.tileHeight = std::min(kTile, grid_.height);
+    grid_.channels = sources[0].pixels->grid().channels;
+    const PlaneMapping own = mapping.onGrid({0, 0}, {presented.factor, presented.factor});
+    const auto middle = mapping.invert({presented.imageWidth / 2.0, presented.imageHeight / 2.0});
+    const Slope slope = middle ? mapping.slopeAt(middle->x, middle->y) : Slope{1, 0, 0, 1};
+    for (const SourceLevel& each : sources) {
+      const TileGrid& pixels = each.pixels->grid();
+      const LevelExtent extent{
+          std::min<double>(pixels.width, presented.imageWidth / each.factorX),
+          std::min<double>(pixels.height, presented.imageHeight / each.factorY),
+          slope.determinant() < 0 ? -1.0 : 1.0};
+      sources_.push_back({each.pixels, own.scaled(1 / each.factorX, 1 / each.factorY), extent});
+    }
+  }
+
+  const TileGrid& grid() const override { return grid_; }
+  bool sequential() const override { return sources_[0].pixels->reader().sequential(); }
+
+  bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
+    out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
+    const Part tile{column * grid_.tileWidth, row * grid_.tileHeight, out.width, out.height};
+    return fill(tile, tile, out, bytesRead);
+  }
+
+ private:
+  Choice choose(const Part& part) const {
+    if (sources_[0].mapping.isAffine()) return {sources_.data(), 1};
+    Choice choice{sources_.data(), 1};
+    double step = longestStep(choice.source->mapping, part);
+    for (const Source& coarser : sources_) {
+      const double coarserStep = longestStep(coarser.mapping, part);
+      if (coarserStep < 1) break;
+      choice.source = &coarser;
+      step = coarserStep;
+    }
+    if (step > kLongestStep)
+      choice.points = static_cast<int>(std::clamp(std::ceil(step), 1.0, double{kMostPoints}));
+    return choice;
+  }
+
+  /// Fills a part of the tile whose pixels are `out`.
+  bool fill(const Part& part, const Part& tile, Tile& out, uint64_t& bytesRead) const {
+    const Choice choice = choose(part);
+    PixelPatch patch = patchFor(*choice.source, part);
+    if (patch.width == 0) {
+      for (int y = 0; y < part.height; ++y)
+        std::memset(pixelAt(part.x, part.y + y, tile, out), 0,
+                    static_cast<size_t>(part.width) * out.channels);
+      return true;
+    }
+    const bool divisible = part.width > kSmallestPart && part.height > kSmallestPart;
+    if (divisible && static_cast<int64_t>(patch.width) * patch.height > kMostPatchPixels) {
+      const int w = part.width / 2, h = part.height / 2;
+      const Part quarters[] = {{part.x, part.y, w, h},
+                               {part.x + w, part.y, part.width - w, h},
+                               {part.x, part.y + h, w, part.height - h},
+                               {part.x + w, part.y + h, part.width - w, part.height - h}};
+      return std::all_of(std::begin(quarters), std::end(quarters),
+                         [&](const Part& quarter) { return fill(quarter, tile, out, bytesRead); });
+    }
+    if (!choice.source->pixels->copy(patch, bytesRead)) return false;
+    sample(choice, patch, part, tile, out);
+    return true;
+  }
+
+  static void sample(const Choice& choice, const PixelPatch& patch, const Part& part,
+                     const Part& tile, Tile& out) {
+    const int n = choice.points, count = n * part.width;
+    std::vector<int32_t> x(count), y(count);
+    std::vector<uint8_t> inside(count);
+    std::vector<uint8_t> points(n > 1 ? static_cast<size_t>(n) * count * out.channels : 0);
+    const RowSources sources{x.data(), y.data(), inside.data()};
+    for (int row = 0; row < part.height; ++row) {
+      uint8_t* target = pixelAt(part.x, part.y + row, tile, out);
+      for (int k = 0; k < n; ++k) {
+        const auto line = choice.source->mapping.row(part.y + row + (k + 0.5) / n);
+        locateRow(line, part.x + 0.5 / n, 1.0 / n, count, choice.source->extent, patch, sources);
+        uint8_t* to =
+            n == 1 ? target : points.data() + static_cast<size_t>(k) * count * out.channels;
+        sampleRow(patch, sources, count, to);
+      }
+      if (n > 1) averageRows(points.data(), n, part.width, out.channels, target);
+    }
+  }
+
+  static uint8_t* pixelAt(int x, int y, const Part& tile, Tile& out) {
+    return out.pixels.get() + (y - tile.y) * out.stride() +
+           static_cast<size_t>(x - tile.x) * out.channels;
+  }
+
+  TileGrid grid_;
+  std::vector<Source> sources_;
+};
+
+}  // namespace
+
+std::unique_ptr<TileReader> makeResampledReader(const std::vector<SourceLevel>& sources,
+                                                const PlaneMapping& mapping,
+                                                const PresentedGrid& grid) {
+  return std::make_unique<ResampledReader>(sources, mapping, grid);
+}
+
+}  // namespace tarn::raster

@@ -1,0 +1,37 @@
+// A level presented on another grid: rotated, sheared or placed by control points.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "components/raster/cachedlevel.h"
+#include "components/raster/planemapping.h"
+
+namespace tarn::raster {
+
+struct SourceLevel {
+  std::shared_ptr<const CachedLevel> pixels;
+  /// Image pixels that a pixel of the level covers.
+  double factorX = 1;
+  double factorY = 1;
+};
+
+struct PresentedGrid {
+  /// In presented pixels of full size.
+  int width = 0;
+  int height = 0;
+  int imageWidth = 0;
+  int imageHeight = 0;
+  /// Of them to a pixel of the level, in both directions.
+  double factor = 1;
+};
+
+/// Reads by bilinear weights from the first of `sources`, and where the mapping shrinks the image
+/// from coarser ones, or the average of several points. `mapping` takes presented pixels of full
+/// size to the image's. A pixel shows the image when its centre lies inside; pure black and white
+/// pixels stay out of the weights, and a pixel is black when they have most of it.
+std::unique_ptr<TileReader> makeResampledReader(const std::vector<SourceLevel>& sources,
+                                                const PlaneMapping& mapping,
+                                                const PresentedGrid& grid);
+
+}  // namespace tarn::raster
