@@ -134,6 +134,16 @@ Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& transform) {
   return subTransformBy(transform);
 }
 
+Acad::ErrorStatus AcDbEntity::moveGripPointsAt(const AcDbIntArray& indices,
+                                               const AcGeVector3d& offset) {
+  return subMoveGripPointsAt(indices, offset);
+}
+
+Acad::ErrorStatus AcDbEntity::getTransformedCopy(const AcGeMatrix3d& transform,
+                                                 AcDbEntity*& copy) const {
+  return subGetTransformedCopy(transform, copy);
+}
+
 Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
   const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer);
   if (status != Acad::eOk) return status;
@@ -193,8 +203,15 @@ Acad::ErrorStatus AcDbEntity::subGetGripPoints(AcGePoint3dArray&, AcDbIntArray&,
   return Acad::eOk;
 }
 
+// A refusal leaves the entity unchanged, so it does not count as a change.
+
+Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(const AcDbIntArray&, const AcGeVector3d&) {
+  assertWriteEnabled(Adesk::kTrue, Adesk::kFalse);
+  return Acad::eNotApplicable;
+}
+
 Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d&) {
-  assertWriteEnabled();
+  assertWriteEnabled(Adesk::kTrue, Adesk::kFalse);
   return Acad::eNotApplicable;
 }
 

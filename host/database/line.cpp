@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "acgi.h"
 #include "dbents.h"
 #include "dbfiler.h"
@@ -27,11 +29,6 @@ Acad::ErrorStatus AcDbLine::setEndPoint(const AcGePoint3d& point) {
   end_ = point;
   recordGraphicsModified();
   return Acad::eOk;
-}
-
-AcRxObject* AcDbLine::clone() const {
-  assertReadEnabled();
-  return new AcDbLine(start_, end_);
 }
 
 Acad::ErrorStatus AcDbLine::dwgOutFields(AcDbDwgFiler* filer) const {
@@ -65,7 +62,7 @@ Acad::ErrorStatus AcDbLine::subGetGeomExtents(AcDbExtents& extents) const {
 }
 
 Acad::ErrorStatus AcDbLine::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker,
-                                              const AcGePoint3d&, const AcGePoint3d&,
+                                              const AcGePoint3d& pickPoint, const AcGePoint3d&,
                                               const AcGeMatrix3d&, AcGePoint3dArray& snapPoints,
                                               AcDbIntArray&) const {
   assertReadEnabled();
@@ -74,6 +71,11 @@ Acad::ErrorStatus AcDbLine::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::
     snapPoints.append(end_);
   } else if (osnapMode == AcDb::kOsModeMid) {
     snapPoints.append(start_ + (end_ - start_) * 0.5);
+  } else if (osnapMode == AcDb::kOsModeNear) {
+    const AcGeVector3d along = end_ - start_;
+    const double length = along.lengthSqrd();
+    const double t = length > 0 ? (pickPoint - start_).dotProduct(along) / length : 0.0;
+    snapPoints.append(start_ + along * std::clamp(t, 0.0, 1.0));
   }
   return Acad::eOk;
 }
@@ -84,6 +86,17 @@ Acad::ErrorStatus AcDbLine::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbI
   gripPoints.append(start_);
   gripPoints.append(start_ + (end_ - start_) * 0.5);
   gripPoints.append(end_);
+  return Acad::eOk;
+}
+
+/// The ends move by themselves, the middle moves both.
+Acad::ErrorStatus AcDbLine::subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                const AcGeVector3d& offset) {
+  assertWriteEnabled();
+  const bool both = indices.contains(1);
+  if (both || indices.contains(0)) start_ += offset;
+  if (both || indices.contains(2)) end_ += offset;
+  recordGraphicsModified();
   return Acad::eOk;
 }
 

@@ -1,4 +1,5 @@
 // Input of the function interface.
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -7,6 +8,8 @@
 #include "host/editor/commandprocessor.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
+#include "host/editor/objectsnap.h"
+#include "host/editor/pointinput.h"
 #include "host/editor/sysvars.h"
 #include "host/editor/textbuffer.h"
 
@@ -59,6 +62,7 @@ int askValue(const std::string& prompt, InputKind kind,
       return RTKWORD;
     }
     const std::string fault = accept(*text, rules.bits);
+    if (app->commands().inputCancelled()) return RTCAN;
     if (fault.empty()) return RTNORM;
     if ((rules.bits & RSG_OTHER) != 0) {
       lastKeyword() = *text;
@@ -89,16 +93,28 @@ Point3 lastPoint() {
   return std::get<Point3>(*value);
 }
 
-int askPoint(const std::string& prompt, ads_point value) {
-  const int result =
-      askValue(prompt, InputKind::kPoint, [&](const std::string& text, int) -> std::string {
-        const auto point = tarn::host::parsePoint(text, lastPoint());
-        if (!point) return "Point or option keyword required.";
-        value[0] = point->x;
-        value[1] = point->y;
-        value[2] = point->z;
-        return {};
-      });
+/// The point of an entity that snap words and a further point mean; else what is wrong.
+std::string snapTo(int bits, ads_point value) {
+  HostApp& app = *HostApp::instance();
+  const auto text = app.commands().ask("of ", InputKind::kSelect);
+  const auto near = text ? tarn::host::parsePoint(*text, lastPoint()) : std::nullopt;
+  if (!near) return "A point on the entity is needed.";
+  const auto snap = tarn::host::findSnap(app, bits, {near->x, near->y}, false);
+  if (!snap) return "No such point of an entity there.";
+  std::copy_n(asDblArray(snap->point), 3, value);
+  return {};
+}
+
+int askPoint(const std::string& prompt, ads_point value, InputKind kind = InputKind::kPoint) {
+  const int result = askValue(prompt, kind, [&](const std::string& text, int) -> std::string {
+    if (const auto bits = tarn::host::snapBits(text)) return snapTo(*bits, value);
+    const auto point = tarn::host::parsePoint(text, lastPoint());
+    if (!point) return "Point or option keyword required.";
+    value[0] = point->x;
+    value[1] = point->y;
+    value[2] = point->z;
+    return {};
+  });
   if (result == RTNORM) {
     HostApp::instance()->variables().set("LASTPOINT", Point3{value[0], value[1], value[2]});
   }
@@ -106,6 +122,10 @@ int askPoint(const std::string& prompt, ads_point value) {
 }
 
 }  // namespace
+
+int tarn::host::askPickedPoint(const std::string& prompt, ads_point value) {
+  return askPoint(prompt, value, InputKind::kSelect);
+}
 
 int acedInitGet(int bits, const ACHAR* keywords) {
   pendingRules() = {bits, keywords != nullptr ? tarn::host::keywordList(tarn::toUtf8(keywords))

@@ -208,6 +208,23 @@ void CommandProcessor::reportUnknown(const std::string& name) {
   editorObject().notifyUnknown(toWide(plain), app_.documents().current().database());
 }
 
+/// What was selected before is for commands that take it; others, but for those that only look,
+/// let it go.
+void CommandProcessor::preparePickFirst(int flags) {
+  if (!running_.empty()) return;
+  SelectionMemory& memory = app_.documents().current().selection();
+  memory.pickFirstUsable =
+      (flags & ACRX_CMD_USEPICKSET) != 0 && app_.variables().shortOf("PICKFIRST") == 1;
+  if (!memory.pickFirstUsable && (flags & ACRX_CMD_TRANSPARENT) == 0) memory.pickFirst.clear();
+}
+
+void CommandProcessor::finishPickFirst(int flags) {
+  SelectionMemory& memory = app_.documents().current().selection();
+  memory.pickFirstUsable = false;
+  if ((flags & (ACRX_CMD_REDRAW | ACRX_CMD_TRANSPARENT)) == 0) memory.pickFirst.clear();
+  app_.frontEnd().displayChanged();
+}
+
 CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nested) {
   const auto command = findCommand(typedName);
   if (!command) {
@@ -223,6 +240,7 @@ CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nest
     app_.frontEnd().cancelHandled();
     app_.documents().endUndoStep({});
   }
+  preparePickFirst(command->flags);
   running_.push_back({command->globalName});
   const std::wstring wide = toWide(command->globalName);
   const CommandOutcome outcome = [&] {
@@ -232,6 +250,7 @@ CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nest
   }();
   running_.pop_back();
   editorObject().notifyEnd(wide, outcome);
+  if (running_.empty()) finishPickFirst(command->flags);
   // Commands inside another one are part of its step.
   if (running_.empty()) app_.documents().endUndoStep(upper(command->globalName));
   if (outcome == CommandOutcome::kEnded && !nested) last_ = plainName(typedName);

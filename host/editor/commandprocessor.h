@@ -39,6 +39,9 @@ class ACADHOST_EXPORT CommandProcessor {
   /// Marks the running command as failed, after its message was printed.
   void failRunning();
 
+  /// True when the running command's last input was cancelled.
+  bool inputCancelled() const { return !running_.empty() && running_.back().inputCancelled; }
+
   bool isActive() const { return !running_.empty(); }
   /// Names joined by "'", outermost first.
   std::string activeNames() const;
@@ -54,6 +57,8 @@ class ACADHOST_EXPORT CommandProcessor {
   };
 
   CommandOutcome execute(const std::string& typedName, bool nested);
+  void preparePickFirst(int flags);
+  void finishPickFirst(int flags);
   CommandOutcome runHandler(void (*function)());
   std::optional<std::string> takeReady(const std::string& prompt, InputKind kind);
   bool runTransparent(const std::string& text);

@@ -7,6 +7,7 @@
 
 #include "acdocman.h"
 #include "aced.h"
+#include "host/editor/selectionmemory.h"
 #include "host/filing/undolog.h"
 #include "host/graphics/displaylist.h"
 #include "host/graphics/viewstate.h"
@@ -68,6 +69,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   const Scene& scene() const { return scene_; }
   Space& space() { return space_; }
   UndoLog& undo() { return undo_; }
+  SelectionMemory& selection() { return selection_; }
 
   std::string currentLayer() const;
   /// False when there is no such layer.
@@ -90,6 +92,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   bool inGesture_ = false;
   Scene scene_;
   Space space_;
+  SelectionMemory selection_;
   std::vector<AcAp::DocLockMode> locks_;
   mutable InputPointMonitors monitors_;
 };

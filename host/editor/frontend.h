@@ -14,6 +14,8 @@ enum class InputKind {
   kCommand,   ///< the name of a command
   kToken,     ///< a number, a keyword or a word; ends at the first blank
   kPoint,     ///< as kToken; a picked point is returned as the text of formatPoint()
+  kSelect,    ///< as kPoint, to choose entities: no snapping; a dragged window may be returned as
+              ///< "_Window" or "_Crossing" with its two corners
   kText,      ///< a whole line
   kFileName,  ///< a whole line
   kAnswer,    ///< the answer to a question, yes or no

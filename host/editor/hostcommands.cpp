@@ -208,16 +208,23 @@ void registerHostCommands() {
     int flags;
     void (*function)();
   };
+  constexpr int kOnSelection = ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET;
   static const Entry kEntries[] = {
-      {ACRX_T("ERASE"), ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET, &eraseCommand},
+      {ACRX_T("COPY"), kOnSelection, &copyCommand},
+      {ACRX_T("ERASE"), kOnSelection, &eraseCommand},
+      {ACRX_T("GRIP_STRETCH"), kOnSelection | ACRX_CMD_REDRAW, &gripStretchCommand},
       {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
+      {ACRX_T("MOVE"), kOnSelection, &moveCommand},
       {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
+      {ACRX_T("OOPS"), ACRX_CMD_MODAL, &oopsCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
       {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
+      {ACRX_T("ROTATE"), kOnSelection, &rotateCommand},
+      {ACRX_T("SCALE"), kOnSelection, &scaleCommand},
       {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
       {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},

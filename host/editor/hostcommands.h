@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "host/editor/selectionmemory.h"
+
 namespace tarn::host {
 
 class HostApp;
@@ -14,8 +16,19 @@ void removeHostCommands();
 /// Prints the sentence and marks the running command as failed.
 void failCommand(HostApp& app, const std::string& message);
 
+/// Entities for the running command: what was selected before it, or asked for now. False when
+/// there are none.
+bool selectForCommand(EntityIds& ids);
+
 void lineCommand();
+
+void copyCommand();
 void eraseCommand();
+void gripStretchCommand();
+void moveCommand();
+void oopsCommand();
+void rotateCommand();
+void scaleCommand();
 
 void uCommand();
 void undoCommand();

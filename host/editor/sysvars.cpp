@@ -90,6 +90,7 @@ const std::vector<Rule>& rules() {
        [](HostApp& a) -> VariableValue { return nameOf(document(a).path()); }, std::string()},
       {"DWGPREFIX", T::kString, true, [](HostApp& a) -> VariableValue { return drawingFolder(a); },
        std::string()},
+      {"APERTURE", T::kShort, false, nullptr, short{10}, nullptr, 1, 50},
       {"EXPERT", T::kShort, false, nullptr, short{0}, nullptr, 0, 5},
       {"EXTMAX", T::kPoint3, true,
        [](HostApp& a) -> VariableValue { return extentsCorner(a, true); }, Point3{}},
@@ -100,7 +101,9 @@ const std::vector<Rule>& rules() {
       {"LASTPOINT", T::kPoint3, false, nullptr, Point3{}},
       {"LENSLENGTH", T::kReal, true, nullptr, 50.0},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
+      {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+      {"REGENMODE", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"SCREENSIZE", T::kPoint2, true,
        [](HostApp& a) -> VariableValue {
          const ViewState view = a.view();

@@ -42,14 +42,26 @@ ACADHOST_EXPORT int acedGetKword(const ACHAR* prompt, ACHAR* value);
 ACADHOST_EXPORT int acedGetKword(const ACHAR* prompt, ACHAR* value, size_t capacity);
 ACADHOST_EXPORT int acedGetInput(ACHAR* value);
 
-/// Selection sets. Modes: "X" all entities of the drawing, nullptr asks the user ("ALL", "L" for
-/// the last one, Enter ends). RTERROR: nothing was selected. Free each set with acedSSFree.
+/// Selection sets. Modes: "X" all entities of the drawing, "A" those of the current space, "L" the
+/// last one, "P" the previous set, "I" what was selected before the command, "W" inside the window
+/// of two points, "C" touching it; nullptr with a point picks there, without one it asks the user,
+/// or takes what was selected before a command that has the flag for it. Filters: codes 0, 8, 60,
+/// 62, 67 and the brackets of -4. RTERROR: nothing was selected, or an unknown mode or filter;
+/// RTCAN: cancelled. Free each set with acedSSFree.
 ACADHOST_EXPORT int acedSSGet(const ACHAR* mode, const void* first, const void* second,
                               const resbuf* filter, ads_name set);
 ACADHOST_EXPORT int acedSSLength(const ads_name set, Adesk::Int32* count);
 ACADHOST_EXPORT int acedSSName(const ads_name set, int index, ads_name entity);
 ACADHOST_EXPORT int acedSSAdd(const ads_name entity, const ads_name set, ads_name result);
+/// RTERROR when the entity is not in the set.
+ACADHOST_EXPORT int acedSSDel(const ads_name entity, const ads_name set);
+ACADHOST_EXPORT int acedSSMemb(const ads_name entity, const ads_name set);
 ACADHOST_EXPORT int acedSSFree(const ads_name set);
+/// Replaces what is selected for the next command; a null set clears it.
+ACADHOST_EXPORT int acedSSSetFirst(const ads_name gripSet, const ads_name pickFirst);
+/// One entity by a picked point. RTERROR when there is none under it or Enter was given, RTKWORD a
+/// keyword of acedInitGet, RTCAN.
+ACADHOST_EXPORT int acedEntSel(const ACHAR* prompt, ads_name entity, ads_point point);
 
 ACADHOST_EXPORT Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name entity);
 ACADHOST_EXPORT Acad::ErrorStatus acdbGetAdsName(ads_name& entity, AcDbObjectId id);

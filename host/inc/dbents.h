@@ -54,7 +54,12 @@ class ACADHOST_EXPORT AcDbEntity : public AcDbObject {
                                    AcDbIntArray& geomIds) const;
   Acad::ErrorStatus getGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                   AcDbIntArray& geomIds) const;
+  /// Moves the grips of these indices; eNotApplicable when the entity cannot be stretched.
+  Acad::ErrorStatus moveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset);
+  /// eNotApplicable when the entity has no place of its own to move.
   Acad::ErrorStatus transformBy(const AcGeMatrix3d& transform);
+  /// A transformed copy that belongs to the caller.
+  Acad::ErrorStatus getTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -70,7 +75,11 @@ class ACADHOST_EXPORT AcDbEntity : public AcDbObject {
       AcDbIntArray& geomIds) const;
   virtual Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                              AcDbIntArray& geomIds) const;
+  virtual Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                const AcGeVector3d& offset);
   virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform);
+  virtual Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform,
+                                                  AcDbEntity*& copy) const;
 
  private:
   AcDbObjectId layerId_;
@@ -90,7 +99,6 @@ class ACADHOST_EXPORT AcDbLine : public AcDbEntity {
   Acad::ErrorStatus setStartPoint(const AcGePoint3d& point);
   Acad::ErrorStatus setEndPoint(const AcGePoint3d& point);
 
-  AcRxObject* clone() const override;
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
 
@@ -103,6 +111,8 @@ class ACADHOST_EXPORT AcDbLine : public AcDbEntity {
                                       AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                        const AcGeVector3d& offset) override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
  private:

@@ -19,6 +19,7 @@ struct Range {
 };
 
 constexpr Range kRanges[] = {{0, 9, ResbufKind::kText},
+                             {-4, -4, ResbufKind::kText},  // brackets of filters
                              {10, 18, ResbufKind::kPoint},
                              {19, 59, ResbufKind::kReal},
                              {60, 79, ResbufKind::kInt16},

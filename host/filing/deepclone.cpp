@@ -1,0 +1,136 @@
+#include "host/filing/deepclone.h"
+
+#include <memory>
+
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/memoryfiler.h"
+
+namespace tarn::host {
+
+namespace {
+
+/// Gives every id that is read to the cloner first.
+class TranslatingFiler : public MemoryFiler {
+ public:
+  TranslatingFiler(std::vector<char> bytes, DeepCloner& cloner)
+      : MemoryFiler(std::move(bytes), AcDb::kDeepCloneFiler), cloner_(cloner) {}
+  Acad::ErrorStatus readHardOwnershipId(AcDbHardOwnershipId* id) override {
+    return translated(MemoryFiler::readHardOwnershipId(id), id);
+  }
+  Acad::ErrorStatus readSoftOwnershipId(AcDbSoftOwnershipId* id) override {
+    return translated(MemoryFiler::readSoftOwnershipId(id), id);
+  }
+  Acad::ErrorStatus readHardPointerId(AcDbHardPointerId* id) override {
+    return translated(MemoryFiler::readHardPointerId(id), id);
+  }
+  Acad::ErrorStatus readSoftPointerId(AcDbSoftPointerId* id) override {
+    return translated(MemoryFiler::readSoftPointerId(id), id);
+  }
+
+ private:
+  Acad::ErrorStatus translated(Acad::ErrorStatus status, AcDbObjectId* id) {
+    if (status == Acad::eOk) *id = cloner_.translate(*id);
+    return status;
+  }
+  DeepCloner& cloner_;
+};
+
+using TableOf = AcDbObjectId (AcDbDatabase::*)() const;
+constexpr TableOf kTables[] = {&AcDbDatabase::layerTableId, &AcDbDatabase::blockTableId};
+
+}  // namespace
+
+AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
+  std::unique_ptr<AcRxObject> made(object.isA()->create());
+  auto* copy = AcDbObject::cast(made.get());
+  MemoryFiler out(AcDb::kDeepCloneFiler);
+  if (copy == nullptr || object.dwgOut(&out) != Acad::eOk) return nullptr;
+  TranslatingFiler in(out.bytes(), *this);
+  if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
+  return AcDbObject::cast(made.release());
+}
+
+AcDbEntity* DeepCloner::clone(const AcDbEntity& entity) {
+  return AcDbEntity::cast(copyOf(entity));
+}
+
+AcDbObjectId DeepCloner::translate(AcDbObjectId id) {
+  if (id.isNull() || id.database() == &target_) return id;
+  const auto known = known_.find(id);
+  if (known != known_.end()) return known->second;
+  const AcDbObject* record = peek(id);
+  if (record == nullptr || !record->isKindOf(AcDbSymbolTableRecord::desc())) return {};
+  return translateRecord(*record);
+}
+
+AcDbObjectId DeepCloner::translateRecord(const AcDbObject& record) {
+  const AcDbDatabase& source = *record.database();
+  for (const TableOf table : kTables) {
+    if ((source.*table)() != record.ownerId()) continue;
+    const ACHAR* name = L"";
+    AcDbSymbolTableRecord::cast(&record)->getName(name);
+    const AcDbObjectId tableId = (target_.*table)();
+    const auto* there = AcDbSymbolTable::cast(peek(tableId));
+    AcDbObjectId id;
+    if (there == nullptr || there->getIdAt(name, id) != Acad::eOk) id = copyRecord(record, tableId);
+    return known_[record.objectId()] = id;
+  }
+  return {};
+}
+
+AcDbObjectId DeepCloner::copyRecord(const AcDbObject& record, AcDbObjectId tableId) {
+  const AcDbObjectPointer<AcDbSymbolTable> table(tableId, AcDb::kForWrite);
+  AcDbObject* source = nullptr;
+  if (table.openStatus() != Acad::eOk ||
+      acdbOpenObject(source, record.objectId(), AcDb::kForRead) != Acad::eOk) {
+    return {};
+  }
+  auto* copy = AcDbSymbolTableRecord::cast(copyOf(*source));
+  source->close();
+  AcDbObjectId id;
+  if (copy == nullptr || table->addRecord(id, copy) != Acad::eOk) {
+    delete copy;
+    return {};
+  }
+  copy->close();
+  known_[record.objectId()] = id;
+  copyBlockEntities(record, id);
+  return id;
+}
+
+void DeepCloner::copyBlockEntities(const AcDbObject& from, AcDbObjectId to) {
+  const auto* source = AcDbBlockTableRecord::cast(&from);
+  if (source == nullptr) return;
+  const AcDbObjectPointer<AcDbBlockTableRecord> block(to, AcDb::kForWrite);
+  if (block.openStatus() != Acad::eOk) return;
+  for (const AcDbObjectId& id : source->entityIds()) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() != Acad::eOk) continue;
+    AcDbEntity* copy = clone(*entity.object());
+    if (copy == nullptr) continue;
+    if (block->appendAcDbEntity(copy) == Acad::eOk) {
+      copy->close();
+    } else {
+      delete copy;
+    }
+  }
+}
+
+}  // namespace tarn::host
+
+/// Through the filer, so that a class needs nothing but its filing.
+Acad::ErrorStatus AcDbEntity::subGetTransformedCopy(const AcGeMatrix3d& transform,
+                                                    AcDbEntity*& copy) const {
+  assertReadEnabled();
+  copy = nullptr;
+  AcDbDatabase* own =
+      database() != nullptr ? database() : acdbHostApplicationServices()->workingDatabase();
+  if (own == nullptr) return Acad::eNoDatabase;
+  std::unique_ptr<AcDbEntity> made(tarn::host::DeepCloner(*own).clone(*this));
+  if (made == nullptr) return Acad::eNotApplicable;
+  const Acad::ErrorStatus status = made->transformBy(transform);
+  if (status == Acad::eOk) copy = made.release();
+  return status;
+}
