@@ -11,6 +11,7 @@ namespace tarn::image {
 RefreshFlags g_refresh;
 double g_viewTwistAtCommandStart = 0;
 bool g_suppressPixels = false;
+std::optional<short> g_heldRegenMode;
 bool g_useScreenRectOld = false;
 int g_screenSizeReads = 0;
 double g_plotValues[6] = {};

@@ -2,6 +2,7 @@
 // absent, made and deleted where named) and the few values that the parts share. Main thread only.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -40,6 +41,10 @@ extern double g_viewTwistAtCommandStart;
 
 /// Only markers are drawn, no pixels: on between the start and the end of a watched command.
 extern bool g_suppressPixels;
+
+/// REGENMODE as it was before a watched command, during which the host is asked to let pictures
+/// stand; empty otherwise.
+extern std::optional<short> g_heldRegenMode;
 
 /// GetScreenRect gives what GetScreenRectOld gives: on while the drawing pipeline draws a twisted
 /// view.

@@ -19,6 +19,7 @@
 #include "rxdict.h"
 
 using tarn::equalsIgnoreCase;
+using tarn::image::g_heldRegenMode;
 using tarn::image::g_refresh;
 using tarn::image::g_suppressPixels;
 
@@ -34,6 +35,29 @@ std::wstring nameOf(const ACHAR* command) {
 double viewTwist() {
   resbuf value{};
   return acedGetVar(L"VIEWTWIST", &value) == RTNORM ? value.resval.rreal : 0.0;
+}
+
+void setRegenMode(short mode) {
+  resbuf value{};
+  value.restype = RTSHORT;
+  value.resval.rint = mode;
+  acedSetVar(L"REGENMODE", &value);
+}
+
+/// While pixels are suppressed a regeneration would take the pictures away, so the host is asked to
+/// make none of its own.
+void suppressPixels() {
+  g_suppressPixels = true;
+  resbuf value{};
+  if (g_heldRegenMode || acedGetVar(L"REGENMODE", &value) != RTNORM) return;
+  g_heldRegenMode = value.resval.rint;
+  setRegenMode(0);
+}
+
+void allowPixels() {
+  g_suppressPixels = false;
+  if (g_heldRegenMode) setRegenMode(*g_heldRegenMode);
+  g_heldRegenMode.reset();
 }
 
 /// Commands after which the drawing may hold other images than the record knows.
@@ -52,6 +76,7 @@ tarnEditorReactor::tarnEditorReactor() {
 }
 
 tarnEditorReactor::~tarnEditorReactor() {
+  allowPixels();
   if (AcEditor* editor = AcEditor::cast(acrxSysRegistry()->at(ACED_EDITOR_OBJ))) {
     editor->removeReactor(this);
   }
@@ -61,7 +86,7 @@ void tarnEditorReactor::commandWillStart(const ACHAR* command) {
   const std::wstring name = nameOf(command);
   tarn::image::g_viewTwistAtCommandStart = viewTwist();
   g_refresh.suspendRefresh = tarn::image::isWatchedCommand(name);
-  if (g_refresh.suspendRefresh) g_suppressPixels = true;
+  if (g_refresh.suspendRefresh) suppressPixels();
   if (equalsIgnoreCase(name, L"plot")) {
     g_refresh.plotting = true;
   } else if (equalsIgnoreCase(name, L"VIEWCUBEACTION")) {
@@ -90,7 +115,7 @@ void tarnEditorReactor::commandOver(const ACHAR* command) {
   if (isUndoCommand(name) && tarn::image::followDrawing(acDocManager->curDocument())) isOwed = true;
   // A transparent command inside a watched one has cleared the flag, but pictures are missing.
   if (g_suppressPixels && tarn::image::isWatchedCommand(name)) {
-    g_suppressPixels = false;
+    allowPixels();
     isOwed = true;
   }
   if (equalsIgnoreCase(name, L"plot")) {
@@ -105,6 +130,8 @@ void tarnEditorReactor::commandOver(const ACHAR* command) {
 }
 
 void tarnEditorReactor::redrawImages() {
+  // A redraw now would show nothing but markers; the command's end brings the one that is owed.
+  if (g_suppressPixels) return;
   CDocData* record = g_dataMap ? g_dataMap->current() : nullptr;
   if (!record) return;
   m_redrawIds = m_missedIds;

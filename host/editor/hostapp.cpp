@@ -207,20 +207,26 @@ bool HostApp::zoomExtents() {
   const GroundBox box = parts_->regenerator.extents(parts_->documents.current());
   if (box.isEmpty()) return false;
   setView(fittedTo(view(), box, kExtentsMargin));
-  regenerate();
+  regenerateForView();
   return true;
 }
 
 bool HostApp::zoomPrevious() {
   if (!parts_->documents.current().previousView()) return false;
   editorObject().notifyViewChanged();
-  regenerate();
+  regenerateForView();
   return true;
 }
 
 void HostApp::regenerate() {
   viewSettled();
   parts_->regenerator.regenerate(parts_->documents.current());
+  parts_->frontEnd.displayChanged();
+}
+
+void HostApp::regenerateForView() {
+  if (parts_->variables.shortOf("REGENMODE") == 1) return regenerate();
+  viewSettled();
   parts_->frontEnd.displayChanged();
 }
 

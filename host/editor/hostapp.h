@@ -90,6 +90,8 @@ class ACADHOST_EXPORT HostApp {
   bool zoomPrevious();
   /// Draws every entity anew for the current view, then repaints.
   void regenerate();
+  /// The same after a change of the view; with REGENMODE 0 the pictures already there only move.
+  void regenerateForView();
 
   // ---- Picture ------------------------------------------------------------------------------
   /// Paints the drawing with the current view, scaled so that the view fills `width` x `height`

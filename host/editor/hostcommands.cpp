@@ -26,7 +26,7 @@ void showWindow(const ads_point a, const ads_point b) {
   box.add(a[0], a[1]);
   box.add(b[0], b[1]);
   app().setView(fittedTo(app().view(), box, 0));
-  app().regenerate();
+  app().regenerateForView();
 }
 
 /// "2x" is relative to the current view; a plain number is a view height. False: neither.
@@ -37,7 +37,7 @@ bool zoomScale(const std::string& text) {
   ViewState view = app().view();
   view.height = relative ? view.height / *number : *number;
   app().setView(view);
-  app().regenerate();
+  app().regenerateForView();
   return true;
 }
 
@@ -108,7 +108,7 @@ void panCommand() {
   view.centerX -= dx;
   view.centerY -= dy;
   app().setView(view);
-  app().regenerate();
+  app().regenerateForView();
 }
 
 void regenCommand() {
@@ -121,7 +121,7 @@ void twistCommand() {
   ViewState view = app().view();
   view.twist = std::remainder(angle, 2 * 3.141592653589793);
   app().setView(view);
-  app().regenerate();
+  app().regenerateForView();
 }
 
 void switchSpace(short viewport) {

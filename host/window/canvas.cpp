@@ -76,7 +76,7 @@ void Canvas::settle() {
   const QSize size = deviceSize();
   app_.resizeView(size.width(), size.height());
   settleTimer_.stop();
-  app_.regenerate();
+  app_.regenerateForView();
   hooks_.acted();
 }
 
@@ -185,7 +185,7 @@ void Canvas::endDrag(const QMouseEvent& event) {
   tellWatchers(WM_MBUTTONUP, event);
   settleTimer_.stop();
   app_.viewSettled();
-  if (moved_ && !contentSeen_) app_.regenerate();
+  if (moved_ && !contentSeen_) app_.regenerateForView();
   hooks_.acted();
 }
 

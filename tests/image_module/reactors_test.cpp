@@ -1,7 +1,12 @@
 #include "_image/reactors.h"
 
+#include <algorithm>
+
 #include "_image/inputwatch.h"
+#include "accmd.h"
 #include "acplplotreactormgr.h"
+#include "host/editor/documents.h"
+#include "host/editor/sysvars.h"
 #include "inc/iconfigmanager.h"
 #include "inc/imessagerouter.h"
 #include "tests/image_entity/fixture.h"
@@ -100,6 +105,77 @@ TEST_F(Reactors, AWatchedCommandOwesItsRedrawHoweverItEnds) {
   EXPECT_TRUE(g_suppressPixels);
   g_editorReactor->commandEnded(L"MOVE");
   EXPECT_EQ(redraws(), 1);
+}
+
+int imagesSeen = 0;
+int readsSeen = 0;
+int readsNoted() {
+  return static_cast<int>(
+      std::count_if(script().calls.begin(), script().calls.end(),
+                    [](const std::string& call) { return call.rfind("readRegion", 0) == 0; }));
+}
+/// A transparent command that looks at the picture while another one waits.
+void lookCommand() {
+  tarn::host::Scene& scene = tarn::host::HostApp::instance()->documents().current().scene();
+  imagesSeen = 0;
+  for (const auto key : scene.order()) {
+    for (const auto& item : *scene.find(key)) {
+      if (std::holds_alternative<tarn::host::ImageItem>(item)) ++imagesSeen;
+    }
+  }
+  readsSeen = readsNoted();
+}
+
+TEST_F(Reactors, PicturesStandStillDuringAWatchedCommandAndAreDrawnOnceAtItsEnd) {
+  host_->run("LINE 0,0 9,9 ");
+  acedRegCmds->addCommand(L"TEST", L"LOOK", L"LOOK", ACRX_CMD_TRANSPARENT, lookCommand);
+  const struct {
+    const char* line;
+    int during, after;  ///< redraws
+  } cases[] = {
+      {"MOVE 'ZOOM 2x 'PAN 0,0 5,5 'ZOOM E 'LOOK L", 0, 1},
+      {"COPY 'TWIST 20 'LOOK L", 0, 1},
+      {"ERASE 'ZOOM 0.8x 'LOOK 500000,500000 500001,500001", 1, 1},
+  };
+  for (const auto& one : cases) {
+    host_->run("REGEN");
+    script().calls.clear();
+    imagesSeen = 0;
+    host_->frontEnd.answers = {"", "0,0 1,1", ""};
+    host_->run(one.line);
+    EXPECT_EQ(imagesSeen, 1) << one.line;
+    EXPECT_EQ(readsSeen, one.during) << one.line;
+    EXPECT_EQ(readsNoted(), one.after) << one.line;
+  }
+  // The middle button pans inside a command; a cancelled command owes its redraw as well.
+  script().calls.clear();
+  host_->frontEnd.answers.clear();
+  host_->run("MOVE L");
+  EXPECT_EQ(redraws(), 1);
+  g_editorReactor->commandWillStart(L"MOVE");
+  for (const UINT id : {WM_MBUTTONDOWN, WM_MBUTTONUP, WM_MOUSEWHEEL}) message(id);
+  host_->app->panBy(5, 5);
+  host_->app->regenerateForView();
+  EXPECT_EQ(redraws(), 0);
+  g_editorReactor->commandEnded(L"MOVE");
+  EXPECT_EQ(redraws(), 1);
+  EXPECT_EQ(host_->app->variables().shortOf("REGENMODE"), 1);
+  // What the user has set stays set.
+  host_->run("SETVAR REGENMODE 0");
+  host_->run("ZOOM 2x");
+  EXPECT_EQ(redraws(), 0);
+  host_->run("MOVE L");
+  EXPECT_EQ(host_->app->variables().shortOf("REGENMODE"), 0);
+  acedRegCmds->removeGroup(L"TEST");
+}
+
+TEST_F(Reactors, AWatchedViewCubeRedrawsTwice) {
+  g_watchedCommands->insert(L"viewcubeaction");
+  g_editorReactor->commandWillStart(L"VIEWCUBEACTION");
+  EXPECT_EQ(redraws(), 0);
+  g_editorReactor->commandEnded(L"VIEWCUBEACTION");
+  EXPECT_EQ(redraws(), 2);
+  g_watchedCommands->erase(L"viewcubeaction");
 }
 
 TEST_F(Reactors, MouseMessagesSuspendAndRedraw) {
