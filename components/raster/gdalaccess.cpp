@@ -63,7 +63,7 @@ void CPL_STDCALL collectError(CPLErr kind, CPLErrorNum, const char* text) {
   if (kind >= CE_Warning) errors->add(kind >= CE_Failure, text);
 }
 
-constexpr GIntBig kLeastCache = 64 << 20, kMostCache = 512 << 20;
+constexpr GIntBig kLeastCache = 32 << 20, kMostCache = 512 << 20;
 std::mutex g_cacheMutex;
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/parallel.h"
 #include "components/raster/gdalsamples.h"
 #include "components/raster/tilereaders.h"
 
@@ -94,6 +95,11 @@ Result<std::unique_ptr<TileReader>> makeGdalReader(GdalPicture picture, DatasetP
   const PictureShape& s = shape.value();
   const TileGrid grid =
       chooseGrid(s.width, s.height, s.blockWidth, s.blockHeight, picture.presentation.channels);
+  // The blocks of every thread's row of tiles: one that leaves the cache before its last tile has
+  // been read is decoded again.
+  const auto rows = static_cast<uint64_t>(std::max(grid.tileHeight, s.blockHeight));
+  const auto columns = static_cast<uint64_t>(std::max(grid.tileWidth, s.blockWidth));
+  reserveGdalCache(rows * columns * first->GetRasterCount() * workerCount());
   return std::unique_ptr<TileReader>(
       std::make_unique<GdalTileReader>(std::move(picture), grid, std::move(first)));
 }

@@ -14,7 +14,6 @@ namespace {
 constexpr int kQuality = 90;
 constexpr size_t kSamples = 64;
 constexpr uint64_t kTilePixels = static_cast<uint64_t>(kPyramidTile) * kPyramidTile;
-constexpr uint64_t kClassicLimit = 4000ULL << 20;
 
 void putNumber(std::vector<uint8_t>& out, uint64_t value, unsigned bytes) {
   for (unsigned i = 0; i < bytes; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
@@ -76,7 +75,7 @@ Status PyramidWriter::create(const std::string& path, PyramidForm form) {
     tileCount_ += level.offsets.size();
     levels_.push_back(std::move(level));
   }
-  big_ = tileCount_ * kTilePixels * form_.channels > kClassicLimit;
+  big_ = tileCount_ * kTilePixels * form_.channels > form_.classicLimit;
   end_ = 16;
   return file_.create(path);
 }

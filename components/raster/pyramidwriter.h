@@ -20,6 +20,8 @@ struct PyramidForm {
   bool lossy = false;
   /// GDAL metadata of the first picture.
   std::string metadata;
+  /// A file that could grow beyond this is a BigTIFF.
+  uint64_t classicLimit = 4000ULL << 20;
 };
 
 /// Tiles may be written by several threads at once and in any order, each once. The file is no TIFF

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
 #include <cmath>
 #include <map>
+#include <set>
 #include <thread>
 
 #include "base/file.h"
@@ -238,6 +241,48 @@ TEST_F(ImageSource, StretchSwitchesWithoutReadingAnything) {
   EXPECT_EQ(recorded().counters["tiles_read"], 0);
   EXPECT_EQ(recorded().counters["bytes"], 0);
   EXPECT_EQ(readFile(path_ + ".ovr", 1 << 24).value(), pyramid);
+}
+
+TEST_F(ImageSource, BlocksOfSeveralThreadsWhileSwitchesChange) {
+  writePicture(path_, texture(1200, 900, 3));
+  ASSERT_TRUE(init());
+  ASSERT_TRUE(build());
+  ASSERT_TRUE(init());
+  constexpr int kBlocks = 12, kSide = 70;
+  const auto block = [&](int i) {
+    std::vector<uint8_t> out(kSide * kSide * 3);
+    unsigned char* target = out.data();
+    const double cell = i % 3 == 0 ? 0.6 : 1.3 * (i % 3);
+    EXPECT_TRUE(source_->readBlock(i * 60, i * 40, kSide, kSide, cell, cell, &target));
+    return out;
+  };
+  // Whatever the switches are in the middle of a read, its block is one of these.
+  std::vector<std::set<std::vector<uint8_t>>> possible(kBlocks);
+  for (const int mode : {1, 2, -1}) {
+    for (const bool smooth : {true, false}) {
+      source_->setStretchMode(mode);
+      source_->setAntiAliasing(smooth);
+      for (int i = 0; i < kBlocks; ++i) possible[i].insert(block(i));
+    }
+  }
+  std::atomic<int> running{4}, wrong{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      for (int n = 0; n < 10 * kBlocks; ++n) {
+        const int i = (n + 3 * t) % kBlocks;
+        wrong += possible[i].count(block(i)) == 0;
+      }
+      --running;
+    });
+  }
+  for (int n = 0; running > 0; ++n) {
+    source_->setStretchMode(std::array<int, 3>{1, 2, -1}[n % 3]);
+    source_->setAntiAliasing(n / 3 % 2 == 0);
+    std::this_thread::yield();
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(ImageSource, NotesAreSaidOnceAndNameTheImage) {

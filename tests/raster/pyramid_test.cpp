@@ -7,6 +7,7 @@
 #include "base/file.h"
 #include "components/raster/halving.h"
 #include "components/raster/pyramidstamp.h"
+#include "components/raster/pyramidwriter.h"
 #include "tests/raster/testimages.h"
 
 namespace tarn::raster {
@@ -96,6 +97,40 @@ TEST(Pyramid, IsAnOverviewFileThatGdalReads) {
     EXPECT_EQ(largestDifference(readWindow(*image, {0, 0, 2, 2, 750, 551}), half), 0);
     for (const std::string& name : listFolder(scratch.folder())) {
       EXPECT_EQ(name.find(".tarn"), std::string::npos) << "nothing else is left";
+    }
+  }
+}
+
+TEST(Pyramid, VeryLargeOnesAreBigTiffs) {
+  const Picture levels[] = {smooth(700, 500, 3), smooth(350, 250, 3)};
+  for (const bool lossy : {false, true}) {
+    for (const uint64_t limit : {uint64_t{1} << 20, uint64_t{4000} << 20}) {
+      const Scratch scratch;
+      const std::string path = scratch / "a.ovr";
+      PyramidWriter writer;
+      PyramidForm form{{{700, 500}, {350, 250}}, 3, lossy, "<GDALMetadata/>"};
+      form.classicLimit = limit;
+      ASSERT_TRUE(writer.create(path, form));
+      std::vector<uint8_t> tile(size_t(kPyramidTile) * kPyramidTile * 3);
+      for (size_t level = 0; level < 2; ++level) {
+        const Picture& p = levels[level];
+        for (int i = 0; i < (level == 0 ? 6 : 2); ++i) {
+          const int column = level == 0 ? i % 3 : i, row = level == 0 ? i / 3 : 0;
+          for (int y = 0; y < kPyramidTile; ++y) {
+            for (int x = 0; x < kPyramidTile; ++x) {
+              const int px = std::min(column * kPyramidTile + x, p.width - 1),
+                        py = std::min(row * kPyramidTile + y, p.height - 1);
+              std::copy_n(p.at(px, py), 3, &tile[(size_t(y) * kPyramidTile + x) * 3]);
+            }
+          }
+          ASSERT_TRUE(writer.writeTile(level, column, row, tile.data()));
+        }
+      }
+      ASSERT_TRUE(writer.finish());
+      EXPECT_TRUE(writer.check());
+      EXPECT_EQ(readFile(path, 1 << 24).value()[2], limit == 1 << 20 ? 43 : 42);
+      EXPECT_LE(largestDifference(readByGdal(path), levels[0]), lossy ? 12 : 0);
+      EXPECT_LE(largestDifference(readByGdal(path, 0), levels[1]), lossy ? 12 : 0);
     }
   }
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -114,6 +115,60 @@ TEST(Threads, ManyReadersOfOneImage) {
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(wrong, 0) << form.driver;
+  }
+}
+
+/// Every window by every way to sample and stretch.
+std::vector<std::vector<uint8_t>> readEveryWay(const RasterImage& image, int from) {
+  constexpr std::array kCells = {1.0, 0.4, 1.7, 4.3, 2.0};
+  constexpr std::array kModes = {StretchMode::kNone, StretchMode::kEqualise,
+                                 StretchMode::kDeviations};
+  constexpr int kWays = 30;
+  std::vector<std::vector<uint8_t>> results(kWays);
+  for (int n = 0; n < kWays; ++n) {
+    const int way = (n + from) % kWays;
+    const double cell = kCells[way % 5];
+    std::vector<uint8_t> out(60 * 50 * 3);
+    ReadCounts counts;
+    EXPECT_TRUE(
+        image.read({way * 17.3, way * 9.1, cell, cell, 60, 50}, way % 2 == 1, out.data(), counts));
+    image.stretch(kModes[way / 10], out.data(), 60 * 50);
+    results[way] = out;
+  }
+  return results;
+}
+
+TEST(Threads, GiveTheSameBytesAsOne) {
+  const FileForm forms[] = {{"GTiff", {}},
+                            {"GTiff", {"TILED=YES"}},
+                            {"GTiff", {"COMPRESS=LZW"}},
+                            {"GTiff", {"COMPRESS=JPEG", "TILED=YES"}},
+                            {"HFA", {}},
+                            {"JPEG", {}}};
+  for (const FileForm& form : forms) {
+    for (const bool pyramid : {false, true}) {
+      const Scratch scratch;
+      const std::string path = scratch / "a";
+      writePicture(path, texture(900, 700, 3), form);
+      if (pyramid) {
+        ASSERT_TRUE(buildFor(path));
+      }
+      const auto expected = readEveryWay(*openImage(path), 0);
+      const auto image = openImage(path);
+      ASSERT_EQ(image->levelCount(), pyramid ? 3U : 1U);
+      std::atomic<int> wrong{0};
+      std::vector<std::thread> threads;
+      for (int t = 0; t < 5; ++t) {
+        threads.emplace_back([&, t] {
+          for (int round = 0; round < 2; ++round) {
+            wrong += readEveryWay(*image, t * 7) != expected;
+            if (t == 0) TileCache::shared().clear();
+          }
+        });
+      }
+      for (std::thread& thread : threads) thread.join();
+      EXPECT_EQ(wrong, 0) << form.driver << pyramid;
+    }
   }
 }
 
