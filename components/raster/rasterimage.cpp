@@ -17,6 +17,8 @@ namespace {
 
 // Decoded pixels that one step of a read may need at once; larger windows are read in steps.
 constexpr int64_t kStepBytes = 64 << 20;
+// Tiles that a sequential reader passes just above those wanted and that are kept.
+constexpr int64_t kOnTheWayBytes = 32 << 20;
 // Work on less than this is done before another thread has started.
 constexpr int64_t kWorthAThread = 3 << 20;
 constexpr int kMostCells = 1 << 17;
@@ -154,39 +156,57 @@ bool RasterImage::readCells(const Level& level, const AxisTaps& across, const Ax
   return true;
 }
 
-bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const {
-  const auto levelIndex = static_cast<uint32_t>(&level - shownLevels().data());
+TileKey RasterImage::keyOf(const Level& level, int column, int row) const {
+  const auto index = static_cast<uint32_t>(row) * level.reader->grid().columns() + column;
+  return {id_, static_cast<uint32_t>(&level - shownLevels().data()), index};
+}
+
+TilePtr RasterImage::readTile(const Level& level, int column, int row, uint64_t& bytes) const {
+  auto tile = std::make_shared<Tile>();
+  if (!level.reader->read(column, row, *tile, bytes)) return nullptr;
+  tile->hasKeys =
+      findKeys(tile->pixels.get(), static_cast<size_t>(tile->width) * tile->height, tile->channels);
+  TileCache::shared().insert(keyOf(level, column, row), tile);
+  return tile;
+}
+
+void RasterImage::readOnTheWay(const Level& level, const TileBlock& block, int row,
+                               ReadCounts& counts) const {
   TileCache& cache = TileCache::shared();
+  // The tiles above are there when a view moves down.
+  if (row == 0 || cache.find(keyOf(level, block.firstColumn, row - 1))) return;
+  const int64_t rowBytes = bytesOf(block) / block.rows;
+  const int first = std::max<int64_t>(0, row - kOnTheWayBytes / rowBytes);
+  for (int y = first; y < row; ++y) {
+    for (int x = block.firstColumn; x < block.firstColumn + block.columns; ++x) {
+      if (cache.find(keyOf(level, x, y)) || !readTile(level, x, y, counts.bytes)) continue;
+      ++counts.tilesRead;
+    }
+  }
+}
+
+bool RasterImage::fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const {
   block.tiles.resize(static_cast<size_t>(block.columns) * block.rows);
-  const auto keyOf = [&](size_t i) {
-    const int row = block.firstRow + static_cast<int>(i) / block.columns;
-    const int column = block.firstColumn + static_cast<int>(i) % block.columns;
-    return TileKey{id_, levelIndex, static_cast<uint32_t>(row) * block.grid.columns() + column};
+  const auto columnOf = [&](size_t i) {
+    return block.firstColumn + static_cast<int>(i) % block.columns;
   };
+  const auto rowOf = [&](size_t i) { return block.firstRow + static_cast<int>(i) / block.columns; };
   std::vector<size_t> missing;
   for (size_t i = 0; i < block.tiles.size(); ++i) {
-    block.tiles[i] = cache.find(keyOf(i));
+    block.tiles[i] = TileCache::shared().find(keyOf(level, columnOf(i), rowOf(i)));
     if (!block.tiles[i]) missing.push_back(i);
   }
+  if (!missing.empty() && level.reader->sequential())
+    readOnTheWay(level, block, rowOf(missing.front()), counts);
   std::atomic<uint64_t> bytes{0};
   std::atomic<bool> failed{false};
   const auto decode = [&](size_t n) {
     if (failed) return;
     const size_t i = missing[n];
-    auto tile = std::make_shared<Tile>();
     uint64_t read = 0;
-    const bool done =
-        level.reader->read(block.firstColumn + static_cast<int>(i) % block.columns,
-                           block.firstRow + static_cast<int>(i) / block.columns, *tile, read);
+    block.tiles[i] = readTile(level, columnOf(i), rowOf(i), read);
     bytes += read;
-    if (!done) {
-      failed = true;
-      return;
-    }
-    tile->hasKeys = findKeys(tile->pixels.get(), static_cast<size_t>(tile->width) * tile->height,
-                             tile->channels);
-    block.tiles[i] = tile;
-    cache.insert(keyOf(i), std::move(tile));
+    if (!block.tiles[i]) failed = true;
   };
   const int64_t missingBytes = static_cast<int64_t>(missing.size()) * block.grid.tileWidth *
                                block.grid.tileHeight * block.grid.channels;

@@ -21,6 +21,7 @@
 #include "components/raster/stretch.h"
 #include "components/raster/tiffdirectory.h"
 #include "components/raster/tile.h"
+#include "components/raster/tilecache.h"
 
 namespace tarn::raster {
 
@@ -120,6 +121,12 @@ class RasterImage {
   bool readCells(const Level& level, const AxisTaps& across, const AxisTaps& down, uint8_t* out,
                  size_t stride, ReadCounts& counts) const;
   bool fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const;
+  TileKey keyOf(const Level& level, int column, int row) const;
+  /// Reads a tile into the cache; null when it cannot be read. Adds to `bytes`.
+  TilePtr readTile(const Level& level, int column, int row, uint64_t& bytes) const;
+  /// A sequential reader decodes what lies above `row` anyway: keeps some of it, so that a view can
+  /// move up without another start from the top.
+  void readOnTheWay(const Level& level, const TileBlock& block, int row, ReadCounts& counts) const;
 
   /// The tables of both ways to stretch.
   struct Stretches {

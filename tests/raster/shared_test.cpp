@@ -67,6 +67,21 @@ TEST(TileCache, IsSharedByImagesAndLeftWithThem) {
   EXPECT_EQ(TileCache::shared().bytes(), 0U);
 }
 
+TEST(TileCache, AJpgDoesNotStartFromTheTopWhenTheViewMovesUp) {
+  const Scratch scratch;
+  writePicture(scratch / "a.jpg", smooth(600, 3000, 3), {"JPEG", {}});
+  const auto image = openImage(scratch / "a.jpg");
+  ASSERT_TRUE(image);
+  const Picture whole = readByGdal(scratch / "a.jpg");
+  for (const int top : {2400, 2200, 1000, 2390}) {
+    std::vector<uint8_t> out(600 * 300 * 3);
+    ReadCounts counts;
+    ASSERT_TRUE(image->read({0, double(top), 1, 1, 600, 300}, false, out.data(), counts));
+    EXPECT_TRUE(std::equal(out.begin(), out.end(), whole.at(0, top))) << top;
+    EXPECT_EQ(counts.tilesRead > 0, top == 2400) << top;
+  }
+}
+
 TEST(TileCache, LargeReadsAreRightUnderASmallLimit) {
   const Scratch scratch;
   TileCache::shared().setLimit(2 << 20);
