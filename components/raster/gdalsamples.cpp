@@ -127,6 +127,8 @@ bool SampleBuffer::read(GDALDataset& dataset, const Presentation& presentation, 
       view_.alpha = target;
     }
   }
+  for (size_t i = 0; i < presentation.bands.size() && presentation.alphaMultiplied; ++i)
+    divideByAlpha(presentation, view_.alpha, pixels, bytes_.data() + i * plane);
   if (!presentation.hasMask) return true;
   GDALRasterBand* first = pictureBand(dataset, presentation.bands[0], overview);
   uint8_t* mask = bytes_.data() + numbers.size() * plane;

@@ -59,4 +59,8 @@ bool readConverted(GDALDataset& dataset, const Presentation& presentation, int o
 /// blocks spread evenly over it beyond.
 Scale measureScale(GDALDataset& dataset, const Presentation& presentation, bool ownOverviews);
 
+/// Whether the colours are multiplied by alpha, as `presentation` supposes: many files only say so.
+/// Looks at the pixels that measureScale() looks at, of the image itself.
+bool coloursAreMultiplied(GDALDataset& dataset, const Presentation& presentation);
+
 }  // namespace tarn::raster

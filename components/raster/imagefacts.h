@@ -54,6 +54,8 @@ struct ImageFacts {
   std::string colourSpace;
   /// Samples count from white down.
   bool minIsWhite = false;
+  /// The file says that colours are multiplied by alpha. Not known to GDAL.
+  bool alphaMultiplied = false;
   std::vector<ControlPoint> innerControlPoints;
   std::optional<GeoTransform> innerGeoTransform;
   /// EPSG number, 0 for a coordinate system without one, -1 for none.

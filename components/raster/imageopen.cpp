@@ -106,9 +106,17 @@ Status RasterImage::loadFullSize(const OpenOptions& options) {
   DatasetPtr dataset = opened.take();
   const GdalErrors errors;
   facts_ = describe(*dataset);
+  if (facts_.driver == "GTiff") {
+    auto directories = readTiffDirectories(*file_, times_.size);
+    if (!directories) return Status::error(path_ + ": " + directories.message());
+    directories_ = directories.take();
+    facts_.alphaMultiplied = directories_[0].alphaMultiplied;
+  }
   Result<Presentation> presentation = decidePresentation(facts_);
   if (!presentation) return Status::error(path_ + ": " + presentation.message());
   presentation_ = presentation.take();
+  presentation_.alphaMultiplied =
+      presentation_.alphaMultiplied && coloursAreMultiplied(*dataset, presentation_);
   subject_ = {path_,
               facts_.width,
               facts_.height,
@@ -118,11 +126,6 @@ Status RasterImage::loadFullSize(const OpenOptions& options) {
   if (presentation_.hasMask) {
     const FileTimes mask = fileTimes(path_ + ".msk");
     subject_.form += " m" + std::to_string(mask.size) + ' ' + std::to_string(mask.modifiedNs);
-  }
-  if (facts_.driver == "GTiff") {
-    auto directories = readTiffDirectories(*file_, times_.size);
-    if (!directories) return Status::error(path_ + ": " + directories.message());
-    directories_ = directories.take();
   }
   chooseScale(*dataset, options);
   return addFullSize(std::move(dataset));

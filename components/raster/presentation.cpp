@@ -155,6 +155,7 @@ void decideNothing(const ImageFacts& facts, const Choice& choice, Presentation& 
   const bool palette = p.conversion == Conversion::kPalette;
   const bool lineArt = palette || (p.type == SampleType::kByte && first.bits == 1);
   p.alphaBand = choice.alphaBand;
+  p.alphaMultiplied = facts.alphaMultiplied && p.alphaBand > 0 && p.top > 0 && !palette;
   p.hasMask = first.hasMask;
   p.nodata = nodataOf(facts, p.bands);
   const bool zero = std::all_of(p.nodata.begin(), p.nodata.end(), [](double v) { return v == 0; });
@@ -222,9 +223,9 @@ std::string formOf(const Presentation& p) {
   std::string text = std::to_string(p.channels) + ' ' +
                      std::to_string(static_cast<int>(p.conversion)) + ' ' +
                      std::to_string(static_cast<int>(p.type)) + ' ' + std::to_string(p.alphaBand) +
-                     (p.hasMask ? " mask" : " -") + (p.keepsBlack ? " black" : " -") +
-                     (p.keepsWhite ? " white" : " -") + (p.minIsWhite ? " inverse" : " -") + ' ' +
-                     formatDouble(p.top);
+                     (p.alphaMultiplied ? " times" : " -") + (p.hasMask ? " mask" : " -") +
+                     (p.keepsBlack ? " black" : " -") + (p.keepsWhite ? " white" : " -") +
+                     (p.minIsWhite ? " inverse" : " -") + ' ' + formatDouble(p.top);
   for (const int band : p.bands) text += " b" + std::to_string(band);
   for (const double value : p.nodata) text += " n" + formatDouble(value);
   if (p.table) text += ' ' + std::to_string(hashBytes(p.table->data(), p.table->size()));
@@ -236,6 +237,7 @@ std::string scaleNote(const ImageFacts& facts, const Presentation& p) {
   const std::string kind = isFloating(band.type) ? "floating-point samples"
                                                  : (topOf(band) > 0 ? "" : "signed ") +
                                                        std::to_string(band.bits) + " bits";
+  if (p.scale.low > p.scale.high) return "seems to hold nothing but nodata";
   char range[64];
   std::snprintf(range, sizeof range, " (%.6g to %.6g)", p.scale.low, p.scale.high);
   return "scaled from " + kind + range;

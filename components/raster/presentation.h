@@ -32,7 +32,8 @@ enum class Conversion {
   kCmyk
 };
 
-/// `low` and below become 1, `high` and above 254; equal ones become mid gray.
+/// `low` and below become 1, `high` and above 254; equal ones become mid gray. `low` above `high`:
+/// no content was found.
 struct Scale {
   double low = 0;
   double high = 0;
@@ -47,6 +48,8 @@ struct Presentation {
   std::vector<int> bands{1, 2, 3};
   /// Where this band is 0 there is nothing; 0 for none.
   int alphaBand = 0;
+  /// Samples are multiplied by alpha.
+  bool alphaMultiplied = false;
   /// Where the dataset's mask is 0 there is nothing.
   bool hasMask = false;
   /// One value for each of `bands`: where all are met there is nothing. Or empty.

@@ -1,6 +1,7 @@
 #include "components/raster/sampleconvert.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <type_traits>
 
@@ -233,6 +234,35 @@ void withType(SampleType type, const Work& work) {
 void convertSamples(const Presentation& presentation, const SampleView& view, uint8_t* out) {
   withType(presentation.type,
            [&](auto sample) { Converter<decltype(sample)>(presentation, view).run(out); });
+}
+
+void divideByAlpha(const Presentation& presentation, const void* alpha, size_t pixels, void* band) {
+  withType(presentation.type, [&](auto sample) {
+    using T = decltype(sample);
+    const T* opacity = static_cast<const T*>(alpha);
+    T* samples = static_cast<T*>(band);
+    const double top = presentation.top;
+    for (size_t i = 0; i < pixels; ++i) {
+      const auto a = static_cast<double>(opacity[i]);
+      if (a <= 0 || a >= top) continue;
+      samples[i] = static_cast<T>(std::min(top, std::floor(samples[i] * top / a + 0.5)));
+    }
+  });
+}
+
+void lookAtAlpha(const Presentation& presentation, const SampleView& view, AlphaSigns& signs) {
+  withType(presentation.type, [&](auto sample) {
+    using T = decltype(sample);
+    const T* alpha = static_cast<const T*>(view.alpha);
+    for (size_t b = 0; b < presentation.bands.size(); ++b) {
+      const T* samples = static_cast<const T*>(view.bands[b]);
+      for (size_t i = 0; i < view.pixels; ++i) {
+        const bool partial = alpha[i] > 0 && static_cast<double>(alpha[i]) < presentation.top;
+        signs.partial = signs.partial || partial;
+        signs.exceeded = signs.exceeded || (partial && samples[i] > alpha[i]);
+      }
+    }
+  });
 }
 
 void collectContent(const Presentation& presentation, const SampleView& view, size_t step,

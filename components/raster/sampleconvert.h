@@ -27,6 +27,18 @@ struct SampleView {
 /// are kept as content.
 void convertSamples(const Presentation& presentation, const SampleView& view, uint8_t* out);
 
+/// Divides the unsigned samples of a band, multiplied by alpha, by it.
+void divideByAlpha(const Presentation& presentation, const void* alpha, size_t pixels, void* band);
+
+/// Whether samples can have been multiplied by alpha.
+struct AlphaSigns {
+  /// Some alpha is neither 0 nor full.
+  bool partial = false;
+  /// Some sample is larger than its alpha, so none is multiplied.
+  bool exceeded = false;
+};
+void lookAtAlpha(const Presentation& presentation, const SampleView& view, AlphaSigns& signs);
+
 /// Appends the samples of every `step`th pixel that is content.
 void collectContent(const Presentation& presentation, const SampleView& view, size_t step,
                     std::vector<double>& out);

@@ -1,4 +1,5 @@
-// The scale of an image whose samples are not bytes.
+// What only a look at the pixels tells: the scale of samples that are not bytes, and whether
+// colours are multiplied by alpha.
 #include <gdal_priv.h>
 
 #include <algorithm>
@@ -72,7 +73,8 @@ double quantile(std::vector<double>& samples, double part) {
 Scale measureScale(GDALDataset& dataset, const Presentation& presentation, bool ownOverviews) {
   const int overview = ownOverviews ? coarsestOverview(dataset, presentation) : -1;
   const auto shape = shapeOf(dataset, presentation, overview);
-  if (!shape) return {};
+  constexpr Scale kNothingFound{1, 0};
+  if (!shape) return kNothingFound;
   const std::vector<PixelRect> pieces = piecesOf(shape.value());
   const bool all = static_cast<int64_t>(shape.value().width) * shape.value().height <= kMostPixels;
   std::vector<double> samples;
@@ -84,11 +86,25 @@ Scale measureScale(GDALDataset& dataset, const Presentation& presentation, bool 
     const size_t step = all ? 1 : (buffer.view().pixels / wanted) | 1;
     collectContent(presentation, buffer.view(), step, samples);
   }
-  if (samples.empty()) return {};
+  if (samples.empty()) return kNothingFound;
   const Scale scale{quantile(samples, 0.02), quantile(samples, 0.98)};
   if (scale.low < scale.high) return scale;
   const auto [least, largest] = std::minmax_element(samples.begin(), samples.end());
   return {*least, *largest};
+}
+
+bool coloursAreMultiplied(GDALDataset& dataset, const Presentation& presentation) {
+  Presentation raw = presentation;
+  raw.alphaMultiplied = false;
+  const auto shape = shapeOf(dataset, raw, -1);
+  if (!shape) return false;
+  AlphaSigns signs;
+  SampleBuffer buffer;
+  for (const PixelRect& piece : piecesOf(shape.value())) {
+    if (buffer.read(dataset, raw, -1, piece)) lookAtAlpha(raw, buffer.view(), signs);
+    if (signs.exceeded) return false;
+  }
+  return signs.partial;
 }
 
 }  // namespace tarn::raster

@@ -121,8 +121,8 @@ class Parser {
   }
 
   bool takeField(const Field& field, TiffDirectory& out, uint64_t& rowsPerStrip) {
-    static const std::set<uint16_t> kWanted = {254, 256, 257, 258, 259, 262, 266, 273, 277,  278,
-                                               279, 284, 322, 323, 324, 325, 339, 347, 42112};
+    static const std::set<uint16_t> kWanted = {254, 256, 257, 258, 259, 262, 266, 273, 277, 278,
+                                               279, 284, 322, 323, 324, 325, 338, 339, 347, 42112};
     if (kWanted.count(field.tag) == 0) return true;
     if (field.tag == 347 || field.tag == 42112) {
       if (field.count > size_) return false;
@@ -176,6 +176,9 @@ class Parser {
       case 323:
         out.blockHeight = small;
         break;
+      case 338:
+        out.alphaMultiplied = word == 1;
+        break;
       case 273:
       case 324:
         out.offsets = std::move(list);
@@ -199,13 +202,12 @@ class Parser {
       out.blockWidth = out.width;
       out.blockHeight = static_cast<uint32_t>(std::min<uint64_t>(rowsPerStrip, out.height));
     }
-    if (out.blockWidth == 0 || out.blockHeight == 0 || out.blockWidth > INT32_MAX / 2 ||
-        out.blockHeight > INT32_MAX / 2)
-      return false;
+    if (out.blockWidth == 0 || out.blockHeight == 0) return false;
     const uint64_t blocks = static_cast<uint64_t>(out.blocksAcross()) * out.blocksDown() *
                             (out.planar ? out.samples : 1);
     // A file without byte counts (or with too few) is GDAL's to repair; it is then not read here.
-    const bool known = out.offsets.size() >= blocks && out.byteCounts.size() >= blocks;
+    const bool known = out.offsets.size() >= blocks && out.byteCounts.size() >= blocks &&
+                       out.blockWidth <= INT32_MAX / 2 && out.blockHeight <= INT32_MAX / 2;
     const auto all = [](const std::vector<uint64_t>& list, uint64_t value) {
       return std::all_of(list.begin(), list.end(), [value](uint64_t v) { return v == value; });
     };

@@ -26,6 +26,8 @@ struct TiffDirectory {
   uint16_t photometric = 0;
   uint16_t samples = 1;
   bool planar = false;
+  /// Says that colours are multiplied by the alpha that follows them.
+  bool alphaMultiplied = false;
   /// Every sample is an unsigned number of 8 bits, first bit on top.
   bool plainBytes = false;
   bool tiled = false;
@@ -36,8 +38,8 @@ struct TiffDirectory {
   std::vector<uint8_t> jpegTables;
   std::string gdalMetadata;
 
-  uint32_t blocksAcross() const { return (width + blockWidth - 1) / blockWidth; }
-  uint32_t blocksDown() const { return (height + blockHeight - 1) / blockHeight; }
+  uint32_t blocksAcross() const { return (width - 1) / blockWidth + 1; }
+  uint32_t blocksDown() const { return (height - 1) / blockHeight + 1; }
   /// Gray or RGB pixels of plain bytes, samples together: what the fast readers know.
   bool isPlainPicture() const;
 };

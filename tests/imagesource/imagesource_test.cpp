@@ -286,12 +286,26 @@ TEST_F(ImageSource, BlocksOfSeveralThreadsWhileSwitchesChange) {
 }
 
 TEST_F(ImageSource, NotesAreSaidOnceAndNameTheImage) {
-  writePicture(path_, smooth(1200, 900, 3), {"GTiff", {}, false});
+  writePicture(path_, smooth(1200, 900, 2), {"GTiff", {}, false});
   ASSERT_TRUE(init());
   source_->close();
   ASSERT_TRUE(init());
   ASSERT_EQ(recorded().messages.size(), 1U);
   EXPECT_EQ(recorded().messages[0].find("航片 1.tif: "), 0U) << recorded().messages[0];
+  for (const char* part : {"2 bands", "; ", "no georeferencing"})
+    EXPECT_NE(recorded().messages[0].find(part), std::string::npos) << recorded().messages[0];
+}
+
+TEST_F(ImageSource, BuildingAStalePyramidAgainIsSaid) {
+  ASSERT_TRUE(init());
+  ASSERT_TRUE(build());
+  EXPECT_TRUE(recorded().messages.empty());
+  writePicture(path_, smooth(1100, 900, 3));
+  ASSERT_TRUE(init());
+  EXPECT_FALSE(source_->hasPyramid(scratch_.folder().c_str()));
+  ASSERT_TRUE(build());
+  ASSERT_EQ(recorded().messages.size(), 1U);
+  EXPECT_NE(recorded().messages[0].find("built again"), std::string::npos);
 }
 
 TEST_F(ImageSource, WorksWithoutAUserInterface) {

@@ -246,6 +246,50 @@ TEST(Kinds, ConstantImagesAreMidGrayAndEmptyOnesNothing) {
   EXPECT_EQ(centre(GDT_Int16, -5, -5), 0);
 }
 
+TEST(Kinds, ColoursMultipliedByAlphaAreDividedAgain) {
+  const Scratch scratch;
+  const double colour[3] = {200, 100, 50};
+  const auto alphaOf = [](int x) { return std::min(255, x); };
+  for (const GDALDataType type : {GDT_Byte, GDT_UInt16}) {
+    const double unit = type == GDT_Byte ? 1 : 257;
+    SampleForm form{"GTiff", type, {"ALPHA=PREMULTIPLIED", "PHOTOMETRIC=RGB"}, {}, {}, {}, {}};
+    writeSamples(
+        scratch / "a.tif", kWidth, kHeight, 4, form,
+        [&](int x, int, int band) {
+          const double alpha = alphaOf(x);
+          return band == 3 ? unit * alpha : std::round(unit * colour[band] * alpha / 255);
+        },
+        inEllipse);
+    const auto image = openImage(scratch / "a.tif");
+    ASSERT_TRUE(image);
+    const Picture shown = readAll(*image);
+    EXPECT_EQ(shown.at(0, 5)[0], 0);
+    for (int x = 1; x < kWidth && type == GDT_Byte; ++x) {
+      for (int c = 0; c < 3; ++c)
+        EXPECT_NEAR(shown.at(x, 5)[c], colour[c], 0.5 * 255 / alphaOf(x) + 0.5) << x;
+    }
+    // Scaled: the same colour all over.
+    for (int x = 10; x < kWidth && type == GDT_UInt16; ++x) {
+      for (int c = 0; c < 3; ++c) EXPECT_NEAR(shown.at(x, 5)[c], shown.at(300, 5)[c], 1) << x;
+    }
+  }
+}
+
+TEST(Kinds, JpgWithALargeMaskIsWhole) {
+  const Scratch scratch;
+  const std::string path = scratch / "a.jpg";
+  uint32_t seed = 1;
+  const auto random = [&](int, int) {
+    return ((seed = seed * 1664525 + 1013904223) >> 20) % 2 == 0;
+  };
+  writeSamples(
+      path, 1500, 1000, 1, {"JPEG", GDT_Byte, {}, {}, {}, MaskKind::kInside, {}},
+      [](int x, int y, int) { return 100 + x / 20 + y / 30; }, random);
+  const auto image = openImage(path);
+  ASSERT_TRUE(image);
+  EXPECT_EQ(largestDifference(readAll(*image), pixelsByRule(path)), 0);
+}
+
 TEST(Kinds, NotesSayWhatIsOdd) {
   const Scratch scratch;
   const auto note = [&](GDALDataType type, int bands, double high) {
@@ -261,6 +305,7 @@ TEST(Kinds, NotesSayWhatIsOdd) {
   EXPECT_EQ(note(GDT_Byte, 3, 255), "");
   EXPECT_EQ(note(GDT_Byte, 2, 255), "has 2 bands; the first is shown");
   EXPECT_NE(note(GDT_Byte, 6, 255).find("6 bands"), std::string::npos);
+  EXPECT_EQ(note(GDT_UInt16, 1, 0), "seems to hold nothing but nodata");
   EXPECT_EQ(note(GDT_UInt16, 1, 9000).compare(0, 21, "scaled from 16 bits ("), 0);
   EXPECT_EQ(note(GDT_Int16, 1, 9000).compare(0, 28, "scaled from signed 16 bits ("), 0);
   EXPECT_EQ(note(GDT_Float32, 1, 9).compare(0, 35, "scaled from floating-point samples "), 0);

@@ -26,10 +26,32 @@ bool gdalReads(const std::string& path) {
   return all;
 }
 
+/// Compares each overview that GDAL knows and the image has as a level with GDAL's reading of it.
+int compareOverviews(const RasterImage& image) {
+  auto* dataset = GDALDataset::Open(image.path().c_str(), GDAL_OF_RASTER);
+  std::vector<std::pair<int, int>> sizes;
+  for (int i = 0; i < dataset->GetRasterBand(1)->GetOverviewCount(); ++i) {
+    GDALRasterBand* overview = dataset->GetRasterBand(1)->GetOverview(i);
+    sizes.emplace_back(overview->GetXSize(), overview->GetYSize());
+  }
+  GDALClose(dataset);
+  const std::optional<Scale> scale = scaleSaid(image);
+  for (size_t i = 0; i < sizes.size() && image.levelCount() == sizes.size() + 1; ++i) {
+    const auto [width, height] = sizes[i];
+    const Window all{0,     0,     double(image.width()) / width, double(image.height()) / height,
+                     width, height};
+    EXPECT_LE(largestDifference(readWindow(image, all),
+                                pixelsByRule(image.path(), scale.value_or(Scale{}), int(i))),
+              scale ? 1 : 0)
+        << width << " x " << height;
+  }
+  return image.levelCount() == sizes.size() + 1 ? int(sizes.size()) : 0;
+}
+
 TEST(RealFiles, NoneCrashesAndThoseShownAreGdals) {
   if (fileKind(TARN_DATA_DIR) != FileKind::kFolder)
     GTEST_SKIP() << "no real files in " << TARN_DATA_DIR;
-  int shown = 0, refused = 0;
+  int shown = 0, refused = 0, overviews = 0;
   CPLPushErrorHandler(CPLQuietErrorHandler);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(TARN_DATA_DIR)) {
     const std::string path = entry.path().string();
@@ -66,9 +88,11 @@ TEST(RealFiles, NoneCrashesAndThoseShownAreGdals) {
     EXPECT_LE(largestDifference({image.width(), image.height(), 3, out},
                                 pixelsByRule(path, scale.value_or(Scale{}))),
               scale ? 1 : 0);
+    overviews += compareOverviews(image);
   }
   CPLPopErrorHandler();
-  std::printf("%d real files shown, %d refused with a reason\n", shown, refused);
+  std::printf("%d real files shown with %d overviews, %d refused with a reason\n", shown, overviews,
+              refused);
   EXPECT_GT(shown, 0);
 }
 
