@@ -5,6 +5,7 @@
 #include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "host/database/layouts.h"
 #include "host/database/objectaccess.h"
 #include "host/database/observer.h"
 
@@ -48,6 +49,7 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   for (const ACHAR* space : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
     addRecord<AcDbBlockTable>(state_->blockTable, new AcDbBlockTableRecord, space);
   }
+  tarn::host::completeLayouts(*this);
 }
 
 AcDbDatabase::~AcDbDatabase() {

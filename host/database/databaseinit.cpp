@@ -2,6 +2,7 @@
 
 #include "dbdict.h"
 #include "dbents.h"
+#include "dblayout.h"
 #include "dbmain.h"
 #include "dbproxy.h"
 #include "dbsymtb.h"
@@ -16,6 +17,7 @@ void registerDatabaseClasses() {
   AcDbObject::rxInit();
   AcDbEntity::rxInit();
   AcDbLine::rxInit();
+  AcDbViewport::rxInit();
   AcDbProxyEntity::rxInit();
   AcDbSymbolTableRecord::rxInit();
   AcDbSymbolTable::rxInit();
@@ -26,6 +28,8 @@ void registerDatabaseClasses() {
   AcDbViewTableRecord::rxInit();
   AcDbDictionary::rxInit();
   AcDbXrecord::rxInit();
+  AcDbPlotSettings::rxInit();
+  AcDbLayout::rxInit();
 }
 
 namespace {

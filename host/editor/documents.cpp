@@ -1,6 +1,7 @@
 #include "host/editor/documents.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "base/path.h"
@@ -55,7 +56,8 @@ HostDocument::HostDocument(HostApp& app, std::string path)
       widePath_(toWide(path_)),
       title_(toWide(nameOf(path_))),
       database_(std::make_unique<AcDbDatabase>()),
-      undo_(*database_) {
+      undo_(*database_),
+      space_(*database_) {
   watch_ = watchDatabase(app_, *this);
 }
 
@@ -81,30 +83,31 @@ AcEdInputPointManager* HostDocument::inputPointManager() const {
 }
 
 void HostDocument::changeView(const ViewState& view) {
-  if (!sameView(view_, view)) {
-    earlierViews_.push_back(view_);
+  const ViewState before = space_.view();
+  if (!sameView(before, view)) {
+    earlierViews_.push_back({space_.viewKey(), before});
     if (earlierViews_.size() > kViewsKept) earlierViews_.erase(earlierViews_.begin());
   }
-  view_ = view;
+  space_.setView(view);
   inGesture_ = false;
 }
 
 void HostDocument::moveView(const ViewState& view) {
-  if (inGesture_) {
-    view_ = view;
-  } else {
-    changeView(view);
-    inGesture_ = true;
+  if (!inGesture_) {
+    earlierViews_.push_back({space_.viewKey(), space_.view()});
+    if (earlierViews_.size() > kViewsKept) earlierViews_.erase(earlierViews_.begin());
   }
+  space_.setMouseView(view);
+  inGesture_ = true;
 }
 
 bool HostDocument::previousView() {
-  if (earlierViews_.empty()) return false;
-  ViewState view = earlierViews_.back();
-  earlierViews_.pop_back();
-  view.pixelWidth = view_.pixelWidth;
-  view.pixelHeight = view_.pixelHeight;
-  view_ = view;
+  const AcDbObjectId key = space_.viewKey();
+  const auto found = std::find_if(earlierViews_.rbegin(), earlierViews_.rend(),
+                                  [&](const EarlierView& one) { return one.key == key; });
+  if (found == earlierViews_.rend()) return false;
+  space_.setView(found->view);
+  earlierViews_.erase(std::next(found).base());
   return true;
 }
 

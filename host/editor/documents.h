@@ -1,6 +1,7 @@
 // The open drawings: each with its database, its view, its picture and its locks.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "acdocman.h"
 #include "aced.h"
 #include "host/editor/selectionmemory.h"
+#include "host/editor/space.h"
 #include "host/filing/undolog.h"
 #include "host/graphics/displaylist.h"
 #include "host/graphics/viewstate.h"
@@ -16,16 +18,6 @@ namespace tarn::host {
 
 class DatabaseWatch;
 class HostApp;
-
-constexpr short kPaperViewport = 1;
-constexpr short kModelViewport = 2;
-
-/// Model or paper: with tileMode 1 the model is shown and the viewport is always the model's.
-struct Space {
-  short tileMode = 1;
-  short viewport = kPaperViewport;  ///< inside a layout
-  short currentViewport() const { return tileMode == 1 ? kModelViewport : viewport; }
-};
 
 /// Monitors of one document, in the order of their registration.
 class InputPointMonitors : public AcEdInputPointManager {
@@ -54,9 +46,11 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
 
   const std::string& path() const { return path_; }
 
-  ViewState& view() { return view_; }
-  const ViewState& view() const { return view_; }
-  /// Replaces the view and remembers the earlier one; equal views are not remembered twice.
+  /// The view that fills the screen: of the model's tab, or of the sheet that is shown.
+  ViewState& view() { return space_.screenView(); }
+  const ViewState& view() const { return space_.screenView(); }
+  /// Replaces the view of the current space and remembers the earlier one; equal views are not
+  /// remembered twice.
   void changeView(const ViewState& view);
   /// The same for one step of a pan or zoom by hand: until endGesture() only the view before the
   /// first step is remembered.
@@ -65,10 +59,16 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   /// False when there is no earlier view.
   bool previousView();
 
+  /// The entities of the shown tab's own block.
   Scene& scene() { return scene_; }
   const Scene& scene() const { return scene_; }
+  /// The model's entities as each viewport of the shown sheet shows them.
+  using WindowScenes = std::map<AcDbObjectId, Scene>;
+  WindowScenes& windowScenes() { return windowScenes_; }
+  const WindowScenes& windowScenes() const { return windowScenes_; }
   Space& space() { return space_; }
   UndoLog& undo() { return undo_; }
+  const Space& space() const { return space_; }
   SelectionMemory& selection() { return selection_; }
 
   std::string currentLayer() const;
@@ -87,12 +87,16 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   std::unique_ptr<AcDbDatabase> database_;
   UndoLog undo_;
   std::unique_ptr<DatabaseWatch> watch_;
-  ViewState view_;
-  std::vector<ViewState> earlierViews_;
+  struct EarlierView {
+    AcDbObjectId key;  ///< of the space that it belongs to
+    ViewState view;
+  };
+  Space space_;
+  std::vector<EarlierView> earlierViews_;
   bool inGesture_ = false;
   Scene scene_;
-  Space space_;
   SelectionMemory selection_;
+  WindowScenes windowScenes_;
   std::vector<AcAp::DocLockMode> locks_;
   mutable InputPointMonitors monitors_;
 };

@@ -11,17 +11,6 @@ namespace tarn::host {
 
 namespace {
 
-const ACHAR* currentSpaceName(HostDocument& document) {
-  return document.space().currentViewport() == kPaperViewport ? ACDB_PAPER_SPACE : ACDB_MODEL_SPACE;
-}
-
-AcDbObjectId spaceId(AcDbDatabase& database, const ACHAR* name) {
-  const AcDbObjectPointer<AcDbBlockTable> blocks(database.blockTableId(), AcDb::kForRead);
-  AcDbObjectId id;
-  if (blocks.openStatus() == Acad::eOk) blocks->getAt(name, id);
-  return id;
-}
-
 void addEntities(AcDbObjectId space, EntityIds& ids) {
   const AcDbObjectPointer<AcDbBlockTableRecord> block(space, AcDb::kForRead);
   if (block.openStatus() != Acad::eOk) return;
@@ -39,7 +28,7 @@ bool isOnLockedLayer(const AcDbEntity& entity) {
 
 EntityIds currentSpaceEntities(HostDocument& document) {
   EntityIds ids;
-  addEntities(spaceId(*document.database(), currentSpaceName(document)), ids);
+  addEntities(document.space().currentBlock(), ids);
   return ids;
 }
 
@@ -64,8 +53,8 @@ bool isShown(const AcDbEntity& entity) {
 bool appendEntity(HostApp& app, AcDbEntity* entity) {
   HostDocument& document = app.documents().current();
   AcDbBlockTableRecord* space = nullptr;
-  Acad::ErrorStatus status = acdbOpenObject(
-      space, spaceId(*document.database(), currentSpaceName(document)), AcDb::kForWrite);
+  Acad::ErrorStatus status =
+      acdbOpenObject(space, document.space().currentBlock(), AcDb::kForWrite);
   if (status == Acad::eOk) {
     status = space->appendAcDbEntity(entity);
     space->close();

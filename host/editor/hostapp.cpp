@@ -12,6 +12,7 @@
 #include "base/file.h"
 #include "base/text.h"
 #include "host/editor/commandprocessor.h"
+#include "host/editor/documentpicture.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
 #include "host/editor/editorui.h"
@@ -144,7 +145,7 @@ void HostApp::requestQuit() {
 }
 
 ViewState HostApp::view() const {
-  return parts_->documents.current().view();
+  return parts_->documents.current().space().view();
 }
 
 namespace {
@@ -172,7 +173,7 @@ void HostApp::setView(const ViewState& view) {
 }
 
 void HostApp::moveTo(const ViewState& view) {
-  const auto accepted = acceptedView(view, this->view());
+  const auto accepted = acceptedView(view, screenView());
   if (!accepted) return;
   parts_->documents.current().moveView(*accepted);
   parts_->frontEnd.displayChanged();
@@ -196,11 +197,11 @@ void HostApp::resizeView(int pixelWidth, int pixelHeight) {
 }
 
 void HostApp::zoomAt(PixelPoint pixel, double factor) {
-  moveTo(zoomedAt(view(), pixel, factor));
+  moveTo(zoomedAt(parts_->documents.current().space().mouseView(), pixel, factor));
 }
 
 void HostApp::panBy(double dx, double dy) {
-  moveTo(pannedBy(view(), dx, dy));
+  moveTo(pannedBy(parts_->documents.current().space().mouseView(), dx, dy));
 }
 
 bool HostApp::zoomExtents() {
@@ -231,15 +232,11 @@ void HostApp::regenerateForView() {
 }
 
 void HostApp::renderTo(QPainter& painter, int width, int height) const {
-  const HostDocument& document = parts_->documents.current();
-  ViewState view = document.view();
-  view.pixelWidth = width;
-  view.pixelHeight = height;
-  render(painter, document.scene(), view, parts_->style);
+  renderDocument(painter, parts_->documents.current(), width, height, parts_->style);
 }
 
 std::string HostApp::savePicture(const std::string& path) const {
-  const ViewState shown = view();
+  const ViewState shown = screenView();
   QImage image(shown.pixelWidth, shown.pixelHeight, QImage::Format_RGB32);
   if (image.isNull()) return path + ": the picture does not fit into memory.";
   {

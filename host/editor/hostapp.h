@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adesk.h"
+#include "base/result.h"
 #include "host/graphics/viewstate.h"
 
 class QPainter;
@@ -74,7 +75,19 @@ class ACADHOST_EXPORT HostApp {
   bool quitRequested() const;
 
   // ---- View of the current drawing ----------------------------------------------------------
+  /// The view of what is current: the model, a sheet, or the model through a viewport.
   ViewState view() const;
+  /// The view that fills the screen: of the model, or of the sheet that is shown.
+  const ViewState& screenView() const;
+  /// The point of the current space under a device position of the screen.
+  GroundPoint groundAt(PixelPoint pixel) const;
+  /// True when the model is current through a viewport of the shown sheet.
+  bool inViewport() const;
+  /// Shows the tab of that name ("Model", or a sheet) and regenerates; the sentence says why not.
+  Status showTab(const std::string& name);
+  /// On a sheet: goes to work in the viewport that stands under the position, or on the sheet when
+  /// none does, by the commands MSPACE and PSPACE. Does nothing while a command runs.
+  void workAt(PixelPoint pixel);
   /// Sets the view, remembers the earlier one for ZOOM Previous, repaints, does not regenerate.
   void setView(const ViewState& view);
   /// The window's canvas (device pixels) got another size: the scale stays, the centre stays.

@@ -9,6 +9,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
+#include "host/editor/layoutcommands.h"
 #include "host/editor/sysvars.h"
 
 namespace tarn::host {
@@ -124,19 +125,6 @@ void twistCommand() {
   app().regenerateForView();
 }
 
-void switchSpace(short viewport) {
-  Space& space = app().documents().current().space();
-  if (space.tileMode == 1) return failCommand(app(), "This needs a layout (TILEMODE 0).");
-  space.viewport = viewport;
-}
-
-void mspaceCommand() {
-  switchSpace(kModelViewport);
-}
-void pspaceCommand() {
-  switchSpace(kPaperViewport);
-}
-
 void listVariables() {
   SystemVariables& variables = app().variables();
   for (const std::string& name : variables.names()) {
@@ -213,10 +201,12 @@ void registerHostCommands() {
       {ACRX_T("COPY"), kOnSelection, &copyCommand},
       {ACRX_T("ERASE"), kOnSelection, &eraseCommand},
       {ACRX_T("GRIP_STRETCH"), kOnSelection | ACRX_CMD_REDRAW, &gripStretchCommand},
+      {ACRX_T("LAYOUT"), ACRX_CMD_MODAL, &layoutCommand},
       {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
       {ACRX_T("MOVE"), kOnSelection, &moveCommand},
       {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
+      {ACRX_T("MVIEW"), ACRX_CMD_MODAL, &mviewCommand},
       {ACRX_T("OOPS"), ACRX_CMD_MODAL, &oopsCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},

@@ -33,17 +33,9 @@ class Nesting {
   int& depth_;
 };
 
-AcDbObjectIdArray modelSpaceIds(AcDbDatabase* database) {
-  AcDbBlockTable* blocks = nullptr;
-  AcDbBlockTableRecord* space = nullptr;
-  AcDbObjectIdArray ids;
-  if (database->getBlockTable(blocks, AcDb::kForRead) != Acad::eOk) return ids;
-  if (blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForRead) == Acad::eOk) {
-    ids = space->entityIds();
-    space->close();
-  }
-  blocks->close();
-  return ids;
+AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
+  const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+  return record.openStatus() == Acad::eOk ? record->entityIds() : AcDbObjectIdArray();
 }
 
 struct LayerState {
@@ -65,8 +57,7 @@ bool abortWanted() {
   return HostApp::instance()->frontEnd().cancelWanted();
 }
 
-long long imagePixels(const Scene& scene, long long& images) {
-  long long pixels = 0;
+void countImages(const Scene& scene, long long& images, long long& pixels) {
   for (const Scene::Key key : scene.order()) {
     for (const DisplayItem& item : *scene.find(key)) {
       const auto* image = std::get_if<ImageItem>(&item);
@@ -75,23 +66,46 @@ long long imagePixels(const Scene& scene, long long& images) {
       pixels += static_cast<long long>(image->image.width()) * image->image.height();
     }
   }
-  return pixels;
 }
 
 }  // namespace
 
-void Regenerator::draw(HostDocument& document, AcDbEntity& entity) {
+void Regenerator::draw(Scene& scene, AcDbEntity& entity) const {
   const Scene::Key key = entity.handle().value();
   const LayerState layer = layerOf(entity);
   if (!isShown(entity, layer)) {
-    document.scene().remove(key);
+    scene.remove(key);
     return;
   }
   DisplayList list;
-  WorldDrawRecorder recorder(list, document.database(), layer.color, entity.colorIndex(),
+  WorldDrawRecorder recorder(list, entity.database(), layer.color, entity.colorIndex(),
                              &abortWanted);
   entity.worldDraw(&recorder);
-  document.scene().set(key, std::move(list));
+  scene.set(key, std::move(list));
+}
+
+size_t Regenerator::drawBlock(Scene& scene, AcDbObjectId block) const {
+  std::vector<Scene::Key> order;
+  for (const AcDbObjectId& id : entitiesOf(block)) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() != Acad::eOk) continue;
+    draw(scene, *entity.object());
+    order.push_back(id.handle().value());
+  }
+  scene.keepInOrder(order);
+  return order.size();
+}
+
+/// Calls `drawInto` with the scene of each viewport that is on the screen, while the view variables
+/// are those of that viewport.
+void Regenerator::drawWindows(HostDocument& document,
+                              const std::function<void(Scene&)>& drawInto) const {
+  for (const SheetWindow& window : document.space().windows()) {
+    const QRect pixels = touchedPixels(window.onDevice, document.view());
+    if (pixels.isEmpty()) continue;
+    const DrawnViewport drawn(document.space(), window, pixels);
+    drawInto(document.windowScenes()[window.id]);
+  }
 }
 
 void Regenerator::regenerate(HostDocument& document) {
@@ -99,25 +113,25 @@ void Regenerator::regenerate(HostDocument& document) {
   const Nesting nesting(depth_);
   const auto start = std::chrono::steady_clock::now();
   beginCounting();
-  std::vector<Scene::Key> order;
-  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
-    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-    if (entity.openStatus() != Acad::eOk) continue;
-    draw(document, *entity.object());
-    order.push_back(id.handle().value());
-  }
-  document.scene().keepInOrder(order);
+  const Space& space = document.space();
+  size_t entities = drawBlock(document.scene(), space.shownBlock());
+  document.windowScenes().clear();
+  drawWindows(document, [&](Scene& scene) { entities += drawBlock(scene, space.modelBlock()); });
   const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-  if (statistics_) printStatistics(took.count(), order.size());
+  if (statistics_) printStatistics(took.count(), entities);
 }
 
 void Regenerator::redraw(AcDbEntity& entity) {
   auto* document = static_cast<HostDocument*>(app_.documents().document(entity.database()));
-  if (document == nullptr || depth_ > 0) return;
+  if (document == nullptr || depth_ > 0 || !document->space().shows(entity.blockId())) return;
   const Nesting nesting(depth_);
   const auto start = std::chrono::steady_clock::now();
   beginCounting();
-  draw(*document, entity);
+  if (entity.blockId() == document->space().shownBlock()) {
+    draw(document->scene(), entity);
+  } else {
+    drawWindows(*document, [&](Scene& scene) { draw(scene, entity); });
+  }
   const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
   if (statistics_) printStatistics(took.count(), 1);
   app_.frontEnd().displayChanged();
@@ -134,12 +148,17 @@ void Regenerator::forget(AcDbEntity& entity) {
   auto* document = static_cast<HostDocument*>(app_.documents().document(entity.database()));
   if (document == nullptr) return;
   document->scene().remove(entity.handle().value());
+  for (auto& window : document->windowScenes()) window.second.remove(entity.handle().value());
   app_.frontEnd().displayChanged();
 }
 
 GroundBox Regenerator::extents(HostDocument& document) const {
+  return extentsOf(document.space().currentBlock());
+}
+
+GroundBox Regenerator::extentsOf(AcDbObjectId block) const {
   GroundBox box;
-  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
+  for (const AcDbObjectId& id : entitiesOf(block)) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     AcDbExtents extents;
     if (entity.openStatus() != Acad::eOk || !isShown(*entity.object(), layerOf(*entity.object())) ||
@@ -164,7 +183,10 @@ void Regenerator::count(const std::string& counter, long long amount) {
 
 void Regenerator::printStatistics(double milliseconds, size_t entities) {
   long long images = 0;
-  const long long drawn = imagePixels(app_.documents().current().scene(), images);
+  long long drawn = 0;
+  const HostDocument& document = app_.documents().current();
+  countImages(document.scene(), images, drawn);
+  for (const auto& window : document.windowScenes()) countImages(window.second, images, drawn);
   const double rounded = std::round(milliseconds * 100) / 100;
   std::string line =
       "{\"ms\":" + formatDouble(rounded) + ",\"entities\":" + std::to_string(entities) +

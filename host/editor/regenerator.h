@@ -1,12 +1,14 @@
 // Draws entities into the display lists of their drawing, and counts what that took.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
 
 #include "adesk.h"
 #include "dbid.h"
+#include "host/graphics/displaylist.h"
 #include "host/graphics/viewstate.h"
 
 class AcDbEntity;
@@ -20,7 +22,8 @@ class ACADHOST_EXPORT Regenerator {
  public:
   explicit Regenerator(HostApp& app) : app_(app) {}
 
-  /// Draws every visible entity of the model space anew. Does nothing inside another drawing.
+  /// Draws every visible entity of the shown tab anew, those of the model once for each viewport of
+  /// a sheet. Does nothing inside another drawing.
   void regenerate(HostDocument& document);
   /// Draws one entity, which must be open, anew; an erased or invisible one is taken away.
   void redraw(AcDbEntity& entity);
@@ -29,8 +32,9 @@ class ACADHOST_EXPORT Regenerator {
   /// Takes an entity out of the picture.
   void forget(AcDbEntity& entity);
 
-  /// Union of the extents of the visible entities of the model space.
+  /// Union of the extents of the visible entities of the current space.
   GroundBox extents(HostDocument& document) const;
+  GroundBox extentsOf(AcDbObjectId block) const;
 
   /// Adds to a counter of the current redraw. Safe from any thread.
   void count(const std::string& counter, long long amount);
@@ -38,7 +42,9 @@ class ACADHOST_EXPORT Regenerator {
   bool isDrawing() const { return depth_ > 0; }
 
  private:
-  void draw(HostDocument& document, AcDbEntity& entity);
+  void draw(Scene& scene, AcDbEntity& entity) const;
+  size_t drawBlock(Scene& scene, AcDbObjectId block) const;
+  void drawWindows(HostDocument& document, const std::function<void(Scene&)>& drawInto) const;
   void printStatistics(double milliseconds, size_t entities);
   void beginCounting();
 

@@ -45,16 +45,17 @@ Point3 extentsCorner(HostApp& app, bool maximum) {
 }
 
 bool writeTileMode(HostApp& app, const VariableValue& value) {
-  document(app).space().tileMode = std::get<short>(value);
-  return true;
+  const Space& space = document(app).space();
+  const bool tiled = std::get<short>(value) == 1;
+  return tiled == space.isTiled() || app.showTab(tiled ? "Model" : space.sheet().name).isOk();
+}
+
+bool writeTab(HostApp& app, const VariableValue& value) {
+  return app.showTab(std::get<std::string>(value)).isOk();
 }
 
 bool writeViewport(HostApp& app, const VariableValue& value) {
-  Space& space = document(app).space();
-  const short number = std::get<short>(value);
-  if (space.tileMode == 1 && number != kModelViewport) return false;
-  space.viewport = number;
-  return true;
+  return document(app).space().setCurrentPort(std::get<short>(value));
 }
 
 bool writeLayer(HostApp& app, const VariableValue& value) {
@@ -78,14 +79,12 @@ const std::vector<Rule>& rules() {
       {"CMDECHO", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"CMDNAMES", T::kString, true, [](HostApp& a) -> VariableValue { return a.commandNames(); },
        std::string()},
-      {"CTAB", T::kString, true,
-       [](HostApp& a) -> VariableValue {
-         return std::string(document(a).space().tileMode == 1 ? "Model" : "Layout1");
-       },
-       std::string()},
+      {"CTAB", T::kString, false,
+       [](HostApp& a) -> VariableValue { return document(a).space().tab().name; }, std::string(),
+       writeTab},
       {"CVPORT", T::kShort, false,
-       [](HostApp& a) -> VariableValue { return document(a).space().currentViewport(); }, short{2},
-       writeViewport, 1, 2},
+       [](HostApp& a) -> VariableValue { return document(a).space().currentPort(); }, short{2},
+       writeViewport, 1, 32767},
       {"DWGNAME", T::kString, true,
        [](HostApp& a) -> VariableValue { return nameOf(document(a).path()); }, std::string()},
       {"DWGPREFIX", T::kString, true, [](HostApp& a) -> VariableValue { return drawingFolder(a); },
@@ -112,8 +111,10 @@ const std::vector<Rule>& rules() {
        Point3{}},
       {"TARGET", T::kPoint3, true, nullptr, Point3{}},
       {"TILEMODE", T::kShort, false,
-       [](HostApp& a) -> VariableValue { return document(a).space().tileMode; }, short{1},
-       writeTileMode, 0, 1},
+       [](HostApp& a) -> VariableValue {
+         return static_cast<short>(document(a).space().isTiled() ? 1 : 0);
+       },
+       short{1}, writeTileMode, 0, 1},
       {"USERI1", T::kShort, false, nullptr, short{0}},
       {"USERR1", T::kReal, false, nullptr, 0.0},
       {"USERR2", T::kReal, false, nullptr, 0.0},

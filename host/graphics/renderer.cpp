@@ -166,16 +166,21 @@ class Painter {
 
 }  // namespace
 
+void paintScene(QPainter& painter, const Scene& scene, const ViewState& view,
+                const RenderStyle& style) {
+  const Painter paint(painter, view, style);
+  for (const Scene::Key entity : scene.order()) {
+    for (const DisplayItem& item : *scene.find(entity)) std::visit(paint, item);
+  }
+}
+
 void render(QPainter& painter, const Scene& scene, const ViewState& view,
             const RenderStyle& style) {
   painter.save();
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
   painter.setClipRect(0, 0, view.pixelWidth, view.pixelHeight);
   painter.fillRect(0, 0, view.pixelWidth, view.pixelHeight, QColor(style.background));
-  const Painter paint(painter, view, style);
-  for (const Scene::Key entity : scene.order()) {
-    for (const DisplayItem& item : *scene.find(entity)) std::visit(paint, item);
-  }
+  paintScene(painter, scene, view, style);
   painter.restore();
 }
 

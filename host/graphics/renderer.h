@@ -24,4 +24,9 @@ struct RenderStyle {
 ACADHOST_EXPORT void render(QPainter& painter, const Scene& scene, const ViewState& view,
                             const RenderStyle& style);
 
+/// Paints only the scene, on what is there and inside the painter's clip. The background of the
+/// style says what colours stand on.
+ACADHOST_EXPORT void paintScene(QPainter& painter, const Scene& scene, const ViewState& view,
+                                const RenderStyle& style);
+
 }  // namespace tarn::host

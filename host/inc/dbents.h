@@ -119,3 +119,5 @@ class ACADHOST_EXPORT AcDbLine : public AcDbEntity {
   AcGePoint3d start_;
   AcGePoint3d end_;
 };
+
+#include "dbviewport.h"

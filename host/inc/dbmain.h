@@ -118,8 +118,8 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   mutable std::unique_ptr<Reactors> reactors_;
 };
 
-/// One drawing. A new one has the layer "0", the blocks *Model_Space and *Paper_Space and an empty
-/// dictionary of named objects. Owns all its objects.
+/// One drawing. A new one has the layer "0", the blocks *Model_Space and *Paper_Space and their
+/// layouts "Model" and "Layout1" in its dictionary of named objects. Owns all its objects.
 class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
  public:
   ACRX_DECLARE_MEMBERS(AcDbDatabase);

@@ -100,12 +100,12 @@ QPoint Canvas::devicePixel(QPointF local) const {
 
 GroundPoint Canvas::groundAt(QPointF local) const {
   const QPoint pixel = devicePixel(local);
-  return groundFromPixel(app_.view(), {pixel.x() + 0.5, pixel.y() + 0.5});
+  return app_.groundAt({pixel.x() + 0.5, pixel.y() + 0.5});
 }
 
 void Canvas::paintEvent(QPaintEvent*) {
   const QSize size = deviceSize();
-  ViewState view = app_.view();
+  const ViewState view = app_.screenView();
   if (hooks_.mayAct() && view.pixelWidth == size.width() && view.pixelHeight == size.height()) {
     frame_.update(view, [&](QPainter& painter) {
       app_.renderTo(painter, view.pixelWidth, view.pixelHeight);
@@ -158,7 +158,8 @@ void Canvas::dragTo(QPointF local) {
   if (by.isNull()) return;
   dragFrom_ = now;
   moved_ = true;
-  onlyViewMoves_ = true;
+  // A pan inside a viewport does not move the picture of the screen as a whole.
+  onlyViewMoves_ = !app_.inViewport();
   app_.panBy(by.x(), by.y());
   onlyViewMoves_ = false;
 }
@@ -190,6 +191,12 @@ void Canvas::endDrag(const QMouseEvent& event) {
 }
 
 void Canvas::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (hooks_.mayAct() && event->button() == Qt::LeftButton) {
+    const QPoint pixel = devicePixel(event->localPos());
+    app_.workAt({pixel.x() + 0.5, pixel.y() + 0.5});
+    hooks_.acted();
+    return;
+  }
   if (!hooks_.mayAct() || event->button() != Qt::MiddleButton) return;
   tellWatchers(WM_MBUTTONDOWN, *event);
   zoomExtents();
