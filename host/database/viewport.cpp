@@ -103,6 +103,15 @@ Acad::ErrorStatus AcDbViewport::setViewTarget(const AcGePoint3d& target) {
   target_ = target;
   return Acad::eOk;
 }
+AcGeVector3d AcDbViewport::viewDirection() const {
+  assertReadEnabled();
+  return direction_;
+}
+Acad::ErrorStatus AcDbViewport::setViewDirection(const AcGeVector3d& direction) {
+  assertWriteEnabled();
+  direction_ = direction;
+  return Acad::eOk;
+}
 double AcDbViewport::customScale() const {
   assertReadEnabled();
   return height_ / viewHeight_;
@@ -119,6 +128,7 @@ AcRxObject* AcDbViewport::clone() const {
   copy->viewHeight_ = viewHeight_;
   copy->twist_ = twist_;
   copy->target_ = target_;
+  copy->direction_ = direction_;
   return copy;
 }
 
@@ -134,6 +144,7 @@ Acad::ErrorStatus AcDbViewport::dwgOutFields(AcDbDwgFiler* filer) const {
   filer->writeDouble(viewHeight_);
   filer->writeDouble(twist_);
   filer->writePoint3d(target_);
+  filer->writeVector3d(direction_);
   return filer->filerStatus();
 }
 
@@ -148,7 +159,8 @@ Acad::ErrorStatus AcDbViewport::dwgInFields(AcDbDwgFiler* filer) {
   filer->readPoint2d(&viewCenter_);
   filer->readDouble(&viewHeight_);
   filer->readDouble(&twist_);
-  return filer->readPoint3d(&target_);
+  filer->readPoint3d(&target_);
+  return filer->readVector3d(&direction_);
 }
 
 Adesk::Boolean AcDbViewport::subWorldDraw(AcGiWorldDraw* draw) {

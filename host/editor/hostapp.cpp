@@ -182,7 +182,10 @@ void HostApp::moveTo(const ViewState& view) {
 }
 
 void HostApp::viewSettled() {
-  parts_->documents.current().endGesture();
+  HostDocument& document = parts_->documents.current();
+  document.endGesture();
+  // What a viewport shows stands in the drawing: a change of it by hand is a step of its own.
+  if (!commandActive()) document.undo().endStep("VIEW");
 }
 
 void HostApp::resizeView(int pixelWidth, int pixelHeight) {

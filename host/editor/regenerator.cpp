@@ -138,7 +138,11 @@ void Regenerator::redraw(AcDbEntity& entity) {
 }
 
 void Regenerator::redrawLayer(HostDocument& document, AcDbObjectId layer) {
-  for (const AcDbObjectId& id : modelSpaceIds(document.database())) {
+  const AcDbObjectId shown = document.space().shownBlock();
+  const AcDbObjectId model = document.space().modelBlock();
+  AcDbObjectIdArray ids = entitiesOf(shown);
+  if (model != shown) ids.append(entitiesOf(model));
+  for (const AcDbObjectId& id : ids) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() == Acad::eOk && entity->layerId() == layer) redraw(*entity.object());
   }

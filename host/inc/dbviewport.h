@@ -34,6 +34,8 @@ class ACADHOST_EXPORT AcDbViewport : public AcDbEntity {
   Acad::ErrorStatus setTwistAngle(double angle);
   AcGePoint3d viewTarget() const;
   Acad::ErrorStatus setViewTarget(const AcGePoint3d& target);
+  AcGeVector3d viewDirection() const;
+  Acad::ErrorStatus setViewDirection(const AcGeVector3d& direction);
   /// Sheet units a drawing unit.
   double customScale() const;
 
@@ -58,4 +60,5 @@ class ACADHOST_EXPORT AcDbViewport : public AcDbEntity {
   double viewHeight_ = 1;
   double twist_ = 0;
   AcGePoint3d target_;
+  AcGeVector3d direction_{0, 0, 1};
 };
