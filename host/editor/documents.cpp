@@ -111,6 +111,11 @@ bool HostDocument::previousView() {
   return true;
 }
 
+const Scene& HostDocument::currentScene() const {
+  const auto window = windowScenes_.find(space_.currentViewport());
+  return window != windowScenes_.end() ? window->second : scene_;
+}
+
 std::string HostDocument::currentLayer() const {
   const AcDbObjectPointer<AcDbLayerTableRecord> layer(database_->clayer(), AcDb::kForRead);
   const ACHAR* name = nullptr;

@@ -66,6 +66,8 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   using WindowScenes = std::map<AcDbObjectId, Scene>;
   WindowScenes& windowScenes() { return windowScenes_; }
   const WindowScenes& windowScenes() const { return windowScenes_; }
+  /// The scene in which the entities of the current space are seen.
+  const Scene& currentScene() const;
   Space& space() { return space_; }
   UndoLog& undo() { return undo_; }
   const Space& space() const { return space_; }

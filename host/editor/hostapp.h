@@ -79,6 +79,8 @@ class ACADHOST_EXPORT HostApp {
   ViewState view() const;
   /// The view that fills the screen: of the model, or of the sheet that is shown.
   const ViewState& screenView() const;
+  /// The view of what is current over the whole screen: what device positions of the mouse mean.
+  ViewState mouseView() const;
   /// The point of the current space under a device position of the screen.
   GroundPoint groundAt(PixelPoint pixel) const;
   /// True when the model is current through a viewport of the shown sheet.

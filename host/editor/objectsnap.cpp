@@ -124,8 +124,8 @@ std::optional<int> snapBits(const std::string& words) {
 std::optional<Snap> findSnap(HostApp& app, int bits, GroundPoint cursor, bool magnetic) {
   HostDocument& document = app.documents().current();
   const double aperture = app.variables().shortOf("APERTURE");
-  const PixelPoint pixel = pixelFromGround(document.view(), cursor);
-  Nearest nearest(document.view(), cursor,
+  const PixelPoint pixel = pixelFromGround(document.space().mouseView(), cursor);
+  Nearest nearest(document.space().mouseView(), cursor,
                   magnetic ? aperture : std::numeric_limits<double>::infinity());
   const Point3 last = std::get<Point3>(*app.variables().get("LASTPOINT"));
   std::vector<Segment> segments;

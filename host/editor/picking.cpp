@@ -175,20 +175,20 @@ class Choice {
 }  // namespace
 
 Outlines outlinesOf(HostDocument& document, AcDbObjectId id) {
-  const DisplayList* list = document.scene().find(id.handle().value());
+  const DisplayList* list = document.currentScene().find(id.handle().value());
   if (list == nullptr) return {};
-  Outlines outlines = outlinesOf(*list, document.view());
+  Outlines outlines = outlinesOf(*list, document.space().mouseView());
   if (!hasImages(*list)) return outlines;
   const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
   if (entity.openStatus() == Acad::eOk) {
-    addPictureFrame(outlines, *entity.object(), document.view());
+    addPictureFrame(outlines, *entity.object(), document.space().mouseView());
   }
   return outlines;
 }
 
 AcDbObjectId entityAt(HostApp& app, GroundPoint point) {
   HostDocument& document = app.documents().current();
-  const PixelPoint pixel = pixelFromGround(document.view(), point);
+  const PixelPoint pixel = pixelFromGround(document.space().mouseView(), point);
   const double reach = app.variables().shortOf("PICKBOX") + 0.5;
   const EntityIds ids = currentSpaceEntities(document);
   const auto found = std::find_if(ids.rbegin(), ids.rend(), [&](const AcDbObjectId& id) {
@@ -199,7 +199,7 @@ AcDbObjectId entityAt(HostApp& app, GroundPoint point) {
 
 EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPoint b, bool crossing) {
   HostDocument& document = app.documents().current();
-  const ViewState& view = document.view();
+  const ViewState view = document.space().mouseView();
   const PixelBox box = boxOf(pixelFromGround(view, a), pixelFromGround(view, b));
   EntityIds found;
   for (const AcDbObjectId& id : currentSpaceEntities(document)) {
@@ -210,7 +210,7 @@ EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPoint b, bool cros
 }
 
 bool isCrossing(const HostApp& app, GroundPoint a, GroundPoint b) {
-  const ViewState view = app.view();
+  const ViewState view = app.mouseView();
   return pixelFromGround(view, b).x < pixelFromGround(view, a).x;
 }
 

@@ -24,9 +24,12 @@ const ViewState& HostApp::screenView() const {
   return const_cast<HostApp*>(this)->documents().current().view();
 }
 
+ViewState HostApp::mouseView() const {
+  return const_cast<HostApp*>(this)->documents().current().space().mouseView();
+}
+
 GroundPoint HostApp::groundAt(PixelPoint pixel) const {
-  return groundFromPixel(const_cast<HostApp*>(this)->documents().current().space().mouseView(),
-                         pixel);
+  return groundFromPixel(mouseView(), pixel);
 }
 
 bool HostApp::inViewport() const {
