@@ -124,9 +124,9 @@ std::optional<int> snapBits(const std::string& words) {
 std::optional<Snap> findSnap(HostApp& app, int bits, GroundPoint cursor, bool magnetic) {
   HostDocument& document = app.documents().current();
   const double aperture = app.variables().shortOf("APERTURE");
-  const PixelPoint pixel = pixelFromGround(document.space().mouseView(), cursor);
-  Nearest nearest(document.space().mouseView(), cursor,
-                  magnetic ? aperture : std::numeric_limits<double>::infinity());
+  const ViewState view = document.space().mouseView();
+  const PixelPoint pixel = pixelFromGround(view, cursor);
+  Nearest nearest(view, cursor, magnetic ? aperture : std::numeric_limits<double>::infinity());
   const Point3 last = std::get<Point3>(*app.variables().get("LASTPOINT"));
   std::vector<Segment> segments;
   for (const AcDbObjectId& id : currentSpaceEntities(document)) {
@@ -135,7 +135,7 @@ std::optional<Snap> findSnap(HostApp& app, int bits, GroundPoint cursor, bool ma
     if (entity.openStatus() != Acad::eOk) continue;
     offerEntity(*entity.object(), bits, cursor, last, nearest);
     if ((bits & kSnapIntersection) != 0) {
-      addSegments(*document.scene().find(id.handle().value()), cursor, segments);
+      addSegments(*document.currentScene().find(id.handle().value()), cursor, segments);
     }
   }
   for (size_t i = 0; i < segments.size(); ++i) {
