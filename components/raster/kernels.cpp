@@ -53,6 +53,34 @@ uint32_t contentOnly(uint32_t rgb) {
   return rgb == kWhite ? kNearlyWhite : rgb;
 }
 
+/// The sum (times 256) of cell i, for one byte of its pixels.
+uint32_t sumOf(const uint16_t* row, const int* start, const uint16_t* weights, int taps, int i,
+               int channels, int channel) {
+  uint32_t sum = 0;
+  for (int k = 0; k < taps; ++k) {
+    const size_t at = 16 * (static_cast<size_t>(i / 4) * taps + k) + 4 * (i % 4);
+    const size_t pixel = static_cast<size_t>(start[i]) + k;
+    sum += (uint32_t{row[pixel * channels + channel]} * weights[at]) >> 16;
+  }
+  return sum;
+}
+
+constexpr uint32_t kHalfCover = uint32_t{kFullCover} * 4999 / 10000;
+// Rounding takes away this much at most from a full cover.
+constexpr uint32_t kNearlyFullCover = kFullCover - 16;
+
+void storeCovered(const uint32_t* sums, uint32_t cover, uint8_t* out) {
+  uint32_t rgb = 0;
+  if (cover >= kHalfCover) {
+    for (int c = 0; c < 3; ++c) {
+      const uint32_t value = (sums[c] * 255 + cover / 2) / cover;
+      rgb |= std::min(value, 255U) << (8 * c);
+    }
+    rgb = contentOnly(rgb);
+  }
+  for (int c = 0; c < 3; ++c) out[c] = static_cast<uint8_t>(rgb >> (8 * c));
+}
+
 #if defined(__SSE2__)
 __m128i loadTwo(const uint16_t* low, const uint16_t* high) {
   const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
@@ -76,20 +104,68 @@ void storeFour(__m128i first, __m128i second, uint8_t* out) {
   _mm_storeh_pd(reinterpret_cast<double*>(out + 6), _mm_castsi128_pd(six));
 }
 
-void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
-                uint8_t* out) {
+/// The sums (times 256) of four cells, three and one unused number each.
+struct FourSums {
+  __m128i first;
+  __m128i second;
+};
+
+FourSums sumFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
+                 int bias) {
   const uint16_t* p[4];
   for (int i = 0; i < 4; ++i) p[i] = row + 3 * static_cast<size_t>(start[i]);
-  __m128i first = _mm_set1_epi16(128), second = first;
+  FourSums sums;
+  sums.first = sums.second = _mm_set1_epi16(static_cast<short>(bias));
   for (int k = 0; k < taps; ++k) {
     const auto* w = reinterpret_cast<const __m128i*>(weights + 16 * k);
     const size_t at = 3 * static_cast<size_t>(k);
-    first =
-        _mm_add_epi16(first, _mm_mulhi_epu16(loadTwo(p[0] + at, p[1] + at), _mm_loadu_si128(w)));
-    second = _mm_add_epi16(second,
-                           _mm_mulhi_epu16(loadTwo(p[2] + at, p[3] + at), _mm_loadu_si128(w + 1)));
+    sums.first = _mm_add_epi16(sums.first,
+                               _mm_mulhi_epu16(loadTwo(p[0] + at, p[1] + at), _mm_loadu_si128(w)));
+    sums.second = _mm_add_epi16(
+        sums.second, _mm_mulhi_epu16(loadTwo(p[2] + at, p[3] + at), _mm_loadu_si128(w + 1)));
   }
-  storeFour(first, second, out);
+  return sums;
+}
+
+void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
+                uint8_t* out) {
+  const FourSums sums = sumFour(row, start, weights, taps, 128);
+  storeFour(sums.first, sums.second, out);
+}
+/// Four cells of rows of which some pixels are nothing. True when that was done for all four at
+/// once, because they are all content or all nothing.
+bool gatherFourAlike(const FourSums& sums, const FourSums& cover, uint8_t* out) {
+  const __m128i least = _mm_set1_epi16(static_cast<short>(kNearlyFullCover));
+  const auto isFull = [&](__m128i covers) {
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_subs_epu16(least, covers), _mm_setzero_si128()));
+  };
+  constexpr int kFirstNumbers = 0x3F3F;
+  if ((isFull(cover.first) & isFull(cover.second) & kFirstNumbers) == kFirstNumbers) {
+    const __m128i half = _mm_set1_epi16(128);
+    storeFour(_mm_add_epi16(sums.first, half), _mm_add_epi16(sums.second, half), out);
+    return true;
+  }
+  const __m128i any = _mm_or_si128(cover.first, cover.second);
+  const int nothing = _mm_movemask_epi8(_mm_cmpeq_epi16(any, _mm_setzero_si128()));
+  if ((nothing & kFirstNumbers) != kFirstNumbers) return false;
+  std::memset(out, 0, 12);
+  return true;
+}
+
+void gatherFourCovered(const uint16_t* row, const uint16_t* cover, const int* start,
+                       const uint16_t* weights, int taps, uint8_t* out) {
+  const FourSums sums = sumFour(row, start, weights, taps, 0);
+  const FourSums covers = sumFour(cover, start, weights, taps, 0);
+  if (gatherFourAlike(sums, covers, out)) return;
+  alignas(16) uint16_t s[16], c[16];
+  _mm_store_si128(reinterpret_cast<__m128i*>(s), sums.first);
+  _mm_store_si128(reinterpret_cast<__m128i*>(s + 8), sums.second);
+  _mm_store_si128(reinterpret_cast<__m128i*>(c), covers.first);
+  _mm_store_si128(reinterpret_cast<__m128i*>(c + 8), covers.second);
+  for (int i = 0; i < 4; ++i) {
+    const uint32_t cell[3] = {s[4 * i], s[4 * i + 1], s[4 * i + 2]};
+    storeCovered(cell, c[4 * i], out + 3 * i);
+  }
 }
 #else
 void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
@@ -97,15 +173,19 @@ void gatherFour(const uint16_t* row, const int* start, const uint16_t* weights, 
   for (int i = 0; i < 4; ++i) {
     uint32_t rgb = 0;
     for (int c = 0; c < 3; ++c) {
-      uint32_t sum = 128;
-      for (int k = 0; k < taps; ++k) {
-        const size_t pixel = static_cast<size_t>(start[i]) + k;
-        sum += (uint32_t{row[3 * pixel + c]} * weights[16 * k + 4 * i]) >> 16;
-      }
-      rgb |= (sum >> 8) << (8 * c);
+      rgb |= ((128 + sumOf(row, start, weights, taps, i, 3, c)) >> 8) << (8 * c);
     }
     rgb = contentOnly(rgb);
     for (int c = 0; c < 3; ++c) out[3 * i + c] = static_cast<uint8_t>(rgb >> (8 * c));
+  }
+}
+
+void gatherFourCovered(const uint16_t* row, const uint16_t* cover, const int* start,
+                       const uint16_t* weights, int taps, uint8_t* out) {
+  for (int i = 0; i < 4; ++i) {
+    uint32_t sums[3];
+    for (int c = 0; c < 3; ++c) sums[c] = sumOf(row, start, weights, taps, i, 3, c);
+    storeCovered(sums, sumOf(cover, start, weights, taps, i, 3, 0), out + 3 * i);
   }
 }
 #endif
@@ -127,13 +207,29 @@ void gatherColourRow(const uint16_t* row, const int* start, const uint16_t* weig
 void gatherGrayRow(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
                    int cells, uint8_t* out) {
   for (int i = 0; i < cells; ++i) {
-    uint32_t sum = 128;
-    for (int k = 0; k < taps; ++k) {
-      const size_t at = 16 * (static_cast<size_t>(i / 4) * taps + k) + 4 * (i % 4);
-      sum += (uint32_t{row[start[i] + k]} * weights[at]) >> 16;
-    }
+    const uint32_t sum = 128 + sumOf(row, start, weights, taps, i, 1, 0);
     std::memset(out + 3 * static_cast<size_t>(i), static_cast<int>(std::clamp(sum >> 8, 1U, 254U)),
                 3);
+  }
+}
+
+TARN_VECTORISED void splitGray(const uint8_t* row, size_t pixels, uint8_t* content, uint8_t* mask) {
+  for (size_t i = 0; i < pixels; ++i) {
+    mask[i] = row[i] == 0 || row[i] == 255 ? 0 : 255;
+    content[i] = row[i] & mask[i];
+  }
+}
+
+TARN_VECTORISED void splitColour(const uint8_t* row, size_t pixels, uint8_t* content,
+                                 uint8_t* mask) {
+  for (size_t i = 0; i < pixels; ++i) {
+    const uint8_t r = row[3 * i], g = row[3 * i + 1], b = row[3 * i + 2];
+    const uint8_t any = r | g | b, all = r & g & b;
+    const uint8_t keep = any == 0 || all == 255 ? 0 : 255;
+    mask[3 * i] = mask[3 * i + 1] = mask[3 * i + 2] = keep;
+    content[3 * i] = r & keep;
+    content[3 * i + 1] = g & keep;
+    content[3 * i + 2] = b & keep;
   }
 }
 
@@ -189,6 +285,30 @@ void gatherCells(const uint16_t* row, const int* start, const uint16_t* weights,
     default:
       return gatherColourRow<0>(row, start, weights, taps, cells, out);
   }
+}
+
+void splitKeys(const uint8_t* row, size_t pixels, int channels, uint8_t* content, uint8_t* mask) {
+  if (channels == 1) return splitGray(row, pixels, content, mask);
+  splitColour(row, pixels, content, mask);
+}
+
+void gatherCoveredCells(const uint16_t* row, const uint16_t* cover, const int* start,
+                        const uint16_t* weights, int taps, int cells, int channels, uint8_t* out) {
+  if (channels == 1) {
+    for (int i = 0; i < cells; ++i) {
+      const uint32_t sum = sumOf(row, start, weights, taps, i, 1, 0);
+      const uint32_t sums[3] = {sum, sum, sum};
+      storeCovered(sums, sumOf(cover, start, weights, taps, i, 1, 0), out + 3 * i);
+    }
+    return;
+  }
+  const size_t step = size_t{16} * taps;
+  int i = 0;
+  for (; i + 4 < cells; i += 4, weights += step, out += 12)
+    gatherFourCovered(row, cover, start + i, weights, taps, out);
+  uint8_t last[16];
+  gatherFourCovered(row, cover, start + i, weights, taps, last);
+  std::memcpy(out, last, 3 * static_cast<size_t>(cells - i));
 }
 
 void storeContent(const float* sum, int channels, float scale, uint8_t* out) {

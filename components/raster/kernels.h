@@ -25,6 +25,18 @@ void addRowWithoutKeys(const uint8_t* row, float weight, size_t pixels, int chan
 void gatherCells(const uint16_t* row, const int* start, const uint16_t* weights, int taps,
                  int cells, int channels, uint8_t* out);
 
+/// Blended masks where all is content.
+constexpr uint16_t kFullCover = 255 * 256;
+
+/// Takes pure black and white out of a row: `content` has 0 in their place, `mask` 0 for each byte
+/// of theirs and 255 for the others.
+void splitKeys(const uint8_t* row, size_t pixels, int channels, uint8_t* content, uint8_t* mask);
+
+/// gatherCells() for rows of which some pixels are nothing: `row` is blended from content and
+/// `cover` from masks. A cell is black when less than half of it is content.
+void gatherCoveredCells(const uint16_t* row, const uint16_t* cover, const int* start,
+                        const uint16_t* weights, int taps, int cells, int channels, uint8_t* out);
+
 /// A cell's value from its sum: rounded, and never pure black or white.
 void storeContent(const float* sum, int channels, float scale, uint8_t* out);
 

@@ -19,6 +19,8 @@ struct Segment {
   int end = 0;
 };
 
+using Rows = std::array<const uint8_t*, kMostFastTaps>;
+
 /// Resamples rows of one window; holds the buffers of one thread.
 class RowSampler {
  public:
@@ -46,8 +48,8 @@ class RowSampler {
     for (int i = 0; i < down_.cells(); ++i) {
       uint8_t* row = out_ + (down_.first + i) * stride_;
       const bool keys = rowHasKeys(i);
-      if (!keys && down_.width <= kMostFastTaps && across_.width <= kMostFastTaps) {
-        averageFast(i, row);
+      if (down_.width <= kMostFastTaps && across_.width <= kMostFastTaps) {
+        averageFast(i, keys, row);
       } else {
         averageExact(i, keys, row);
       }
@@ -110,19 +112,49 @@ class RowSampler {
     return weights;
   }
 
-  void averageFast(int i, uint8_t* row) {
+  void averageFast(int i, bool keys, uint8_t* row) {
     const int count = rowsOf(i);
     const auto weights = quantisedDown(i, count);
+    bool covered = true;
     for (const Segment& segment : segments_) {
-      std::array<const uint8_t*, kMostFastTaps> rows{};
+      Rows rows{};
       for (int k = 0; k < count; ++k) rows[k] = pixelsAt(segment, down_.start[i] + k);
-      blendRows(
-          rows.data(), weights.data(), count,
-          static_cast<size_t>(segment.end - segment.begin) * channels_,
-          blended_.data() + static_cast<size_t>(segment.begin - across_.pixelBegin) * channels_);
+      const size_t bytes = static_cast<size_t>(segment.end - segment.begin) * channels_;
+      const size_t at = static_cast<size_t>(segment.begin - across_.pixelBegin) * channels_;
+      if (keys && hasKeys(rows, count, bytes)) {
+        if (covered) covers_.assign(blended_.size(), kFullCover);
+        covered = false;
+        const Rows masks = splitRows(rows, count, bytes);
+        blendRows(masks.data(), weights.data(), count, bytes, covers_.data() + at);
+      }
+      blendRows(rows.data(), weights.data(), count, bytes, blended_.data() + at);
     }
-    gatherCells(blended_.data(), start_.data(), fastWeights_.data(), across_.width, across_.cells(),
-                channels_, row);
+    if (covered) {
+      gatherCells(blended_.data(), start_.data(), fastWeights_.data(), across_.width,
+                  across_.cells(), channels_, row);
+    } else {
+      gatherCoveredCells(blended_.data(), covers_.data(), start_.data(), fastWeights_.data(),
+                         across_.width, across_.cells(), channels_, row);
+    }
+  }
+
+  bool hasKeys(const Rows& rows, int count, size_t bytes) const {
+    return std::any_of(rows.begin(), rows.begin() + count, [&](const uint8_t* row) {
+      return findKeys(row, bytes / channels_, channels_);
+    });
+  }
+
+  /// Puts rows of content in the place of the rows, and gives their masks.
+  Rows splitRows(Rows& rows, int count, size_t bytes) {
+    split_.resize(2 * kMostFastTaps * bytes);
+    Rows masks{};
+    for (int k = 0; k < count; ++k) {
+      uint8_t* content = split_.data() + 2 * k * bytes;
+      splitKeys(rows[k], bytes / channels_, channels_, content, content + bytes);
+      rows[k] = content;
+      masks[k] = content + bytes;
+    }
+    return masks;
   }
 
   void averageExact(int i, bool keys, uint8_t* row) {
@@ -224,6 +256,8 @@ class RowSampler {
   size_t pixels_ = 0;
   std::vector<uint16_t> fastWeights_;
   std::vector<uint16_t> blended_;
+  std::vector<uint16_t> covers_;
+  std::vector<uint8_t> split_;
   std::vector<float> sums_;
   std::vector<float> cover_;
 };
