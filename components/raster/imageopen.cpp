@@ -166,12 +166,17 @@ Status RasterImage::checkWhole() const {
   const Status cut =
       Status::error(path_ + ": is cut short or damaged: its last pixels are missing");
   if (facts_.driver == "JPEG") return hasJpegEnd(*file_, times_.size) ? Status::ok() : cut;
-  if (facts_.driver != "HFA") return Status::ok();
-  const TileGrid& grid = levels_[0].reader->grid();
+  // What is read straight from the file was checked with its directory.
+  const TileReader& reader = *levels_[0].reader;
+  if (reader.cheap()) return Status::ok();
+  // One tile tells whether the pixels can be decoded at all; an IMG may end early.
+  const TileGrid& grid = reader.grid();
+  const bool last = facts_.driver == "HFA";
   Tile tile;
   uint64_t bytes = 0;
-  const bool whole = levels_[0].reader->read(grid.columns() - 1, grid.rows() - 1, tile, bytes);
-  return whole ? Status::ok() : cut;
+  if (reader.read(last ? grid.columns() - 1 : 0, last ? grid.rows() - 1 : 0, tile, bytes))
+    return Status::ok();
+  return last ? cut : Status::error(path_ + ": its pixels cannot be decoded");
 }
 
 void RasterImage::loadPlacement() {

@@ -137,7 +137,7 @@ std::string rotationNote(const GeoTransform& t) {
   const bool mirrored = t.a * t.e - t.b * t.d > 0;
   const double rotation = kDegrees * std::atan2(mirrored ? -t.d : t.d, mirrored ? -t.a : t.a);
   const double down = kDegrees * std::atan2(t.b, -t.e);
-  double shear = std::fabs(std::remainder(rotation + down, 360));
+  double shear = std::fabs(std::remainder(rotation - down, 360));
   std::string text = "is rotated by " + rounded(std::fabs(rotation)) + " degrees";
   constexpr double kSquare = 0.05;
   if (shear > kSquare) text += " and sheared by " + rounded(shear);

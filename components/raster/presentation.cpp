@@ -238,6 +238,8 @@ std::string scaleNote(const ImageFacts& facts, const Presentation& p) {
                                                  : (topOf(band) > 0 ? "" : "signed ") +
                                                        std::to_string(band.bits) + " bits";
   if (p.scale.low > p.scale.high) return "seems to hold nothing but nodata";
+  if (p.scale.low == p.scale.high)
+    return "holds one value only (" + formatDouble(p.scale.low) + "): shown in mid gray";
   char range[64];
   std::snprintf(range, sizeof range, " (%.6g to %.6g)", p.scale.low, p.scale.high);
   return "scaled from " + kind + range;
