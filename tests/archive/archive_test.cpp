@@ -30,9 +30,14 @@ std::string joined(const std::vector<std::string>& notes) {
   return all;
 }
 
-/// The two numbers of the note about scaling.
+/// The numbers of the note about scaling.
 Scale scaleIn(const std::string& notes) {
   Scale scale{0, 1};
+  const std::string single = "holds one value only (";
+  if (const size_t only = notes.find(single); only != std::string::npos) {
+    scale.low = scale.high = std::strtod(notes.c_str() + only + single.size(), nullptr);
+    return scale;
+  }
   const size_t at = notes.find("scaled from");
   const size_t open = notes.find('(', at), middle = notes.find(" to ", open);
   if (at == std::string::npos || middle == std::string::npos) return scale;
@@ -97,7 +102,8 @@ bool sameTransform(const std::array<double, 6>& a, const std::array<double, 6>& 
 }
 
 void checkNorthUp(const RasterImage& image, const Reference& reference, const Scale& scale) {
-  const int width = std::min(kMostSide, image.width()), height = std::min(kMostSide, image.height());
+  const int width = std::min(kMostSide, image.width()),
+            height = std::min(kMostSide, image.height());
   const Piece piece{(image.width() - width) / 2, (image.height() - height) / 2, width, height};
   const auto expected = reference.read(piece, scale);
   ASSERT_TRUE(expected) << "GDAL cannot read it";
@@ -112,23 +118,27 @@ void checkWarped(const RasterImage& image, const Reference& reference, const Sca
   ASSERT_TRUE(expected) << "GDAL cannot warp it";
   const auto ours = readOurs(image, {0, 0, image.width(), image.height()});
   const Difference off = compare(*expected, ours, 3);
-  EXPECT_LE(off.wrong, 0.01);
+  // Control points are fitted to a tenth of a pixel, which shows at a few steep edges.
+  EXPECT_LE(off.wrong, 0.01 + 3.0 / static_cast<double>(expected->content.size()));
   // Half covered pixels of the rim may be drawn or not.
   EXPECT_LE(off.missing, 4.0 / std::min(image.width(), image.height()));
 }
 
-void checkShown(const Row& row, const RasterImage& image, const std::string& path) {
+void checkNotes(const Row& row, const RasterImage& image) {
   const std::string notes = joined(image.notes());
   if (*row.says) {
     EXPECT_NE(notes.find(row.says), std::string::npos) << notes;
   } else {
     EXPECT_EQ(notes, "");
   }
+}
+
+void checkShown(const RasterImage& image, const std::string& path) {
   const Reference reference(path);
   ASSERT_TRUE(reference.isOpen()) << "shown, but GDAL cannot open it";
   Scale scale;
   if (reference.isDeep()) {
-    scale = scaleIn(notes);
+    scale = scaleIn(joined(image.notes()));
     const int width = std::min(kMostSide, reference.width()),
               height = std::min(kMostSide, reference.height());
     const auto outside = reference.sharesOutside({0, 0, width, height}, scale);
@@ -161,7 +171,8 @@ TEST_P(Archive, IsShownRightlyOrRefusedWithItsReason) {
     EXPECT_NE(opened.message().find(row.says), std::string::npos) << opened.message();
   } else {
     ASSERT_TRUE(opened) << opened.message();
-    if (row.verdict == kShown) checkShown(row, *opened.value(), path);
+    checkNotes(row, *opened.value());
+    if (row.verdict == kShown) checkShown(*opened.value(), path);
     if (row.verdict == kBroken) {
       std::vector<uint8_t> out(300 * 300 * 3);
       raster::ReadCounts counts;
@@ -169,7 +180,7 @@ TEST_P(Archive, IsShownRightlyOrRefusedWithItsReason) {
       const double cell = std::max(image.width(), image.height()) / 300.0;
       const Status done = image.read({0, 0, cell, cell, 300, 300}, false, out.data(), counts);
       EXPECT_FALSE(done);
-      EXPECT_NE(done.message().find(row.says), std::string::npos) << done.message();
+      EXPECT_NE(done.message().find(path), std::string::npos) << done.message();
     }
   }
   CPLPopErrorHandler();

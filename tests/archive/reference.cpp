@@ -134,7 +134,8 @@ std::optional<Colours> Reference::read(const Piece& piece, const Scale& scale) c
     }
     for (int c = 0; c < 3; ++c) {
       const double value = read->bands[c][i];
-      const double part = isDeep() ? (value - scale.low) / (scale.high - scale.low) : value / top;
+      const double span = scale.high - scale.low;
+      const double part = !isDeep() ? value / top : span > 0 ? (value - scale.low) / span : 0.5;
       rgb[c] = static_cast<float>(isDeep() ? 1 + 253 * std::clamp(part, 0.0, 1.0) : 255 * part);
     }
   }
@@ -164,15 +165,19 @@ std::optional<Colours> Reference::warp(const std::array<double, 6>& grid, int wi
   GDALDriver* memory = GetGDALDriverManager()->GetDriverByName("MEM");
   GDALDataset* source = memory->Create("", whole->width, whole->height, 4, GDT_Float32, nullptr);
   GDALDataset* target = memory->Create("", width, height, 4, GDT_Float32, nullptr);
-  std::vector<float> alpha(whole->content.begin(), whole->content.end());
-  for (float& a : alpha) a *= 255;
+  // Pure black and pure white are nothing too, and so take no part in mixtures.
+  std::vector<float> alpha(whole->content.size());
+  for (size_t i = 0; i < alpha.size(); ++i) {
+    const float* p = &whole->rgb[3 * i];
+    const auto [least, largest] = std::minmax({p[0], p[1], p[2]});
+    alpha[i] = whole->content[i] && largest > 0 && least < 255 ? 255.0F : 0.0F;
+  }
   for (int c = 0; c < 4; ++c) {
-    const bool done =
-        source->GetRasterBand(c + 1)->RasterIO(
-            GF_Write, 0, 0, whole->width, whole->height,
-            c == 3 ? alpha.data() : const_cast<float*>(whole->rgb.data()) + c, whole->width,
-            whole->height, GDT_Float32, c == 3 ? 0 : 12, c == 3 ? 0 : 12 * GSpacing{whole->width},
-            nullptr) == CE_None;
+    const bool done = source->GetRasterBand(c + 1)->RasterIO(
+                          GF_Write, 0, 0, whole->width, whole->height,
+                          c == 3 ? alpha.data() : const_cast<float*>(whole->rgb.data()) + c,
+                          whole->width, whole->height, GDT_Float32, c == 3 ? 0 : 12,
+                          c == 3 ? 0 : 12 * GSpacing{whole->width}, nullptr) == CE_None;
     if (!done) return std::nullopt;
   }
   source->GetRasterBand(4)->SetColorInterpretation(GCI_AlphaBand);
@@ -189,10 +194,10 @@ std::optional<Colours> Reference::warp(const std::array<double, 6>& grid, int wi
   alpha.resize(static_cast<size_t>(width) * height);
   bool done = warped == CE_None;
   for (int c = 0; c < 4 && done; ++c) {
-    done = target->GetRasterBand(c + 1)->RasterIO(
-               GF_Read, 0, 0, width, height, c == 3 ? alpha.data() : out.rgb.data() + c, width,
-               height, GDT_Float32, c == 3 ? 0 : 12, c == 3 ? 0 : 12 * GSpacing{width},
-               nullptr) == CE_None;
+    done =
+        target->GetRasterBand(c + 1)->RasterIO(
+            GF_Read, 0, 0, width, height, c == 3 ? alpha.data() : out.rgb.data() + c, width, height,
+            GDT_Float32, c == 3 ? 0 : 12, c == 3 ? 0 : 12 * GSpacing{width}, nullptr) == CE_None;
   }
   for (const float a : alpha) out.content.push_back(a >= 254.5F ? 1 : 0);
   GDALClose(source);
