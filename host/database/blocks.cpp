@@ -34,6 +34,12 @@ Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator
   return Acad::eOk;
 }
 
+Acad::ErrorStatus AcDbBlockTableRecord::setOrigin(const AcGePoint3d& origin) {
+  assertWriteEnabled();
+  origin_ = origin;
+  return Acad::eOk;
+}
+
 bool AcDbBlockTableRecord::isLayout() const {
   const ACHAR* name = L"";
   getName(name);
@@ -43,12 +49,16 @@ bool AcDbBlockTableRecord::isLayout() const {
 
 Acad::ErrorStatus AcDbBlockTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
   const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgOutFields(filer);
-  return status == Acad::eOk ? tarn::host::writeIds(*filer, entities_) : status;
+  if (status != Acad::eOk) return status;
+  filer->writePoint3d(origin_);
+  return tarn::host::writeIds(*filer, entities_);
 }
 
 Acad::ErrorStatus AcDbBlockTableRecord::dwgInFields(AcDbDwgFiler* filer) {
   const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgInFields(filer);
-  return status == Acad::eOk ? tarn::host::readIds(*filer, entities_) : status;
+  if (status != Acad::eOk) return status;
+  filer->readPoint3d(&origin_);
+  return tarn::host::readIds(*filer, entities_);
 }
 
 AcDbBlockTableRecordIterator::AcDbBlockTableRecordIterator(AcDbObjectIdArray ids, bool atBeginning,

@@ -43,6 +43,8 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   if (!buildDefaultDrawing) return;
   state_->blockTable = addOwn(*this, new AcDbBlockTable);
   state_->layerTable = addOwn(*this, new AcDbLayerTable);
+  state_->linetypeTable = addOwn(*this, new AcDbLinetypeTable);
+  state_->textStyleTable = addOwn(*this, new AcDbTextStyleTable);
   state_->namedObjects = addOwn(*this, new AcDbDictionary);
   state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
   state_->currentLayer = state_->layerZero;
@@ -81,6 +83,12 @@ AcDbObjectId AcDbDatabase::blockTableId() const {
 }
 AcDbObjectId AcDbDatabase::layerTableId() const {
   return state_->layerTable;
+}
+AcDbObjectId AcDbDatabase::linetypeTableId() const {
+  return state_->linetypeTable;
+}
+AcDbObjectId AcDbDatabase::textStyleTableId() const {
+  return state_->textStyleTable;
 }
 AcDbObjectId AcDbDatabase::namedObjectsDictionaryId() const {
   return state_->namedObjects;

@@ -1,11 +1,15 @@
 #include "host/database/databaseinit.h"
 
+#include "dbblockref.h"
+#include "dbcurve.h"
 #include "dbdict.h"
 #include "dbents.h"
 #include "dblayout.h"
 #include "dbmain.h"
+#include "dbpl.h"
 #include "dbproxy.h"
 #include "dbsymtb.h"
+#include "dbtext.h"
 #include "dbxrecrd.h"
 #include "host/rx/rxinit.h"
 
@@ -18,13 +22,26 @@ void registerDatabaseClasses() {
   AcDbEntity::rxInit();
   AcDbLine::rxInit();
   AcDbViewport::rxInit();
+  AcDbPoint::rxInit();
+  AcDbCircle::rxInit();
+  AcDbArc::rxInit();
+  AcDbEllipse::rxInit();
+  AcDbText::rxInit();
+  AcDbMText::rxInit();
+  AcDbPolyline::rxInit();
+  AcDbBlockReference::rxInit();
   AcDbProxyEntity::rxInit();
+  AcDbProxyObject::rxInit();
   AcDbSymbolTableRecord::rxInit();
   AcDbSymbolTable::rxInit();
   AcDbLayerTableRecord::rxInit();
   AcDbLayerTable::rxInit();
   AcDbBlockTableRecord::rxInit();
   AcDbBlockTable::rxInit();
+  AcDbLinetypeTableRecord::rxInit();
+  AcDbLinetypeTable::rxInit();
+  AcDbTextStyleTableRecord::rxInit();
+  AcDbTextStyleTable::rxInit();
   AcDbViewTableRecord::rxInit();
   AcDbDictionary::rxInit();
   AcDbXrecord::rxInit();

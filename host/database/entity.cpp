@@ -9,6 +9,7 @@
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyEntity, AcDbEntity)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyObject, AcDbObject)
 
 namespace {
 

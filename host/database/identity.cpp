@@ -1,7 +1,11 @@
+#include <algorithm>
 #include <cwchar>
 #include <deque>
 
+#include "base/text.h"
+#include "dbdict.h"
 #include "dbid.h"
+#include "dbsymtb.h"
 #include "host/database/objectaccess.h"
 
 AcDbHandle::AcDbHandle(const ACHAR* digits) {
@@ -45,19 +49,60 @@ const AcRxClass* AcDbObjectId::objectClass() const {
 
 namespace tarn::host {
 
-AcDbObjectId ObjectAccess::adopt(AcDbDatabase& database, AcDbObject* object) {
+AcDbObjectId ObjectAccess::adopt(AcDbDatabase& database, AcDbObject* object, Adesk::UInt64 handle) {
   // Not destroyed at the end of the process either: ids in other libraries' globals are.
   static auto& everySlot = *new std::deque<AcDbStub>;
   DatabaseState& own = state(database);
   AcDbStub& slot = everySlot.emplace_back();
+  if (handle == 0 || own.stubs.count(handle) > 0) handle = own.nextHandle;
+  while (own.stubs.count(handle) > 0) ++handle;
+  own.nextHandle = std::max(own.nextHandle, handle + 1);
   slot.database = &database;
-  slot.handle = AcDbHandle(own.nextHandle);
+  slot.handle = AcDbHandle(handle);
   slot.object.reset(object);
-  own.stubs.emplace(own.nextHandle++, &slot);
+  slot.changed = true;
+  // Files have their objects mostly in the order of handles.
+  own.stubs.emplace_hint(own.stubs.end(), handle, &slot);
   object->id_ = AcDbObjectId(&slot);
   object->writing_ = true;
   object->appended_ = true;
   return object->id_;
+}
+
+void ObjectAccess::finishReading(AcDbObject& object) {
+  object.writing_ = false;
+  object.appended_ = false;
+  object.modified_ = false;
+  object.graphicsModified_ = false;
+  static_cast<AcDbStub*>(object.id_)->changed = false;
+}
+
+bool ObjectAccess::isChanged(AcDbObjectId id) {
+  return static_cast<AcDbStub*>(id)->changed;
+}
+
+void ObjectAccess::setChanged(AcDbObject& object) {
+  static_cast<AcDbStub*>(object.id_)->changed = true;
+}
+
+void ObjectAccess::addRecordRead(AcDbSymbolTable& table, AcDbObjectId record) {
+  table.records_.append(record);
+  setOwner(*peek(record), table.objectId());
+}
+
+void ObjectAccess::addEntityRead(AcDbBlockTableRecord& block, AcDbObjectId entity) {
+  block.entities_.append(entity);
+  setOwner(*peek(entity), block.objectId());
+}
+
+void ObjectAccess::setOriginRead(AcDbBlockTableRecord& block, const AcGePoint3d& origin) {
+  block.origin_ = origin;
+}
+
+void ObjectAccess::addEntryRead(AcDbDictionary& dictionary, const std::wstring& name,
+                                AcDbObjectId id) {
+  dictionary.entries_[toLower(name)] = {name, id};
+  setOwner(*peek(id), dictionary.objectId());
 }
 
 AcDbObject* peek(AcDbObjectId id) {

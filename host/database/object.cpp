@@ -85,6 +85,7 @@ void AcDbObject::endWrite() {
   const bool eraseChanged = std::exchange(eraseChanged_, false);
   const bool graphics = std::exchange(graphicsModified_, false);
   const bool modified = std::exchange(modified_, false) || graphics;
+  if (eraseChanged || modified) tarn::host::ObjectAccess::setChanged(*this);
   const auto told = reactors_ ? reactors_->list : std::vector<AcDbObjectReactor*>();
   tarn::host::DatabaseObserver* observer = tarn::host::observerOf(*this);
   if (eraseChanged) {

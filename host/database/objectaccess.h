@@ -8,6 +8,11 @@
 
 #include "dbid.h"
 #include "dbmain.h"
+#include "gepnt3d.h"
+
+class AcDbBlockTableRecord;
+class AcDbDictionary;
+class AcDbSymbolTable;
 
 namespace tarn::host {
 class DatabaseObserver;
@@ -20,6 +25,7 @@ class AcDbStub {
   AcDbDatabase* database = nullptr;
   AcDbHandle handle;
   std::unique_ptr<AcDbObject> object;
+  bool changed = false;  ///< since it was read from a drawing file; always, when it was not
 };
 
 namespace tarn::host {
@@ -29,6 +35,8 @@ struct DatabaseState {
   Adesk::UInt64 nextHandle = 1;
   AcDbObjectId blockTable;
   AcDbObjectId layerTable;
+  AcDbObjectId linetypeTable;
+  AcDbObjectId textStyleTable;
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
   AcDbObjectId currentLayer;
@@ -41,7 +49,20 @@ struct DatabaseState {
 class ObjectAccess {
  public:
   static DatabaseState& state(AcDbDatabase& database) { return *database.state_; }
-  static AcDbObjectId adopt(AcDbDatabase& database, AcDbObject* object);
+  /// The database owns the object from then on; it is left open for write. With a handle of 0, or
+  /// one that is taken, it gets the next free one.
+  static AcDbObjectId adopt(AcDbDatabase& database, AcDbObject* object, Adesk::UInt64 handle = 0);
+  /// Closes an object that was read from a file, without a word to anybody: it counts as unchanged.
+  static void finishReading(AcDbObject& object);
+  /// The next free handle, for something that is no object of the database.
+  static Adesk::UInt64 takeHandle(AcDbDatabase& database) { return state(database).nextHandle++; }
+  static bool isChanged(AcDbObjectId id);
+  static void setChanged(AcDbObject& object);
+  // While a file is read: what is put in is neither announced nor looked for.
+  static void addRecordRead(AcDbSymbolTable& table, AcDbObjectId record);
+  static void addEntityRead(AcDbBlockTableRecord& block, AcDbObjectId entity);
+  static void setOriginRead(AcDbBlockTableRecord& block, const AcGePoint3d& origin);
+  static void addEntryRead(AcDbDictionary& dictionary, const std::wstring& name, AcDbObjectId id);
   static Acad::ErrorStatus open(AcDbObject& object, AcDb::OpenMode mode, bool openErased);
   static void beginWrite(AcDbObject& object);
   static void setOwner(AcDbObject& object, AcDbObjectId owner) { object.ownerId_ = owner; }

@@ -45,6 +45,7 @@ class ACADHOST_EXPORT AcDbDictionary : public AcDbObject {
 
  private:
   friend class AcDbDictionaryIterator;
+  friend class tarn::host::ObjectAccess;
   struct Entry {
     std::wstring name;
     AcDbObjectId id;

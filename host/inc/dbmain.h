@@ -132,6 +132,8 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
 
   AcDbObjectId blockTableId() const;
   AcDbObjectId layerTableId() const;
+  AcDbObjectId linetypeTableId() const;
+  AcDbObjectId textStyleTableId() const;
   AcDbObjectId namedObjectsDictionaryId() const;
   Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode);
   Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode);

@@ -1,5 +1,8 @@
-// Stand-ins for entities whose class is not known.
+// Stand-ins for objects whose class is not known.
 #pragma once
+
+#include <string>
+#include <utility>
 
 #include "dbents.h"
 
@@ -19,4 +22,17 @@ class ACADHOST_EXPORT AcDbProxyEntity : public AcDbEntity {
     kVisibilityChangeAllowed = 0x40,
     kAllAllowedBits = 0x7F,
   };
+};
+
+/// Stands for an object of a drawing file that no class here is made for, so that dictionaries can
+/// name it. What it holds stays in the file.
+class ACADHOST_EXPORT AcDbProxyObject : public AcDbObject {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbProxyObject);
+  explicit AcDbProxyObject(std::wstring dxfName = {}) : dxfName_(std::move(dxfName)) {}
+  /// The kind of the object in drawing files.
+  const ACHAR* originalDxfName() const { return dxfName_.c_str(); }
+
+ private:
+  std::wstring dxfName_;
 };

@@ -64,6 +64,7 @@ class ACADHOST_EXPORT AcDbSymbolTable : public AcDbObject {
   virtual AcRxClass* recordClass() const;
 
  private:
+  friend class tarn::host::ObjectAccess;
   AcDbObjectIdArray records_;
 };
 
@@ -118,6 +119,25 @@ class ACADHOST_EXPORT AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTabl
   ACRX_DECLARE_MEMBERS(AcDbLayerTable);
 };
 
+/// A pattern of lines, a style of texts: by name. What they say beyond that stays in the drawing
+/// file.
+class ACADHOST_EXPORT AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbLinetypeTableRecord);
+};
+class ACADHOST_EXPORT AcDbLinetypeTable : public AcDbTypedSymbolTable<AcDbLinetypeTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbLinetypeTable);
+};
+class ACADHOST_EXPORT AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbTextStyleTableRecord);
+};
+class ACADHOST_EXPORT AcDbTextStyleTable : public AcDbTypedSymbolTable<AcDbTextStyleTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbTextStyleTable);
+};
+
 class AcDbBlockTableRecordIterator;
 
 /// A block: model space, a paper space, or a definition. Owns its entities in drawing order.
@@ -134,11 +154,16 @@ class ACADHOST_EXPORT AcDbBlockTableRecord : public AcDbSymbolTableRecord {
                                 bool skipDeleted = true) const;
   bool isLayout() const;
   const AcDbObjectIdArray& entityIds() const { return entities_; }
+  /// The point that comes to an insertion's position.
+  AcGePoint3d origin() const { return origin_; }
+  Acad::ErrorStatus setOrigin(const AcGePoint3d& origin);
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
 
  private:
+  friend class tarn::host::ObjectAccess;
   AcDbObjectIdArray entities_;
+  AcGePoint3d origin_;
 };
 
 class ACADHOST_EXPORT AcDbBlockTableRecordIterator {

@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <cmath>
+
+#include "acgi.h"
+#include "dbblockref.h"
+#include "dbfiler.h"
+#include "dbsymtb.h"
+#include "host/database/blockdraw.h"
+#include "host/database/drawnextents.h"
+#include "host/database/entitysystem.h"
+#include "host/database/objectaccess.h"
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
+                        0, INSERT, ObjectDBX Classes)
+
+namespace {
+
+AcGeMatrix3d scaleMatrix(const AcGeVector3d& scale) {
+  AcGeMatrix3d matrix;
+  matrix.entry[0][0] = scale.x;
+  matrix.entry[1][1] = scale.y;
+  matrix.entry[2][2] = scale.z;
+  return matrix;
+}
+
+}  // namespace
+
+AcDbObjectId AcDbBlockReference::blockTableRecord() const {
+  assertReadEnabled();
+  return block_;
+}
+
+Acad::ErrorStatus AcDbBlockReference::setBlockTableRecord(AcDbObjectId block) {
+  assertWriteEnabled();
+  block_ = block;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+const AcDbBlockReference::Placement& AcDbBlockReference::placement() const {
+  assertReadEnabled();
+  return placement_;
+}
+
+Acad::ErrorStatus AcDbBlockReference::setPlacement(const Placement& placement) {
+  assertWriteEnabled();
+  placement_ = placement;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+const std::vector<AcDbTextLine>& AcDbBlockReference::attributes() const {
+  assertReadEnabled();
+  return attributes_;
+}
+
+Acad::ErrorStatus AcDbBlockReference::setAttributes(std::vector<AcDbTextLine> attributes) {
+  assertWriteEnabled();
+  attributes_ = std::move(attributes);
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+AcGeMatrix3d AcDbBlockReference::blockTransform() const {
+  assertReadEnabled();
+  AcGePoint3d base;
+  if (const auto* record = AcDbBlockTableRecord::cast(tarn::host::peek(block_))) {
+    base = record->origin();
+  }
+  return tarn::host::entityToWorld(placement_.normal) *
+         AcGeMatrix3d::translation(placement_.position.asVector()) *
+         AcGeMatrix3d::rotation(placement_.rotation, AcGeVector3d::kZAxis) *
+         scaleMatrix(placement_.scale) * AcGeMatrix3d::translation(-base.asVector());
+}
+
+Acad::ErrorStatus AcDbBlockReference::dwgOutFields(AcDbDwgFiler* filer) const {
+  const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
+  if (status != Acad::eOk) return status;
+  filer->writeHardPointerId(block_);
+  filer->writePoint3d(placement_.position);
+  filer->writeVector3d(placement_.normal);
+  filer->writeVector3d(placement_.scale);
+  filer->writeDouble(placement_.rotation);
+  filer->writeInt16(placement_.columns);
+  filer->writeInt16(placement_.rows);
+  filer->writeDouble(placement_.columnSpacing);
+  filer->writeDouble(placement_.rowSpacing);
+  filer->writeInt32(static_cast<Adesk::Int32>(attributes_.size()));
+  for (const AcDbTextLine& line : attributes_) line.write(*filer);
+  return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbBlockReference::dwgInFields(AcDbDwgFiler* filer) {
+  const Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
+  if (status != Acad::eOk) return status;
+  Adesk::Int32 count = 0;
+  filer->readHardPointerId(&block_);
+  filer->readPoint3d(&placement_.position);
+  filer->readVector3d(&placement_.normal);
+  filer->readVector3d(&placement_.scale);
+  filer->readDouble(&placement_.rotation);
+  filer->readInt16(&placement_.columns);
+  filer->readInt16(&placement_.rows);
+  filer->readDouble(&placement_.columnSpacing);
+  filer->readDouble(&placement_.rowSpacing);
+  filer->readInt32(&count);
+  std::vector<AcDbTextLine> read;
+  for (Adesk::Int32 i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+    read.emplace_back().read(*filer);
+  }
+  if (filer->filerStatus() == Acad::eOk) attributes_ = std::move(read);
+  return filer->filerStatus();
+}
+
+Adesk::Boolean AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
+  assertReadEnabled();
+  const AcGeMatrix3d first = blockTransform();
+  const AcGeMatrix3d world = tarn::host::entityToWorld(placement_.normal) *
+                             AcGeMatrix3d::rotation(placement_.rotation, AcGeVector3d::kZAxis);
+  const Adesk::UInt16 color = draw->subEntityTraits().color();
+  for (int row = 0; row < std::max<int>(1, placement_.rows); ++row) {
+    for (int column = 0; column < std::max<int>(1, placement_.columns); ++column) {
+      if (draw->regenAbort()) return Adesk::kTrue;
+      const AcGeVector3d offset =
+          world * AcGeVector3d(column * placement_.columnSpacing, row * placement_.rowSpacing, 0);
+      tarn::host::drawBlock(*draw, block_, AcGeMatrix3d::translation(offset) * first, color);
+    }
+  }
+  draw->subEntityTraits().setColor(color);
+  for (const AcDbTextLine& line : attributes_) line.draw(*draw);
+  return Adesk::kTrue;
+}
+
+Acad::ErrorStatus AcDbBlockReference::subGetGeomExtents(AcDbExtents& extents) const {
+  return tarn::host::drawnExtents(*this, extents);
+}
+
+Acad::ErrorStatus AcDbBlockReference::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker,
+                                                        const AcGePoint3d&, const AcGePoint3d&,
+                                                        const AcGeMatrix3d&,
+                                                        AcGePoint3dArray& snapPoints,
+                                                        AcDbIntArray&) const {
+  assertReadEnabled();
+  if (osnapMode != AcDb::kOsModeIns) return Acad::eOk;
+  snapPoints.append(tarn::host::entityToWorld(placement_.normal) * placement_.position);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbBlockReference::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray&,
+                                                       AcDbIntArray&) const {
+  assertReadEnabled();
+  gripPoints.append(tarn::host::entityToWorld(placement_.normal) * placement_.position);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& transform) {
+  assertWriteEnabled();
+  const tarn::host::OwnChange change = tarn::host::changeOf(placement_.normal, transform);
+  placement_.position.transformBy(change.map);
+  placement_.rotation = change.turned(placement_.rotation);
+  placement_.scale *= change.scale;
+  placement_.columnSpacing *= change.scale;
+  placement_.rowSpacing *= change.scale;
+  placement_.normal = change.normal;
+  for (AcDbTextLine& line : attributes_) line.transformBy(transform);
+  recordGraphicsModified();
+  return Acad::eOk;
+}

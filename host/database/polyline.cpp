@@ -1,0 +1,203 @@
+#include "acgi.h"
+#include "dbfiler.h"
+#include "dbpl.h"
+#include "host/database/drawnextents.h"
+#include "host/database/entitysystem.h"
+
+ACRX_DXF_DEFINE_MEMBERS(AcDbPolyline, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
+                        LWPOLYLINE, ObjectDBX Classes)
+
+namespace {
+
+constexpr short kFramePoint = 16;
+
+}  // namespace
+
+unsigned AcDbPolyline::numVerts() const {
+  return static_cast<unsigned>(vertices().size());
+}
+
+const std::vector<AcDbPolylineVertex>& AcDbPolyline::vertices() const {
+  assertReadEnabled();
+  return vertices_;
+}
+
+Acad::ErrorStatus AcDbPolyline::setVertices(std::vector<AcDbPolylineVertex> vertices) {
+  assertWriteEnabled();
+  vertices_ = std::move(vertices);
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbPolyline::addVertex(double x, double y, double bulge) {
+  assertWriteEnabled();
+  AcDbPolylineVertex vertex;
+  vertex.point = {x, y, 0};
+  vertex.bulge = bulge;
+  vertices_.push_back(vertex);
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+bool AcDbPolyline::isClosed() const {
+  assertReadEnabled();
+  return closed_;
+}
+
+Acad::ErrorStatus AcDbPolyline::setClosed(Adesk::Boolean closed) {
+  assertWriteEnabled();
+  closed_ = closed;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+bool AcDbPolyline::isInSpace() const {
+  assertReadEnabled();
+  return inSpace_;
+}
+
+Acad::ErrorStatus AcDbPolyline::setInSpace(bool inSpace) {
+  assertWriteEnabled();
+  inSpace_ = inSpace;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+double AcDbPolyline::elevation() const {
+  assertReadEnabled();
+  return elevation_;
+}
+
+Acad::ErrorStatus AcDbPolyline::setElevation(double elevation) {
+  assertWriteEnabled();
+  elevation_ = elevation;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+AcGeVector3d AcDbPolyline::normal() const {
+  assertReadEnabled();
+  return normal_;
+}
+
+Acad::ErrorStatus AcDbPolyline::setNormal(const AcGeVector3d& normal) {
+  assertWriteEnabled();
+  normal_ = normal;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
+  const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
+  if (status != Acad::eOk) return status;
+  filer->writeVector3d(normal_);
+  filer->writeDouble(elevation_);
+  filer->writeBool(closed_);
+  filer->writeBool(inSpace_);
+  filer->writeInt32(static_cast<Adesk::Int32>(vertices_.size()));
+  for (const AcDbPolylineVertex& vertex : vertices_) {
+    filer->writePoint3d(vertex.point);
+    for (const double value : {vertex.bulge, vertex.startWidth, vertex.endWidth}) {
+      filer->writeDouble(value);
+    }
+    filer->writeInt16(vertex.flags);
+  }
+  return filer->filerStatus();
+}
+
+Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
+  const Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
+  if (status != Acad::eOk) return status;
+  Adesk::Int32 count = 0;
+  filer->readVector3d(&normal_);
+  filer->readDouble(&elevation_);
+  filer->readBool(&closed_);
+  filer->readBool(&inSpace_);
+  filer->readInt32(&count);
+  std::vector<AcDbPolylineVertex> read;
+  for (Adesk::Int32 i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
+    AcDbPolylineVertex vertex;
+    filer->readPoint3d(&vertex.point);
+    for (double* value : {&vertex.bulge, &vertex.startWidth, &vertex.endWidth}) {
+      filer->readDouble(value);
+    }
+    filer->readInt16(&vertex.flags);
+    read.push_back(vertex);
+  }
+  if (filer->filerStatus() == Acad::eOk) vertices_ = std::move(read);
+  return filer->filerStatus();
+}
+
+AcGePoint3d AcDbPolyline::worldPoint(const AcDbPolylineVertex& vertex) const {
+  if (inSpace_) return vertex.point;
+  return tarn::host::entityToWorld(normal_) *
+         AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
+}
+
+Adesk::Boolean AcDbPolyline::subWorldDraw(AcGiWorldDraw* draw) {
+  assertReadEnabled();
+  std::vector<AcGePoint3d> points;
+  const AcDbPolylineVertex* before = nullptr;
+  const AcDbPolylineVertex* first = nullptr;
+  const auto place = [&](const AcDbPolylineVertex& vertex) {
+    return inSpace_ ? vertex.point : AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
+  };
+  for (const AcDbPolylineVertex& vertex : vertices_) {
+    if ((vertex.flags & kFramePoint) != 0) continue;
+    if (before == nullptr) {
+      points.push_back(place(vertex));
+      first = &vertex;
+    } else {
+      tarn::host::addBulge(points, place(*before), place(vertex), inSpace_ ? 0 : before->bulge);
+    }
+    before = &vertex;
+  }
+  if (closed_ && before != first) {
+    tarn::host::addBulge(points, place(*before), place(*first), inSpace_ ? 0 : before->bulge);
+  }
+  if (points.empty()) return Adesk::kTrue;
+  if (!inSpace_) tarn::host::transformAll(points, tarn::host::entityToWorld(normal_));
+  draw->geometry().polyline(static_cast<Adesk::UInt32>(points.size()), points.data());
+  return Adesk::kTrue;
+}
+
+Acad::ErrorStatus AcDbPolyline::subGetGeomExtents(AcDbExtents& extents) const {
+  return tarn::host::drawnExtents(*this, extents);
+}
+
+Acad::ErrorStatus AcDbPolyline::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker,
+                                                  const AcGePoint3d&, const AcGePoint3d&,
+                                                  const AcGeMatrix3d&, AcGePoint3dArray& snapPoints,
+                                                  AcDbIntArray&) const {
+  assertReadEnabled();
+  if (osnapMode != AcDb::kOsModeEnd) return Acad::eOk;
+  for (const AcDbPolylineVertex& vertex : vertices_) snapPoints.append(worldPoint(vertex));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbPolyline::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray&,
+                                                 AcDbIntArray&) const {
+  assertReadEnabled();
+  for (const AcDbPolylineVertex& vertex : vertices_) gripPoints.append(worldPoint(vertex));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
+  assertWriteEnabled();
+  recordGraphicsModified();
+  if (inSpace_) {
+    for (AcDbPolylineVertex& vertex : vertices_) vertex.point.transformBy(transform);
+    return Acad::eOk;
+  }
+  const tarn::host::OwnChange change = tarn::host::changeOf(normal_, transform);
+  const double before = elevation_;
+  elevation_ = (change.map * AcGePoint3d(0, 0, before)).z;
+  for (AcDbPolylineVertex& vertex : vertices_) {
+    const AcGePoint3d moved = change.map * AcGePoint3d(vertex.point.x, vertex.point.y, before);
+    vertex.point = {moved.x, moved.y, 0};
+    vertex.startWidth *= change.scale;
+    vertex.endWidth *= change.scale;
+  }
+  normal_ = change.normal;
+  return Acad::eOk;
+}

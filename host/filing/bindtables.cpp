@@ -1,0 +1,212 @@
+// Symbol tables and the blocks that they name.
+#include "base/text.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/drawingbinding.h"
+#include "host/filing/entitycodec.h"
+
+namespace tarn::host {
+
+AcDbObjectId DrawingBinding::add(AcDbObject* object, std::uint32_t first, std::uint32_t count) {
+  const AcDbObjectId id = ObjectAccess::adopt(*database, object, document.handleOf(first));
+  ObjectAccess::finishReading(*object);
+  bound.push_back({id, first, count});
+  return id;
+}
+
+AcDbObjectId DrawingBinding::addImplied(AcDbObject* object) {
+  const AcDbObjectId id = ObjectAccess::adopt(*database, object);
+  ObjectAccess::finishReading(*object);
+  implied.insert(id);
+  return id;
+}
+
+AcDbObjectId DrawingBinding::find(std::uint64_t handle) const {
+  AcDbObjectId id;
+  if (handle != 0) database->getAcDbObjectId(id, false, AcDbHandle(handle));
+  return id;
+}
+
+AcDbObjectId DrawingBinding::layerOf(std::string_view name) {
+  const auto known = layers.find(std::string(name));
+  if (known != layers.end()) return known->second;
+  const std::wstring text = encoding.decode(name);
+  auto& table = *static_cast<AcDbLayerTable*>(peek(database->layerTableId()));
+  AcDbObjectId id;
+  if (text.empty()) {
+    id = database->layerZero();
+  } else if (table.getIdAt(text.c_str(), id) != Acad::eOk) {
+    auto* record = new AcDbLayerTableRecord;
+    record->setName(text.c_str());
+    id = addImplied(record);
+    ObjectAccess::addRecordRead(table, id);
+  }
+  layers.emplace(name, id);
+  return id;
+}
+
+AcDbObjectId DrawingBinding::blockOf(const std::wstring& name) const {
+  const auto found = blocks.find(toLower(name));
+  return found != blocks.end() ? found->second : AcDbObjectId();
+}
+
+namespace {
+
+constexpr int kFrozenFlag = 1;
+constexpr int kLockedFlag = 4;
+
+AcDbSymbolTableRecord* readLayer(const TagView& tags) {
+  auto* layer = new AcDbLayerTableRecord;
+  const int color = tags.integer(62, 7);
+  layer->setColorIndex(layerColor(color));
+  layer->setIsOff(color < 0);
+  const int flags = tags.integer(70);
+  layer->setIsFrozen((flags & kFrozenFlag) != 0);
+  layer->setIsLocked((flags & kLockedFlag) != 0);
+  return layer;
+}
+
+struct TableKind {
+  const char* name;  ///< of the table
+  AcDbObjectId DatabaseState::*table;
+  AcDbSymbolTable* (*makeTable)();
+  AcDbSymbolTableRecord* (*read)(const TagView& tags);
+};
+
+const TableKind kTables[] = {
+    {"LAYER", &DatabaseState::layerTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbLayerTable); }, readLayer},
+    {"LTYPE", &DatabaseState::linetypeTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbLinetypeTable); },
+     [](const TagView&) {
+       return static_cast<AcDbSymbolTableRecord*>(new AcDbLinetypeTableRecord);
+     }},
+    {"STYLE", &DatabaseState::textStyleTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbTextStyleTable); },
+     [](const TagView&) {
+       return static_cast<AcDbSymbolTableRecord*>(new AcDbTextStyleTableRecord);
+     }},
+    {"BLOCK_RECORD", &DatabaseState::blockTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbBlockTable); },
+     [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbBlockTableRecord); }},
+};
+
+/// The table object of a kind, bound to the TABLE at `object`, or implied when that is 0.
+AcDbSymbolTable& tableOf(DrawingBinding& binding, const TableKind& kind, std::uint32_t object) {
+  AcDbObjectId& id = ObjectAccess::state(*binding.database).*(kind.table);
+  if (id.isNull()) {
+    AcDbSymbolTable* table = kind.makeTable();
+    id = object != 0 ? binding.add(table, object) : binding.addImplied(table);
+  }
+  return *static_cast<AcDbSymbolTable*>(peek(id));
+}
+
+void readRecord(DrawingBinding& binding, const TableKind& kind, AcDbSymbolTable& table,
+                std::uint32_t object) {
+  const TagView tags = binding.view(object);
+  const std::wstring name = tags.text(2);
+  // A second record of a name stays in the file; the first counts.
+  AcDbObjectId other;
+  if (name.empty() || table.getIdAt(name.c_str(), other) == Acad::eOk) return;
+  AcDbSymbolTableRecord* record = kind.read(tags);
+  record->setName(name.c_str());
+  const AcDbObjectId id = binding.add(record, object);
+  ObjectAccess::addRecordRead(table, id);
+  if (record->isKindOf(AcDbBlockTableRecord::desc())) binding.blocks[toLower(name)] = id;
+}
+
+const TableKind* kindOf(std::string_view name) {
+  for (const TableKind& kind : kTables) {
+    if (name == kind.name) return &kind;
+  }
+  return nullptr;
+}
+
+AcDbObjectId addBlock(DrawingBinding& binding, const std::wstring& name, AcDbObjectId id) {
+  auto& table = *static_cast<AcDbSymbolTable*>(peek(binding.database->blockTableId()));
+  ObjectAccess::addRecordRead(table, id);
+  binding.blocks[toLower(name)] = id;
+  return id;
+}
+
+AcDbObjectId spaceOf(DrawingBinding& binding, const wchar_t* name, const wchar_t* oldName) {
+  AcDbObjectId id = binding.blockOf(name);
+  if (id.isNull()) id = binding.blockOf(oldName);
+  if (!id.isNull()) return id;
+  auto* record = new AcDbBlockTableRecord;
+  record->setName(name);
+  return addBlock(binding, name, binding.addImplied(record));
+}
+
+/// The block of a BLOCK, which a drawing of R13 and later has named in its table before.
+AcDbObjectId readBlock(DrawingBinding& binding, std::uint32_t object) {
+  const TagView tags = binding.view(object);
+  const std::wstring name = tags.text(2);
+  AcDbObjectId id = binding.blockOf(name);
+  if (id.isNull()) {
+    auto* record = new AcDbBlockTableRecord;
+    record->setName(name.empty() ? L"?" : name.c_str());
+    id = addBlock(binding, name, binding.add(record, object));
+  }
+  ObjectAccess::setOriginRead(*static_cast<AcDbBlockTableRecord*>(peek(id)), tags.point(10));
+  return id;
+}
+
+}  // namespace
+
+void bindTables(DrawingBinding& binding) {
+  const TagDocument& document = binding.document;
+  const DrawingSection* section = document.section("TABLES");
+  const TableKind* kind = nullptr;
+  for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
+       section != nullptr && i < section->endObject; ++i) {
+    const std::string_view type = document.typeOf(i);
+    if (type == "TABLE") {
+      const Tag* name = binding.view(i).find(2);
+      kind = name != nullptr ? kindOf(document.word(*name)) : nullptr;
+      if (kind != nullptr) tableOf(binding, *kind, i);
+    } else if (kind != nullptr && type == kind->name) {
+      readRecord(binding, *kind, tableOf(binding, *kind, 0), i);
+    }
+  }
+  for (const TableKind& each : kTables) tableOf(binding, each, 0);
+  DatabaseState& state = ObjectAccess::state(*binding.database);
+  state.layerZero = binding.layerOf("0");
+  state.currentLayer = state.layerZero;
+  const TagRange current = document.headerVariable("$CLAYER");
+  if (current.begin < current.end) {
+    state.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));
+  }
+}
+
+void bindBlocks(DrawingBinding& binding) {
+  const TagDocument& document = binding.document;
+  const DrawingSection* section = document.section("BLOCKS");
+  AcDbObjectId block;
+  for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
+       section != nullptr && i < section->endObject;) {
+    const std::string_view type = document.typeOf(i);
+    if (type == "BLOCK") {
+      block = readBlock(binding, i++);
+    } else if (type == "ENDBLK") {
+      if (!block.isNull()) binding.blockEnds[block] = i;
+      block.setNull();
+      ++i;
+    } else {
+      i += readEntity(binding, i, section->endObject, block);
+    }
+  }
+  binding.modelSpace = spaceOf(binding, ACDB_MODEL_SPACE, L"$MODEL_SPACE");
+  binding.paperSpace = spaceOf(binding, ACDB_PAPER_SPACE, L"$PAPER_SPACE");
+}
+
+void bindEntities(DrawingBinding& binding) {
+  const DrawingSection* section = binding.document.section("ENTITIES");
+  if (section == nullptr) return;
+  for (std::uint32_t i = section->firstObject + 1; i < section->endObject;) {
+    const bool onPaper = binding.view(i).integer(67) == 1;
+    i += readEntity(binding, i, section->endObject,
+                    onPaper ? binding.paperSpace : binding.modelSpace);
+  }
+}
+
+}  // namespace tarn::host

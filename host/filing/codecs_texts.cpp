@@ -1,0 +1,137 @@
+// Texts of one line and of several.
+#include <cmath>
+
+#include "dbtext.h"
+#include "host/filing/codecs_texts.h"
+#include "host/filing/entitycodec.h"
+
+namespace tarn::host {
+
+namespace {
+
+/// Longer texts stand in pieces of this many characters.
+constexpr size_t kPiece = 250;
+
+AcDbEntity* readText(const EntityTags& tags) {
+  auto* text = new AcDbText;
+  text->setLine(readTextLine(tags.head));
+  return text;
+}
+
+void writeText(const AcDbEntity& entity, EntityOutput& output) {
+  writeTextLine(static_cast<const AcDbText&>(entity).line(), output.head, "AcDbText", 73);
+}
+
+/// The pieces of code 3 and the end of code 1, before the part that later versions append.
+std::wstring contentsOf(const TagView& tags) {
+  std::string bytes;
+  const TagRange range = tags.range();
+  for (std::uint32_t i = range.begin; i < range.end; ++i) {
+    const Tag& tag = tags.document().tag(i);
+    if (tag.code == 101 || tag.code >= 1000) break;
+    if (tag.code == 3 || tag.code == 1) bytes += tags.document().text(tag);
+  }
+  return tags.encoding().decode(bytes);
+}
+
+AcGeVector3d directionOf(const TagView& tags) {
+  const AcGeVector3d direction(tags.real(11), tags.real(21), tags.real(31));
+  if (tags.has(11) && direction.length() > 0) return direction;
+  const double angle = tags.real(50);
+  return {std::cos(angle), std::sin(angle), 0};
+}
+
+AcDbEntity* readMText(const EntityTags& tags) {
+  auto* text = new AcDbMText;
+  const TagView& head = tags.head;
+  text->setLocation(head.point(10));
+  text->setNormal(head.normal());
+  text->setDirection(directionOf(head));
+  text->setTextHeight(head.real(40, 1));
+  const int attachment = head.integer(71, 1);
+  text->setAttachment(attachment >= 1 && attachment <= 9 ? static_cast<short>(attachment)
+                                                         : short{1});
+  text->setLineSpacingFactor(head.real(44, 1));
+  text->setContents(contentsOf(head).c_str());
+  return text;
+}
+
+void writeContents(const std::wstring& contents, EntityOutput& output) {
+  if (output.old != nullptr && contentsOf(output.old->head) == contents) return;
+  output.head.remove({1, 3});
+  size_t at = 0;
+  for (; contents.size() - at > kPiece; at += kPiece) {
+    output.head.addText(3, std::wstring_view(contents).substr(at, kPiece));
+  }
+  output.head.addText(1, std::wstring_view(contents).substr(at));
+}
+
+void writeMText(const AcDbEntity& entity, EntityOutput& output) {
+  const auto& text = static_cast<const AcDbMText&>(entity);
+  TagEditor& head = output.head;
+  head.setPoint(10, text.location());
+  head.setReal(40, text.textHeight());
+  head.setIntegerUnless(71, text.attachment(), 1, [&](long long value) {
+    return value == text.attachment() || (text.attachment() == 1 && (value < 1 || value > 9));
+  });
+  writeContents(text.contents(), output);
+  head.setNormal(text.normal());
+  const AcGeVector3d now = text.direction();
+  const AcGeVector3d before =
+      output.old != nullptr ? directionOf(output.old->head) : AcGeVector3d::kXAxis;
+  if (now.x != before.x || now.y != before.y || now.z != before.z) {
+    head.setPoint(11, {now.x, now.y, now.z});
+    head.remove({50});
+  }
+  head.setReal(44, text.lineSpacingFactor(), 1);
+}
+
+}  // namespace
+
+AcDbTextLine readTextLine(const TagView& tags) {
+  AcDbTextLine line;
+  line.position = tags.point(10);
+  line.alignment = tags.has(11) ? tags.point(11) : line.position;
+  line.normal = tags.normal();
+  line.height = tags.real(40, 1);
+  line.rotation = tags.angle(50);
+  line.widthFactor = tags.real(41, 1);
+  line.oblique = tags.angle(51);
+  line.horizontal = static_cast<short>(tags.integer(72));
+  line.vertical = static_cast<short>(tags.integer(verticalCodeOf(tags)));
+  line.generation = static_cast<short>(tags.integer(71));
+  line.text = tags.text(1);
+  return line;
+}
+
+int verticalCodeOf(const TagView& tags) {
+  return tags.type() == "ATTRIB" ? 74 : 73;
+}
+
+void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* lastMark,
+                   int verticalCode) {
+  editor.setPoint(10, line.position);
+  editor.setReal(40, line.height);
+  editor.setText(1, line.text);
+  editor.setAngle(50, line.rotation, 0);
+  editor.setReal(41, line.widthFactor, 1);
+  editor.setAngle(51, line.oblique, 0);
+  editor.setInteger(71, line.generation, 0);
+  editor.setInteger(72, line.horizontal, 0);
+  if (line.horizontal != 0 || line.vertical != 0 || editor.count(11) > 0) {
+    editor.setPoint(11, line.alignment);
+  }
+  editor.setNormal(line.normal);
+  editor.enterLast(lastMark);
+  editor.setInteger(verticalCode, line.vertical, 0);
+}
+
+const std::vector<EntityCodec>& textCodecs() {
+  static const std::vector<EntityCodec> codecs = {
+      {"TEXT", "AcDbText", &AcDbText::desc, readText, writeText, true, true},
+      {"MTEXT", "AcDbMText", &AcDbMText::desc, readMText, writeMText, false, true},
+  };
+  return codecs;
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,71 @@
+// What connects a drawing file with the objects made from it.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "dbmain.h"
+#include "dbsymtb.h"
+#include "host/filing/encoding.h"
+#include "host/filing/tagdocument.h"
+#include "host/filing/tagview.h"
+
+namespace tarn::host {
+
+/// An object and the run of file objects that it was made from: one, or a polyline with its
+/// vertices and their end.
+struct BoundObject {
+  AcDbObjectId id;
+  std::uint32_t first = 0;
+  std::uint32_t count = 1;
+};
+
+struct DrawingBinding {
+  TagDocument document;
+  TextEncoding encoding;
+  std::unique_ptr<AcDbDatabase> database;
+
+  std::vector<BoundObject> bound;  ///< in the order of the file
+  /// Objects that the file takes for granted without naming them; written only once they change.
+  std::set<AcDbStub*> implied;
+  std::unordered_map<std::string, AcDbObjectId> layers;    ///< by the bytes of the name
+  std::map<std::wstring, AcDbObjectId> blocks;             ///< by the name in lower case
+  std::unordered_map<AcDbStub*, std::uint32_t> blockEnds;  ///< the ENDBLK of a block's definition
+  std::map<std::string, size_t> kept;  ///< kinds of entities that are not drawn, and how many
+  /// Entities of classes that may be registered later, and their block.
+  struct Waiting {
+    std::uint32_t object;
+    AcDbObjectId block;
+  };
+  std::vector<Waiting> waiting;
+  AcDbObjectId modelSpace;
+  AcDbObjectId paperSpace;
+  bool hasHandles = true;
+
+  TagView view(std::uint32_t object) const { return {document, encoding, object}; }
+  /// Makes the database own a new object that stands for `first` and the following.
+  AcDbObjectId add(AcDbObject* object, std::uint32_t first, std::uint32_t count = 1);
+  /// The same for one that the file does not name.
+  AcDbObjectId addImplied(AcDbObject* object);
+  /// The object of a handle; null when there is none.
+  AcDbObjectId find(std::uint64_t handle) const;
+  /// The layer of a name as it stands in the file, made when the file has none of it.
+  AcDbObjectId layerOf(std::string_view name);
+  /// The block of a name; null when there is none.
+  AcDbObjectId blockOf(const std::wstring& name) const;
+};
+
+/// The steps of reading, in this order. None fails: what is broken stays in the file as it is.
+void bindTables(DrawingBinding& binding);
+void bindBlocks(DrawingBinding& binding);
+void bindEntities(DrawingBinding& binding);
+void bindDictionaries(DrawingBinding& binding);
+
+/// Makes entities of waiting ones whose class is registered now; returns how many.
+size_t bindWaiting(DrawingBinding& binding);
+
+}  // namespace tarn::host

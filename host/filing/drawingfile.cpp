@@ -1,0 +1,157 @@
+#include "host/filing/drawingfile.h"
+
+#include <algorithm>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "host/database/databaseinit.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/binarydrawing.h"
+#include "host/filing/drawingbinding.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;
+/// Handles beyond are taken for damage; new ones must not follow them.
+constexpr std::uint64_t kHighestHandle = std::uint64_t{1} << 60;
+
+/// R2007, the first that is UTF-8 throughout.
+constexpr char kVersionOfNew[] = "AC1021";
+
+bool isDwg(std::string_view bytes) {
+  // "AC1015" and binary data, or the older "AC1.50" and "AC2.10".
+  return bytes.substr(0, 2) == "AC" && bytes.size() > 6 && bytes[2] >= '0' && bytes[2] <= '9' &&
+         bytes.substr(0, 64).find('\0') != std::string_view::npos;
+}
+
+std::uint64_t firstFreeHandle(const TagDocument& document) {
+  std::uint64_t seed = 0;
+  const TagRange range = document.headerVariable("$HANDSEED");
+  if (range.begin < range.end) seed = parseHandle(document.word(document.tag(range.begin)));
+  std::uint64_t highest = 0;
+  for (std::uint32_t object = 0; object < document.objectCount(); ++object) {
+    const std::uint64_t handle = document.handleOf(object);
+    if (handle < kHighestHandle) highest = std::max(highest, handle);
+  }
+  return std::max(highest + 1, seed < kHighestHandle ? seed : 0);
+}
+
+bool usesHandles(const TagDocument& document) {
+  if (!document.isOld()) return true;
+  const DrawingSection* entities = document.section("ENTITIES");
+  for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
+       entities != nullptr && i < entities->endObject; ++i) {
+    return document.handleOf(i) != 0;
+  }
+  return false;
+}
+
+}  // namespace
+
+DrawingFile::DrawingFile() : binding_(std::make_unique<DrawingBinding>()) {}
+DrawingFile::~DrawingFile() = default;
+
+Result<std::unique_ptr<DrawingFile>> DrawingFile::open(const std::string& path) {
+  if (fileKind(path) == FileKind::kMissing) {
+    return Status::error(path + ": there is no such file.");
+  }
+  if (fileKind(path) != FileKind::kRegular) return Status::error(path + ": this is no file.");
+  auto bytes = readFile(path, kMostBytes);
+  if (!bytes) return Status::error(bytes.message() + ".");
+  return fromBytes(bytes.take(), path);
+}
+
+Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
+                                                            const std::string& name) {
+  registerDatabaseClasses();
+  if (isDwg(bytes)) {
+    return Status::error(name +
+                         ": this is a DWG file, which cannot be read here; save it as DXF in "
+                         "the program that it comes from.");
+  }
+  std::unique_ptr<DrawingFile> file(new DrawingFile);
+  if (isBinaryDrawing(bytes)) {
+    auto ascii = asciiFromBinary(bytes, name);
+    if (!ascii) return ascii.status();
+    bytes = ascii.take();
+    file->notes_.push_back(nameOf(name) + " is a binary drawing; it will be saved as text.");
+  }
+  auto document = TagDocument::parse(std::move(bytes), name);
+  if (!document) return document.status();
+  DrawingBinding& binding = *file->binding_;
+  binding.document = document.take();
+  binding.encoding = TextEncoding(binding.document);
+  binding.hasHandles = usesHandles(binding.document);
+  binding.database = std::make_unique<AcDbDatabase>(false);
+  ObjectAccess::state(*binding.database).nextHandle = firstFreeHandle(binding.document);
+  const TagDocument& tags = binding.document;
+  if (!tags.isComplete()) {
+    file->notes_.push_back(
+        nameOf(name) + ": the file ends at line " +
+        std::to_string(tags.lineOf(static_cast<std::uint32_t>(tags.tags().size()))) +
+        " without its end mark; what stands before was read, and what followed is missing.");
+  }
+  if (tags.hasTrailingBytes()) {
+    file->notes_.push_back(nameOf(name) + ": something follows the end mark; it is kept.");
+  }
+  bindTables(binding);
+  bindBlocks(binding);
+  bindEntities(binding);
+  bindDictionaries(binding);
+  file->noteKept();
+  return file;
+}
+
+void DrawingFile::noteKept() {
+  size_t count = 0;
+  std::string kinds;
+  for (const auto& [kind, number] : binding_->kept) {
+    count += number;
+    kinds += (kinds.empty() ? "" : ", ") + toUtf8(binding_->encoding.decode(kind));
+  }
+  if (count == 0) return;
+  const bool one = count == 1;
+  notes_.push_back(std::to_string(count) + (one ? " object" : " objects") + " of " +
+                   (binding_->kept.size() == 1 ? "kind " : "kinds ") + kinds +
+                   (one ? " is" : " are") + " kept but not drawn.");
+}
+
+std::unique_ptr<DrawingFile> DrawingFile::createNew() {
+  auto made = fromBytes(newDrawingBytes(kVersionOfNew), "new drawing");
+  return made.take();
+}
+
+AcDbDatabase& DrawingFile::database() const {
+  return *binding_->database;
+}
+
+std::optional<DrawingView> DrawingFile::view() const {
+  return activeView(*binding_);
+}
+
+int DrawingFile::tileMode() const {
+  const TagDocument& document = binding_->document;
+  const TagRange range = document.headerVariable("$TILEMODE");
+  return range.begin < range.end && document.word(document.tag(range.begin)) == "0" ? 0 : 1;
+}
+
+bool DrawingFile::isOld() const {
+  return binding_->document.isOld();
+}
+
+size_t DrawingFile::bindRegisteredClasses() {
+  return bindWaiting(*binding_);
+}
+
+Result<std::string> DrawingFile::bytes(const std::optional<DrawingView>& view) {
+  if (isOld()) {
+    const std::string reason = reasonAgainstOld(*binding_);
+    if (!reason.empty()) return Status::error(reason);
+  }
+  return writeDrawing(*binding_, view);
+}
+
+}  // namespace tarn::host

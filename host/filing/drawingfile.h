@@ -1,0 +1,75 @@
+// A drawing read from a file, changed in its database, and written again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adesk.h"
+#include "base/result.h"
+
+class AcDbDatabase;
+
+namespace tarn::host {
+
+struct DrawingBinding;
+
+/// What the active viewport of a drawing shows. The twist in radians, sizes in drawing units.
+struct DrawingView {
+  double centerX = 0;
+  double centerY = 0;
+  double height = 0;
+  double twist = 0;
+};
+
+/// What is not understood stays as it is, to the byte; only objects that were changed in the
+/// database are written anew. The file read stays the ground of every save, so an object that was
+/// erased and brought back by undo stands where it stood.
+class ACADHOST_EXPORT DrawingFile {
+ public:
+  ~DrawingFile();
+  DrawingFile(const DrawingFile&) = delete;
+  DrawingFile& operator=(const DrawingFile&) = delete;
+
+  /// ASCII and binary, R10 to R2018. The sentence names the file and why it cannot be opened.
+  static Result<std::unique_ptr<DrawingFile>> open(const std::string& path);
+  static Result<std::unique_ptr<DrawingFile>> fromBytes(std::string bytes, const std::string& name);
+  /// A new drawing with the tables and layouts that every program expects.
+  static std::unique_ptr<DrawingFile> createNew();
+
+  AcDbDatabase& database() const;
+  /// Sentences for the user about what was found: kinds not drawn, a missing end, a binary file.
+  const std::vector<std::string>& notes() const { return notes_; }
+  /// Nothing when the file has no active viewport.
+  std::optional<DrawingView> view() const;
+  /// 1 for model, 0 for layout.
+  int tileMode() const;
+  /// True for R12 and before.
+  bool isOld() const;
+  /// Makes entities of raw ones whose class has been registered since; returns how many.
+  size_t bindRegisteredClasses();
+
+  /// The whole file as it is to be saved. `view` replaces that of the active viewport where it
+  /// differs. An error when an R12 file cannot hold what the drawing has now.
+  Result<std::string> bytes(const std::optional<DrawingView>& view = std::nullopt);
+
+ private:
+  DrawingFile();
+  void noteKept();
+
+  std::unique_ptr<DrawingBinding> binding_;
+  std::vector<std::string> notes_;
+};
+
+/// Why a drawing of R12 cannot be saved as such; empty when it can.
+std::string reasonAgainstOld(const DrawingBinding& binding);
+/// The file with all changes; see DrawingFile::bytes().
+std::string writeDrawing(DrawingBinding& binding, const std::optional<DrawingView>& view);
+std::optional<DrawingView> activeView(const DrawingBinding& binding);
+/// The bytes of an empty drawing of a version from R2000 on ("AC1015"). Its handles are below 40.
+ACADHOST_EXPORT std::string newDrawingBytes(std::string_view version);
+
+}  // namespace tarn::host

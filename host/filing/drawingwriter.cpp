@@ -1,0 +1,324 @@
+#include "host/filing/drawingwriter.h"
+
+#include <algorithm>
+#include <set>
+
+#include "dbdict.h"
+#include "dbproxy.h"
+#include "dbxrecrd.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/drawingbinding.h"
+#include "host/filing/drawingfile.h"
+#include "host/filing/entitycodec.h"
+#include "host/filing/objectcodec.h"
+#include "rxclass.h"
+
+namespace tarn::host {
+
+void DrawingEdits::replace(std::uint32_t first, std::uint32_t count, std::string bytes) {
+  edits_.push_back({first, count, std::move(bytes)});
+}
+
+std::string DrawingEdits::apply(const TagDocument& document) const {
+  std::vector<const Edit*> sorted;
+  sorted.reserve(edits_.size());
+  size_t added = 0;
+  for (const Edit& edit : edits_) {
+    sorted.push_back(&edit);
+    added += edit.bytes.size();
+  }
+  // What is inserted comes before what stands there.
+  std::stable_sort(sorted.begin(), sorted.end(), [](const Edit* a, const Edit* b) {
+    return a->first != b->first ? a->first < b->first : a->count == 0 && b->count != 0;
+  });
+  const std::string& bytes = document.bytes();
+  const auto allTags = static_cast<std::uint32_t>(document.tags().size());
+  const auto startOf = [&](std::uint32_t object) {
+    return document.startOf(object < document.objectCount() ? document.tagsOf(object).begin
+                                                            : allTags);
+  };
+  // Behind the last whole tag of a file that was cut off stand only the rests of one.
+  const size_t end = document.isComplete() ? bytes.size() : startOf(document.objectCount());
+  std::string out;
+  out.reserve(bytes.size() + added);
+  size_t at = 0;
+  for (const Edit* edit : sorted) {
+    const size_t start = startOf(edit->first);
+    if (start > at) out.append(bytes, at, start - at);
+    out += edit->bytes;
+    at = std::max(at, std::max(start, startOf(edit->first + edit->count)));
+  }
+  if (end > at) out.append(bytes, at, end - at);
+  return out;
+}
+
+namespace {
+
+class DrawingWriter {
+ public:
+  explicit DrawingWriter(DrawingBinding& binding)
+      : binding_(binding), document_(binding.document), lineEnd_(document_.lineEnd()) {}
+
+  std::string write(const std::optional<DrawingView>& view) {
+    for (const BoundObject& bound : binding_.bound) {
+      known_.insert(bound.id);
+      anyErased_ = anyErased_ || bound.id.isErased();
+    }
+    for (const BoundObject& bound : binding_.bound) writeBound(bound);
+    writeNew();
+    addClasses();
+    if (view) editActiveView(binding_, *view, edits_);
+    editHeader();
+    closeCutOff();
+    return edits_.apply(document_);
+  }
+
+ private:
+  std::string tag(int code, std::string_view value) const {
+    std::string digits = std::to_string(code);
+    digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, ' ');
+    return digits + lineEnd_ + std::string(value) + lineEnd_;
+  }
+
+  void writeBound(const BoundObject& bound) {
+    AcDbObject* object = peek(bound.id);
+    if (object == nullptr || object->isKindOf(AcDbSymbolTable::desc())) return;
+    if (object->isErased()) {
+      edits_.replace(bound.first, bound.count, {});
+      return;
+    }
+    const bool isDictionary = object->isKindOf(AcDbDictionary::desc());
+    if (!ObjectAccess::isChanged(bound.id) && !(isDictionary && anyErased_)) return;
+    const ObjectAccess::Look look(*object);
+    std::string bytes;
+    if (const auto* entity = AcDbEntity::cast(object)) {
+      bytes = entityBytes(*entity, &bound);
+    } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
+      bytes = writeLayer(binding_, *layer, &bound, 0);
+    } else if (isDictionary) {
+      bytes = writeDictionary(binding_, *AcDbDictionary::cast(object), &bound);
+    } else if (const auto* record = AcDbXrecord::cast(object)) {
+      bytes = writeRecord(binding_, *record, &bound);
+    } else {
+      return;
+    }
+    edits_.replace(bound.first, bound.count, std::move(bytes));
+  }
+
+  std::string entityBytes(const AcDbEntity& entity, const BoundObject* old) {
+    const EntityCodec* codec = old != nullptr ? codecOf(document_.typeOf(old->first))
+                                              : codecFor(entity, document_.isOld());
+    const AcRxClass* description = entity.isA();
+    const std::wstring dxfName = description->dxfName() != nullptr ? description->dxfName() : L"";
+    const std::string type =
+        codec != nullptr ? codec->type : std::string(dxfName.begin(), dxfName.end());
+    if (type.empty()) return {};
+    TagEditor editor = old != nullptr
+                           ? TagEditor(document_, binding_.encoding, document_.tagsOf(old->first))
+                           : TagEditor(document_, binding_.encoding, type);
+    if (old == nullptr && binding_.hasHandles) {
+      editor.setHandle(5, entity.handle().value());
+      const std::uint64_t owner = ownerHandle(entity.blockId());
+      if (!document_.isOld() && owner != 0) editor.setHandle(330, owner);
+    }
+    writeCommon(binding_, entity, editor);
+    if (codec == nullptr) {
+      if (old == nullptr) classes_.insert(entity.isA());
+      return editor.bytes();
+    }
+    if (codec->subclass != nullptr) editor.enter(codec->subclass);
+    std::unique_ptr<EntityTags> tags;
+    if (old != nullptr) {
+      tags.reset(new EntityTags{binding_, binding_.view(old->first), old->first, old->count});
+    }
+    EntityOutput output{binding_, editor, tags.get(), {}};
+    codec->write(entity, output);
+    return editor.bytes() + output.parts;
+  }
+
+  /// 0 for a block that has no handle in the file.
+  std::uint64_t ownerHandle(AcDbObjectId block) const {
+    return known_.count(block) > 0 ? block.handle().value() : 0;
+  }
+
+  void writeNew() {
+    std::string layers;
+    std::string objects;
+    std::map<AcDbStub*, std::string> byBlock;
+    for (const auto& [handle, stub] : ObjectAccess::state(*binding_.database).stubs) {
+      AcDbObject* object = stub->object.get();
+      if (known_.count(stub) > 0 || object->isErased() || !stub->changed) continue;
+      const ObjectAccess::Look look(*object);
+      const AcDbObjectId id(stub);
+      if (const auto* entity = AcDbEntity::cast(object)) {
+        byBlock[entity->blockId()] += entityBytes(*entity, nullptr);
+      } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
+        layers += writeLayer(binding_, *layer, nullptr, tableHandle());
+      } else if (document_.isOld()) {
+        continue;  // reasonAgainstOld() has seen that there is nothing to be lost
+      } else if (const auto* dictionary = AcDbDictionary::cast(object)) {
+        if (dictionary->numEntries() == 0 && id == binding_.database->namedObjectsDictionaryId()) {
+          continue;
+        }
+        objects += writeDictionary(binding_, *dictionary, nullptr);
+      } else if (const auto* record = AcDbXrecord::cast(object)) {
+        objects += writeRecord(binding_, *record, nullptr);
+      }
+    }
+    if (!layers.empty()) insertLayers(layers);
+    for (auto& [block, bytes] : byBlock) insertEntities(AcDbObjectId(block), std::move(bytes));
+    if (!objects.empty()) insertSection("OBJECTS", objects);
+  }
+
+  std::uint64_t tableHandle() const {
+    const AcDbObjectId table = binding_.database->layerTableId();
+    return known_.count(table) > 0 ? table.handle().value() : 0;
+  }
+
+  void insertLayers(const std::string& bytes) {
+    hasNew_ = true;
+    const DrawingSection* tables = document_.section("TABLES");
+    bool inLayers = false;
+    for (std::uint32_t i = tables != nullptr ? tables->firstObject + 1 : 0;
+         tables != nullptr && i < tables->endObject; ++i) {
+      if (document_.typeOf(i) == "TABLE") inLayers = binding_.view(i).text(2) == L"LAYER";
+      if (inLayers && document_.typeOf(i) == "ENDTAB") return edits_.insertBefore(i, bytes);
+    }
+    insertSection("TABLES",
+                  tag(0, "TABLE") + tag(2, "LAYER") + tag(70, "1") + bytes + tag(0, "ENDTAB"));
+  }
+
+  void insertEntities(AcDbObjectId block, std::string bytes) {
+    hasNew_ = true;
+    const auto end = binding_.blockEnds.find(block);
+    const bool isSpace = block == binding_.modelSpace || block == binding_.paperSpace;
+    if (isSpace) {
+      insertSection("ENTITIES", bytes);
+    } else if (end != binding_.blockEnds.end()) {
+      edits_.insertBefore(end->second, std::move(bytes));
+    }
+  }
+
+  /// At the end of a section, which is made when it is missing.
+  void insertSection(std::string_view name, const std::string& bytes) {
+    hasNew_ = true;
+    if (const DrawingSection* section = document_.section(name)) {
+      return edits_.insertBefore(section->endObject, bytes);
+    }
+    const std::string whole = tag(0, "SECTION") + tag(2, name) + bytes + tag(0, "ENDSEC");
+    edits_.insertBefore(placeOf(name), whole);
+  }
+
+  /// Before the first section that comes after one of this name; else before the end mark.
+  std::uint32_t placeOf(std::string_view name) const {
+    static constexpr std::string_view kOrder[] = {"HEADER", "CLASSES",  "TABLES",
+                                                  "BLOCKS", "ENTITIES", "OBJECTS"};
+    bool behind = false;
+    for (const std::string_view other : kOrder) {
+      const DrawingSection* section = document_.section(other);
+      if (behind && section != nullptr) return section->firstObject;
+      behind = behind || other == name;
+    }
+    const std::uint32_t count = document_.objectCount();
+    return document_.isComplete() ? count - 1 : count;
+  }
+
+  void addClasses() {
+    const DrawingSection* section = document_.section("CLASSES");
+    std::string bytes;
+    for (const AcRxClass* description : classes_) {
+      bool stands = false;
+      for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
+           section != nullptr && i < section->endObject; ++i) {
+        stands = stands || binding_.view(i).text(1) == description->dxfName();
+      }
+      if (!stands) bytes += writeClass(binding_, *description);
+    }
+    if (!bytes.empty()) insertSection("CLASSES", bytes);
+  }
+
+  void editHeader() {
+    const DrawingSection* header = document_.section("HEADER");
+    if (header == nullptr) return;
+    TagEditor editor(document_, binding_.encoding, document_.tagsOf(header->firstObject));
+    const std::uint32_t begin = document_.tagsOf(header->firstObject).begin;
+    const TagRange seed = document_.headerVariable("$HANDSEED");
+    if (hasNew_ && seed.begin < seed.end) {
+      const std::uint64_t next = ObjectAccess::state(*binding_.database).nextHandle;
+      if (parseHandle(document_.word(document_.tag(seed.begin))) < next) {
+        editor.replaceAt(seed.begin - begin, formatHandle(next));
+      }
+    }
+    const TagRange layer = document_.headerVariable("$CLAYER");
+    const AcDbObjectId current = binding_.database->clayer();
+    if (layer.begin < layer.end) {
+      const std::string_view inFile = document_.text(document_.tag(layer.begin));
+      if (binding_.layerOf(inFile) != current) {
+        editor.replaceAt(layer.begin - begin, binding_.encoding.encode(recordName(current)));
+      }
+    }
+    if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
+  }
+
+  /// Ends what a file that was cut off has left open.
+  void closeCutOff() {
+    if (document_.isComplete()) return;
+    const std::uint32_t count = document_.objectCount();
+    const DrawingSection& last = document_.sections().back();
+    std::string bytes;
+    if (last.endObject == count) {
+      const std::string_view open = last.name == "TABLES"   ? "TABLE"
+                                    : last.name == "BLOCKS" ? "BLOCK"
+                                                            : "";
+      bool isOpen = false;
+      for (std::uint32_t i = last.firstObject; !open.empty() && i < count; ++i) {
+        const std::string_view type = document_.typeOf(i);
+        if (type == open) isOpen = true;
+        if (type == "ENDTAB" || type == "ENDBLK") isOpen = false;
+      }
+      if (isOpen) bytes += tag(0, open == "TABLE" ? "ENDTAB" : "ENDBLK");
+      bytes += tag(0, "ENDSEC");
+    }
+    edits_.insertBefore(count, bytes + tag(0, "EOF"));
+  }
+
+  DrawingBinding& binding_;
+  const TagDocument& document_;
+  std::string lineEnd_;
+  DrawingEdits edits_;
+  std::set<AcDbStub*> known_;
+  std::set<const AcRxClass*> classes_;
+  bool anyErased_ = false;
+  bool hasNew_ = false;
+};
+
+}  // namespace
+
+std::string reasonAgainstOld(const DrawingBinding& binding) {
+  std::set<AcDbStub*> known;
+  for (const BoundObject& bound : binding.bound) known.insert(bound.id);
+  for (const auto& [handle, stub] : ObjectAccess::state(*binding.database).stubs) {
+    AcDbObject* object = stub->object.get();
+    if (known.count(stub) > 0 || object->isErased() || !stub->changed) continue;
+    const auto* entity = AcDbEntity::cast(object);
+    if (object->isKindOf(AcDbSymbolTable::desc()) ||
+        object->isKindOf(AcDbBlockTableRecord::desc())) {
+      continue;
+    }
+    const ObjectAccess::Look look(*object);
+    const auto* dictionary = AcDbDictionary::cast(object);
+    if (dictionary != nullptr && dictionary->numEntries() == 0) continue;
+    const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
+                                        : object->isKindOf(AcDbLayerTableRecord::desc());
+    if (!fits) {
+      return "A drawing of R12 cannot keep images and settings; save it as R2000 (SAVEAS, R2000).";
+    }
+  }
+  return {};
+}
+
+std::string writeDrawing(DrawingBinding& binding, const std::optional<DrawingView>& view) {
+  return DrawingWriter(binding).write(view);
+}
+
+}  // namespace tarn::host

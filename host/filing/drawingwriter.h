@@ -1,0 +1,37 @@
+// The pieces in which a drawing that is saved differs from the file that was read.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/filing/tagdocument.h"
+
+namespace tarn::host {
+
+struct DrawingBinding;
+struct DrawingView;
+
+class DrawingEdits {
+ public:
+  /// `count` objects from `first` on become these bytes.
+  void replace(std::uint32_t first, std::uint32_t count, std::string bytes);
+  void insertBefore(std::uint32_t object, std::string bytes) {
+    replace(object, 0, std::move(bytes));
+  }
+  bool isEmpty() const { return edits_.empty(); }
+  /// The whole file with all edits. What stands in no edit goes out byte for byte.
+  std::string apply(const TagDocument& document) const;
+
+ private:
+  struct Edit {
+    std::uint32_t first;
+    std::uint32_t count;
+    std::string bytes;
+  };
+  std::vector<Edit> edits_;
+};
+
+void editActiveView(const DrawingBinding& binding, const DrawingView& view, DrawingEdits& edits);
+
+}  // namespace tarn::host

@@ -1,0 +1,70 @@
+#include "host/filing/entitycodec.h"
+
+#include <unordered_map>
+
+#include "dbpl.h"
+#include "host/database/objectaccess.h"
+#include "rxclass.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr long long kByLayer = 256;
+
+const std::vector<const EntityCodec*>& allCodecs() {
+  static const std::vector<const EntityCodec*> all = [] {
+    std::vector<const EntityCodec*> list;
+    for (const auto* some : {&curveCodecs(), &textCodecs(), &compoundCodecs()}) {
+      for (const EntityCodec& codec : *some) list.push_back(&codec);
+    }
+    return list;
+  }();
+  return all;
+}
+
+}  // namespace
+
+const EntityCodec* codecOf(std::string_view type) {
+  static const std::unordered_map<std::string_view, const EntityCodec*> byType = [] {
+    std::unordered_map<std::string_view, const EntityCodec*> map;
+    for (const EntityCodec* codec : allCodecs()) map.emplace(codec->type, codec);
+    return map;
+  }();
+  const auto found = byType.find(type);
+  return found != byType.end() ? found->second : nullptr;
+}
+
+const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {
+  const AcDbPolyline* line = AcDbPolyline::cast(&entity);
+  if (line != nullptr && line->isInSpace()) return codecOf("POLYLINE");
+  for (const EntityCodec* codec : allCodecs()) {
+    if (codec->description() == entity.isA() && (old ? codec->inOld : codec->inNew)) return codec;
+  }
+  return nullptr;
+}
+
+std::wstring recordName(AcDbObjectId record) {
+  const auto* found = AcDbSymbolTableRecord::cast(peek(record));
+  const ACHAR* name = nullptr;
+  return found != nullptr && found->getName(name) == Acad::eOk ? std::wstring(name)
+                                                               : std::wstring();
+}
+
+void writeCommon(const DrawingBinding& binding, const AcDbEntity& entity, TagEditor& editor) {
+  // Some programs put the colour behind the mark of the entity's own class.
+  editor.enter("AcDbEntity");
+  editor.leave();
+  const bool onPaper = entity.blockId() == binding.paperSpace;
+  editor.setInteger(67, onPaper ? 1 : 0, 0);
+  const std::wstring layer = recordName(entity.layerId());
+  editor.setText(8, layer.empty() ? L"0" : layer,
+                 editor.isNew() ? std::nullopt : std::optional<std::wstring_view>(L"0"));
+  const auto sameColor = [&](long long inFile) {
+    return entityColor(static_cast<int>(inFile)) == entity.colorIndex();
+  };
+  editor.setIntegerUnless(62, entity.colorIndex(), kByLayer, sameColor);
+  editor.setInteger(60, entity.visibility() == AcDb::kInvisible ? 1 : 0, 0);
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,68 @@
+// How the entities that are drawn stand in drawing files.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "dbents.h"
+#include "host/filing/drawingbinding.h"
+#include "host/filing/tageditor.h"
+
+namespace tarn::host {
+
+/// An entity in the file: its own tags, and what belongs to it behind them (vertices, attributes).
+struct EntityTags {
+  DrawingBinding& binding;
+  TagView head;
+  std::uint32_t first;  ///< the entity itself
+  std::uint32_t count;  ///< with its parts
+
+  TagView part(std::uint32_t index) const { return binding.view(first + 1 + index); }
+  std::uint32_t partCount() const { return count - 1; }
+};
+
+/// Writing of one entity. `old` is what stood in the file, or null for a new one; handles of new
+/// parts come from the database.
+struct EntityOutput {
+  DrawingBinding& binding;
+  TagEditor& head;
+  const EntityTags* old;
+  std::string parts;  ///< bytes behind the head
+};
+
+/// One kind of entity. `read` makes an object with its own data, or null when this one is not
+/// understood and stays raw; `write` sets its own data.
+struct EntityCodec {
+  const char* type;      ///< as in the file
+  const char* subclass;  ///< its mark; null for none
+  AcRxClass* (*description)();
+  AcDbEntity* (*read)(const EntityTags& tags);
+  void (*write)(const AcDbEntity& entity, EntityOutput& output);
+  /// A new entity of the class can be written so, in a file of R12 or a later one.
+  bool inOld;
+  bool inNew;
+};
+
+const std::vector<EntityCodec>& curveCodecs();
+const std::vector<EntityCodec>& textCodecs();
+const std::vector<EntityCodec>& compoundCodecs();
+/// Null for a kind that is not drawn.
+const EntityCodec* codecOf(std::string_view type);
+/// How a new entity is written; null when a drawing of this age cannot hold it.
+const EntityCodec* codecFor(const AcDbEntity& entity, bool old);
+
+/// Reads the entity at `object` into the block (null: it is only counted) and returns how many
+/// objects of the file it takes up. It ends at `end`.
+std::uint32_t readEntity(DrawingBinding& binding, std::uint32_t object, std::uint32_t end,
+                         AcDbObjectId block);
+
+/// Layer, colour and visibility.
+void readCommon(DrawingBinding& binding, const TagView& tags, AcDbEntity& entity);
+void writeCommon(const DrawingBinding& binding, const AcDbEntity& entity, TagEditor& editor);
+
+/// A colour index of the file as the database has it.
+Adesk::UInt16 entityColor(int inFile);
+Adesk::UInt16 layerColor(int inFile);
+std::wstring recordName(AcDbObjectId record);
+
+}  // namespace tarn::host

@@ -1,0 +1,34 @@
+// How dictionaries, extended records, layers and classes stand in drawing files.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/filing/drawingbinding.h"
+#include "host/filing/tageditor.h"
+
+class AcDbDictionary;
+class AcDbLayerTableRecord;
+class AcDbXrecord;
+class AcRxClass;
+
+namespace tarn::host {
+
+struct DictionaryEntry {
+  std::wstring name;
+  std::uint64_t handle = 0;
+  std::uint32_t tag = 0;  ///< of the name
+};
+std::vector<DictionaryEntry> entriesOf(const TagView& tags);
+
+// Bytes of an object. `old` is the file's object that it was made from; without one it is new.
+std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
+                            const BoundObject* old);
+std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
+                        const BoundObject* old);
+std::string writeLayer(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
+                       const BoundObject* old, std::uint64_t tableHandle);
+/// A record of the CLASSES section for a class whose entities are written.
+std::string writeClass(const DrawingBinding& binding, const AcRxClass& description);
+
+}  // namespace tarn::host

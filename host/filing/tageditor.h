@@ -1,0 +1,124 @@
+// One object of a drawing while it is written anew.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "gepnt3d.h"
+#include "gevec3d.h"
+#include "host/filing/encoding.h"
+#include "host/filing/tagdocument.h"
+
+namespace tarn::host {
+
+/// Tags of one object. What is set to the value that it has keeps its text to the byte, comments
+/// and unknown tags stay where they are, and a tag that is missing is put behind the one set
+/// before.
+class ACADHOST_EXPORT TagEditor {
+ public:
+  /// A new object of a type, to be written into `document`.
+  TagEditor(const TagDocument& document, const TextEncoding& encoding, std::string_view type);
+  /// An object that stands in `document`.
+  TagEditor(const TagDocument& document, const TextEncoding& encoding, TagRange range);
+
+  /// True for a drawing of R12 and before: there are no subclass marks and no owners.
+  bool isOld() const { return old_; }
+  /// True for an object that does not stand in the file.
+  bool isNew() const { return new_; }
+  /// What follows belongs behind this subclass mark. Where it is missing a new object gets it, and
+  /// an old one is taken as a whole.
+  void enter(std::string_view subclass);
+  /// The last of several equal marks; a new object gets one more. Without such a mark nothing
+  /// changes.
+  void enterLast(std::string_view subclass);
+  /// What follows may stand behind any mark.
+  void leave();
+  /// What follows belongs to the next run of tags that begins with this code, behind the present
+  /// mark. False when there is none left.
+  bool nextRun(int code);
+
+  // With `standard`, a missing tag of that value is not added.
+  void setReal(int code, double value, std::optional<double> standard = std::nullopt);
+  void setInteger(int code, long long value, std::optional<long long> standard = std::nullopt);
+  /// Keeps what stands there when `same` says that it means the value.
+  void setIntegerUnless(int code, long long value, long long standard,
+                        const std::function<bool(long long)>& same);
+  /// Radians here, degrees in the file.
+  void setAngle(int code, double radians, std::optional<double> standard = std::nullopt);
+  void setText(int code, std::wstring_view value,
+               std::optional<std::wstring_view> standard = std::nullopt);
+  /// Type names, handles, marks: as they are.
+  void setWord(int code, std::string_view value);
+  void setHandle(int code, std::uint64_t handle) { setWord(code, formatHandle(handle)); }
+  /// Codes `code`, + 10 and + 20; a missing z of 0 is added to new objects only.
+  void setPoint(int code, const AcGePoint3d& point);
+  void setNormal(const AcGeVector3d& normal);
+
+  /// Adds a tag behind the one set before, whatever stands there.
+  void addReal(int code, double value);
+  void addInteger(int code, long long value);
+  void addText(int code, std::wstring_view value) { addWord(code, encoding_.encode(value)); }
+  void addWord(int code, std::string_view value);
+  /// Takes away the tags of these codes behind the present mark, up to the next one and to extended
+  /// data; what is set next comes into the place of the first.
+  void remove(const std::vector<int>& codes);
+  // One after the other: what stands behind the tag set last is kept, set or, from the first other
+  // code on, replaced.
+  void putReal(int code, double value);
+  void putInteger(int code, long long value);
+  void putText(int code, std::wstring_view value);
+  void putWord(int code, std::string_view value);
+  /// A handle of 0 leaves what stands there: it names something that is no object here.
+  void putHandle(int code, std::uint64_t handle);
+  bool isNext(int code) const;
+  /// Takes away everything behind the tag set last, up to extended data.
+  void removeRest();
+  /// Takes away `count` tags by their place in the object; for an object in which nothing was
+  /// added.
+  void removeAt(size_t place, size_t count);
+  /// Another value for the tag at a place.
+  void replaceAt(size_t place, std::string_view value);
+  bool isChanged() const;
+  /// What is added next comes at the end, before extended data.
+  void toEnd();
+  /// Number of tags of a code behind the present mark.
+  size_t count(int code) const;
+
+  /// The bytes of the object, in the line ends of its drawing.
+  std::string bytes() const;
+
+ private:
+  struct Item {
+    int code = 0;
+    std::string_view rawCode;   ///< the line of the code with its line end; empty in a new tag
+    std::string_view rawValue;  ///< the value's line with its line end
+    std::string value;          ///< a new value
+    bool changed = false;
+  };
+  std::string_view valueOf(const Item& item) const;
+  /// True, and looked at, when a tag of the code stands next; else everything that follows is gone.
+  bool stands(int code);
+  size_t endOfPart() const;
+  /// Index of the tag to set, or -1.
+  std::ptrdiff_t findItem(int code) const;
+  template <typename Same>
+  void set(int code, const std::string& value, bool isStandard, Same same);
+
+  const TextEncoding& encoding_;
+  std::string lineEnd_;
+  bool old_;
+  bool new_;
+  bool acrossMarks_;
+  int runCode_ = -1;
+  std::vector<Item> items_;
+  size_t floor_ = 1;   ///< where a search begins
+  size_t cursor_ = 1;  ///< where a new tag comes
+};
+
+/// A number as drawings have it: the shortest text that reads back the same, with a point or an
+/// exponent.
+ACADHOST_EXPORT std::string formatReal(double value);
+
+}  // namespace tarn::host

@@ -1,0 +1,60 @@
+// Values of one object of a drawing, by group code.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "gepnt3d.h"
+#include "gevec3d.h"
+#include "host/filing/encoding.h"
+#include "host/filing/tagdocument.h"
+
+namespace tarn::host {
+
+/// Angles stand in degrees in files and in radians everywhere else.
+constexpr double kDegree = 3.141592653589793 / 180;
+
+/// Reads a run of tags, up to an object embedded in it. Where a code comes several times the first
+/// counts. A number that is none reads as the standard value.
+class ACADHOST_EXPORT TagView {
+ public:
+  TagView(const TagDocument& document, const TextEncoding& encoding, TagRange range)
+      : document_(&document), encoding_(&encoding), range_(range) {}
+  TagView(const TagDocument& document, const TextEncoding& encoding, std::uint32_t object)
+      : TagView(document, encoding, document.tagsOf(object)) {}
+
+  const TagDocument& document() const { return *document_; }
+  const TextEncoding& encoding() const { return *encoding_; }
+  TagRange range() const { return range_; }
+  std::string_view type() const { return document_->word(document_->tag(range_.begin)); }
+
+  /// The first tag of the code; null when there is none.
+  const Tag* find(int code) const;
+  bool has(int code) const { return find(code) != nullptr; }
+  double real(int code, double standard = 0) const;
+  int integer(int code, int standard = 0) const;
+  /// In radians.
+  double angle(int code, double standard = 0) const;
+  std::uint64_t reference(int code) const;
+  std::wstring text(int code) const;
+  /// Coordinates at `code`, `code` + 10 and `code` + 20; a missing one is 0.
+  AcGePoint3d point(int code) const;
+  /// Codes 210, 220, 230; the z axis when they are missing or have no length.
+  AcGeVector3d normal() const;
+
+  double realOf(const Tag& tag, double standard = 0) const;
+  int integerOf(const Tag& tag, int standard = 0) const;
+  std::wstring textOf(const Tag& tag) const { return encoding_->decode(document_->text(tag)); }
+
+  template <typename Work>
+  void forEach(Work work) const {
+    for (std::uint32_t i = range_.begin; i < range_.end; ++i) work(document_->tag(i));
+  }
+
+ private:
+  const TagDocument* document_;
+  const TextEncoding* encoding_;
+  TagRange range_;
+};
+
+}  // namespace tarn::host

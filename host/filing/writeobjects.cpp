@@ -1,0 +1,174 @@
+// Dictionaries, extended records, layers and classes into a drawing file.
+#include <memory>
+#include <set>
+
+#include "acutads.h"
+#include "dbdict.h"
+#include "dbsymtb.h"
+#include "dbxrecrd.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/entitycodec.h"
+#include "host/filing/objectcodec.h"
+#include "host/rx/resbuf_kind.h"
+#include "rxclass.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr int kSoftOwner = 350;
+constexpr int kFrozenFlag = 1;
+constexpr int kLockedFlag = 4;
+
+TagEditor editorOf(const DrawingBinding& binding, const BoundObject* old, const char* type) {
+  if (old == nullptr) return TagEditor(binding.document, binding.encoding, type);
+  return TagEditor(binding.document, binding.encoding, binding.document.tagsOf(old->first));
+}
+
+void beginNew(TagEditor& editor, const AcDbObject& object) {
+  editor.setHandle(5, object.handle().value());
+  editor.setHandle(330, object.ownerId().handle().value());
+}
+
+std::string hexOf(const ads_binary& binary) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string out;
+  for (int i = 0; i < binary.clen; ++i) {
+    const auto byte = static_cast<unsigned char>(binary.buf[i]);
+    out += kDigits[byte >> 4];
+    out += kDigits[byte & 15];
+  }
+  return out;
+}
+
+void putItem(const resbuf& item, TagEditor& editor) {
+  const int code = item.restype;
+  switch (resbufKindOf(code)) {
+    case ResbufKind::kText:
+      editor.putText(code, item.resval.rstring != nullptr ? item.resval.rstring : L"");
+      break;
+    case ResbufKind::kReal:
+      editor.putReal(code, item.resval.rreal);
+      break;
+    case ResbufKind::kPoint:
+      for (int i = 0; i < 3; ++i) editor.putReal(code + 10 * i, item.resval.rpoint[i]);
+      break;
+    case ResbufKind::kInt16:
+      editor.putInteger(code, item.resval.rint);
+      break;
+    case ResbufKind::kInt32:
+      editor.putInteger(code, item.resval.rlong);
+      break;
+    case ResbufKind::kInt64:
+      editor.putInteger(code, item.resval.mnInt64);
+      break;
+    case ResbufKind::kName:
+      editor.putHandle(code, AcDbObjectId().setFromOldId(item.resval.rlname[0]).handle().value());
+      break;
+    case ResbufKind::kBinary:
+      editor.putWord(code, hexOf(item.resval.rbinary));
+      break;
+    case ResbufKind::kUnknown:
+    case ResbufKind::kNothing:
+      break;
+  }
+}
+
+/// The entry stands in the file as it is in the database, or names what the database does not know.
+bool isKept(const DrawingBinding& binding, const DictionaryEntry& entry,
+            const AcDbDictionary& dictionary) {
+  const AcDbObjectId inFile = binding.find(entry.handle);
+  if (inFile.isNull()) return true;
+  AcDbObjectId now;
+  return dictionary.getAt(entry.name.c_str(), now) == Acad::eOk && now == inFile;
+}
+
+}  // namespace
+
+std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
+                            const BoundObject* old) {
+  TagEditor editor = editorOf(binding, old, "DICTIONARY");
+  if (old == nullptr) {
+    beginNew(editor, dictionary);
+    editor.enter("AcDbDictionary");
+    editor.setInteger(281, 1);
+  }
+  editor.enter("AcDbDictionary");
+  int ownerCode = kSoftOwner;
+  std::vector<DictionaryEntry> standing;
+  if (old != nullptr) {
+    const TagView tags = binding.view(old->first);
+    if (tags.has(360) && !tags.has(kSoftOwner)) ownerCode = 360;
+    standing = entriesOf(tags);
+    const std::uint32_t begin = tags.range().begin;
+    // From the end, so that the places of the others stay.
+    for (auto entry = standing.rbegin(); entry != standing.rend(); ++entry) {
+      if (!isKept(binding, *entry, dictionary)) editor.removeAt(entry->tag - begin, 2);
+    }
+  }
+  std::set<AcDbStub*> stands;
+  for (const DictionaryEntry& entry : standing) {
+    if (isKept(binding, entry, dictionary)) stands.insert(binding.find(entry.handle));
+  }
+  editor.toEnd();
+  const std::unique_ptr<AcDbDictionaryIterator> iterator(dictionary.newIterator());
+  for (; !iterator->done(); iterator->next()) {
+    if (stands.count(iterator->objectId()) > 0) continue;
+    editor.addText(3, iterator->name());
+    editor.addWord(ownerCode, formatHandle(iterator->objectId().handle().value()));
+  }
+  return editor.bytes();
+}
+
+std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
+                        const BoundObject* old) {
+  TagEditor editor = editorOf(binding, old, "XRECORD");
+  if (old == nullptr) beginNew(editor, record);
+  editor.enter("AcDbXrecord");
+  // R13 and R14 have no such flag.
+  if (old == nullptr || editor.isNext(280)) editor.putInteger(280, record.mergeStyle());
+  resbuf* chain = nullptr;
+  if (record.rbChain(&chain) != Acad::eOk) return editor.bytes();
+  for (const resbuf* item = chain; item != nullptr; item = item->rbnext) putItem(*item, editor);
+  acutRelRb(chain);
+  editor.removeRest();
+  return editor.bytes();
+}
+
+std::string writeLayer(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
+                       const BoundObject* old, std::uint64_t tableHandle) {
+  TagEditor editor = editorOf(binding, old, "LAYER");
+  if (old == nullptr) {
+    if (binding.hasHandles) editor.setHandle(5, layer.handle().value());
+    if (!editor.isOld()) {
+      if (tableHandle != 0) editor.setHandle(330, tableHandle);
+      editor.enter("AcDbSymbolTableRecord");
+    }
+  }
+  editor.enter("AcDbLayerTableRecord");
+  editor.setText(2, recordName(layer.objectId()));
+  const int flags = (layer.isFrozen() ? kFrozenFlag : 0) | (layer.isLocked() ? kLockedFlag : 0);
+  const int before = old != nullptr ? binding.view(old->first).integer(70) : 0;
+  editor.setInteger(70, (before & ~(kFrozenFlag | kLockedFlag)) | flags);
+  const int color = layer.isOff() ? -layer.colorIndex() : layer.colorIndex();
+  editor.setIntegerUnless(62, color, 1000, [&](long long inFile) {
+    return layerColor(static_cast<int>(inFile)) == layer.colorIndex() &&
+           (inFile < 0) == layer.isOff();
+  });
+  if (old == nullptr) editor.setWord(6, "CONTINUOUS");
+  return editor.bytes();
+}
+
+std::string writeClass(const DrawingBinding& binding, const AcRxClass& description) {
+  TagEditor editor(binding.document, binding.encoding, "CLASS");
+  editor.addText(1, description.dxfName());
+  editor.addText(2, description.name());
+  editor.addText(3, description.appName() != nullptr ? description.appName() : L"");
+  editor.addInteger(90, description.proxyFlags());
+  if (binding.document.version() >= "AC1018") editor.addInteger(91, 1);
+  editor.addInteger(280, 0);
+  editor.addInteger(281, 1);
+  return editor.bytes();
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,66 @@
+// Drawings that are read, changed and written again.
+#include "host/filing/drawingfile.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "acutmem.h"
+#include "dbblockref.h"
+#include "dbcurve.h"
+#include "dbdict.h"
+#include "dbobjptr.h"
+#include "dbpl.h"
+#include "dbsymtb.h"
+#include "dbtext.h"
+#include "dbxrecrd.h"
+#include "host/filing/binarydrawing.h"
+#include "tests/host_filing/drawingfixture.h"
+#include "tests/host_filing/realdrawings.h"
+
+namespace tarn::host {
+namespace {
+
+TEST(DrawingFile, eachRealDrawingIsTheSameAfterOpeningAndSaving) {
+  const std::vector<std::string> drawings = realDrawings();
+  if (drawings.empty()) GTEST_SKIP() << "no real files at " TARN_DATA_DIR;
+  for (const std::string& path : drawings) {
+    SCOPED_TRACE(path);
+    auto file = DrawingFile::open(path);
+    if (nameOf(path).rfind("clusterfuzz", 0) == 0) {
+      EXPECT_FALSE(file);
+      continue;
+    }
+    ASSERT_TRUE(file) << file.message();
+    auto saved = file.value()->bytes();
+    ASSERT_TRUE(saved) << saved.message();
+    const std::string before = bytesOf(path);
+    if (isBinaryDrawing(before)) {
+      EXPECT_EQ(saved.value(), asciiFromBinary(before, path).value());
+    } else if (nameOf(path) == "recover01.dxf") {
+      EXPECT_EQ(saved.value(), before + "  0\nEOF\n");
+    } else if (nameOf(path) == "header_extended.dxf") {
+      EXPECT_EQ(saved.value(), before + "  0\nENDSEC\n  0\nEOF\n");
+    } else {
+      EXPECT_TRUE(saved.value() == before) << "not the same bytes";
+    }
+  }
+}
+
+TEST(DrawingFile, writingEachObjectAnewKeepsEveryValue) {
+  const std::vector<std::string> drawings = realDrawings();
+  if (drawings.empty()) GTEST_SKIP() << "no real files at " TARN_DATA_DIR;
+  for (const std::string& path : drawings) {
+    SCOPED_TRACE(path);
+    auto file = DrawingFile::open(path);
+    if (!file) continue;
+    const std::string before = file.value()->bytes().take();
+    touchEverything(file.value()->database(), before);
+    const auto after = file.value()->bytes();
+    ASSERT_TRUE(after) << after.message();
+    EXPECT_TRUE(sameTags(before, after.value()));
+  }
+}
+
+}  // namespace
+}  // namespace tarn::host

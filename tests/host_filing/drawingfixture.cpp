@@ -1,0 +1,67 @@
+#include "tests/host_filing/drawingfixture.h"
+
+#include <set>
+
+#include "dbmain.h"
+#include "dbsymtb.h"
+#include "host/filing/tagdocument.h"
+#include "host/filing/tagview.h"
+
+namespace tarn::host {
+
+namespace {
+
+/// A layer that the file only takes for granted would be written once it changes.
+std::set<std::wstring> layersIn(const std::string& bytes) {
+  const auto parsed = TagDocument::parse(bytes, "file");
+  std::set<std::wstring> names;
+  if (!parsed) return names;
+  const TagDocument& document = parsed.value();
+  const TextEncoding encoding(document);
+  for (std::uint32_t i = 0; i < document.objectCount(); ++i) {
+    if (document.typeOf(i) != "LAYER") continue;
+    names.insert(TagView(document, encoding, i).text(2));
+  }
+  return names;
+}
+
+}  // namespace
+
+void touchEverything(AcDbDatabase& database, const std::string& bytes) {
+  const std::set<std::wstring> layers = layersIn(bytes);
+  for (Adesk::UInt64 handle = 1; handle < database.handseed().value(); ++handle) {
+    AcDbObjectId id;
+    AcDbObject* object = nullptr;
+    if (database.getAcDbObjectId(id, false, AcDbHandle(handle)) != Acad::eOk) continue;
+    if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) continue;
+    const ACHAR* name = L"";
+    const auto* layer = AcDbLayerTableRecord::cast(object);
+    if (layer != nullptr) layer->getName(name);
+    if (layer == nullptr || layers.count(name) > 0) object->assertWriteEnabled();
+    object->close();
+  }
+}
+
+testing::AssertionResult sameTags(const std::string& before, const std::string& after) {
+  const auto a = TagDocument::parse(before, "before");
+  const auto b = TagDocument::parse(after, "after");
+  if (!a || !b) return testing::AssertionFailure() << a.message() << b.message();
+  const TagDocument& one = a.value();
+  const TagDocument& other = b.value();
+  const size_t count = std::min(one.tags().size(), other.tags().size());
+  for (size_t i = 0; i < count; ++i) {
+    const Tag& x = one.tags()[i];
+    const Tag& y = other.tags()[i];
+    if (x.code == y.code && one.text(x) == other.text(y)) continue;
+    return testing::AssertionFailure()
+           << "line " << one.lineOf(static_cast<std::uint32_t>(i)) << ": " << x.code << " \""
+           << one.text(x) << "\" became " << y.code << " \"" << other.text(y) << "\"";
+  }
+  if (one.tags().size() != other.tags().size()) {
+    return testing::AssertionFailure()
+           << one.tags().size() << " tags became " << other.tags().size();
+  }
+  return testing::AssertionSuccess();
+}
+
+}  // namespace tarn::host
