@@ -36,6 +36,30 @@ Status syncFolder(const std::string& folder) {
   return Status::ok();
 }
 
+/// Opens a regular file for reading; -1 with errno for everything else. Without waiting: what is a
+/// file may have become a pipe meanwhile, and some of the system's own files block their readers.
+int openRegular(const std::string& path) {
+  if (fileKind(path) == FileKind::kOther) {
+    errno = EINVAL;
+    return -1;
+  }
+  const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  struct stat info {};
+  if (handle < 0 || (::fstat(handle, &info) == 0 && S_ISREG(info.st_mode))) return handle;
+  ::close(handle);
+  errno = EINVAL;
+  return -1;
+}
+
+Status openFailure(const std::string& path) {
+  const int error = errno;
+  const FileKind kind = fileKind(path);
+  if (kind == FileKind::kOther || kind == FileKind::kFolder)
+    return Status::error(path + ": is not a regular file");
+  errno = error;
+  return failure(path, "cannot open");
+}
+
 }  // namespace
 
 void makeWriteFailuresErrors() {
@@ -105,8 +129,8 @@ Result<std::string> makeTemporaryFolder(const std::string& folder, const std::st
 }
 
 Result<std::string> readFile(const std::string& path, uint64_t limit) {
-  const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (handle < 0) return failure(path, "cannot open");
+  const int handle = openRegular(path);
+  if (handle < 0) return openFailure(path);
   std::string bytes;
   char buffer[65536];
   ssize_t count = 0;
@@ -165,10 +189,8 @@ RandomFile& RandomFile::operator=(RandomFile&& other) noexcept {
 
 Status RandomFile::open(const std::string& path) {
   close();
-  if (fileKind(path) == FileKind::kMissing) return failure(path, "cannot open");
-  if (fileKind(path) != FileKind::kRegular) return Status::error(path + ": is not a regular file");
-  handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  return handle_ >= 0 ? Status::ok() : failure(path, "cannot open");
+  handle_ = openRegular(path);
+  return handle_ >= 0 ? Status::ok() : openFailure(path);
 }
 
 void RandomFile::close() {

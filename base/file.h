@@ -38,7 +38,7 @@ Status removeAll(const std::string& path);
 /// A new empty folder inside `folder` whose name begins with `prefix`, only for this user.
 Result<std::string> makeTemporaryFolder(const std::string& folder, const std::string& prefix);
 
-/// Reads a whole file; refused above `limit` bytes.
+/// Reads a whole regular file; refused above `limit` bytes.
 Result<std::string> readFile(const std::string& path, uint64_t limit);
 
 /// Moves a finished file (already synced) into its place and syncs the folder: after a crash there

@@ -12,7 +12,11 @@ class [[nodiscard]] Status {
  public:
   Status() = default;
   static Status ok() { return {}; }
+  /// File names may hold line ends and worse; the sentence stays one line.
   static Status error(std::string message) {
+    for (char& c : message) {
+      if (static_cast<unsigned char>(c) < ' ' || c == 0x7F) c = '?';
+    }
     Status status;
     status.message_ = std::move(message);
     status.failed_ = true;

@@ -3,7 +3,7 @@
 
 BUILD_PACKAGES="g++ cmake ninja-build ccache qtbase5-dev libgdal-dev libsqlite3-dev libjpeg62-turbo-dev
  libgtest-dev libgmock-dev libbenchmark-dev python3-minimal fonts-wqy-microhei fonts-dejavu-core"
-TEST_PACKAGES="clang-format xvfb xauth xdotool openbox gdal-bin sqlite3 procps util-linux"
+TEST_PACKAGES="clang-format xvfb xauth xdotool openbox gdal-bin sqlite3 procps util-linux strace"
 TIDY_PACKAGES="clang-tidy"
 
 say() { printf '%s\n' "$*" >&2; }

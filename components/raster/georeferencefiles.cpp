@@ -6,11 +6,11 @@
 
 #include "base/file.h"
 #include "base/path.h"
+#include "components/raster/guardedfiles.h"
 
 namespace tarn::raster {
 namespace {
 
-constexpr uint64_t kMostSideFileBytes = 16 << 20;
 constexpr const char* kInside = "the image itself";
 
 /// Control points of a form that only GDAL reads.

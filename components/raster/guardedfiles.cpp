@@ -17,6 +17,8 @@ namespace tarn::raster {
 namespace {
 
 constexpr const char* kRoot = "/vsitarn/";
+// GDAL takes in whole what is of this kind.
+constexpr const char* kTextEnding = ".xml";
 
 struct Folders {
   std::mutex mutex;
@@ -47,7 +49,9 @@ std::string realPath(const char* virtualName) {
   }
   const std::string wanted = name.substr(slash + 1);
   if (!isSideFileName(nameOf(image), wanted)) return {};
-  return joinPath(folderOf(image), wanted);
+  const std::string path = joinPath(folderOf(image), wanted);
+  const bool isText = equalsIgnoreCase(extensionOf(wanted), kTextEnding);
+  return isText && fileTimes(path).size > kMostSideFileBytes ? std::string() : path;
 }
 
 struct OpenFile {

@@ -6,6 +6,9 @@
 
 namespace tarn::raster {
 
+/// Side files that hold text are not there when they are larger.
+constexpr uint64_t kMostSideFileBytes = 16 << 20;
+
 /// Installs the virtual file system. Once a process.
 void installGuardedFiles();
 

@@ -15,6 +15,10 @@
 namespace tarn::raster {
 namespace {
 
+// GDAL looks at all pictures of a file when it is asked for masks or overviews, in time that grows
+// with the square of their number.
+constexpr size_t kMostPictures = 1024;
+
 Status checkPath(const std::string& path) {
   if (path.compare(0, 4, "/vsi") == 0 || path.compare(0, 4, "\\vsi") == 0)
     return Status::error(path + ": is not a file of this computer");
@@ -32,9 +36,12 @@ Status checkPath(const std::string& path) {
   return Status::ok();
 }
 
-/// A JPG that was written to its end has an end marker near it, or before the mask that GDAL
-/// appends, whose last four bytes say where it begins.
-bool hasJpegEnd(const RandomFile& file, uint64_t size) {
+/// A JPG that was written to its end has at least a bit for each of its squares of eight pixels,
+/// and an end marker near its end, or before the mask that GDAL appends, whose last four bytes say
+/// where it begins.
+bool hasJpegEnd(const RandomFile& file, uint64_t size, const ImageFacts& facts) {
+  if (size < static_cast<uint64_t>(facts.width) * static_cast<uint64_t>(facts.height) / 512)
+    return false;
   std::vector<uint8_t> tail(std::min<uint64_t>(size, 65536));
   if (!file.readAt(size - tail.size(), tail.data(), tail.size())) return false;
   const uint8_t marker[] = {0xFF, 0xD9};
@@ -53,8 +60,10 @@ bool isReducedPicture(const TiffDirectory& directory) {
          (directory.subfileType & tiff::kMask) == 0;
 }
 
-/// Which of the dataset's overviews has the size; -1 for none.
+/// Which of the dataset's overviews has the size; -1 for none. A dataset that names another file as
+/// its overviews is not asked, for GDAL would open that file.
 int overviewOfSize(GDALDataset& dataset, uint32_t width, uint32_t height) {
+  if (dataset.GetMetadataItem("OVERVIEW_FILE", "OVERVIEWS")) return -1;
   GDALRasterBand* band = dataset.GetRasterBand(1);
   for (int i = 0; band && i < band->GetOverviewCount(); ++i) {
     GDALRasterBand* overview = band->GetOverview(i);
@@ -84,6 +93,9 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   auto file = std::make_shared<RandomFile>();
   if (Status opened = file->open(path); !opened) return opened;
   file_ = std::move(file);
+  if (hasMorePicturesThan(*file_, times_.size, kMostPictures))
+    return Status::error(path_ + ": has more than " + std::to_string(kMostPictures) +
+                         " pictures in it");
   guarded_ = std::make_shared<GuardedImage>(path);
   if (Status status = loadFullSize(options); !status) return status;
   loadPlacement();
@@ -165,7 +177,7 @@ Status RasterImage::addFullSize(DatasetPtr dataset) {
 Status RasterImage::checkWhole() const {
   const Status cut =
       Status::error(path_ + ": is cut short or damaged: its last pixels are missing");
-  if (facts_.driver == "JPEG") return hasJpegEnd(*file_, times_.size) ? Status::ok() : cut;
+  if (facts_.driver == "JPEG") return hasJpegEnd(*file_, times_.size, facts_) ? Status::ok() : cut;
   // What is read straight from the file was checked with its directory.
   const TileReader& reader = *levels_[0].reader;
   if (reader.cheap()) return Status::ok();

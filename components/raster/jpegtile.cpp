@@ -11,6 +11,10 @@
 namespace tarn::raster {
 namespace {
 
+// What a progressive stream may keep of its coefficients, and how often it may go over them.
+constexpr long kMostMemory = 128L << 20;
+constexpr int kMostScans = 100;
+
 struct Errors {
   jpeg_error_mgr manager;
   std::jmp_buf back;
@@ -23,6 +27,10 @@ struct Errors {
 void onMessage(j_common_ptr codec, int level) {
   // A stream that ends early is filled up by the library; here it is an error.
   if (level < 0 && codec->err->msg_code == JWRN_JPEG_EOF) leave(codec);
+}
+
+void limitScans(j_common_ptr codec) {
+  if (reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > kMostScans) leave(codec);
 }
 
 void prepareErrors(Errors& errors) {
@@ -74,6 +82,8 @@ bool decodeJpegTile(Span<const uint8_t> stream, Span<const uint8_t> tables, Jpeg
                     int width, int height, uint8_t* out) {
   if (stream.empty()) return false;
   jpeg_decompress_struct codec{};
+  jpeg_progress_mgr progress{};
+  progress.progress_monitor = limitScans;
   Errors errors;
   prepareErrors(errors);
   codec.err = &errors.manager;
@@ -82,6 +92,8 @@ bool decodeJpegTile(Span<const uint8_t> stream, Span<const uint8_t> tables, Jpeg
     return false;
   }
   jpeg_create_decompress(&codec);
+  codec.progress = &progress;
+  codec.mem->max_memory_to_use = kMostMemory;
   decodeInto(codec, stream, tables, colours, width, height, out);
   jpeg_destroy_decompress(&codec);
   return true;

@@ -18,6 +18,9 @@ namespace tarn::raster {
 namespace {
 
 constexpr int kBand = 2 * kPyramidTile;
+// Rows of tiles and lists of tiles are kept in memory.
+constexpr int kWidestImage = 1 << 19;
+constexpr int64_t kMostPixels = int64_t{1} << 40;
 
 class Builder {
  public:
@@ -259,6 +262,9 @@ Status buildInto(const PyramidSource& source, const std::string& target, const P
 
 Status buildPyramidFile(const PyramidSource& source, const PyramidPlaces& places,
                         const Progress& progress, std::string& note) {
+  const TileGrid& grid = source.reader->grid();
+  if (grid.width > kWidestImage || int64_t{grid.width} * grid.height > kMostPixels)
+    return Status::error(source.imagePath + ": is too large for a pyramid");
   BuildFolder build;
   std::string target = pyramidPath(source.subject, places.folder);
   Status made = folderIsWritable(places.folder)

@@ -33,12 +33,14 @@ bool isReadable(const Window& w) {
          w.columns <= kMostCells && w.rows <= kMostCells;
 }
 
-/// `cell` in image pixels, `levelCell` in pixels of the level that is read.
-Filter filterFor(double cell, double levelCell, bool smooth) {
+/// `cell` in image pixels, `levelCell` in pixels of the level that is read, of which `levelSide`
+/// make its side.
+Filter filterFor(double cell, double levelCell, int levelSide, bool smooth) {
   // Cells of millions of pixels of a level come from images without a pyramid; averaging them would
-  // take minutes.
+  // take minutes, and their weights more memory than their pixels.
   constexpr double kMostAveraged = 16384;
-  if (levelCell > kMostAveraged) return Filter::kNearest;
+  constexpr int kLongestSide = 16 << 20;
+  if (levelCell > kMostAveraged || levelSide > kLongestSide) return Filter::kNearest;
   if (cell > 1 + kSameSize) return Filter::kBox;
   return smooth ? Filter::kBilinear : Filter::kNearest;
 }
@@ -116,7 +118,7 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
                         int size, int pixels) {
     const AxisWindow along{(start - origin) / factor, cell / factor, cells,
                            (size - origin) / factor,  pixels,        -origin / factor};
-    return makeTaps(along, filterFor(cell, cell / factor, smooth));
+    return makeTaps(along, filterFor(cell, cell / factor, pixels, smooth));
   };
   const AxisTaps across = axis(window.x, window.cellX, window.columns, level.factorX, level.originX,
                                width(), grid.width);

@@ -1,12 +1,18 @@
 #include "components/raster/tiffdirectory.h"
 
 #include <algorithm>
+#include <limits>
+#include <map>
 #include <set>
 
 namespace tarn::raster {
 namespace {
 
 constexpr size_t kMostDirectories = 256;
+constexpr uint64_t kMostBlocks = 16 << 20;
+constexpr uint64_t kMostTextBytes = 1 << 20;
+// What is kept of all directories together; several may share one long list in a small file.
+constexpr uint64_t kMostKeptBytes = 512 << 20;
 
 /// Bytes of a TIFF field type; 0 for types that are not numbers or texts.
 unsigned typeSize(uint16_t type) {
@@ -29,11 +35,11 @@ unsigned typeSize(uint16_t type) {
 }
 
 struct Field {
-  uint16_t tag = 0;
   uint16_t type = 0;
   uint64_t count = 0;
   uint64_t offset = 0;
 };
+using Fields = std::map<uint16_t, Field>;
 
 class Parser {
  public:
@@ -43,7 +49,9 @@ class Parser {
     uint64_t at = 0;
     if (Status header = readHeader(at); !header) return header;
     std::set<uint64_t> seen;
-    while (at != 0 && seen.insert(at).second && out.size() < kMostDirectories) {
+    uint64_t kept = 0;
+    while (at != 0 && seen.insert(at).second && out.size() < kMostDirectories &&
+           kept < kMostKeptBytes) {
       TiffDirectory directory;
       uint64_t next = 0;
       if (!readDirectory(at, directory, next)) {
@@ -51,10 +59,27 @@ class Parser {
         if (out.empty()) return Status::error("its directory is damaged or cut off");
         break;
       }
+      kept += (directory.offsets.size() + directory.byteCounts.size()) * sizeof(uint64_t) +
+              directory.jpegTables.size() + directory.gdalMetadata.size();
       out.push_back(std::move(directory));
       at = next;
     }
     return out.empty() ? Status::error("has no directory") : Status::ok();
+  }
+
+  bool hasMoreThan(size_t most) {
+    uint64_t at = 0;
+    if (!readHeader(at)) return false;
+    const unsigned countBytes = big_ ? 8 : 2, entryBytes = big_ ? 20 : 12, wordBytes = big_ ? 8 : 4;
+    std::set<uint64_t> seen;
+    uint8_t bytes[8] = {};
+    while (at != 0 && seen.insert(at).second && seen.size() <= most) {
+      if (!read(at, bytes, countBytes)) break;
+      const uint64_t entries = std::min<uint64_t>(number(bytes, countBytes), UINT16_MAX);
+      if (!read(at + countBytes + entries * entryBytes, bytes, wordBytes)) break;
+      at = number(bytes, wordBytes);
+    }
+    return seen.size() > most;
   }
 
  private:
@@ -89,129 +114,107 @@ class Parser {
     if (entries == 0 || entries > 4096) return false;
     std::vector<uint8_t> bytes(entries * entryBytes + wordBytes);
     if (!read(at + countBytes, bytes.data(), bytes.size())) return false;
-    uint64_t rowsPerStrip = UINT32_MAX;
-    bits_ = format_ = {};
-    fillOrder_ = 1;
+    Fields fields;
     for (uint64_t i = 0; i < entries; ++i) {
       const uint8_t* entry = bytes.data() + i * entryBytes;
       Field field;
-      field.tag = static_cast<uint16_t>(number(entry, 2));
       field.type = static_cast<uint16_t>(number(entry + 2, 2));
       field.count = number(entry + 4, wordBytes);
       const uint64_t valueAt = at + countBytes + i * entryBytes + 4 + wordBytes;
       const unsigned unit = typeSize(field.type);
-      if (unit == 0 || field.count == 0 || field.count > size_) continue;
+      if (unit == 0 || field.count == 0 || field.count > size_ / unit) continue;
       field.offset =
           unit * field.count <= wordBytes ? valueAt : number(entry + 4 + wordBytes, wordBytes);
-      if (!takeField(field, out, rowsPerStrip)) return false;
+      // Of a field that comes twice the first counts.
+      fields.emplace(static_cast<uint16_t>(number(entry, 2)), field);
     }
     next = number(bytes.data() + entries * entryBytes, wordBytes);
-    return finish(out, rowsPerStrip);
+    return takeShape(fields, out) && takeBlocks(fields, out) && takeExtras(fields, out);
   }
 
-  bool values(const Field& field, std::vector<uint64_t>& out) const {
+  /// At most `most` values of a field; false when they lie outside the file.
+  bool values(const Field& field, uint64_t most, std::vector<uint64_t>& out) const {
     const unsigned unit = typeSize(field.type);
-    std::vector<uint8_t> bytes;
-    if (field.count > size_ / unit) return false;
-    bytes.resize(field.count * unit);
+    out.resize(std::min(field.count, most));
+    std::vector<uint8_t> bytes(out.size() * unit);
     if (!read(field.offset, bytes.data(), bytes.size())) return false;
-    out.resize(field.count);
     for (size_t i = 0; i < out.size(); ++i) out[i] = number(bytes.data() + i * unit, unit);
     return true;
   }
 
-  bool takeField(const Field& field, TiffDirectory& out, uint64_t& rowsPerStrip) {
-    static const std::set<uint16_t> kWanted = {254, 256, 257, 258, 259, 262, 266, 273, 277, 278,
-                                               279, 284, 322, 323, 324, 325, 338, 339, 347, 42112};
-    if (kWanted.count(field.tag) == 0) return true;
-    if (field.tag == 347 || field.tag == 42112) {
-      if (field.count > size_) return false;
-      std::vector<uint8_t> bytes(field.count);
-      if (!read(field.offset, bytes.data(), bytes.size())) return false;
-      if (field.tag == 347) {
-        out.jpegTables = std::move(bytes);
-      } else {
-        out.gdalMetadata.assign(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
-      }
-      return true;
-    }
+  bool values(const Fields& fields, uint16_t tag, uint64_t most, std::vector<uint64_t>& out) const {
+    const auto found = fields.find(tag);
+    return found == fields.end() || values(found->second, most, out);
+  }
+
+  /// The first value of a field, cut to the type; `value` stays when there is no such field.
+  template <typename Number>
+  bool first(const Fields& fields, uint16_t tag, Number& value) const {
     std::vector<uint64_t> list;
-    if (!values(field, list)) return false;
-    const auto small = static_cast<uint32_t>(std::min<uint64_t>(list[0], UINT32_MAX));
-    const auto word = static_cast<uint16_t>(std::min<uint64_t>(list[0], UINT16_MAX));
-    switch (field.tag) {
-      case 254:
-        out.subfileType = small;
-        break;
-      case 256:
-        out.width = small;
-        break;
-      case 257:
-        out.height = small;
-        break;
-      case 258:
-        bits_ = std::move(list);
-        break;
-      case 259:
-        out.compression = word;
-        break;
-      case 262:
-        out.photometric = word;
-        break;
-      case 266:
-        fillOrder_ = word;
-        break;
-      case 277:
-        out.samples = word;
-        break;
-      case 278:
-        rowsPerStrip = list[0];
-        break;
-      case 284:
-        out.planar = word == 2;
-        break;
-      case 322:
-        out.blockWidth = small;
-        break;
-      case 323:
-        out.blockHeight = small;
-        break;
-      case 338:
-        out.alphaMultiplied = word == 1;
-        break;
-      case 273:
-      case 324:
-        out.offsets = std::move(list);
-        break;
-      case 279:
-      case 325:
-        out.byteCounts = std::move(list);
-        break;
-      default:
-        format_ = std::move(list);
-        break;
-    }
-    out.tiled = out.tiled || field.tag == 322;
+    if (!values(fields, tag, 1, list)) return false;
+    constexpr auto kMost = static_cast<uint64_t>(std::numeric_limits<Number>::max());
+    if (!list.empty()) value = static_cast<Number>(std::min(list[0], kMost));
     return true;
   }
 
-  bool finish(TiffDirectory& out, uint64_t rowsPerStrip) const {
+  bool takeShape(const Fields& fields, TiffDirectory& out) const {
+    uint32_t rowsPerStrip = UINT32_MAX;
+    uint16_t planes = 1, extraSample = 0;
+    if (!first(fields, 254, out.subfileType) || !first(fields, 256, out.width) ||
+        !first(fields, 257, out.height) || !first(fields, 259, out.compression) ||
+        !first(fields, 262, out.photometric) || !first(fields, 277, out.samples) ||
+        !first(fields, 278, rowsPerStrip) || !first(fields, 284, planes) ||
+        !first(fields, 338, extraSample) || !first(fields, 322, out.blockWidth) ||
+        !first(fields, 323, out.blockHeight))
+      return false;
+    out.planar = planes == 2;
+    out.alphaMultiplied = extraSample == 1;
+    out.tiled = fields.count(322) != 0;
     if (out.width == 0 || out.height == 0 || out.width > INT32_MAX || out.height > INT32_MAX)
       return false;
     if (!out.tiled) {
       out.blockWidth = out.width;
-      out.blockHeight = static_cast<uint32_t>(std::min<uint64_t>(rowsPerStrip, out.height));
+      out.blockHeight = std::min(rowsPerStrip, out.height);
     }
-    if (out.blockWidth == 0 || out.blockHeight == 0) return false;
-    const uint64_t blocks = static_cast<uint64_t>(out.blocksAcross()) * out.blocksDown() *
-                            (out.planar ? out.samples : 1);
+    return out.blockWidth > 0 && out.blockHeight > 0;
+  }
+
+  bool takeBlocks(const Fields& fields, TiffDirectory& out) const {
+    // Blocks larger than any picture are GDAL's to judge.
+    if (out.blockWidth > INT32_MAX / 2 || out.blockHeight > INT32_MAX / 2) return true;
+    const uint64_t planes = out.planar ? std::max<uint64_t>(1, out.samples) : 1;
+    const uint64_t across = out.blocksAcross(), down = out.blocksDown();
+    if (across * down > kMostBlocks / planes) return true;
+    const uint64_t blocks = across * down * planes;
+    if (!values(fields, out.tiled ? 324 : 273, blocks, out.offsets) ||
+        !values(fields, out.tiled ? 325 : 279, blocks, out.byteCounts))
+      return false;
+    std::vector<uint64_t> bits, format;
+    uint16_t fillOrder = 1;
+    if (!values(fields, 258, UINT16_MAX, bits) || !values(fields, 339, UINT16_MAX, format) ||
+        !first(fields, 266, fillOrder))
+      return false;
     // A file without byte counts (or with too few) is GDAL's to repair; it is then not read here.
-    const bool known = out.offsets.size() >= blocks && out.byteCounts.size() >= blocks &&
-                       out.blockWidth <= INT32_MAX / 2 && out.blockHeight <= INT32_MAX / 2;
+    const bool known = out.offsets.size() == blocks && out.byteCounts.size() == blocks;
     const auto all = [](const std::vector<uint64_t>& list, uint64_t value) {
       return std::all_of(list.begin(), list.end(), [value](uint64_t v) { return v == value; });
     };
-    out.plainBytes = known && fillOrder_ == 1 && !bits_.empty() && all(bits_, 8) && all(format_, 1);
+    out.plainBytes = known && fillOrder == 1 && !bits.empty() && all(bits, 8) && all(format, 1);
+    return true;
+  }
+
+  bool takeExtras(const Fields& fields, TiffDirectory& out) const {
+    const auto text = [&](uint16_t tag, auto& target) {
+      const auto found = fields.find(tag);
+      if (found == fields.end() || found->second.count > kMostTextBytes) return true;
+      std::vector<uint8_t> bytes(found->second.count);
+      if (!read(found->second.offset, bytes.data(), bytes.size())) return false;
+      target.assign(bytes.begin(), bytes.end());
+      return true;
+    };
+    if (!text(347, out.jpegTables) || !text(42112, out.gdalMetadata)) return false;
+    out.gdalMetadata.erase(std::find(out.gdalMetadata.begin(), out.gdalMetadata.end(), '\0'),
+                           out.gdalMetadata.end());
     return true;
   }
 
@@ -219,9 +222,6 @@ class Parser {
   uint64_t size_;
   bool little_ = true;
   bool big_ = false;
-  uint16_t fillOrder_ = 1;
-  std::vector<uint64_t> bits_;
-  std::vector<uint64_t> format_;
 };
 
 bool blocksAreInside(const TiffDirectory& directory, uint64_t fileSize) {
@@ -243,12 +243,20 @@ bool TiffDirectory::isPlainPicture() const {
   return plainBytes && (gray || colour);
 }
 
+bool hasMorePicturesThan(const RandomFile& file, uint64_t fileSize, size_t most) {
+  return Parser(file, fileSize).hasMoreThan(most);
+}
+
 Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomFile& file, uint64_t fileSize) {
   std::vector<TiffDirectory> directories;
   Parser parser(file, fileSize);
   if (Status status = parser.run(directories); !status) return status;
   if (!blocksAreInside(directories.front(), fileSize))
     return Status::error("is cut short: its pixels lie behind the end of the file");
+  const auto outside = std::find_if_not(
+      directories.begin(), directories.end(),
+      [fileSize](const TiffDirectory& directory) { return blocksAreInside(directory, fileSize); });
+  directories.erase(outside, directories.end());
   return directories;
 }
 

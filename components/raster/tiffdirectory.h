@@ -44,8 +44,12 @@ struct TiffDirectory {
   bool isPlainPicture() const;
 };
 
-/// Reads every directory of the file's main chain. Fails on what is no TIFF, on damage, and when a
-/// block of the first picture lies behind the end of the file.
+/// True for a TIFF with more pictures than `most` in its main chain.
+bool hasMorePicturesThan(const RandomFile& file, uint64_t fileSize, size_t most);
+
+/// Reads the directories of the file's main chain, up to the first damaged one and as many as
+/// overviews can need. Fails on what is no TIFF, on a damaged first directory, and when a block of
+/// the first picture lies behind the end of the file.
 Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomFile& file, uint64_t fileSize);
 
 }  // namespace tarn::raster

@@ -13,6 +13,8 @@ namespace {
 constexpr int kStripTileWidth = 1024;
 constexpr int kStripTileHeight = 64;
 constexpr uint32_t kWidestBlock = 8192;
+// Smaller tiles are many for their pixels; GDAL's reader gathers them.
+constexpr uint32_t kNarrowestBlock = 64;
 
 TileGrid gridOf(const TiffDirectory& directory, int tileWidth, int tileHeight) {
   return {static_cast<int>(directory.width), static_cast<int>(directory.height), tileWidth,
@@ -152,6 +154,10 @@ class JpegTiffReader : public TileReader {
   TileGrid grid_;
 };
 
+bool areTooSmall(const TiffDirectory& directory) {
+  return directory.tiled && std::min(directory.blockWidth, directory.blockHeight) < kNarrowestBlock;
+}
+
 uint64_t blockBytes(const TiffDirectory& directory) {
   return static_cast<uint64_t>(directory.blockWidth) * directory.blockHeight * directory.samples;
 }
@@ -164,13 +170,14 @@ std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomFile> 
   if (!directory.tiled)
     return std::make_unique<RawStripReader>(std::move(file), std::move(directory));
   if (std::max(directory.blockWidth, directory.blockHeight) > kWidestBlock) return nullptr;
+  if (areTooSmall(directory)) return nullptr;
   return std::make_unique<RawTileReader>(std::move(file), std::move(directory));
 }
 
 std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomFile> file,
                                                TiffDirectory directory) {
   if (!directory.isPlainPicture() || directory.compression != tiff::kJpeg) return nullptr;
-  if (blockBytes(directory) > kMostBlockBytes) return nullptr;
+  if (blockBytes(directory) > kMostBlockBytes || areTooSmall(directory)) return nullptr;
   return std::make_unique<JpegTiffReader>(std::move(file), std::move(directory));
 }
 

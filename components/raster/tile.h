@@ -43,8 +43,9 @@ struct TileGrid {
   int tileHeight = 0;
   int channels = 0;
 
-  int columns() const { return (width + tileWidth - 1) / tileWidth; }
-  int rows() const { return (height + tileHeight - 1) / tileHeight; }
+  // Sides go up to the largest int, so nothing may be added to them.
+  int columns() const { return width / tileWidth + (width % tileWidth != 0 ? 1 : 0); }
+  int rows() const { return height / tileHeight + (height % tileHeight != 0 ? 1 : 0); }
   int widthOf(int column) const;
   int heightOf(int row) const;
 };
