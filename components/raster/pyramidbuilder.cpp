@@ -264,7 +264,7 @@ Status buildPyramidFile(const PyramidSource& source, const PyramidPlaces& places
                         const Progress& progress, std::string& note) {
   const TileGrid& grid = source.reader->grid();
   if (grid.width > kWidestImage || int64_t{grid.width} * grid.height > kMostPixels)
-    return Status::error(source.imagePath + ": is too large for a pyramid");
+    return Status::error(source.subject.imagePath + ": is too large for a pyramid");
   BuildFolder build;
   std::string target = pyramidPath(source.subject, places.folder);
   Status made = folderIsWritable(places.folder)
