@@ -31,7 +31,7 @@ target_compile_options(tarn_options INTERFACE
 target_include_directories(tarn_options INTERFACE ${CMAKE_SOURCE_DIR})
 if(TARN_SANITIZE)
   # Instrumented code makes g++ see uninitialised values where there are none.
-  target_compile_options(tarn_options INTERFACE -Wno-maybe-uninitialized
+  target_compile_options(tarn_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
     -fsanitize=${TARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()

@@ -5,6 +5,7 @@ BUILD_PACKAGES="g++ cmake ninja-build ccache qtbase5-dev libgdal-dev libsqlite3-
  libgtest-dev libgmock-dev libbenchmark-dev python3-minimal fonts-wqy-microhei fonts-dejavu-core"
 TEST_PACKAGES="clang-format xvfb xauth xdotool openbox gdal-bin sqlite3 procps util-linux strace"
 TIDY_PACKAGES="clang-tidy"
+FUZZ_PACKAGES="clang"
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -243,6 +243,7 @@ bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
 
 Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& progress,
                                  std::string& note) const {
+  if (Status unchanged = checkUnchanged(); !unchanged) return unchanged;
   if (pyramidLevels(facts_.width, facts_.height).empty()) return Status::ok();
   const bool stale = findPyramid(subject_, places).stale;
   PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt, presentation_.lossy};
