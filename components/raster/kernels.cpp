@@ -84,8 +84,7 @@ void storeCovered(const uint32_t* sums, uint32_t cover, uint8_t* out) {
 #if defined(__SSE2__)
 __m128i loadTwo(const uint16_t* low, const uint16_t* high) {
   const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(low));
-  return _mm_castpd_si128(
-      _mm_loadh_pd(_mm_castsi128_pd(first), reinterpret_cast<const double*>(high)));
+  return _mm_unpacklo_epi64(first, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(high)));
 }
 
 /// Four cells R, G, B from their sums (times 256); writes two bytes more than the twelve.
@@ -101,7 +100,7 @@ void storeFour(__m128i first, __m128i second, uint8_t* out) {
   const __m128i high = _mm_and_si128(_mm_srli_epi64(rgb, 8), _mm_set1_epi64x(0xFFFFFF000000));
   const __m128i six = _mm_or_si128(low, high);
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out), six);
-  _mm_storeh_pd(reinterpret_cast<double*>(out + 6), _mm_castsi128_pd(six));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 6), _mm_unpackhi_epi64(six, six));
 }
 
 /// The sums (times 256) of four cells, three and one unused number each.
