@@ -85,7 +85,7 @@ sizes=()
 if [ "$size" -gt 8192 ]; then
   # shellcheck disable=SC2086
   translate $jpeg -srcwin 0 0 8192 8192 "$raw" "$folder/ortho8192_jpeg.tif"
-  [ -f "$folder/ortho8192_jpeg.tif.ovr" ] || "$build/bench/bench_pyramid" "$folder/ortho8192_jpeg.tif" > /dev/null
+  "$build/bench/bench_pyramid" "$folder/ortho8192_jpeg.tif" > /dev/null
   sizes+=("$folder/ortho8192_jpeg.tif")
 fi
 sizes+=("$folder/ortho${size}_jpeg.tif")
@@ -96,7 +96,7 @@ for ((n = 2; n <= times; n++)); do
   translate $jpeg "$folder/mosaic$n.vrt" "$large"
   if [ "$n" = "$times" ]; then
     pyramids "$large" $((n * size))
-  elif [ ! -f "$large.ovr" ]; then
+  else
     "$build/bench/bench_pyramid" "$large" > /dev/null
   fi
   sizes+=("$large")
