@@ -3,9 +3,7 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
-#include <mutex>
 
-#include "components/raster/gdalaccess.h"
 #include "components/raster/tile.h"
 
 namespace tarn::raster {
@@ -81,7 +79,7 @@ bool isReadable(GDALRasterBand& image, GDALRasterBand& picture, const PictureSha
 Result<PictureShape> shapeOf(GDALDataset& dataset, const Presentation& presentation, int overview) {
   GDALRasterBand* first = pictureBand(dataset, presentation.bands[0], overview);
   if (!first) return Status::error("has no such picture");
-  PictureShape shape{first->GetXSize(), first->GetYSize(), 1, 1};
+  PictureShape shape{first->GetXSize(), first->GetYSize(), 1, 1, 0};
   first->GetBlockSize(&shape.blockWidth, &shape.blockHeight);
   for (const int number : bandsRead(presentation)) {
     GDALRasterBand* image = dataset.GetRasterBand(number);
@@ -97,7 +95,9 @@ Result<PictureShape> shapeOf(GDALDataset& dataset, const Presentation& presentat
   if (bytes > kMostBlockBytes)
     return Status::error("its pixels are stored in pieces of more than " +
                          std::to_string(kMostBlockBytes >> 20) + " MiB");
-  reserveGdalCache(3 * bytes);
+  shape.bytesPerPixel =
+      bytes / (static_cast<uint64_t>(shape.blockWidth) * static_cast<uint64_t>(shape.blockHeight)) +
+      1;
   return shape;
 }
 

@@ -17,12 +17,13 @@ struct PictureShape {
   int height = 0;
   int blockWidth = 0;
   int blockHeight = 0;
+  /// What GDAL decodes for the shown bands.
+  uint64_t bytesPerPixel = 0;
 };
 
 /// The image (`overview` -1) or one of its overviews, as GDAL counts them. Fails (a sentence
 /// without the file) when it is not there, is not of the image's kind (other samples, no mask where
-/// the image has one), or when its blocks need more than kMostBlockBytes. GDAL is given room for
-/// the blocks of a few such pictures.
+/// the image has one), or when its blocks need more than kMostBlockBytes.
 Result<PictureShape> shapeOf(GDALDataset& dataset, const Presentation& presentation, int overview);
 
 /// Number of overviews that GDAL knows of the shown bands.

@@ -99,7 +99,7 @@ Result<std::unique_ptr<TileReader>> makeGdalReader(GdalPicture picture, DatasetP
   // been read is decoded again.
   const auto rows = static_cast<uint64_t>(std::max(grid.tileHeight, s.blockHeight));
   const auto columns = static_cast<uint64_t>(std::max(grid.tileWidth, s.blockWidth));
-  reserveGdalCache(rows * columns * first->GetRasterCount() * workerCount());
+  reserveGdalCache(rows * columns * s.bytesPerPixel * workerCount());
   return std::unique_ptr<TileReader>(
       std::make_unique<GdalTileReader>(std::move(picture), grid, std::move(first)));
 }
