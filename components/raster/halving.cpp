@@ -54,14 +54,16 @@ void makeContent(uint8_t* p, int channels) {
   std::fill_n(p, channels, value);
 }
 
-void averageWithoutKeys(const uint8_t* const* pixels, int channels, bool roundUp, uint8_t* out) {
+void averageWithoutKeys(const uint8_t* const* pixels, const PictureView& source, bool roundUp,
+                        uint8_t* out) {
+  const int channels = source.channels;
   int sums[3] = {0, 0, 0}, count = 0;
   for (int i = 0; i < 4; ++i) {
     if (isKey(pixels[i], channels)) continue;
     ++count;
     for (int c = 0; c < channels; ++c) sums[c] += pixels[i][c];
   }
-  if (count < 2) {
+  if (count < source.leastContent) {
     std::fill_n(out, channels, uint8_t{0});
     return;
   }
@@ -70,13 +72,14 @@ void averageWithoutKeys(const uint8_t* const* pixels, int channels, bool roundUp
   makeContent(out, channels);
 }
 
-void halveRowWithKeys(const uint8_t* a, const uint8_t* b, int width, int channels, bool roundUp,
+void halveRowWithKeys(const uint8_t* a, const uint8_t* b, const PictureView& source, bool roundUp,
                       uint8_t* out) {
+  const int width = source.width, channels = source.channels;
   for (int x = 0; x < width; x += 2) {
     const int right = std::min(x + 1, width - 1);
     const uint8_t* pixels[4] = {a + x * channels, a + right * channels, b + x * channels,
                                 b + right * channels};
-    averageWithoutKeys(pixels, channels, roundUp, out + x / 2 * channels);
+    averageWithoutKeys(pixels, source, roundUp, out + x / 2 * channels);
   }
 }
 
@@ -92,7 +95,7 @@ bool halve(const PictureView& source, bool hasKeys, bool roundUp, uint8_t* out, 
     const uint8_t* b = y + 1 < source.height ? a + source.stride : a;
     uint8_t* row = out + static_cast<size_t>(y / 2) * stride;
     if (hasKeys) {
-      halveRowWithKeys(a, b, source.width, channels, roundUp, row);
+      halveRowWithKeys(a, b, source, roundUp, row);
       keys = keys || findKeys(row, width, channels);
       continue;
     }

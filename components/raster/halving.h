@@ -15,13 +15,16 @@ struct PictureView {
   int height = 0;
   size_t stride = 0;
   int channels = 3;
+  /// Of the four pixels behind a half pixel so many are content, or it is nothing.
+  int leastContent = 2;
 };
 
 /// Writes the half (sizes rounded up; a pixel over at the edge counts twice) with `stride` bytes
 /// from row to row. `hasKeys`: the source has pure black or white pixels. A half pixel is black
-/// when fewer than two of its four are content; an average of content never is pure black or white.
-/// `roundUp` chooses how an average exactly between two values is rounded: taking turns from level
-/// to level keeps a pyramid from growing brighter. Returns true when the result has keys.
+/// when fewer than `leastContent` of its four are content; an average of content never is pure
+/// black or white. `roundUp` chooses how an average exactly between two values is rounded: taking
+/// turns from level to level keeps a pyramid from growing brighter. Returns true when the result
+/// has keys.
 bool halve(const PictureView& source, bool hasKeys, bool roundUp, uint8_t* out, size_t stride);
 
 }  // namespace tarn::raster

@@ -167,6 +167,7 @@ void decideNothing(const ImageFacts& facts, const Choice& choice, Presentation& 
                       (palette && std::any_of(first.palette.begin(), first.palette.end(), clear));
   p.keepsBlack = stated || lineArt;
   p.keepsWhite = stated;
+  p.thinLines = lineArt && !stated;
 }
 
 }  // namespace

@@ -63,6 +63,8 @@ struct Presentation {
   bool minIsWhite = false;
   std::shared_ptr<const std::vector<uint8_t>> table;
   Scale scale;
+  /// Line art on paper that is nothing: lines stay when it is reduced, however thin.
+  bool thinLines = false;
   /// What is delivered are the file's bands, all of them, so that a standard pyramid fits.
   bool plain = true;
   /// Its pyramid's tiles are JPEG too.

@@ -24,8 +24,12 @@ constexpr int64_t kMostPixels = int64_t{1} << 40;
 
 class Builder {
  public:
-  Builder(const TileReader& source, PyramidWriter& writer, std::vector<LevelSize> levels)
-      : source_(source), grid_(source.grid()), writer_(writer), sizes_(std::move(levels)) {
+  Builder(const PyramidSource& source, PyramidWriter& writer, std::vector<LevelSize> levels)
+      : source_(*source.reader),
+        grid_(source.reader->grid()),
+        leastContent_(source.thinLines ? 1 : 2),
+        writer_(writer),
+        sizes_(std::move(levels)) {
     for (size_t level = 1; level < sizes_.size(); ++level) {
       Row row;
       row.tiles.resize(tilesIn(sizes_[level].width) * tileBytes());
@@ -34,7 +38,7 @@ class Builder {
     }
     groupWidth_ = std::max(kBand, grid_.tileWidth);
     // Tiles that fit the bands are decoded by the worker that needs them; others are shared.
-    local_ = !source.sequential() && groupWidth_ % grid_.tileWidth == 0 &&
+    local_ = !source_.sequential() && groupWidth_ % grid_.tileWidth == 0 &&
              groupWidth_ % kBand == 0 && kBand % grid_.tileHeight == 0;
     if (!local_) groupWidth_ = kBand;
   }
@@ -148,8 +152,8 @@ class Builder {
       for (int y = 0; y < height && !keys; ++y) {
         keys = findKeys(source.data() + y * stride, width, grid_.channels);
       }
-      keys = halve({source.data(), width, height, stride, grid_.channels}, keys, true, tile.data(),
-                   tileStride());
+      keys = halve({source.data(), width, height, stride, grid_.channels, leastContent_}, keys,
+                   true, tile.data(), tileStride());
       finishTile(0, left / kBand, band, tile.data(), keys);
     }
   }
@@ -167,8 +171,9 @@ class Builder {
                       (row % 2) * (kPyramidTile / 2) * tileStride() +
                       static_cast<size_t>(column % 2) * (kPyramidTile / 2) * grid_.channels;
     const bool roundUp = level % 2 == 1;
-    const bool halfHasKeys = halve({tile, width, height, tileStride(), grid_.channels}, keys,
-                                   roundUp, target, tileStride());
+    const bool halfHasKeys =
+        halve({tile, width, height, tileStride(), grid_.channels, leastContent_}, keys, roundUp,
+              target, tileStride());
     if (halfHasKeys) {
       const std::lock_guard<std::mutex> lock(mutex_);
       next.keys[column / 2] = 1;
@@ -205,6 +210,7 @@ class Builder {
 
   const TileReader& source_;
   const TileGrid& grid_;
+  int leastContent_;
   PyramidWriter& writer_;
   std::vector<LevelSize> sizes_;
   std::vector<Row> rows_;
@@ -248,7 +254,7 @@ Status buildInto(const PyramidSource& source, const std::string& target, const P
                    markMetadata({before.value(), source.subject.form, source.scale})};
   PyramidWriter writer;
   if (Status created = writer.create(temporary, form); !created) return created;
-  Builder builder(*source.reader, writer, form.levels);
+  Builder builder(source, writer, form.levels);
   if (Status built = builder.run(progress); !built) return built;
   if (Status finished = writer.finish(); !finished) return finished;
   if (Status whole = writer.check(); !whole) return whole;

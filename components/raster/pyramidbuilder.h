@@ -20,6 +20,8 @@ struct PyramidSource {
   const TileReader* reader = nullptr;
   /// Of an image whose samples are scaled.
   std::optional<Scale> scale;
+  /// Lines stay however thin they are.
+  bool thinLines = false;
   /// The image is JPEG-compressed, and so may its pyramid be.
   bool lossy = false;
 };

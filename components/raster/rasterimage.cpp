@@ -133,6 +133,8 @@ bool RasterImage::readCells(const Level& level, const AxisTaps& across, const Ax
                             uint8_t* out, size_t stride, ReadCounts& counts) const {
   if (across.cells() == 0 || down.cells() == 0) return true;
   TileBlock block = blockFor(level.reader->grid(), across, down);
+  constexpr float kThinLine = 0.12F;
+  if (presentation_.thinLines) block.leastContent = kThinLine;
   if (bytesOf(block) > kStepBytes && across.cells() * static_cast<int64_t>(down.cells()) > 1) {
     const bool byRows = down.cells() > 1 && (block.rows > 1 || across.cells() == 1);
     const AxisTaps& axis = byRows ? down : across;
@@ -246,7 +248,8 @@ Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& pr
   if (Status unchanged = checkUnchanged(); !unchanged) return unchanged;
   if (pyramidLevels(facts_.width, facts_.height).empty()) return Status::ok();
   const bool stale = findPyramid(subject_, places).stale;
-  PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt, presentation_.lossy};
+  PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt,
+                       presentation_.thinLines, presentation_.lossy};
   if (presentation_.conversion == Conversion::kScaled) source.scale = presentation_.scale;
   const Status built = buildPyramidFile(source, places, progress, note);
   if (built && stale)

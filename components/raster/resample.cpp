@@ -195,8 +195,7 @@ class RowSampler {
       if (keys) cover += weights[k] * cover_[from + k];
     }
     if (!keys) return storeContent(sum, channels_, 1, out);
-    constexpr float kHalf = 0.4999F;
-    if (cover < kHalf) {
+    if (cover < block_.leastContent) {
       out[0] = out[1] = out[2] = 0;
     } else {
       storeContent(sum, channels_, 1 / cover, out);

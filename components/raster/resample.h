@@ -19,6 +19,8 @@ struct TileBlock {
   int columns = 0;
   int rows = 0;
   std::vector<TilePtr> tiles;
+  /// A cell with less content than this part of it is nothing.
+  float leastContent = 0.4999F;
 
   const Tile& at(int column, int row) const {
     return *tiles[static_cast<size_t>(row - firstRow) * columns + (column - firstColumn)];

@@ -30,6 +30,7 @@ constexpr int64_t kMostPixels = 4'000'000;
 
 /// Compares each overview that GDAL knows and the image has as a level with GDAL's reading of it.
 int compareOverviews(const RasterImage& image) {
+  if (!image.isAsStored()) return 0;
   auto* dataset = GDALDataset::Open(image.path().c_str(), GDAL_OF_RASTER);
   std::vector<std::pair<int, int>> sizes;
   for (int i = 0; i < dataset->GetRasterBand(1)->GetOverviewCount(); ++i) {
