@@ -48,7 +48,9 @@ class RowSampler {
     for (int i = 0; i < down_.cells(); ++i) {
       uint8_t* row = out_ + (down_.first + i) * stride_;
       const bool keys = rowHasKeys(i);
-      if (down_.width <= kMostFastTaps && across_.width <= kMostFastTaps) {
+      // The fast way knows only the rule of the half.
+      const bool exactly = keys && block_.leastContent != TileBlock().leastContent;
+      if (!exactly && down_.width <= kMostFastTaps && across_.width <= kMostFastTaps) {
         averageFast(i, keys, row);
       } else {
         averageExact(i, keys, row);
