@@ -19,13 +19,6 @@ void toLog(QtMsgType, const QMessageLogContext&, const QString& message) {
   logLine(message.toStdString());
 }
 
-bool writePicture(host::HostApp& app, const std::string& path) {
-  if (path.empty()) return true;
-  const std::string fault = app.savePicture(path);
-  if (!fault.empty()) app.print("\n" + fault + "\n");
-  return fault.empty();
-}
-
 }  // namespace
 
 int runHeadless(const Options& options, int& argc, char** argv) {
@@ -41,8 +34,9 @@ int runHeadless(const Options& options, int& argc, char** argv) {
     return 2;
   }
   for (const LineSource& source : inputs.value()) frontEnd.addLines(source);
-  const bool nothingElse =
-      options.inputs.empty() && options.images.empty() && options.picture.empty();
+  const bool nothingElse = options.inputs.empty() && options.images.empty() &&
+                           options.drawings.empty() && options.picture.empty() &&
+                           options.save.empty();
   if (nothingElse) frontEnd.addLines(host::linesOf(std::cin));
 
   const std::string profile = profileFolder(options);
@@ -55,7 +49,7 @@ int runHeadless(const Options& options, int& argc, char** argv) {
 
   bool good = startDrawing(app, options);
   good = frontEnd.run(app) && good;
-  good = writePicture(app, options.picture) && good;
+  good = endDrawing(app, options) && good;
   unloadModules();
   std::cout.flush();
   return good && std::cout ? 0 : 1;

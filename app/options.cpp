@@ -71,8 +71,11 @@ const std::map<std::string, Setter>& settersWithValue() {
          o.profile = text;
          return Status();
        }},
-      {"--save", [](const std::string&,
-                    Options&) { return Status::error("--save: drawings cannot be saved yet."); }},
+      {"--save",
+       [](const std::string& text, Options& o) {
+         o.save = text;
+         return Status();
+       }},
   };
   return setters;
 }
@@ -92,7 +95,8 @@ bool setSwitch(const std::string& name, Options& options) {
 Status addFile(const std::string& path, Options& options) {
   if (path.empty()) return Status::error("A file name is empty.");
   if (equalsIgnoreCase(std::string_view(extensionOf(path)), ".dxf")) {
-    return Status::error(path + ": drawings cannot be opened yet.");
+    options.drawings.push_back(path);
+    return {};
   }
   options.images.push_back(path);
   return {};
@@ -133,11 +137,13 @@ Result<Options> parseOptions(const std::vector<std::string>& arguments) {
 }
 
 std::string helpText() {
-  return R"(Usage: cadhost [options] [IMAGE...]
+  return R"(Usage: cadhost [options] [DRAWING | IMAGE...]
 
 Shows very large georeferenced images in a drawing. Without a display, or with --headless, it runs
 without a window.
 
+  DRAWING                   drawings to open (.dxf), each as a document of its own; the last is
+                            current, and its own view is shown unless --view is given
   IMAGE                     images to add to the drawing (.tif, .img, .jpg); the view shows them
                             all unless --view is given
   --headless                no window: commands come from --command and --script, their text goes
@@ -149,13 +155,16 @@ without a window.
   --view CX,CY,HEIGHT[,TWIST]
                             centre and height of the view in drawing units, twist in degrees
   --picture FILE.png        writes the view as a picture at the end
+  --save FILE.dxf           saves the drawing at the end; an existing file is replaced and kept as
+                            its backup
   --profile DIR             folder for settings and cache (~/.local/share/tarnimage)
   --stats                   prints one JSON line for each redraw
   --help, --version
 
-Commands and scripts run in the order given, after the images were added. Without commands, images
-and --picture, lines are read from the standard input when there is no window.
-Exit: 0 done, 1 a command failed or an image could not be added, 2 wrong usage.
+Commands and scripts run in the order given, after the images were added. Without commands, files,
+--picture and --save, lines are read from the standard input when there is no window.
+Exit: 0 done, 1 a command failed, an image could not be added or a drawing not be opened or saved,
+2 wrong usage.
 )";
 }
 

@@ -33,7 +33,9 @@ struct Options {
   std::vector<StartInput> inputs;
   std::string picture;
   std::string profile;
+  std::vector<std::string> drawings;
   std::vector<std::string> images;
+  std::string save;
 };
 
 /// Reads the arguments that follow the program's name. The message is one sentence for the user.

@@ -6,6 +6,8 @@
 
 #include "base/file.h"
 #include "base/path.h"
+#include "host/editor/documents.h"
+#include "host/editor/drawingfiles.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/modules.h"
 #include "host/editor/namedrecords.h"
@@ -80,6 +82,13 @@ bool addImages(host::HostApp& app, const std::vector<std::string>& images) {
 bool startDrawing(host::HostApp& app, const Options& options) {
   constexpr double kDegree = 3.141592653589793 / 180;
   app.setStatistics(options.statistics);
+  bool good = true;
+  for (const std::string& drawing : options.drawings) {
+    const Status opened = host::openDrawing(app, absolutePath(drawing));
+    if (!opened) app.print("\n" + opened.message() + "\n");
+    good = good && opened.isOk();
+    app.runQueued();
+  }
   if (options.view) {
     host::ViewState view = app.view();
     view.centerX = options.view->centerX;
@@ -88,10 +97,27 @@ bool startDrawing(host::HostApp& app, const Options& options) {
     view.twist = options.view->twistDegrees * kDegree;
     app.setView(view);
   }
-  if (options.images.empty()) return true;
+  if (options.view && !options.drawings.empty()) app.regenerate();
+  if (options.images.empty()) return good;
   const bool added = addImages(app, options.images);
   if (!options.view) app.zoomExtents();
-  return added;
+  return added && good;
+}
+
+bool endDrawing(host::HostApp& app, const Options& options) {
+  bool good = true;
+  if (!options.save.empty()) {
+    const Status saved =
+        host::saveDrawingAs(app, app.documents().current(), absolutePath(options.save));
+    if (!saved) app.print("\n" + saved.message() + "\n");
+    good = saved.isOk();
+  }
+  if (!options.picture.empty()) {
+    const std::string fault = app.savePicture(options.picture);
+    if (!fault.empty()) app.print("\n" + fault + "\n");
+    good = fault.empty() && good;
+  }
+  return good;
 }
 
 }  // namespace tarn::app

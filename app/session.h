@@ -25,9 +25,13 @@ void loadModules(host::HostApp& app, const std::string& programFolder);
 /// Ends the modules, last first. Call it before the host goes.
 void unloadModules();
 
-/// View, statistics, and the images of the command line. False when an image could not be
-/// added; each has left a message.
+/// Drawings, view, statistics, and the images of the command line. False when a drawing could not
+/// be opened or an image not be added; each has left a message.
 bool startDrawing(host::HostApp& app, const Options& options);
+
+/// What the command line asks for at the end: the drawing saved, the picture written. False, after
+/// a message, when one failed.
+bool endDrawing(host::HostApp& app, const Options& options);
 
 /// The program with a window; returns its exit code.
 int runWindow(const Options& options, int& argc, char** argv);

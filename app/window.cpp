@@ -67,10 +67,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
       loadModules(app, QCoreApplication::applicationDirPath().toStdString());
       good = startDrawing(app, options);
       frontEnd.runLines(app);
-      if (options.picture.empty()) return;
-      const std::string fault = app.savePicture(options.picture);
-      if (!fault.empty()) app.print("\n" + fault + "\n");
-      good = good && fault.empty();
+      good = endDrawing(app, options) && good;
     });
   };
   QMetaObject::invokeMethod(&window, start, Qt::QueuedConnection);

@@ -89,6 +89,13 @@ bool folderIsWritable(const std::string& folder) {
   return ::access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0;
 }
 
+bool fileIsWritable(const std::string& path) {
+  struct stat info {};
+  // The superuser may write to everything, but a mark against writing is meant.
+  const bool marked = ::stat(path.c_str(), &info) == 0 && (info.st_mode & 0222) == 0;
+  return !marked && ::access(path.c_str(), W_OK) == 0;
+}
+
 Status makeFolders(const std::string& folder) {
   if (folder.empty() || fileKind(folder) == FileKind::kFolder) return Status::ok();
   if (Status above = makeFolders(folderOf(folder)); !above) return above;

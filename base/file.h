@@ -25,6 +25,9 @@ FileTimes fileTimes(const std::string& path);
 /// True when this process may write into the folder.
 bool folderIsWritable(const std::string& folder);
 
+/// True when somebody may write to the file and this process is one who may.
+bool fileIsWritable(const std::string& path);
+
 /// Makes a folder and those above it. Fine when it is there already.
 Status makeFolders(const std::string& folder);
 

@@ -20,12 +20,19 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
   ~PictureWatch() override { setDatabaseObserver(*document_.database(), nullptr); }
 
   /// Drawn when it is closed for the first time, since its maker may still be filling it.
-  void objectAppended(AcDbObject& object) override { document_.undo().objectAppended(object); }
+  void objectAppended(AcDbObject& object) override {
+    document_.setModified();
+    document_.undo().objectAppended(object);
+  }
   void objectOpenedForWrite(AcDbObject& object) override {
     document_.undo().objectWillChange(object);
   }
-  void headerWillChange() override { document_.undo().headerWillChange(); }
+  void headerWillChange() override {
+    document_.setModified();
+    document_.undo().headerWillChange();
+  }
   void objectModified(AcDbObject& object) override {
+    document_.setModified();
     if (object.isKindOf(AcDbLayerTableRecord::desc())) {
       app_.regenerator().redrawLayer(document_, object.objectId());
     } else {
@@ -33,6 +40,7 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
     }
   }
   void objectErased(AcDbObject& object, bool erased) override {
+    document_.setModified();
     auto* entity = AcDbEntity::cast(&object);
     if (entity == nullptr) return;
     if (erased) {

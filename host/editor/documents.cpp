@@ -50,18 +50,34 @@ void InputPointMonitors::notify(AcApDocument* document, double x, double y) {
   for (AcEdInputPointMonitor* monitor : all) monitor->monitorInputPoint(input, output);
 }
 
-HostDocument::HostDocument(HostApp& app, std::string path)
+HostDocument::HostDocument(HostApp& app, std::string path, std::unique_ptr<DrawingFile> drawing)
     : app_(app),
       path_(std::move(path)),
       widePath_(toWide(path_)),
       title_(toWide(nameOf(path_))),
-      database_(std::make_unique<AcDbDatabase>()),
-      undo_(*database_),
-      space_(*database_) {
+      drawing_(std::move(drawing)),
+      undo_(drawing_->database()),
+      space_(drawing_->database()) {
   watch_ = watchDatabase(app_, *this);
 }
 
 HostDocument::~HostDocument() = default;
+
+void HostDocument::becameFile(const std::string& path) {
+  path_ = path;
+  widePath_ = toWide(path);
+  title_ = toWide(nameOf(path));
+  times_ = fileTimes(path);
+  hasFile_ = true;
+  modified_ = false;
+  database()->setFilename(widePath_.c_str());
+}
+
+bool HostDocument::fileWasChanged() const {
+  if (!hasFile_ || fileKind(path_) == FileKind::kMissing) return false;
+  const FileTimes now = fileTimes(path_);
+  return now.size != times_.size || now.modifiedNs != times_.modifiedNs;
+}
 
 AcAp::DocLockMode HostDocument::myLockMode() const {
   AcAp::DocLockMode strongest = AcAp::kNone;
@@ -117,7 +133,7 @@ const Scene& HostDocument::currentScene() const {
 }
 
 std::string HostDocument::currentLayer() const {
-  const AcDbObjectPointer<AcDbLayerTableRecord> layer(database_->clayer(), AcDb::kForRead);
+  const AcDbObjectPointer<AcDbLayerTableRecord> layer(database()->clayer(), AcDb::kForRead);
   const ACHAR* name = nullptr;
   if (layer.openStatus() != Acad::eOk || layer->getName(name) != Acad::eOk) return {};
   return toUtf8(name);
@@ -125,11 +141,11 @@ std::string HostDocument::currentLayer() const {
 
 bool HostDocument::setCurrentLayer(const std::string& name) {
   AcDbLayerTable* layers = nullptr;
-  if (database_->getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return false;
+  if (database()->getLayerTable(layers, AcDb::kForRead) != Acad::eOk) return false;
   AcDbObjectId id;
   const Acad::ErrorStatus found = layers->getAt(toWide(name).c_str(), id);
   layers->close();
-  return found == Acad::eOk && database_->setClayer(id) == Acad::eOk;
+  return found == Acad::eOk && database()->setClayer(id) == Acad::eOk;
 }
 
 bool HostDocument::popLock() {
@@ -239,21 +255,77 @@ void Documents::removeReactor(AcApDocManagerReactor* reactor) {
   reactors_.erase(std::remove(reactors_.begin(), reactors_.end(), reactor), reactors_.end());
 }
 
-HostDocument& Documents::create() {
-  const std::string name = "Drawing" + std::to_string(++created_) + ".dxf";
-  auto made = std::make_unique<HostDocument>(app_, name);
+HostDocument& Documents::enter(std::unique_ptr<HostDocument> made) {
   HostDocument& document = *made;
   if (current_ != nullptr) {
-    ViewState view = document.view();
+    ViewState& view = document.view();
     view.pixelWidth = current_->view().pixelWidth;
     view.pixelHeight = current_->view().pixelHeight;
-    document.view() = view;
   }
   notify([&](AcApDocManagerReactor& r) { r.documentCreateStarted(&document); });
   documents_.push_back(std::move(made));
   notify([&](AcApDocManagerReactor& r) { r.documentCreated(&document); });
+  return document;
+}
+
+HostDocument& Documents::create() {
+  const std::string name = "Drawing" + std::to_string(++created_) + ".dxf";
+  HostDocument& document =
+      enter(std::make_unique<HostDocument>(app_, name, DrawingFile::createNew()));
   activate(document);
   return document;
+}
+
+HostDocument& Documents::add(const std::string& path, std::unique_ptr<DrawingFile> drawing) {
+  HostDocument* first = current_;
+  auto made = std::make_unique<HostDocument>(app_, path, std::move(drawing));
+  made->becameFile(path);
+  HostDocument& document = enter(std::move(made));
+  activate(document);
+  const bool untouched = documents_.size() == 2 && first != nullptr && !first->hasFile() &&
+                         !first->isModified() && created_ == 1;
+  if (untouched) destroy(*first);
+  return document;
+}
+
+HostDocument* Documents::ofFile(const std::string& path) const {
+  for (const auto& document : documents_) {
+    if (document->hasFile() && document->path() == path) return document.get();
+  }
+  return nullptr;
+}
+
+void Documents::close(HostDocument& document) {
+  if (current_ == &document) {
+    HostDocument* next = nullptr;
+    for (const auto& other : documents_) {
+      if (other.get() != &document) next = other.get();
+    }
+    if (next != nullptr) {
+      activate(*next);
+    } else {
+      create();
+    }
+  }
+  destroy(document);
+}
+
+void Documents::bindRegisteredClasses() {
+  for (const auto& document : documents_) document->drawing().bindRegisteredClasses();
+}
+
+void Documents::destroy(HostDocument& document) {
+  const auto found = std::find_if(
+      documents_.begin(), documents_.end(),
+      [&](const std::unique_ptr<HostDocument>& one) { return one.get() == &document; });
+  const std::wstring name = document.fileName();
+  notify([&](AcApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
+  if (acdbHostApplicationServices()->workingDatabase() == document.database()) {
+    acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+  }
+  if (current_ == &document) current_ = nullptr;
+  documents_.erase(found);
+  notify([&](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
 }
 
 void Documents::endUndoStep(const std::string& name) {
@@ -261,17 +333,7 @@ void Documents::endUndoStep(const std::string& name) {
 }
 
 void Documents::closeAll() {
-  while (!documents_.empty()) {
-    HostDocument* document = documents_.back().get();
-    const std::wstring name = document->fileName();
-    notify([&](AcApDocManagerReactor& r) { r.documentToBeDestroyed(document); });
-    if (acdbHostApplicationServices()->workingDatabase() == document->database()) {
-      acdbHostApplicationServices()->setWorkingDatabase(nullptr);
-    }
-    if (current_ == document) current_ = nullptr;
-    documents_.pop_back();
-    notify([&](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
-  }
+  while (!documents_.empty()) destroy(*documents_.back());
 }
 
 }  // namespace tarn::host

@@ -8,8 +8,10 @@
 
 #include "acdocman.h"
 #include "aced.h"
+#include "base/file.h"
 #include "host/editor/selectionmemory.h"
 #include "host/editor/space.h"
+#include "host/filing/drawingfile.h"
 #include "host/filing/undolog.h"
 #include "host/graphics/displaylist.h"
 #include "host/graphics/viewstate.h"
@@ -32,19 +34,29 @@ class InputPointMonitors : public AcEdInputPointManager {
 
 class ACADHOST_EXPORT HostDocument : public AcApDocument {
  public:
-  /// A new, empty drawing. `path` is what it is called until it is saved.
-  HostDocument(HostApp& app, std::string path);
+  /// `path` is what a drawing that has no file yet is called.
+  HostDocument(HostApp& app, std::string path, std::unique_ptr<DrawingFile> drawing);
   ~HostDocument() override;
 
   const ACHAR* fileName() const override { return widePath_.c_str(); }
   const ACHAR* docTitle() const override { return title_.c_str(); }
-  AcDbDatabase* database() const override { return database_.get(); }
+  AcDbDatabase* database() const override { return &drawing_->database(); }
   AcAp::DocLockMode lockMode(bool includeMyLocks) const override;
   AcAp::DocLockMode myLockMode() const override;
   bool isQuiescent() const override;
   AcEdInputPointManager* inputPointManager() const override;
 
   const std::string& path() const { return path_; }
+  DrawingFile& drawing() { return *drawing_; }
+  /// True when something was changed since it was opened or saved.
+  bool isModified() const { return modified_; }
+  void setModified() { modified_ = true; }
+  /// The drawing stands in this file now, as it is.
+  void becameFile(const std::string& path);
+  /// False for a drawing that was never read or saved.
+  bool hasFile() const { return hasFile_; }
+  /// True when the file is another than the one that was read or saved last.
+  bool fileWasChanged() const;
 
   /// The view that fills the screen: of the model's tab, or of the sheet that is shown.
   ViewState& view() { return space_.screenView(); }
@@ -86,7 +98,10 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   std::string path_;
   std::wstring widePath_;
   std::wstring title_;
-  std::unique_ptr<AcDbDatabase> database_;
+  std::unique_ptr<DrawingFile> drawing_;
+  FileTimes times_;
+  bool hasFile_ = false;
+  bool modified_ = false;
   UndoLog undo_;
   std::unique_ptr<DatabaseWatch> watch_;
   struct EarlierView {
@@ -128,12 +143,22 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   HostDocument& current() const { return *current_; }
   /// Opens a new, empty drawing and makes it current.
   HostDocument& create();
+  /// Makes a drawing that was read from `path` current; an untouched first one goes.
+  HostDocument& add(const std::string& path, std::unique_ptr<DrawingFile> drawing);
+  /// The drawing of a file (a full path), or null.
+  HostDocument* ofFile(const std::string& path) const;
+  /// Closes a drawing, changed or not; when it is the last, a new one is made first.
+  void close(HostDocument& document);
+  /// Makes entities in all drawings of classes that were registered since.
+  void bindRegisteredClasses();
   /// What was changed in any drawing until now is a step of its own for undo.
   void endUndoStep(const std::string& name);
   /// Closes every drawing, with notifications.
   void closeAll();
 
  private:
+  HostDocument& enter(std::unique_ptr<HostDocument> made);
+  void destroy(HostDocument& document);
   HostDocument* find(const AcApDocument* document) const;
   void activate(HostDocument& document);
   template <typename Call>

@@ -24,6 +24,7 @@
 #include "host/editor/sysvars.h"
 #include "host/editor/windowmessages.h"
 #include "host/graphics/renderer.h"
+#include "host/rx/classwatch.h"
 #include "host/rx/message.h"
 #include "host/ui/uiservices.h"
 
@@ -72,10 +73,12 @@ HostApp::HostApp(FrontEnd& frontEnd, UiBackend& ui, const std::string& profileFo
                      [this] { parts_->frontEnd.focusCommandLine(); }});
   setMessageSink([this](std::wstring_view text) { print(toUtf8(text)); });
   registerHostCommands();
+  setClassWatch([this] { parts_->documents.bindRegisteredClasses(); });
   parts_->documents.create();
 }
 
 HostApp::~HostApp() {
+  setClassWatch({});
   parts_->documents.closeAll();
   removeHostCommands();
   setMessageSink({});

@@ -198,6 +198,7 @@ void registerHostCommands() {
   };
   constexpr int kOnSelection = ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET;
   static const Entry kEntries[] = {
+      {ACRX_T("CLOSE"), ACRX_CMD_MODAL, &closeCommand},
       {ACRX_T("COPY"), kOnSelection, &copyCommand},
       {ACRX_T("ERASE"), kOnSelection, &eraseCommand},
       {ACRX_T("GRIP_STRETCH"), kOnSelection | ACRX_CMD_REDRAW, &gripStretchCommand},
@@ -207,13 +208,17 @@ void registerHostCommands() {
       {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
       {ACRX_T("MVIEW"), ACRX_CMD_MODAL, &mviewCommand},
+      {ACRX_T("NEW"), ACRX_CMD_MODAL, &newCommand},
       {ACRX_T("OOPS"), ACRX_CMD_MODAL, &oopsCommand},
+      {ACRX_T("OPEN"), ACRX_CMD_MODAL, &openCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
       {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
       {ACRX_T("ROTATE"), kOnSelection, &rotateCommand},
+      {ACRX_T("SAVE"), ACRX_CMD_MODAL, &saveCommand},
+      {ACRX_T("SAVEAS"), ACRX_CMD_MODAL, &saveAsCommand},
       {ACRX_T("SCALE"), kOnSelection, &scaleCommand},
       {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},

@@ -23,6 +23,11 @@ bool selectForCommand(EntityIds& ids);
 void lineCommand();
 
 void copyCommand();
+void openCommand();
+void saveCommand();
+void saveAsCommand();
+void newCommand();
+void closeCommand();
 void eraseCommand();
 void gripStretchCommand();
 void moveCommand();

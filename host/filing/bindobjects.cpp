@@ -2,13 +2,15 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
+#include <set>
 
 #include "acutads.h"
 #include "acutmem.h"
 #include "dbdict.h"
+#include "dblayout.h"
 #include "dbproxy.h"
 #include "dbxrecrd.h"
+#include "host/database/layouts.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/objectcodec.h"
@@ -127,6 +129,19 @@ AcDbXrecord* makeRecord(const TagView& tags) {
   return record;
 }
 
+/// Null for a layout whose block is missing.
+AcDbLayout* readLayout(const DrawingBinding& binding, const TagView& tags) {
+  const TagView own = tags.behind("AcDbLayout");
+  const AcDbObjectId block = binding.find(own.reference(330));
+  if (AcDbBlockTableRecord::cast(peek(block)) == nullptr) return nullptr;
+  auto* layout = new AcDbLayout;
+  layout->setLayoutName(own.text(1).c_str());
+  layout->setTabOrder(own.integer(71));
+  layout->setBlockTableRecordId(block);
+  LayoutAccess::setData(*layout, readPlotData(tags.behind("AcDbPlotSettings")));
+  return layout;
+}
+
 void linkDictionary(DrawingBinding& binding, const BoundObject& bound) {
   auto* dictionary = AcDbDictionary::cast(peek(bound.id));
   if (dictionary == nullptr) return;
@@ -134,6 +149,19 @@ void linkDictionary(DrawingBinding& binding, const BoundObject& bound) {
     const AcDbObjectId id = binding.find(entry.handle);
     // An object may stand in one dictionary by one name; an entity is none of its objects.
     if (!id.isNull()) ObjectAccess::addEntryRead(*dictionary, entry.name, id);
+  }
+}
+
+/// Every space gets its layout. One that is not in the file is not written either, until somebody
+/// changes it.
+void implyLayouts(DrawingBinding& binding) {
+  std::set<AcDbStub*> before;
+  auto& stubs = ObjectAccess::state(*binding.database).stubs;
+  for (const auto& [handle, stub] : stubs) before.insert(stub);
+  completeLayouts(*binding.database);
+  for (const auto& [handle, stub] : stubs) {
+    stub->changed = false;
+    if (before.count(stub) == 0) binding.implied.insert(stub);
   }
 }
 
@@ -163,6 +191,7 @@ void bindDictionaries(DrawingBinding& binding) {
     AcDbObject* made = nullptr;
     if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT") made = new AcDbDictionary;
     if (type == "XRECORD" && holdsOnlyValues(tags)) made = makeRecord(tags);
+    if (type == "LAYOUT") made = readLayout(binding, tags);
     if (made == nullptr) made = new AcDbProxyObject(std::wstring(type.begin(), type.end()));
     const AcDbObjectId id = binding.add(made, i);
     if (root.isNull() && type == "DICTIONARY") root = id;
@@ -179,6 +208,7 @@ void bindDictionaries(DrawingBinding& binding) {
     record->setFromRbChain(*chain);
     ObjectAccess::finishReading(*record);
   }
+  implyLayouts(binding);
 }
 
 }  // namespace tarn::host

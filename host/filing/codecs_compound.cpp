@@ -45,10 +45,6 @@ AcDbEntity* readLight(const EntityTags& tags) {
   return line;
 }
 
-void writeFlags(TagEditor& head, int mask, int value) {
-  head.setIntegerUnless(70, value, 0, [&](long long now) { return (now & mask) == value; });
-}
-
 void writeLightVertices(const std::vector<AcDbPolylineVertex>& vertices, EntityOutput& output) {
   TagEditor& head = output.head;
   const double width = output.old != nullptr ? output.old->head.real(43) : 0;
@@ -76,7 +72,7 @@ void writeLight(const AcDbEntity& entity, EntityOutput& output) {
   const auto& line = static_cast<const AcDbPolyline&>(entity);
   TagEditor& head = output.head;
   head.setInteger(90, line.numVerts());
-  writeFlags(head, kClosed, line.isClosed() ? kClosed : 0);
+  head.setFlags(70, kClosed, line.isClosed() ? kClosed : 0, 0);
   head.setReal(38, line.elevation(), 0);
   head.setNormal(line.normal());
   writeLightVertices(line.vertices(), output);
@@ -157,7 +153,7 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
   } else {
     head.setReal(30, line.elevation(), 0);
   }
-  writeFlags(head, kClosed | kInSpace, flags);
+  head.setFlags(70, kClosed | kInSpace, flags, 0);
   head.setNormal(line.normal());
   size_t next = 0;
   const std::vector<AcDbPolylineVertex>& vertices = line.vertices();

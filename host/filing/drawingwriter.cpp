@@ -1,9 +1,12 @@
 #include "host/filing/drawingwriter.h"
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <set>
 
 #include "dbdict.h"
+#include "dblayout.h"
 #include "dbproxy.h"
 #include "dbxrecrd.h"
 #include "host/database/objectaccess.h"
@@ -64,6 +67,7 @@ class DrawingWriter {
       known_.insert(bound.id);
       anyErased_ = anyErased_ || bound.id.isErased();
     }
+    markNeeded();
     for (const BoundObject& bound : binding_.bound) writeBound(bound);
     writeNew();
     addClasses();
@@ -94,11 +98,13 @@ class DrawingWriter {
     if (const auto* entity = AcDbEntity::cast(object)) {
       bytes = entityBytes(*entity, &bound);
     } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
-      bytes = writeLayer(binding_, *layer, &bound, 0);
+      bytes = writeLayerRecord(binding_, *layer, &bound, 0);
     } else if (isDictionary) {
       bytes = writeDictionary(binding_, *AcDbDictionary::cast(object), &bound);
     } else if (const auto* record = AcDbXrecord::cast(object)) {
       bytes = writeRecord(binding_, *record, &bound);
+    } else if (const auto* layout = AcDbLayout::cast(object)) {
+      bytes = writeLayout(binding_, *layout, &bound);
     } else {
       return;
     }
@@ -138,54 +144,110 @@ class DrawingWriter {
 
   /// 0 for a block that has no handle in the file.
   std::uint64_t ownerHandle(AcDbObjectId block) const {
-    return known_.count(block) > 0 ? block.handle().value() : 0;
+    return binding_.implied.count(block) == 0 ? block.handle().value() : 0;
+  }
+
+  /// What is new drags its owners and, in a dictionary, what it names into the file.
+  void markNeeded() {
+    auto& stubs = ObjectAccess::state(*binding_.database).stubs;
+    for (bool again = true; again;) {
+      again = false;
+      const auto need = [&](AcDbObjectId id) {
+        AcDbObject* object = peek(id);
+        if (object == nullptr || ObjectAccess::isChanged(id) || object->isErased()) return;
+        ObjectAccess::setChanged(*object);
+        again = true;
+      };
+      for (const auto& [handle, stub] : stubs) {
+        AcDbObject* object = stub->object.get();
+        if (!stub->changed || object->isErased() || known_.count(stub) > 0) continue;
+        const auto* dictionary = AcDbDictionary::cast(object);
+        if (dictionary == nullptr && !object->isKindOf(AcDbXrecord::desc()) &&
+            !object->isKindOf(AcDbLayout::desc())) {
+          continue;
+        }
+        need(object->ownerId());
+        if (dictionary == nullptr) continue;
+        const ObjectAccess::Look look(*object);
+        const std::unique_ptr<AcDbDictionaryIterator> entries(dictionary->newIterator());
+        for (; !entries->done(); entries->next()) need(entries->objectId());
+      }
+    }
   }
 
   void writeNew() {
     std::string layers;
+    std::string blockRecords;
     std::string objects;
+    std::vector<const AcDbBlockTableRecord*> blocks;
     std::map<AcDbStub*, std::string> byBlock;
     for (const auto& [handle, stub] : ObjectAccess::state(*binding_.database).stubs) {
       AcDbObject* object = stub->object.get();
       if (known_.count(stub) > 0 || object->isErased() || !stub->changed) continue;
       const ObjectAccess::Look look(*object);
-      const AcDbObjectId id(stub);
       if (const auto* entity = AcDbEntity::cast(object)) {
         byBlock[entity->blockId()] += entityBytes(*entity, nullptr);
       } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
-        layers += writeLayer(binding_, *layer, nullptr, tableHandle());
-      } else if (document_.isOld()) {
-        continue;  // reasonAgainstOld() has seen that there is nothing to be lost
-      } else if (const auto* dictionary = AcDbDictionary::cast(object)) {
-        if (dictionary->numEntries() == 0 && id == binding_.database->namedObjectsDictionaryId()) {
-          continue;
-        }
-        objects += writeDictionary(binding_, *dictionary, nullptr);
-      } else if (const auto* record = AcDbXrecord::cast(object)) {
-        objects += writeRecord(binding_, *record, nullptr);
+        layers += writeLayerRecord(binding_, *layer, nullptr,
+                                   handleInFile(binding_.database->layerTableId()));
+      } else if (const auto* block = AcDbBlockTableRecord::cast(object)) {
+        if (binding_.implied.count(stub) > 0) continue;
+        blocks.push_back(block);
+        blockRecords +=
+            writeBlockRecord(binding_, *block, handleInFile(binding_.database->blockTableId()));
+      } else {
+        objects += objectBytes(*object);
       }
     }
-    if (!layers.empty()) insertLayers(layers);
+    if (!layers.empty()) insertRecords("LAYER", layers);
+    if (!blockRecords.empty() && !document_.isOld()) insertRecords("BLOCK_RECORD", blockRecords);
+    std::string definitions;
+    for (const AcDbBlockTableRecord* block : blocks) {
+      const ObjectAccess::Look look(const_cast<AcDbBlockTableRecord&>(*block));
+      definitions += writeBlock(binding_, *block, byBlock[block->objectId()]);
+      byBlock.erase(block->objectId());
+    }
+    if (!definitions.empty()) insertSection("BLOCKS", definitions);
     for (auto& [block, bytes] : byBlock) insertEntities(AcDbObjectId(block), std::move(bytes));
     if (!objects.empty()) insertSection("OBJECTS", objects);
   }
 
-  std::uint64_t tableHandle() const {
-    const AcDbObjectId table = binding_.database->layerTableId();
+  std::string objectBytes(const AcDbObject& object) const {
+    // In R12 reasonAgainstOld() has seen that there is nothing to be lost.
+    if (document_.isOld()) return {};
+    if (const auto* dictionary = AcDbDictionary::cast(&object)) {
+      const bool isRoot = object.objectId() == binding_.database->namedObjectsDictionaryId();
+      if (isRoot && dictionary->numEntries() == 0) return {};
+      return writeDictionary(binding_, *dictionary, nullptr);
+    }
+    if (const auto* record = AcDbXrecord::cast(&object)) {
+      return writeRecord(binding_, *record, nullptr);
+    }
+    if (const auto* layout = AcDbLayout::cast(&object)) {
+      return writeLayout(binding_, *layout, nullptr);
+    }
+    return {};
+  }
+
+  /// 0 for a table that the file does not have.
+  std::uint64_t handleInFile(AcDbObjectId table) const {
     return known_.count(table) > 0 ? table.handle().value() : 0;
   }
 
-  void insertLayers(const std::string& bytes) {
+  void insertRecords(const char* table, const std::string& bytes) {
     hasNew_ = true;
     const DrawingSection* tables = document_.section("TABLES");
-    bool inLayers = false;
+    bool inTable = false;
     for (std::uint32_t i = tables != nullptr ? tables->firstObject + 1 : 0;
          tables != nullptr && i < tables->endObject; ++i) {
-      if (document_.typeOf(i) == "TABLE") inLayers = binding_.view(i).text(2) == L"LAYER";
-      if (inLayers && document_.typeOf(i) == "ENDTAB") return edits_.insertBefore(i, bytes);
+      if (document_.typeOf(i) == "TABLE") {
+        const Tag* name = binding_.view(i).find(2);
+        inTable = name != nullptr && document_.word(*name) == table;
+      }
+      if (inTable && document_.typeOf(i) == "ENDTAB") return edits_.insertBefore(i, bytes);
     }
     insertSection("TABLES",
-                  tag(0, "TABLE") + tag(2, "LAYER") + tag(70, "1") + bytes + tag(0, "ENDTAB"));
+                  tag(0, "TABLE") + tag(2, table) + tag(70, "1") + bytes + tag(0, "ENDTAB"));
   }
 
   void insertEntities(AcDbObjectId block, std::string bytes) {

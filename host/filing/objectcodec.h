@@ -4,11 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "host/database/plotdata.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/tageditor.h"
 
 class AcDbDictionary;
 class AcDbLayerTableRecord;
+class AcDbLayout;
 class AcDbXrecord;
 class AcRxClass;
 
@@ -26,8 +28,16 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
                             const BoundObject* old);
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old);
-std::string writeLayer(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
-                       const BoundObject* old, std::uint64_t tableHandle);
+std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
+                             const BoundObject* old, std::uint64_t tableHandle);
+PlotData readPlotData(const TagView& tags);
+std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
+                        const BoundObject* old);
+/// A new block: its record in the table, and its definition with the entities given.
+std::string writeBlockRecord(const DrawingBinding& binding, const AcDbBlockTableRecord& block,
+                             std::uint64_t tableHandle);
+std::string writeBlock(const DrawingBinding& binding, const AcDbBlockTableRecord& block,
+                       const std::string& entities);
 /// A record of the CLASSES section for a class whose entities are written.
 std::string writeClass(const DrawingBinding& binding, const AcRxClass& description);
 

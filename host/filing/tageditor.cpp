@@ -195,6 +195,13 @@ void TagEditor::setIntegerUnless(int code, long long value, long long standard,
   });
 }
 
+void TagEditor::setFlags(int code, int mask, int value, int others) {
+  const std::ptrdiff_t found = findItem(code);
+  int now = others;
+  if (found >= 0) parseInt(valueOf(items_[static_cast<size_t>(found)]), now);
+  setInteger(code, (now & ~mask) | value);
+}
+
 void TagEditor::setAngle(int code, double radians, std::optional<double> standard) {
   set(code, formatReal(radians / kDegree), standard == radians, [&](std::string_view text) {
     double read = 0;

@@ -45,6 +45,8 @@ class ACADHOST_EXPORT TagEditor {
   /// Keeps what stands there when `same` says that it means the value.
   void setIntegerUnless(int code, long long value, long long standard,
                         const std::function<bool(long long)>& same);
+  /// Sets the bits of `mask`; the others stay, in a new tag they are `others`.
+  void setFlags(int code, int mask, int value, int others);
   /// Radians here, degrees in the file.
   void setAngle(int code, double radians, std::optional<double> standard = std::nullopt);
   void setText(int code, std::wstring_view value,

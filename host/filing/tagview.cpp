@@ -4,6 +4,21 @@
 
 namespace tarn::host {
 
+TagView TagView::behind(std::string_view mark) const {
+  constexpr int kMark = 100;
+  TagRange part{range_.end, range_.end};
+  for (std::uint32_t i = range_.begin; i < range_.end; ++i) {
+    const Tag& tag = document_->tag(i);
+    const bool inside = part.begin < range_.end;
+    if (inside && (tag.code == kMark || tag.code >= 1000)) {
+      part.end = i;
+      break;
+    }
+    if (!inside && tag.code == kMark && document_->word(tag) == mark) part.begin = i + 1;
+  }
+  return {*document_, *encoding_, part};
+}
+
 const Tag* TagView::find(int code) const {
   constexpr int kEmbedded = 101;
   for (std::uint32_t i = range_.begin; i < range_.end; ++i) {

@@ -28,6 +28,9 @@ class ACADHOST_EXPORT TagView {
   TagRange range() const { return range_; }
   std::string_view type() const { return document_->word(document_->tag(range_.begin)); }
 
+  /// The part behind a subclass mark; empty when the object has no such mark.
+  TagView behind(std::string_view mark) const;
+
   /// The first tag of the code; null when there is none.
   const Tag* find(int code) const;
   bool has(int code) const { return find(code) != nullptr; }

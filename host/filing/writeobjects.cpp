@@ -135,8 +135,8 @@ std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record
   return editor.bytes();
 }
 
-std::string writeLayer(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
-                       const BoundObject* old, std::uint64_t tableHandle) {
+std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
+                             const BoundObject* old, std::uint64_t tableHandle) {
   TagEditor editor = editorOf(binding, old, "LAYER");
   if (old == nullptr) {
     if (binding.hasHandles) editor.setHandle(5, layer.handle().value());

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "host/rx/classwatch.h"
 #include "host/rx/rxinit.h"
 #include "rxclass.h"
 #include "rxdict.h"
@@ -137,11 +138,25 @@ void deleteAcRxClass(AcRxClass* cls) {
   delete cls;
 }
 
+namespace {
+
+std::function<void()>& classWatch() {
+  static std::function<void()> watch;
+  return watch;
+}
+
+}  // namespace
+
 void acrxBuildClassHierarchy() {
   forEachClass([](AcRxClass* cls) { cls->resolveParent(); });
+  if (classWatch()) classWatch()();
 }
 
 namespace tarn::host {
+
+void setClassWatch(std::function<void()> watch) {
+  classWatch() = std::move(watch);
+}
 
 void registerRxClasses() {
   AcRxObject::rxInit();
