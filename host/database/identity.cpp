@@ -72,6 +72,7 @@ AcDbObjectId ObjectAccess::adopt(AcDbDatabase& database, AcDbObject* object, Ade
 void ObjectAccess::finishReading(AcDbObject& object) {
   object.writing_ = false;
   object.appended_ = false;
+  object.eraseChanged_ = false;
   object.modified_ = false;
   object.graphicsModified_ = false;
   static_cast<AcDbStub*>(object.id_)->changed = false;

@@ -160,8 +160,10 @@ void implyLayouts(DrawingBinding& binding) {
   for (const auto& [handle, stub] : stubs) before.insert(stub);
   completeLayouts(*binding.database);
   for (const auto& [handle, stub] : stubs) {
-    stub->changed = false;
     if (before.count(stub) == 0) binding.implied.insert(stub);
+    // A broken layout of the same name has made room; in the file it stays.
+    ObjectAccess::setErased(*stub->object, false);
+    ObjectAccess::finishReading(*stub->object);
   }
 }
 

@@ -373,7 +373,9 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
     const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
                                         : object->isKindOf(AcDbLayerTableRecord::desc());
     if (!fits) {
-      return "A drawing of R12 cannot keep images and settings; save it as R2000 (SAVEAS, R2000).";
+      return "A drawing of R12 cannot keep images and settings; nothing was saved. Use a drawing "
+             "of R2000 or "
+             "later.";
     }
   }
   return {};

@@ -197,6 +197,7 @@ void TagEditor::setIntegerUnless(int code, long long value, long long standard,
 
 void TagEditor::setFlags(int code, int mask, int value, int others) {
   const std::ptrdiff_t found = findItem(code);
+  if (found < 0 && value == 0 && !new_) return;
   int now = others;
   if (found >= 0) parseInt(valueOf(items_[static_cast<size_t>(found)]), now);
   setInteger(code, (now & ~mask) | value);

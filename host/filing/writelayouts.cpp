@@ -47,15 +47,23 @@ Enum boundedEnum(int value, int highest) {
 
 void writePlotData(const PlotData& data, const PlotData& before, TagEditor& editor) {
   editor.enter("AcDbPlotSettings");
-  for (const TextField& field : kTexts) editor.setText(field.code, data.*field.value);
-  for (const RealField& field : kReals) editor.setReal(field.code, data.*field.value);
+  // A field that the file leaves out has its standard value.
+  const auto ifNew = [&](auto standard) {
+    return editor.isNew() ? std::nullopt : std::optional<decltype(standard)>(standard);
+  };
+  for (const TextField& field : kTexts) {
+    editor.setText(field.code, data.*field.value, ifNew(std::wstring_view()));
+  }
+  for (const RealField& field : kReals) {
+    editor.setReal(field.code, data.*field.value, ifNew(0.0));
+  }
   if (editor.isNew() || flagsOf(data) != flagsOf(before)) {
     const int mask = kCentered | kStandardScale | kModelType;
     editor.setFlags(70, mask, flagsOf(data), kPrintLineweights);
   }
-  editor.setInteger(72, data.units);
-  editor.setInteger(73, data.rotation);
-  editor.setInteger(74, data.type);
+  editor.setInteger(72, data.units, ifNew(0LL));
+  editor.setInteger(73, data.rotation, ifNew(0LL));
+  editor.setInteger(74, data.type, ifNew(0LL));
   if (editor.isNew() || data.fit != before.fit) editor.setInteger(75, data.fit ? 0 : 16);
 }
 
@@ -86,7 +94,7 @@ std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
     writePlotData(data, readPlotData(tags.behind("AcDbPlotSettings")), editor);
     editor.enter("AcDbLayout");
     editor.setText(1, name);
-    editor.setInteger(71, layout.getTabOrder());
+    editor.setInteger(71, layout.getTabOrder(), 0);
     return editor.bytes();
   }
   TagEditor editor(binding.document, binding.encoding, "LAYOUT");

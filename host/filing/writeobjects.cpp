@@ -74,13 +74,19 @@ void putItem(const resbuf& item, TagEditor& editor) {
   }
 }
 
+/// An object that is not in the file and will not be.
+bool isOnlyImplied(const DrawingBinding& binding, AcDbObjectId id) {
+  return binding.implied.count(id) > 0 && !ObjectAccess::isChanged(id);
+}
+
 /// The entry stands in the file as it is in the database, or names what the database does not know.
 bool isKept(const DrawingBinding& binding, const DictionaryEntry& entry,
             const AcDbDictionary& dictionary) {
   const AcDbObjectId inFile = binding.find(entry.handle);
   if (inFile.isNull()) return true;
   AcDbObjectId now;
-  return dictionary.getAt(entry.name.c_str(), now) == Acad::eOk && now == inFile;
+  if (dictionary.getAt(entry.name.c_str(), now) != Acad::eOk) return false;
+  return now == inFile || isOnlyImplied(binding, now);
 }
 
 }  // namespace
@@ -113,7 +119,8 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
   editor.toEnd();
   const std::unique_ptr<AcDbDictionaryIterator> iterator(dictionary.newIterator());
   for (; !iterator->done(); iterator->next()) {
-    if (stands.count(iterator->objectId()) > 0) continue;
+    const AcDbObjectId id = iterator->objectId();
+    if (stands.count(id) > 0 || isOnlyImplied(binding, id)) continue;
     editor.addText(3, iterator->name());
     editor.addWord(ownerCode, formatHandle(iterator->objectId().handle().value()));
   }

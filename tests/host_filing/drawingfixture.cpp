@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "dbents.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
 #include "host/filing/tagdocument.h"
@@ -11,24 +12,30 @@ namespace tarn::host {
 
 namespace {
 
-/// A layer that the file only takes for granted would be written once it changes.
-std::set<std::wstring> layersIn(const std::string& bytes) {
+/// What the file only takes for granted would be written once it changes.
+struct Named {
+  std::set<std::wstring> layers;
+  std::set<std::uint64_t> handles;
+};
+
+Named namedIn(const std::string& bytes) {
   const auto parsed = TagDocument::parse(bytes, "file");
-  std::set<std::wstring> names;
-  if (!parsed) return names;
+  Named named;
+  if (!parsed) return named;
   const TagDocument& document = parsed.value();
   const TextEncoding encoding(document);
   for (std::uint32_t i = 0; i < document.objectCount(); ++i) {
+    if (document.handleOf(i) != 0) named.handles.insert(document.handleOf(i));
     if (document.typeOf(i) != "LAYER") continue;
-    names.insert(TagView(document, encoding, i).text(2));
+    named.layers.insert(TagView(document, encoding, i).text(2));
   }
-  return names;
+  return named;
 }
 
 }  // namespace
 
 void touchEverything(AcDbDatabase& database, const std::string& bytes) {
-  const std::set<std::wstring> layers = layersIn(bytes);
+  const Named named = namedIn(bytes);
   for (Adesk::UInt64 handle = 1; handle < database.handseed().value(); ++handle) {
     AcDbObjectId id;
     AcDbObject* object = nullptr;
@@ -37,9 +44,35 @@ void touchEverything(AcDbDatabase& database, const std::string& bytes) {
     const ACHAR* name = L"";
     const auto* layer = AcDbLayerTableRecord::cast(object);
     if (layer != nullptr) layer->getName(name);
-    if (layer == nullptr || layers.count(name) > 0) object->assertWriteEnabled();
+    const bool inFile = object->isKindOf(AcDbEntity::desc()) || named.layers.count(name) > 0 ||
+                        named.handles.count(handle) > 0;
+    if (inFile) object->assertWriteEnabled();
     object->close();
   }
+}
+
+AcDbObjectIdArray modelEntities(AcDbDatabase& database) {
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  AcDbObjectIdArray ids;
+  if (database.getBlockTable(blocks, AcDb::kForRead) != Acad::eOk) return ids;
+  if (blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForRead) == Acad::eOk) {
+    ids = space->entityIds();
+    space->close();
+  }
+  blocks->close();
+  return ids;
+}
+
+void appendToModel(AcDbDatabase& database, AcDbEntity* entity) {
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  ASSERT_EQ(database.getBlockTable(blocks, AcDb::kForRead), Acad::eOk);
+  ASSERT_EQ(blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(space->appendAcDbEntity(entity), Acad::eOk);
+  entity->close();
+  space->close();
+  blocks->close();
 }
 
 testing::AssertionResult sameTags(const std::string& before, const std::string& after) {

@@ -1,0 +1,105 @@
+// Saved drawings before the eyes of another reader.
+#include <gtest/gtest.h>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "dbblockref.h"
+#include "dbcurve.h"
+#include "dbobjptr.h"
+#include "dbpl.h"
+#include "dbsymtb.h"
+#include "dbtext.h"
+#include "host/database/layouts.h"
+#include "host/filing/drawingfile.h"
+#include "tests/host_filing/drawingfixture.h"
+#include "tests/host_filing/realdrawings.h"
+#include "tests/support/program.h"
+
+namespace tarn::host {
+namespace {
+
+class Judge : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (judge({"audit"}).exitCode == 77) GTEST_SKIP() << "python3-ezdxf is not installed";
+  }
+  static test::Outcome judge(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), TARN_SOURCE_DIR "/tests/host_filing/drawing_judge.py");
+    return test::runProgram("/usr/bin/python3", arguments);
+  }
+  std::string write(const std::string& name, const std::string& bytes) const {
+    const std::string path = scratch_.at(name);
+    EXPECT_TRUE(writeFileAtomically(path, bytes));
+    return path;
+  }
+  test::Scratch scratch_{"tarn_judge_"};
+};
+
+TEST_F(Judge, newDrawingsAreWithoutErrors) {
+  const auto file = DrawingFile::createNew();
+  const std::string empty = write("empty.dxf", file->bytes().take());
+  AcDbDatabase& database = file->database();
+  appendToModel(database, new AcDbLine({1, 2, 3}, {40500123.456, 5, 6}));
+  appendToModel(database, new AcDbArc({1, 1, 0}, AcGeVector3d::kZAxis, 2, 0.5, 1.5));
+  appendToModel(database, new AcDbCircle({1, 1, 0}, AcGeVector3d::kZAxis, 2));
+  appendToModel(database, new AcDbPoint({7, 8, 9}));
+  appendToModel(database, new AcDbText({1, 1, 0}, L"面积", 2.5, 0.25));
+  auto* flat = new AcDbPolyline;
+  for (int i = 0; i < 3; ++i) flat->addVertex(i, i * i, i == 1 ? 0.5 : 0);
+  appendToModel(database, flat);
+  auto* inSpace = new AcDbPolyline;
+  inSpace->setInSpace(true);
+  inSpace->addVertex(1, 2);
+  inSpace->addVertex(3, 4);
+  appendToModel(database, inSpace);
+  auto* note = new AcDbMText;
+  note->setContents(L"one\\Ptwo");
+  appendToModel(database, note);
+  ASSERT_TRUE(addLayout(database, "Sheet 7"));
+  const std::string full = write("full.dxf", file->bytes().take());
+  const test::Outcome audit = judge({"audit", empty, full});
+  EXPECT_EQ(audit.exitCode, 0);
+  EXPECT_EQ(audit.output, "");
+}
+
+TEST_F(Judge, onlyTheChangedObjectIsAnother) {
+  const std::string path = joinPath(TARN_DATA_DIR, "mozman/ezdxf/examples_dxf/visibility.dxf");
+  if (fileKind(path) != FileKind::kRegular) GTEST_SKIP() << path << " is not there";
+  auto file = DrawingFile::open(path);
+  ASSERT_TRUE(file) << file.message();
+  AcDbDatabase& database = file.value()->database();
+  const AcDbObjectIdArray ids = modelEntities(database);
+  ASSERT_GT(ids.length(), 2);
+  {
+    const AcDbObjectPointer<AcDbEntity> moved(ids[0], AcDb::kForWrite);
+    EXPECT_EQ(moved->transformBy(AcGeMatrix3d::translation({1, 2, 0})), Acad::eOk);
+  }
+  appendToModel(database, new AcDbLine({1, 2, 3}, {4, 5, 6}));
+  touchEverything(database, bytesOf(path));
+  const std::string saved = write("saved.dxf", file.value()->bytes().take());
+  const test::Outcome found = judge({"differences", path, saved});
+  EXPECT_EQ(found.exitCode, 0) << found.output;
+  const auto lines = split(found.output, '\n');
+  ASSERT_EQ(lines.size(), 3U) << found.output;
+  EXPECT_EQ(lines[0].rfind("changed ", 0), 0U) << found.output;
+  EXPECT_EQ(lines[1].rfind("new LINE ", 0), 0U) << found.output;
+}
+
+TEST_F(Judge, realDrawingsWrittenAnewAreTheSame) {
+  std::vector<std::string> arguments = {"differences"};
+  for (const std::string& path : realDrawings()) {
+    auto file = DrawingFile::open(path);
+    if (!file || fileTimes(path).size > 40000) continue;
+    touchEverything(file.value()->database(), file.value()->bytes().take());
+    const std::string name = std::to_string(arguments.size()) + nameOf(path);
+    arguments.push_back(path);
+    arguments.push_back(write(name, file.value()->bytes().take()));
+  }
+  const test::Outcome found = judge(arguments);
+  EXPECT_EQ(found.exitCode, 0);
+  EXPECT_EQ(found.output, "");
+}
+
+}  // namespace
+}  // namespace tarn::host
