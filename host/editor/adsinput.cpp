@@ -6,6 +6,8 @@
 #include "acedads.h"
 #include "base/text.h"
 #include "host/editor/commandprocessor.h"
+#include "host/editor/documents.h"
+#include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
 #include "host/editor/objectsnap.h"
@@ -13,6 +15,7 @@
 #include "host/editor/sysvars.h"
 #include "host/editor/textbuffer.h"
 
+using tarn::host::GroundPoint;
 using tarn::host::HostApp;
 using tarn::host::InputKind;
 using tarn::host::Point3;
@@ -121,9 +124,31 @@ int askPoint(const std::string& prompt, ads_point value, InputKind kind = InputK
   return result;
 }
 
+/// Shows where the point that is asked for begins, while it lives.
+class Rubber {
+ public:
+  Rubber(const ads_real* base, bool isCorner) {
+    if (HostApp* app = base != nullptr ? HostApp::instance() : nullptr) {
+      auto& memory = app->documents().current().selection();
+      (isCorner ? memory.windowCorner : memory.rubberBase) = GroundPoint{base[0], base[1]};
+    }
+  }
+  ~Rubber() {
+    HostApp* app = HostApp::instance();
+    if (app == nullptr) return;
+    auto& memory = app->documents().current().selection();
+    memory.windowCorner.reset();
+    memory.rubberBase.reset();
+    app->frontEnd().displayChanged();
+  }
+  Rubber(const Rubber&) = delete;
+  Rubber& operator=(const Rubber&) = delete;
+};
+
 }  // namespace
 
-int tarn::host::askPickedPoint(const std::string& prompt, ads_point value) {
+int tarn::host::askPickedPoint(const std::string& prompt, ads_point value, const ads_real* corner) {
+  const Rubber rubber(corner, true);
   return askPoint(prompt, value, InputKind::kSelect);
 }
 
@@ -211,13 +236,15 @@ int acedGetString(int cronly, const ACHAR* prompt, ACHAR* value, size_t capacity
   return tarn::host::copyText(tarn::toWide(*text), value, capacity) ? RTNORM : RTINPUTTRUNCATED;
 }
 
-int acedGetPoint(const ads_point, const ACHAR* prompt, ads_point value) {
+int acedGetPoint(const ads_point base, const ACHAR* prompt, ads_point value) {
   if (value == nullptr) return RTERROR;
+  const Rubber rubber(base, false);
   return askPoint(promptText(prompt, "Point: "), value);
 }
 
-int acedGetCorner(const ads_point, const ACHAR* prompt, ads_point value) {
+int acedGetCorner(const ads_point base, const ACHAR* prompt, ads_point value) {
   if (value == nullptr) return RTERROR;
+  const Rubber rubber(base, true);
   return askPoint(promptText(prompt, "Opposite corner: "), value);
 }
 

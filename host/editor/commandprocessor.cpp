@@ -226,7 +226,11 @@ void CommandProcessor::finishPickFirst(int flags) {
 }
 
 CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nested) {
-  const auto command = findCommand(typedName);
+  auto command = findCommand(typedName);
+  if (!command && app_.variables().typeOf(plainName(typedName))) {
+    namedVariable_ = upper(plainName(typedName));
+    command = findCommand("_SETVAR");
+  }
   if (!command) {
     if (!nested) ++failures_;
     reportUnknown(typedName);

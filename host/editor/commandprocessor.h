@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "adesk.h"
@@ -42,6 +43,9 @@ class ACADHOST_EXPORT CommandProcessor {
   /// True when the running command's last input was cancelled.
   bool inputCancelled() const { return !running_.empty() && running_.back().inputCancelled; }
 
+  /// The variable whose name was typed as a command, once; SETVAR runs for it.
+  std::string takeNamedVariable() { return std::exchange(namedVariable_, {}); }
+
   bool isActive() const { return !running_.empty(); }
   /// Names joined by "'", outermost first.
   std::string activeNames() const;
@@ -69,6 +73,7 @@ class ACADHOST_EXPORT CommandProcessor {
   std::vector<Running> running_;
   std::vector<std::string> history_;
   std::string queued_;
+  std::string namedVariable_;
   std::string last_;
   int failures_ = 0;
 };

@@ -11,6 +11,7 @@
 #include "accmd.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "host/editor/clipboard.h"
 #include "host/editor/commandprocessor.h"
 #include "host/editor/documentpicture.h"
 #include "host/editor/documents.h"
@@ -60,6 +61,7 @@ struct HostApp::Parts {
   CommandProcessor commands;
   Regenerator regenerator;
   EditorUi ui;
+  Clipboard clipboard;
   RenderStyle style;
   bool quit = false;
 };
@@ -301,6 +303,9 @@ Profile& HostApp::profile() {
 }
 Regenerator& HostApp::regenerator() {
   return parts_->regenerator;
+}
+Clipboard& HostApp::clipboard() {
+  return parts_->clipboard;
 }
 
 std::string formatPoint(double x, double y) {

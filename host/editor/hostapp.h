@@ -18,6 +18,7 @@ struct MSG;
 
 namespace tarn::host {
 
+struct Clipboard;
 class CommandProcessor;
 class Documents;
 class FrontEnd;
@@ -142,6 +143,7 @@ class ACADHOST_EXPORT HostApp {
   SystemVariables& variables();
   Profile& profile();
   Regenerator& regenerator();
+  Clipboard& clipboard();
 
  private:
   struct Parts;

@@ -125,6 +125,14 @@ void twistCommand() {
   app().regenerateForView();
 }
 
+/// Only the twist of the views that a camera can have.
+void dviewCommand() {
+  acedInitGet(0, ACRX_T("TWist eXit"));
+  ACHAR word[513] = {0};
+  const int answer = acedGetKword(ACRX_T("\nOption [TWist/eXit] <eXit>: "), word);
+  if (answer == RTNORM && word[0] == 'T') twistCommand();
+}
+
 void listVariables() {
   SystemVariables& variables = app().variables();
   for (const std::string& name : variables.names()) {
@@ -162,8 +170,12 @@ void storeTyped(const std::string& name, const std::string& text) {
 
 void setvarCommand() {
   ACHAR typed[513] = {0};
-  if (acedGetString(0, ACRX_T("\nVariable name or ?: "), typed) != RTNORM) return;
-  const std::string name = toUtf8(typed);
+  std::string name = app().commands().takeNamedVariable();
+  if (name.empty()) {
+    if (acedGetString(0, ACRX_T("\nVariable name or ?: "), typed) != RTNORM) return;
+    name = toUtf8(typed);
+  }
+  if (name.empty()) return;
   if (name == "?") return listVariables();
   SystemVariables& variables = app().variables();
   const auto value = variables.get(name);
@@ -198,12 +210,21 @@ void registerHostCommands() {
   };
   constexpr int kOnSelection = ACRX_CMD_MODAL | ACRX_CMD_USEPICKSET;
   static const Entry kEntries[] = {
+      {ACRX_T("APPLOAD"), ACRX_CMD_MODAL, &apploadCommand},
+      {ACRX_T("ARX"), ACRX_CMD_MODAL, &arxCommand},
       {ACRX_T("CLOSE"), ACRX_CMD_MODAL, &closeCommand},
       {ACRX_T("COPY"), kOnSelection, &copyCommand},
+      {ACRX_T("COPYCLIP"), kOnSelection | ACRX_CMD_REDRAW, &copyclipCommand},
+      {ACRX_T("DIST"), ACRX_CMD_TRANSPARENT, &distCommand},
+      {ACRX_T("DVIEW"), ACRX_CMD_MODAL, &dviewCommand},
       {ACRX_T("ERASE"), kOnSelection, &eraseCommand},
       {ACRX_T("GRIP_STRETCH"), kOnSelection | ACRX_CMD_REDRAW, &gripStretchCommand},
+      {ACRX_T("HELP"), ACRX_CMD_TRANSPARENT, &helpCommand},
+      {ACRX_T("ID"), ACRX_CMD_TRANSPARENT, &idCommand},
+      {ACRX_T("LAYER"), ACRX_CMD_MODAL, &layerCommand},
       {ACRX_T("LAYOUT"), ACRX_CMD_MODAL, &layoutCommand},
       {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
+      {ACRX_T("LIST"), kOnSelection | ACRX_CMD_REDRAW, &listCommand},
       {ACRX_T("MOVE"), kOnSelection, &moveCommand},
       {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
@@ -212,6 +233,8 @@ void registerHostCommands() {
       {ACRX_T("OOPS"), ACRX_CMD_MODAL, &oopsCommand},
       {ACRX_T("OPEN"), ACRX_CMD_MODAL, &openCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
+      {ACRX_T("PASTECLIP"), ACRX_CMD_MODAL, &pasteclipCommand},
+      {ACRX_T("PNGOUT"), ACRX_CMD_MODAL, &pngoutCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
@@ -220,6 +243,7 @@ void registerHostCommands() {
       {ACRX_T("SAVE"), ACRX_CMD_MODAL, &saveCommand},
       {ACRX_T("SAVEAS"), ACRX_CMD_MODAL, &saveAsCommand},
       {ACRX_T("SCALE"), kOnSelection, &scaleCommand},
+      {ACRX_T("SCRIPT"), ACRX_CMD_MODAL, &scriptCommand},
       {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
       {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},

@@ -21,6 +21,20 @@ void failCommand(HostApp& app, const std::string& message);
 bool selectForCommand(EntityIds& ids);
 
 void lineCommand();
+void layerCommand();
+
+void copyclipCommand();
+void pasteclipCommand();
+
+void distCommand();
+void helpCommand();
+void idCommand();
+void listCommand();
+
+void apploadCommand();
+void arxCommand();
+void pngoutCommand();
+void scriptCommand();
 
 void copyCommand();
 void openCommand();

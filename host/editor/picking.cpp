@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "acedads.h"
+#include "adscodes.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "host/editor/commandprocessor.h"
@@ -11,6 +11,7 @@
 #include "host/editor/entityfilter.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
+#include "host/editor/pointinput.h"
 #include "host/editor/sysvars.h"
 
 namespace tarn::host {
@@ -112,7 +113,7 @@ class Choice {
 
   bool takeWindow(bool crossing) {
     ads_point a = {0, 0, 0};
-    if (acedGetPoint(nullptr, ACRX_T("\nFirst corner: "), a) != RTNORM) return cancelledOrNot();
+    if (askPickedPoint("\nFirst corner: ", a) != RTNORM) return cancelledOrNot();
     return takeSecondCorner({a[0], a[1]}, &crossing);
   }
 
@@ -128,7 +129,7 @@ class Choice {
   bool takeSecondCorner(GroundPoint first, const bool* crossing) {
     const ads_point a = {first.x, first.y, 0};
     ads_point b = {0, 0, 0};
-    if (acedGetCorner(a, ACRX_T("\nOpposite corner: "), b) != RTNORM) return cancelledOrNot();
+    if (askPickedPoint("\nOpposite corner: ", b, a) != RTNORM) return cancelledOrNot();
     const GroundPoint second{b[0], b[1]};
     const bool touching = crossing != nullptr ? *crossing : isCrossing(app_, first, second);
     take(entitiesInWindow(app_, first, second, touching));

@@ -13,7 +13,7 @@ namespace tarn::host {
 
 /// What can be hit of an entity of the current picture; empty when it is not shown. A picture is
 /// hit at its frame: the rim of the extents and the corners that snaps and grips know.
-Outlines outlinesOf(HostDocument& document, AcDbObjectId id);
+ACADHOST_EXPORT Outlines outlinesOf(HostDocument& document, AcDbObjectId id);
 
 /// The uppermost entity whose lines come within PICKBOX pixels of the point; null when there is
 /// none.
@@ -23,14 +23,14 @@ ACADHOST_EXPORT EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPo
                                            bool crossing);
 /// By the way in which the corners were given: a window from left to right on the screen, what
 /// touches it from right to left.
-bool isCrossing(const HostApp& app, GroundPoint a, GroundPoint b);
+ACADHOST_EXPORT bool isCrossing(const HostApp& app, GroundPoint a, GroundPoint b);
 
 /// Asks until Enter. Nothing when cancelled.
 std::optional<EntityIds> askEntities(HostApp& app, const std::string& prompt, const resbuf* filter);
 
 /// Adds those that are not in the list yet; returns how many were.
-int addMissing(EntityIds& ids, const EntityIds& added);
-void removeAll(EntityIds& ids, const EntityIds& removed);
+ACADHOST_EXPORT int addMissing(EntityIds& ids, const EntityIds& added);
+ACADHOST_EXPORT void removeAll(EntityIds& ids, const EntityIds& removed);
 /// Those that are still in the current space and fit the filter.
 EntityIds usable(HostApp& app, const EntityIds& ids, const resbuf* filter);
 

@@ -7,7 +7,8 @@
 
 namespace tarn::host {
 
-/// As acedGetPoint, but a picked point is not snapped to entities.
-int askPickedPoint(const std::string& prompt, ads_point value);
+/// As acedGetPoint, but a picked point is not snapped to entities. `corner`: the other corner of a
+/// window, or null.
+int askPickedPoint(const std::string& prompt, ads_point value, const ads_real* corner = nullptr);
 
 }  // namespace tarn::host

@@ -1,6 +1,9 @@
 // Loading and unloading of application modules.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "rxdict.h"
 #include "rxobject.h"
 #include "rxregsvc.h"
@@ -18,6 +21,8 @@ class ACADHOST_EXPORT AcRxDynamicLinker : public AcRxObject {
   bool unloadModule(const ACHAR* fileName, bool asCmd = false);
   /// By file name without regard to folder and case.
   bool isModuleLoaded(const ACHAR* fileName) const;
+  /// File names of the loaded modules in the order of loading.
+  std::vector<std::wstring> loadedModules() const;
   /// Why the last load or unload was refused, as one sentence; empty after success.
   const ACHAR* lastMessage() const;
   /// Sends a message to each loaded module in the order of loading.

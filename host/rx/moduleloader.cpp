@@ -157,6 +157,14 @@ bool AcRxDynamicLinker::isModuleLoaded(const ACHAR* fileName) const {
   return tarn::host::findLoaded(tarn::toUtf8(fileName)) != nullptr;
 }
 
+std::vector<std::wstring> AcRxDynamicLinker::loadedModules() const {
+  std::vector<std::wstring> names;
+  for (const auto& module : tarn::host::modules()) {
+    if (module->loaded) names.push_back(tarn::toWide(module->name));
+  }
+  return names;
+}
+
 const ACHAR* AcRxDynamicLinker::lastMessage() const {
   return tarn::host::lastText().c_str();
 }

@@ -17,6 +17,7 @@ namespace {
 
 constexpr double kZoomPerNotch = 1.25;
 constexpr int kUnitsPerNotch = 120;
+constexpr int kClickSlack = 4;  ///< device pixels that a click may move
 constexpr QRgb kEmptyCanvas = 0xff212830;
 
 /// A light cross with a dark rim: seen on every ground. The middle stays open, so that the pixel
@@ -117,6 +118,10 @@ void Canvas::paintEvent(QPaintEvent*) {
   QImage shown = frame_.image();
   shown.setDevicePixelRatio(devicePixelRatioF());
   painter.drawImage(0, 0, shown);
+  if (!hooks_.mayAct()) return;
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
+  hooks_.paintOver(painter);
 }
 
 void Canvas::resizeEvent(QResizeEvent*) {
@@ -138,7 +143,12 @@ void Canvas::tellWatchers(UINT message, const QMouseEvent& event) {
 }
 
 void Canvas::mousePressEvent(QMouseEvent* event) {
-  if (!hooks_.mayAct() || event->button() != Qt::MiddleButton) return;
+  if (!hooks_.mayAct()) return;
+  if (event->button() == Qt::LeftButton) {
+    pressedAt_ = devicePixel(event->localPos());
+    hooks_.pressed(groundAt(event->localPos()));
+  }
+  if (event->button() != Qt::MiddleButton) return;
   tellWatchers(WM_MBUTTONDOWN, *event);
   dragging_ = true;
   moved_ = false;
@@ -150,6 +160,12 @@ void Canvas::mouseMoveEvent(QMouseEvent* event) {
   if (!hooks_.mayAct()) return;
   if (dragging_) dragTo(event->localPos());
   hooks_.hovered(groundAt(event->localPos()));
+  update();
+}
+
+void Canvas::leaveEvent(QEvent*) {
+  hooks_.left();
+  update();
 }
 
 void Canvas::dragTo(QPointF local) {
@@ -168,7 +184,10 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::MiddleButton) endDrag(*event);
   if (!hooks_.mayAct() || event->button() != Qt::LeftButton) return;
   tellWatchers(WM_LBUTTONUP, *event);
-  if (rect().contains(event->pos())) hooks_.picked(groundAt(event->localPos()));
+  if (!rect().contains(event->pos())) return;
+  const QPoint by = devicePixel(event->localPos()) - pressedAt_;
+  hooks_.released(groundAt(event->localPos()), by.manhattanLength() > kClickSlack,
+                  (event->modifiers() & Qt::ShiftModifier) != 0);
 }
 
 /// The view follows the mouse to where the button was let go; then the watchers hear of it, and

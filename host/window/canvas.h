@@ -18,10 +18,15 @@ class Canvas : public QWidget {
   /// What the window around it supplies; all must be set. `app` must outlive the canvas.
   struct Hooks {
     std::function<bool()> mayAct;  ///< false while the host computes: the picture only stands there
-    std::function<void(GroundPoint)> picked;   ///< left click
+    std::function<void(GroundPoint)> pressed;  ///< left button down
+    /// Left button up; `dragged` after a move, `shift` with that key held.
+    std::function<void(GroundPoint, bool dragged, bool shift)> released;
     std::function<void(GroundPoint)> hovered;  ///< the mouse stands on this ground
-    std::function<void()> acted;               ///< the canvas has made the host draw
-    std::function<void()> nothingToShow;       ///< zoom to extents of an empty drawing
+    std::function<void()> left;                ///< the mouse has left the canvas
+    /// Paints what lies over the picture, one unit a device pixel.
+    std::function<void(QPainter&)> paintOver;
+    std::function<void()> acted;          ///< the canvas has made the host draw
+    std::function<void()> nothingToShow;  ///< zoom to extents of an empty drawing
   };
   Canvas(HostApp& app, Hooks hooks);
 
@@ -43,6 +48,7 @@ class Canvas : public QWidget {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
   QPoint devicePixel(QPointF local) const;
@@ -58,6 +64,7 @@ class Canvas : public QWidget {
   Frame frame_;
   QTimer settleTimer_;
   QPoint dragFrom_;
+  QPoint pressedAt_;  ///< left button
   bool dragging_ = false;
   bool moved_ = false;          ///< the drag has changed the view
   bool onlyViewMoves_ = false;  ///< display changes of this moment come from a pan of our own

@@ -114,7 +114,20 @@ QString CommandLine::promptText() const {
   return fullPrompt_;
 }
 
+/// The keys of the Edit menu are the input line's own only while there is something to edit.
+bool CommandLine::leavesKey(const QKeyEvent& key) const {
+  if (!input_->text().isEmpty()) return false;
+  const auto is = [&](QKeySequence::StandardKey meant) { return key.matches(meant); };
+  return is(QKeySequence::Undo) || is(QKeySequence::Redo) || is(QKeySequence::Copy) ||
+         is(QKeySequence::Delete) || (is(QKeySequence::Paste) && hooks_.pastesEntities());
+}
+
 bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && watched == input_ &&
+      leavesKey(static_cast<QKeyEvent&>(*event))) {
+    event->ignore();
+    return true;
+  }
   if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
   auto& key = static_cast<QKeyEvent&>(*event);
   if (key.key() == Qt::Key_Escape) {

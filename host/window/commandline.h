@@ -10,6 +10,7 @@
 #include <vector>
 
 class QLabel;
+class QKeyEvent;
 class QLineEdit;
 class QPlainTextEdit;
 
@@ -22,6 +23,7 @@ class CommandLine : public QWidget {
     std::function<void()> escaped;                           ///< Escape
     std::function<std::vector<std::string>()> earlierLines;  ///< oldest first
     std::function<std::vector<std::string>(const std::string&)> namesBeginningWith;
+    std::function<bool()> pastesEntities;  ///< entities were copied: Ctrl+V means them
   };
   explicit CommandLine(Hooks hooks);
 
@@ -43,6 +45,7 @@ class CommandLine : public QWidget {
 
  private:
   bool inputKey(int key);
+  bool leavesKey(const QKeyEvent& key) const;
   void recall(int step);
   void complete();
   void elidePrompt();

@@ -13,6 +13,7 @@
 #include <QToolBar>
 #include <QUrl>
 
+#include "host/editor/clipboard.h"
 #include "host/editor/hostapp.h"
 #include "host/window/canvas.h"
 #include "host/window/commandline.h"
@@ -41,6 +42,7 @@ std::vector<std::string> localFiles(const QMimeData& data) {
 QString stateText(bool free, bool reading, InputKind kind) {
   if (!free) return "Working – Escape stops it";
   if (!reading) return "Ready";
+  if (kind == InputKind::kSelect) return "Choose entities by clicks or a window – Enter ends";
   return kind == InputKind::kPoint ? "Click a point or type its coordinates – Escape cancels"
                                    : "The command waits for an input – Escape cancels";
 }
@@ -83,8 +85,18 @@ MainWindow::~MainWindow() {
 void MainWindow::buildCanvas() {
   Canvas::Hooks hooks;
   hooks.mayAct = [this] { return session_.mayAct(); };
-  hooks.picked = [this](GroundPoint ground) { session_.pick(ground); };
-  hooks.hovered = [this](GroundPoint ground) { status_->showGround(ground); };
+  hooks.pressed = [this](GroundPoint ground) { session_.picker().press(ground); };
+  hooks.released = [this](GroundPoint ground, bool dragged, bool shift) {
+    session_.picker().release(ground, dragged, shift);
+  };
+  hooks.hovered = [this](GroundPoint ground) {
+    session_.picker().hover(ground);
+    status_->showGround(ground);
+  };
+  hooks.left = [this] { session_.picker().leave(); };
+  hooks.paintOver = [this](QPainter& painter) {
+    paintOverlay(painter, app_, session_.picker().pointer());
+  };
   hooks.acted = [this] { session_.acted(); };
   hooks.nothingToShow = [this] { app_.print("\nThe drawing is empty.\n"); };
   canvas_ = new Canvas(app_, std::move(hooks));
@@ -99,6 +111,7 @@ void MainWindow::buildCommandLine() {
     if (frontEnd_.reading() || start.empty()) return std::vector<std::string>();
     return app_.commandsBeginningWith(start);
   };
+  hooks.pastesEntities = [this] { return app_.clipboard().drawing != nullptr; };
   line_ = new CommandLine(std::move(hooks));
 }
 
@@ -113,6 +126,7 @@ void MainWindow::buildMenus() {
   tools->setMovable(false);
   tools->setContextMenuPolicy(Qt::PreventContextMenu);
   fillFileMenu(*menuBar()->addMenu("&File"), *tools);
+  fillEditMenu(*menuBar()->addMenu("&Edit"));
   fillViewMenu(*menuBar()->addMenu("&View"), *tools);
   fillHelpMenu(*menuBar()->addMenu("&Help"));
 }
@@ -130,6 +144,18 @@ void MainWindow::fillFileMenu(QMenu& menu, QToolBar& tools) {
   tools.addAction(add);
   tools.addAction(save);
   tools.addSeparator();
+}
+
+void MainWindow::fillEditMenu(QMenu& menu) {
+  const auto add = [&](const char* text, const QKeySequence& keys, const char* command) {
+    menu.addAction(text, this, [this, command] { session_.run(command); })->setShortcut(keys);
+  };
+  add("&Undo", QKeySequence::Undo, "U");
+  add("&Redo", QKeySequence::Redo, "REDO");
+  menu.addSeparator();
+  add("&Copy", QKeySequence::Copy, "COPYCLIP");
+  add("&Paste", QKeySequence::Paste, "PASTECLIP");
+  add("&Erase", QKeySequence::Delete, "ERASE");
 }
 
 void MainWindow::fillViewMenu(QMenu& menu, QToolBar& tools) {
@@ -153,7 +179,7 @@ void MainWindow::fillViewMenu(QMenu& menu, QToolBar& tools) {
 }
 
 void MainWindow::fillHelpMenu(QMenu& menu) {
-  menu.addAction("&Commands", this, [this] { listCommands(); });
+  menu.addAction("&Commands", this, [this] { session_.run("HELP"); });
   menu.addAction("&About Tarn Image", this, [this] { showAbout(); });
 }
 
@@ -177,12 +203,6 @@ void MainWindow::savePicture() {
   const std::string failure = app_.savePicture(names->front());
   app_.print("\n" + (failure.empty() ? names->front() + " written." : failure) + "\n");
   if (!failure.empty()) dialogs_.messageBox(failure, "Save picture", MB_ICONERROR);
-}
-
-void MainWindow::listCommands() {
-  std::string text = "\nCommands:";
-  for (const std::string& name : app_.commandsBeginningWith("")) text += " " + name;
-  app_.print(text + "\n");
 }
 
 void MainWindow::showAbout() {

@@ -44,12 +44,12 @@ class MainWindow : public QMainWindow {
   void buildCommandLine();
   void buildMenus();
   void fillFileMenu(QMenu& menu, QToolBar& tools);
+  void fillEditMenu(QMenu& menu);
   void fillViewMenu(QMenu& menu, QToolBar& tools);
   void fillHelpMenu(QMenu& menu);
   void showState();
   void chooseImages();
   void savePicture();
-  void listCommands();
   void showAbout();
 
   HostApp& app_;

@@ -10,7 +10,10 @@
 namespace tarn::host {
 
 Session::Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> closeWindow)
-    : app_(app), frontEnd_(frontEnd), closeWindow_(std::move(closeWindow)) {}
+    : app_(app),
+      frontEnd_(frontEnd),
+      picker_(app, frontEnd, [this](const std::string& line) { run(line); }),
+      closeWindow_(std::move(closeWindow)) {}
 
 bool Session::mayAct() const {
   return !frontEnd_.pumping() && (!app_.commandActive() || frontEnd_.reading());
@@ -28,18 +31,13 @@ void Session::enter(const std::string& line) {
   perform([this, command] { app_.runLine(command); });
 }
 
-void Session::pick(GroundPoint ground) {
-  if (!mayAct() || !frontEnd_.reading()) return;
-  if (frontEnd_.readingKind() == InputKind::kPoint) {
-    frontEnd_.give(formatPoint(ground.x, ground.y));
-  }
-}
-
 void Session::escape() {
   if (!mayAct()) {
     frontEnd_.wantCancel();
-  } else {
+  } else if (frontEnd_.reading()) {
     frontEnd_.cancelRead();
+  } else {
+    picker_.clear();
   }
 }
 

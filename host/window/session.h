@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/graphics/viewstate.h"
+#include "host/window/entitypicker.h"
 
 namespace tarn::host {
 
@@ -25,9 +25,9 @@ class Session {
   /// A line of the command line: an answer for a waiting command, else a command; empty repeats the
   /// last one.
   void enter(const std::string& line);
-  /// A point picked in the drawing; means something only while a command waits for one.
-  void pick(GroundPoint ground);
-  /// Cancels what waits or computes.
+  /// The left button in the drawing.
+  EntityPicker& picker() { return picker_; }
+  /// Cancels what waits or computes; when nothing does, lets go of what was chosen.
   void escape();
 
   /// Calls of the host that may take long, once nothing runs any more. A waiting command is
@@ -54,6 +54,7 @@ class Session {
 
   HostApp& app_;
   WindowFrontEnd& frontEnd_;
+  EntityPicker picker_;
   std::function<void()> closeWindow_;
   std::vector<std::function<void()>> waiting_;  ///< run one after the other once nothing runs
   bool working_ = false;
