@@ -178,11 +178,12 @@ class Choice {
 Outlines outlinesOf(HostDocument& document, AcDbObjectId id) {
   const DisplayList* list = document.currentScene().find(id.handle().value());
   if (list == nullptr) return {};
-  Outlines outlines = outlinesOf(*list, document.space().mouseView());
-  if (!hasImages(*list)) return outlines;
+  const ViewState view = document.space().mouseView();
+  if (!hasImages(*list)) return outlinesOf(*list, view);
+  Outlines outlines;
   const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
   if (entity.openStatus() == Acad::eOk) {
-    addPictureFrame(outlines, *entity.object(), document.space().mouseView());
+    addPictureFrame(outlines, *entity.object(), view);
   }
   return outlines;
 }

@@ -11,8 +11,9 @@ struct resbuf;
 
 namespace tarn::host {
 
-/// What can be hit of an entity of the current picture; empty when it is not shown. A picture is
-/// hit at its frame: the rim of the extents and the corners that snaps and grips know.
+/// What can be hit of an entity of the current picture; empty when it is not shown. An entity that
+/// shows pictures is hit at their frame, the rim of the extents and the corners that snaps and
+/// grips know, and not at lines that the pictures cover.
 ACADHOST_EXPORT Outlines outlinesOf(HostDocument& document, AcDbObjectId id);
 
 /// The uppermost entity whose lines come within PICKBOX pixels of the point; null when there is

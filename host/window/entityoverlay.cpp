@@ -39,8 +39,9 @@ void paintHighlight(QPainter& painter, HostDocument& document, const EntityIds& 
   painter.setPen(QPen(kHighlight, 2, Qt::DashLine));
   painter.setBrush(Qt::NoBrush);
   // A line far outside would be walked dash by dash.
-  const QRectF shown = QRectF(0, 0, document.view().pixelWidth, document.view().pixelHeight)
-                           .adjusted(-4000, -4000, 4000, 4000);
+  const ViewState screen = document.view();
+  const QRectF shown =
+      QRectF(0, 0, screen.pixelWidth, screen.pixelHeight).adjusted(-4000, -4000, 4000, 4000);
   for (const AcDbObjectId& id : ids) {
     for (const Outline& outline : outlinesOf(document, id)) {
       QPolygonF line;
@@ -69,7 +70,7 @@ std::vector<GroundPoint> gripsOf(HostApp& app) {
 }
 
 void paintGrips(QPainter& painter, HostApp& app, const std::optional<GroundPoint>& hot) {
-  const ViewState& view = app.documents().current().view();
+  const ViewState view = app.documents().current().space().mouseView();
   painter.setPen(QPen(Qt::black, 1));
   for (const GroundPoint& grip : gripsOf(app)) {
     const QPointF at = device(view, grip);
@@ -99,7 +100,8 @@ void paintSnap(QPainter& painter, HostApp& app, GroundPoint cursor) {
   const int bits = runningSnaps(app);
   const auto snap = bits != 0 ? findSnap(app, bits, cursor, true) : std::nullopt;
   if (!snap) return;
-  const QPointF at = device(app.view(), {snap->point.x, snap->point.y});
+  const ViewState view = app.documents().current().space().mouseView();
+  const QPointF at = device(view, {snap->point.x, snap->point.y});
   painter.setPen(QPen(kSnap, 2));
   painter.setBrush(Qt::NoBrush);
   const QRectF box(at.x() - kSnapHalf, at.y() - kSnapHalf, 2 * kSnapHalf, 2 * kSnapHalf);
@@ -130,15 +132,17 @@ void paintOverlay(QPainter& painter, HostApp& app, const PointerState& pointer) 
   paintGrips(painter, app, pointer.hotGrip);
   if (!pointer.cursor) return;
   const auto corner = pointer.windowCorner ? pointer.windowCorner : selection.windowCorner;
-  if (corner) paintWindow(painter, document.view(), *corner, *pointer.cursor);
+  const ViewState view = document.space().mouseView();
+  if (corner) paintWindow(painter, view, *corner, *pointer.cursor);
   if (selection.rubberBase) {
-    paintRubber(painter, document.view(), *selection.rubberBase, *pointer.cursor);
+    paintRubber(painter, view, *selection.rubberBase, *pointer.cursor);
   }
   if (pointer.snaps) paintSnap(painter, app, *pointer.cursor);
 }
 
 std::optional<GroundPoint> gripAt(HostApp& app, GroundPoint place) {
-  const double reach = app.variables().shortOf("PICKBOX") * app.view().unitsPerPixel();
+  const double reach = app.variables().shortOf("PICKBOX") *
+                       app.documents().current().space().mouseView().unitsPerPixel();
   for (const GroundPoint& grip : gripsOf(app)) {
     if (std::hypot(grip.x - place.x, grip.y - place.y) <= reach) return grip;
   }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "accmd.h"
+#include "base/text.h"
 #include "host/editor/commandlineui.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/sysvars.h"
@@ -27,6 +28,11 @@ class ScriptedHost {
     transcript_.str("");
     good_ = front_.run(app_);
     return transcript_.str();
+  }
+  /// A line for the next run().
+  void add(const std::string& line) { front_.addLine(line); }
+  static bool hasCommand(const std::string& name) {
+    return acedRegCmds->lookupTyped(toWide(name).c_str()) != nullptr;
   }
   /// Whether the last run() had no failed command.
   bool good() const { return good_; }
