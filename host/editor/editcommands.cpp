@@ -222,7 +222,7 @@ void gripStretchCommand() {
   acedInitGet(RSG_NONULL, nullptr);
   if (acedGetPoint(nullptr, ACRX_T("\nGrip point: "), grip) != RTNORM) return;
   const AcGePoint3d place = pointOf(grip);
-  const double reach = app().view().unitsPerPixel() * app().variables().shortOf("PICKBOX");
+  const double reach = app().mouseView().unitsPerPixel() * app().variables().shortOf("PICKBOX");
   const EntityIds gripped = grippedAt(ids, place, reach);
   if (gripped.empty()) return failCommand(app(), "There is no grip at that point.");
   acedInitGet(0, ACRX_T("Base eXit"));
