@@ -206,9 +206,16 @@ Acad::ErrorStatus AcDbEntity::subGetGripPoints(AcGePoint3dArray&, AcDbIntArray&,
 
 // A refusal leaves the entity unchanged, so it does not count as a change.
 
-Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(const AcDbIntArray&, const AcGeVector3d&) {
+/// All grips together move the entity.
+Acad::ErrorStatus AcDbEntity::subMoveGripPointsAt(const AcDbIntArray& indices,
+                                                  const AcGeVector3d& offset) {
   assertWriteEnabled(Adesk::kTrue, Adesk::kFalse);
-  return Acad::eNotApplicable;
+  AcGePoint3dArray grips;
+  AcDbIntArray modes;
+  AcDbIntArray ids;
+  getGripPoints(grips, modes, ids);
+  if (indices.length() != grips.length()) return Acad::eNotApplicable;
+  return transformBy(AcGeMatrix3d::translation(offset));
 }
 
 Acad::ErrorStatus AcDbEntity::subTransformBy(const AcGeMatrix3d&) {

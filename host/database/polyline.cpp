@@ -170,8 +170,20 @@ Acad::ErrorStatus AcDbPolyline::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Ade
                                                   const AcGeMatrix3d&, AcGePoint3dArray& snapPoints,
                                                   AcDbIntArray&) const {
   assertReadEnabled();
-  if (osnapMode != AcDb::kOsModeEnd) return Acad::eOk;
-  for (const AcDbPolylineVertex& vertex : vertices_) snapPoints.append(worldPoint(vertex));
+  if (osnapMode == AcDb::kOsModeEnd) {
+    for (const AcDbPolylineVertex& vertex : vertices_) snapPoints.append(worldPoint(vertex));
+  }
+  if (osnapMode != AcDb::kOsModeMid) return Acad::eOk;
+  const size_t pieces = vertices_.empty() ? 0 : vertices_.size() - (closed_ ? 0 : 1);
+  for (size_t i = 0; i < pieces; ++i) {
+    const AcDbPolylineVertex& a = vertices_[i];
+    const AcGePoint3d& b = vertices_[(i + 1) % vertices_.size()].point;
+    AcDbPolylineVertex middle;
+    middle.point = a.point + (b - a.point) * 0.5;
+    // The middle of an arc stands beside the chord by bulge times half of it.
+    middle.point += AcGeVector3d(b.y - a.point.y, a.point.x - b.x, 0) * (a.bulge / 2);
+    snapPoints.append(worldPoint(middle));
+  }
   return Acad::eOk;
 }
 

@@ -31,7 +31,8 @@ inline Acad::ErrorStatus readIds(AcDbDwgFiler& filer, AcDbObjectIdArray& ids) {
   AcDbObjectIdArray read;
   for (Adesk::Int32 i = 0; i < count && filer.filerStatus() == Acad::eOk; ++i) {
     AcDbObjectId id;
-    if (filer.readSoftOwnershipId(&id) == Acad::eOk) read.append(id);
+    // A filer that copies into another drawing knows nothing for some of them.
+    if (filer.readSoftOwnershipId(&id) == Acad::eOk && !id.isNull()) read.append(id);
   }
   if (filer.filerStatus() == Acad::eOk) ids = read;
   return filer.filerStatus();

@@ -212,6 +212,7 @@ void registerHostCommands() {
   static const Entry kEntries[] = {
       {ACRX_T("APPLOAD"), ACRX_CMD_MODAL, &apploadCommand},
       {ACRX_T("ARX"), ACRX_CMD_MODAL, &arxCommand},
+      {ACRX_T("CIRCLE"), ACRX_CMD_MODAL, &circleCommand},
       {ACRX_T("CLOSE"), ACRX_CMD_MODAL, &closeCommand},
       {ACRX_T("COPY"), kOnSelection, &copyCommand},
       {ACRX_T("COPYCLIP"), kOnSelection | ACRX_CMD_REDRAW, &copyclipCommand},
@@ -234,6 +235,7 @@ void registerHostCommands() {
       {ACRX_T("OPEN"), ACRX_CMD_MODAL, &openCommand},
       {ACRX_T("PAN"), ACRX_CMD_TRANSPARENT, &panCommand},
       {ACRX_T("PASTECLIP"), ACRX_CMD_MODAL, &pasteclipCommand},
+      {ACRX_T("PLINE"), ACRX_CMD_MODAL, &plineCommand},
       {ACRX_T("PNGOUT"), ACRX_CMD_MODAL, &pngoutCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
@@ -245,6 +247,7 @@ void registerHostCommands() {
       {ACRX_T("SCALE"), kOnSelection, &scaleCommand},
       {ACRX_T("SCRIPT"), ACRX_CMD_MODAL, &scriptCommand},
       {ACRX_T("SETVAR"), ACRX_CMD_TRANSPARENT, &setvarCommand},
+      {ACRX_T("TEXT"), ACRX_CMD_MODAL, &textCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
       {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},
       {ACRX_T("UNDO"), ACRX_CMD_MODAL, &undoCommand},

@@ -20,7 +20,10 @@ void failCommand(HostApp& app, const std::string& message);
 /// there are none.
 bool selectForCommand(EntityIds& ids);
 
+void circleCommand();
 void lineCommand();
+void plineCommand();
+void textCommand();
 void layerCommand();
 
 void copyclipCommand();

@@ -1,5 +1,6 @@
 #include "host/editor/objectsnap.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -91,8 +92,10 @@ std::optional<GroundPoint> crossing(const Segment& s, const Segment& t) {
   return GroundPoint{s.a.x + along * u.x, s.a.y + along * u.y};
 }
 
-void offerEntity(const AcDbEntity& entity, int bits, GroundPoint cursor, const Point3& last,
-                 Nearest& nearest) {
+/// The kinds of which the entity has offered points.
+int offerEntity(const AcDbEntity& entity, int bits, GroundPoint cursor, const Point3& last,
+                Nearest& nearest) {
+  int offered = 0;
   for (const Kind& kind : kKinds) {
     if ((bits & kind.bit) == 0 || kind.bit == kSnapIntersection) continue;
     AcGePoint3dArray points;
@@ -100,6 +103,18 @@ void offerEntity(const AcDbEntity& entity, int bits, GroundPoint cursor, const P
     entity.getOsnapPoints(kind.mode, 0, {cursor.x, cursor.y, 0}, {last.x, last.y, last.z},
                           AcGeMatrix3d(), points, ids);
     for (const AcGePoint3d& point : points) nearest.offer(point, kind.bit);
+    if (!points.isEmpty()) offered |= kind.bit;
+  }
+  return offered;
+}
+
+/// The foot of the cursor on each segment: for curves that do not say it themselves.
+void offerFeet(const std::vector<Segment>& segments, GroundPoint cursor, Nearest& nearest) {
+  for (const Segment& s : segments) {
+    const GroundVector u{s.b.x - s.a.x, s.b.y - s.a.y};
+    const double length = u.x * u.x + u.y * u.y;
+    const double t = length > 0 ? std::clamp(-(s.a.x * u.x + s.a.y * u.y) / length, 0.0, 1.0) : 0.0;
+    nearest.offer({cursor.x + s.a.x + t * u.x, cursor.y + s.a.y + t * u.y, 0}, kSnapNearest);
   }
 }
 
@@ -133,10 +148,11 @@ std::optional<Snap> findSnap(HostApp& app, int bits, GroundPoint cursor, bool ma
     if (distanceTo(outlinesOf(document, id), pixel) > aperture) continue;
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) continue;
-    offerEntity(*entity.object(), bits, cursor, last, nearest);
-    if ((bits & kSnapIntersection) != 0) {
-      addSegments(*document.currentScene().find(id.handle().value()), cursor, segments);
-    }
+    const int offered = offerEntity(*entity.object(), bits, cursor, last, nearest);
+    std::vector<Segment> own;
+    addSegments(*document.currentScene().find(id.handle().value()), cursor, own);
+    if ((bits & ~offered & kSnapNearest) != 0) offerFeet(own, cursor, nearest);
+    if ((bits & kSnapIntersection) != 0) segments.insert(segments.end(), own.begin(), own.end());
   }
   for (size_t i = 0; i < segments.size(); ++i) {
     for (size_t k = i + 1; k < segments.size(); ++k) {

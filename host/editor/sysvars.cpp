@@ -110,6 +110,7 @@ const std::vector<Rule>& rules() {
        },
        Point3{}},
       {"TARGET", T::kPoint3, true, nullptr, Point3{}},
+      {"TEXTSIZE", T::kReal, false, nullptr, 2.5},
       {"TILEMODE", T::kShort, false,
        [](HostApp& a) -> VariableValue {
          return static_cast<short>(document(a).space().isTiled() ? 1 : 0);

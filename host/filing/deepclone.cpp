@@ -38,7 +38,8 @@ class TranslatingFiler : public MemoryFiler {
 };
 
 using TableOf = AcDbObjectId (AcDbDatabase::*)() const;
-constexpr TableOf kTables[] = {&AcDbDatabase::layerTableId, &AcDbDatabase::blockTableId};
+constexpr TableOf kTables[] = {&AcDbDatabase::layerTableId, &AcDbDatabase::blockTableId,
+                               &AcDbDatabase::linetypeTableId, &AcDbDatabase::textStyleTableId};
 
 }  // namespace
 

@@ -58,6 +58,8 @@ class ACADHOST_EXPORT AcDbCircle : public AcDbEntity {
                                       AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                        const AcGeVector3d& offset) override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
   /// In the world, at an angle of the own system.
   AcGePoint3d pointAt(double angle) const;
@@ -92,6 +94,8 @@ class ACADHOST_EXPORT AcDbArc : public AcDbCircle {
                                       AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                        const AcGeVector3d& offset) override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
  private:

@@ -48,6 +48,8 @@ class ACADHOST_EXPORT AcDbPolyline : public AcDbEntity {
                                       AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
+  Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices,
+                                        const AcGeVector3d& offset) override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
  private:

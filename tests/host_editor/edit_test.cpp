@@ -63,6 +63,33 @@ TEST(EditCommands, changeWhatWasSelected) {
   }
 }
 
+TEST(EditCommands, curvesAndTextsAreDrawnSnappedAndStretched) {
+  struct Case {
+    Lines lines;
+    const char* printed;
+  };
+  const Case cases[] = {
+      {{"CIRCLE 0,0 5", "ID CEN 5,0"}, "X = 0  Y = 0"},
+      {{"CIRCLE 0,0 D 10", "ID QUA 0,5.1"}, "X = 0  Y = 5"},
+      {{"CIRCLE 0,0 5", "ID NEA 3.6,3.6"}, "X = 3.53"},
+      {{"CIRCLE 0,0 5", "ERASE CEN 5,0", "0,5", ""}, "1 erased."},
+      {{"PLINE 0,0 10,0 A 10,10", "", "ID MID 5,0"}, "X = 5  Y = 0"},
+      {{"PLINE 0,0 10,0 A 10,10", "", "ID MID 15,5"}, "X = 15  Y = 5"},
+      {{"PLINE 0,0 10,0 U 0,10 10,10 C", "LIST L", ""}, "extents 0,0,0 to 10,10,0"},
+      {{"PLINE 0,0 10,0 C", "", "LIST L", ""}, "Three points are needed"},
+      {{"TEXT 3,4 2 0", "two words", "LIST L", ""}, "TEXT  layer \"0\""},
+      {{"TEXT 3,4", "", "", "second", "MOVE L", "", "0,0 1,1", "U", "U", "LIST ALL", ""},
+       "0 found"},
+  };
+  for (const Case& c : cases) {
+    ScriptedHost host;
+    host.app().resizeView(400, 400);
+    host.run({"ZOOM C 5,5 40"});
+    const std::string printed = host.run(c.lines);
+    EXPECT_NE(printed.find(c.printed), std::string::npos) << printed;
+  }
+}
+
 TEST(EditCommands, selectByPointsWindowsAndWords) {
   struct Case {
     Lines lines;
@@ -129,6 +156,32 @@ std::string stretched(const char* grip, const char* to) {
   acedSSFree(all);
   host.run({(std::string("GRIP_STRETCH ") + grip + " " + to).c_str()});
   return drawnLines(host.app());
+}
+
+TEST(EditCommands, gripsOfCurvesStretchThem) {
+  const struct {
+    const char* draw;
+    const char* stretch;
+    const char* ask;
+    const char* printed;
+  } cases[] = {
+      {"CIRCLE 0,0 5", "GRIP_STRETCH 5,0 8,0", "ID QUA 8.1,0", "X = 8  Y = 0"},
+      {"CIRCLE 0,0 5", "GRIP_STRETCH 0,0 1,0", "ID QUA 6.1,0", "X = 6  Y = 0"},
+      {"PLINE 0,0 10,0 10,10 ", "GRIP_STRETCH 10,0 12,-1", "ID END 12.1,-1", "X = 12  Y = -1"},
+      {"LINE 0,0 10,0 ", "GRIP_STRETCH 5,0 5,2", "ID MID 5,2.1", "X = 5  Y = 2"},
+  };
+  for (const auto& c : cases) {
+    ScriptedHost host;
+    host.app().resizeView(400, 400);
+    host.run({"ZOOM C 5,5 40", c.draw, ""});
+    ads_name all = {0, 0};
+    ASSERT_EQ(acedSSGet(ACRX_T("X"), nullptr, nullptr, nullptr, all), RTNORM);
+    acedSSSetFirst(nullptr, all);
+    acedSSFree(all);
+    EXPECT_NE(host.run({c.stretch}).find("1 stretched."), std::string::npos);
+    const std::string printed = host.run({c.ask});
+    EXPECT_NE(printed.find(c.printed), std::string::npos) << printed;
+  }
 }
 
 TEST(EditCommands, gripsStretchEveryEntityThatHasOneThere) {

@@ -1,6 +1,8 @@
 // Images under undo and redo: entity, stored paths, the record's list and the sources together.
 #include <algorithm>
 
+#include "acedads.h"
+#include "tests/host_editor/drawingstate.h"
 #include "tests/image_entity/fixture.h"
 
 namespace {
@@ -91,6 +93,34 @@ TEST_F(Undo, AnErasedImageComesBackWithItsSources) {
   EXPECT_TRUE(record().residentImage().isNull());
   host_->run("UNDO 2");
   EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(Undo, AnImageOffersItsCornersAndStaysWhereItIs) {
+  addByCommand(a_);
+  host_->run("ZOOM C 100,200 20");
+  EXPECT_NE(host_->run("ID END 100.2,200.2").find("X = 100  Y = 200"), std::string::npos);
+  EXPECT_NE(host_->run("ID MID 100.2,200.2").find("No such point"), std::string::npos);
+  host_->run("ZOOM E");
+  const auto before = tarn::host::stateOf(*host_->app);
+  const struct {
+    const char* line;
+    const char* printed;
+  } cases[] = {
+      {"GRIP_STRETCH 100,200 150,200", "1 cannot be stretched."},
+      {"MOVE 0,0 5,5", "1 cannot be moved."},
+      {"COPY D 5,5", "1 cannot be copied."},
+      {"ROTATE 0,0 30", "1 cannot be rotated."},
+      {"COPYCLIP", "1 cannot be copied."},
+  };
+  for (const auto& one : cases) {
+    ads_name all = {0, 0};
+    ASSERT_EQ(acedSSGet(L"X", nullptr, nullptr, nullptr, all), RTNORM);
+    acedSSSetFirst(nullptr, all);
+    acedSSFree(all);
+    const std::string printed = host_->run(one.line);
+    EXPECT_NE(printed.find(one.printed), std::string::npos) << printed;
+    EXPECT_TRUE(tarn::host::stateOf(*host_->app) == before) << one.line;
+  }
 }
 
 }  // namespace
