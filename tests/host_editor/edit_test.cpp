@@ -70,7 +70,7 @@ TEST(EditCommands, curvesAndTextsAreDrawnSnappedAndStretched) {
   };
   const Case cases[] = {
       {{"CIRCLE 0,0 5", "ID CEN 5,0"}, "X = 0  Y = 0"},
-      {{"CIRCLE 0,0 D 10", "ID QUA 0,5.1"}, "X = 0  Y = 5"},
+      {{"CIRCLE 0,0 D 10", "ID QUA 5.1,0"}, "X = 5  Y = 0"},
       {{"CIRCLE 0,0 5", "ID NEA 3.6,3.6"}, "X = 3.53"},
       {{"CIRCLE 0,0 5", "ERASE CEN 5,0", "0,5", ""}, "1 erased."},
       {{"PLINE 0,0 10,0 A 10,10", "", "ID MID 5,0"}, "X = 5  Y = 0"},
