@@ -1,4 +1,4 @@
-#include "windowfixture.h"
+#include "tests/host_window/windowfixture.h"
 
 #include <QApplication>
 #include <QLabel>
