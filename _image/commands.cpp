@@ -4,18 +4,21 @@
 #include <iterator>
 #include <string>
 
+#include "_image/binding/progressscope.h"
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
 #include "_image/displaysettings.h"
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
+#include "_image/settarnprogress.h"
 #include "accmd.h"
 #include "acdocman.h"
 #include "aced.h"
 #include "acedads.h"
 #include "commoncode/cadutil/documentlock.h"
 #include "commoncode/cadutil/message.h"
+#include "inc/ibatchimageconversion.h"
 #include "inc/icadadapter.h"
 
 using tarn::cad::printMessage;
@@ -49,10 +52,6 @@ constexpr Command kFurtherCommands[] = {
 
 void registerCommand(const Command& command) {
   acedRegCmds->addCommand(kGroup, command.name, command.name, command.flags, command.function);
-}
-
-void reportNotProvided(const std::wstring& command) {
-  printMessage(L"\n%1 尚未提供。", command);
 }
 
 /// The rest of "DrawImage" and "ShowImage": the user chooses a file, the document's entity shows
@@ -116,10 +115,6 @@ void commandList() {
   commandOpenImageList();
 }
 
-void commandRectifyTestImage() {
-  if (currentRecordOrReport()) reportNotProvided(L"_RectifyImage");
-}
-
 void commandTarnImage() {
   const auto adapter = makeObject<ICadAdapter>(kCommandsSite);
   if (adapter.isNull()) {
@@ -133,16 +128,8 @@ void commandAddImage() {
   addLocalImages();
 }
 
-void commandLoadCloud() {
-  reportNotProvided(L"loadCloud");
-}
-
-void commandRectifyImage() {
-  reportNotProvided(L"rectifyImage");
-}
-
 void commandOpenImageList() {
-  reportNotProvided(L"OpenImageList");
+  printMessage(L"\nOpenImageList 尚未提供。");
 }
 
 void commandTestImage() {
@@ -155,7 +142,12 @@ void commandEraseInvalidImage() {
 }
 
 void commandImageConversion() {
-  reportNotProvided(L"ImageConversion");
+  setTarnProgress progress;
+  // The converter goes before the callback that it may still call.
+  kel::Object<IBatchImageConversion> converter;
+  const ProgressScope scope(&progress);
+  converter = makeObject<IBatchImageConversion>(kConversionSite);
+  if (!converter.isNull()) converter->run();
 }
 
 // What is typed is stored as it is; the getters take a value below 1 as 1.

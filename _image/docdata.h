@@ -19,6 +19,12 @@ class CDocData {
     bool isDisplayed = true;
   };
 
+  /// A point cloud that was attached in this session: its file and its entity.
+  struct PointCloud {
+    std::wstring path;
+    AcDbObjectId id;
+  };
+
   explicit CDocData(AcApDocument* document);
   ~CDocData();
   CDocData(const CDocData&) = delete;
@@ -50,6 +56,11 @@ class CDocData {
   /// The pending entity, given away to the drawing that has just appended it as `id`.
   void becameResident(AcDbObjectId id);
 
+  const std::vector<PointCloud>& pointClouds() const { return m_pointClouds; }
+  void addPointCloud(const std::wstring& path, AcDbObjectId id) {
+    m_pointClouds.push_back({path, id});
+  }
+
   /// True once the drawing's stored images have been bound.
   bool isRestored() const { return m_isRestored; }
   void setRestored() { m_isRestored = true; }
@@ -61,6 +72,7 @@ class CDocData {
   std::unique_ptr<CCadImage> m_pending;
   AcDbObjectId m_residentId;
   std::vector<Image> m_images;
+  std::vector<PointCloud> m_pointClouds;
   bool m_isRestored = false;
 };
 

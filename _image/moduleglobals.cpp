@@ -4,6 +4,7 @@ AsdkDataManager<CDocData>* g_dataMap = nullptr;
 tarnEditorReactor* g_editorReactor = nullptr;
 tarnPlotReactor* g_plotReactor = nullptr;
 AsdkInputPointMonitor* g_inputPointMonitor = nullptr;
+CCADCallBackRectifyOperator* g_rectifyOperator = nullptr;
 std::set<std::wstring>* g_watchedCommands = nullptr;
 
 namespace tarn::image {

@@ -9,6 +9,7 @@
 template <class T>
 class AsdkDataManager;
 class AsdkInputPointMonitor;
+class CCADCallBackRectifyOperator;
 class CDocData;
 class tarnEditorReactor;
 class tarnPlotReactor;
@@ -20,6 +21,8 @@ extern AsdkDataManager<CDocData>* g_dataMap;
 extern tarnEditorReactor* g_editorReactor;
 extern tarnPlotReactor* g_plotReactor;
 extern AsdkInputPointMonitor* g_inputPointMonitor;
+/// What the rectification dialog calls back; made anew each time it opens (rectify), kept.
+extern CCADCallBackRectifyOperator* g_rectifyOperator;
 /// Names of the commands during which refresh is suspended. Made at load (reactors), kept.
 extern std::set<std::wstring>* g_watchedCommands;
 

@@ -31,7 +31,9 @@ class DString {
   std::string text_;
 };
 
-using StringList = std::vector<DString>;
+template <typename T>
+using List = std::vector<T>;
+using StringList = List<DString>;
 
 /// Nothing, a truth value, a whole number, a real number or a text.
 class KEL_API Variant {

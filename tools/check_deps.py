@@ -9,7 +9,8 @@ import re
 import sys
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-ENTITY_FILES = ("cadimage", "adskdmgr", "docdata", "displaysettings", "moduleglobals", "settarnprogress")
+ENTITY_FILES = ("cadimage", "adskdmgr", "docdata", "displaysettings", "moduleglobals", "settarnprogress",
+                "hostcommand")
 LIBRARIES = (
     (re.compile(r"^(gdal|cpl_|ogr|gdal_)"), "GDAL"),
     (re.compile(r"^(jpeglib|jerror|jmorecfg|turbojpeg)"), "JPEG"),

@@ -11,6 +11,7 @@ struct UseSite {
   int line;
 };
 
+constexpr UseSite kConversionSite{"_image/acrxentrypoint", 865};
 constexpr UseSite kLoadAdapterSite{"_image/acrxentrypoint", 1009};
 constexpr UseSite kWatchedSetSite{"_image/acrxentrypoint", 1077};
 constexpr UseSite kDivisionSettingSite{"_image/cadimage", 683};
@@ -19,6 +20,7 @@ constexpr UseSite kCommandsSite{"_image/commands", 1};
 constexpr UseSite kAddImageSite{"_image/imageadding", 1};
 constexpr UseSite kRestoreSite{"_image/imagerestore", 1};
 constexpr UseSite kInputMonitorSite{"_image/inputwatch", 1};
+constexpr UseSite kRectifySite{"_image/rectifyopening", 1};
 constexpr UseSite kProgressSite{"_image/settarnprogress", 22};
 
 /// A framework object of the interface, or an empty handle after an assertion with the site.

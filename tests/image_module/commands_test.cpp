@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "inc/icadadapter.h"
 #include "rxdlinkr.h"
+#include "tests/support/lasfiles.h"
 #include "tests/support/modulehost.h"
 
 namespace {
@@ -70,17 +71,56 @@ TEST_F(Commands, EmptyCommandsRunAndSayNothing) {
   }
 }
 
-TEST_F(Commands, WhatIsNotThereYetSaysSoInOneLine) {
+/// What a command prints, and that it does nothing else, when what it needs is not there: an image
+/// file, a choice of the user, a component.
+TEST_F(Commands, WithoutWhatTheyNeedTheyEndWithTheirMessage) {
+  const std::string noEntity = "\n当前文档没有实体请先添加影像实体";
   const struct {
     const char* typed;
-    const char* text;
-  } cases[] = {{"OpenImageList", "\nOpenImageList 尚未提供。"},
-               {"_image_List", "\nOpenImageList 尚未提供。"},
-               {"loadCloud", "\nloadCloud 尚未提供。"},
-               {"rectifyImage", "\nrectifyImage 尚未提供。"},
-               {"_image_ShowImage", "\n_RectifyImage 尚未提供。"},
-               {"ImageConversion", "\nImageConversion 尚未提供。"}};
-  for (const auto& one : cases) EXPECT_EQ(host_.run(one.typed), one.text) << one.typed;
+    std::string printed;
+  } cases[] = {
+      {"DrawImage", "0获取数据失败"},
+      {"ShowImage", "0获取数据失败"},
+      {"addImage", ""},
+      {"loadCloud", ""},
+      {"rectifyImage", noEntity},
+      {"_image_ShowImage", "打开影像出错"},
+      {"_RectifyImage", "打开影像出错"},
+      {"ImageConversion", ""},
+      {"OpenImageList", "\nOpenImageList 尚未提供。"},
+      {"_image_List", "\nOpenImageList 尚未提供。"},
+      {"_List", "\nOpenImageList 尚未提供。"},
+      {"testimage", ""},
+      {"EraseInvalidImage", "\n共删除了0个无效的Image对象！"},
+  };
+  host_.run("LINE 0,0 1,1 ");
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.typed);
+    const int failed = host_.app->failedCommands();
+    EXPECT_EQ(host_.run(one.typed), one.printed);
+    EXPECT_EQ(host_.app->failedCommands(), failed);
+    EXPECT_EQ(host_.ui.boxes.size(), 0U);
+    EXPECT_FALSE(host_.app->commandActive());
+  }
+}
+
+TEST_F(Commands, LoadCloudAttachesWhatIsChosen) {
+  tarn::test::LasSpec spec;
+  spec.points = {{0, 0, 1, 255, 0, 0}, {100, 100, 2, 0, 255, 0}};
+  const std::string path = tarn::joinPath(host_.folder, "点 云.las");
+  ASSERT_TRUE(tarn::writeFileAtomically(path, tarn::test::lasBytes(spec)));
+  host_.ui.files = {{path}};
+  const std::string printed = host_.run("loadCloud");
+  EXPECT_THAT(printed, HasSubstr(path));
+  EXPECT_THAT(printed, HasSubstr("0,0,0"));
+  ASSERT_EQ(host_.ui.requests.size(), 1U);
+  const tarn::host::FileRequest& request = host_.ui.requests[0];
+  EXPECT_TRUE(request.open && request.mustExist && !request.several);
+  EXPECT_EQ(request.defaultExtension, ".rcp");
+  EXPECT_EQ(request.initialName, "*.rcp");
+  EXPECT_EQ(request.filter, ".rcp (*.rcp)|*.rcp|.rcs (*.rcs)|*.rcs|All Files (*.*)|*.*||");
+  ASSERT_TRUE(host_.app->zoomExtents());
+  EXPECT_NEAR(host_.app->view().centerX, 40500000.5, 1e-6);
 }
 
 TEST_F(Commands, TarnimageAnnouncesTheModule) {

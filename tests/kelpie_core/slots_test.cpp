@@ -6,12 +6,15 @@
 #include <cstring>
 
 #include "inc/callbackprogressbar.h"
+#include "inc/callbackrectifyoperator.h"
 #include "inc/iappmanager.h"
+#include "inc/ibatchimageconversion.h"
 #include "inc/icadadapter.h"
 #include "inc/iconfigmanager.h"
 #include "inc/iimagedivision.h"
 #include "inc/imessagerouter.h"
 #include "inc/iprogressbar.h"
+#include "inc/irectifydialog.h"
 #include "inc/iuserinterface.h"
 
 namespace {
@@ -139,6 +142,26 @@ TEST(Slots, Progress) {
       SLOT_AFTER_DESTRUCTOR(CallBackProgressBar, end, 9),
       SLOT_AFTER_DESTRUCTOR(CallBackProgressBar, setPosition, 10),
       SLOT_AFTER_DESTRUCTOR(CallBackProgressBar, setUserData, 11),
+  });
+}
+
+TEST(Slots, RectificationAndConversion) {
+  expectSlots({
+      SLOT(IRectifyDialog, hasImage, 4),
+      SLOT(IRectifyDialog, imagePath, 5),
+      SLOT(IRectifyDialog, prepare, 6),
+      SLOT(IRectifyDialog, openImage, 7),
+      SLOT(IRectifyDialog, setModal, 8),
+      SLOT(IRectifyDialog, show, 9),
+      SLOT(IBatchImageConversion, convertImage, 4),
+      SLOT(IBatchImageConversion, buildPyramid, 5),
+      SLOT(IBatchImageConversion, convertedCount, 6),
+      SLOT(IBatchImageConversion, run, 7),
+      SLOT(CallBackRectifyOperator, areaChanged, 0),
+      SLOT(CallBackRectifyOperator, query, 1),
+      SLOT(CallBackRectifyOperator, redraw, 2),
+      SLOT(CallBackRectifyOperator, pickPoint, 3),
+      SLOT(CallBackRectifyOperator, imageAnalyser, 4),
   });
 }
 
