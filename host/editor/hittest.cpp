@@ -92,6 +92,7 @@ struct Adder {
                         true});
   }
   void operator()(const ImageItem&) const {}
+  void operator()(const PointsItem&) const {}
 };
 
 template <typename Test>
@@ -120,7 +121,7 @@ Outlines outlinesOf(const DisplayList& list, const ViewState& view) {
 
 bool hasImages(const DisplayList& list) {
   return std::any_of(list.begin(), list.end(), [](const DisplayItem& item) {
-    return std::holds_alternative<ImageItem>(item);
+    return std::holds_alternative<ImageItem>(item) || std::holds_alternative<PointsItem>(item);
   });
 }
 

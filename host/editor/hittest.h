@@ -26,6 +26,7 @@ ACADHOST_EXPORT PixelBox boxOf(PixelPoint a, PixelPoint b);
 /// Lines, rims of areas, and boxes around texts. Pictures have none: their entity's frame is added
 /// by addFrame().
 ACADHOST_EXPORT Outlines outlinesOf(const DisplayList& list, const ViewState& view);
+/// Also for clouds of points.
 bool hasImages(const DisplayList& list);
 /// A closed line through the corners.
 void addFrame(Outlines& outlines, const std::vector<GroundPoint>& corners, const ViewState& view);

@@ -10,6 +10,7 @@
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
 #include "host/editor/layoutcommands.h"
+#include "host/editor/pointcloudcommand.h"
 #include "host/editor/sysvars.h"
 
 namespace tarn::host {
@@ -256,6 +257,7 @@ void registerHostCommands() {
   for (const Entry& entry : kEntries) {
     acedRegCmds->addCommand(kGroup, entry.name, entry.name, entry.flags, entry.function);
   }
+  addPointCloudCommand(kGroup);
 }
 
 void removeHostCommands() {

@@ -6,9 +6,11 @@
 #include <QString>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <variant>
 #include <vector>
 
+#include "acgipointcloud.h"
 #include "adesk.h"
 #include "host/graphics/viewstate.h"
 
@@ -49,7 +51,15 @@ struct ImageItem {
   GroundVector v;
 };
 
-using DisplayItem = std::variant<LineItem, AreaItem, TextItem, ImageItem>;
+/// A cloud of points: its coordinates (x, y) lie at origin + x * u + y * v.
+struct PointsItem {
+  std::shared_ptr<const AcGiPointCloud> cloud;
+  GroundPoint origin;
+  GroundVector u;
+  GroundVector v;
+};
+
+using DisplayItem = std::variant<LineItem, AreaItem, TextItem, ImageItem, PointsItem>;
 using DisplayList = std::vector<DisplayItem>;
 
 /// The display lists of one drawing in drawing order.

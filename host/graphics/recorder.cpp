@@ -104,4 +104,12 @@ Adesk::Boolean RecordingGeometry::image(const AcGiImageBGRA32& source, const AcG
   return Adesk::kFalse;
 }
 
+Adesk::Boolean RecordingGeometry::pointCloud(const std::shared_ptr<const AcGiPointCloud>& cloud,
+                                             const AcGePoint3d& origin, const AcGeVector3d& u,
+                                             const AcGeVector3d& v) const {
+  if (cloud == nullptr) return Adesk::kFalse;
+  list_.emplace_back(PointsItem{cloud, {origin.x, origin.y}, {u.x, u.y}, {v.x, v.y}});
+  return Adesk::kFalse;
+}
+
 }  // namespace tarn::host

@@ -25,6 +25,9 @@ class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
   Adesk::Boolean image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
                        const AcGeVector3d& u, const AcGeVector3d& v,
                        TransparencyMode mode) const override;
+  Adesk::Boolean pointCloud(const std::shared_ptr<const AcGiPointCloud>& cloud,
+                            const AcGePoint3d& origin, const AcGeVector3d& u,
+                            const AcGeVector3d& v) const override;
 
  private:
   DisplayList& list_;

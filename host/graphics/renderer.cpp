@@ -12,6 +12,7 @@
 
 #include "host/graphics/blit.h"
 #include "host/graphics/color.h"
+#include "host/graphics/points.h"
 
 namespace tarn::host {
 
@@ -21,6 +22,7 @@ namespace {
 constexpr double kClipMargin = 16;
 constexpr double kSmallestText = 1.5;   ///< pixels; below, a text is a short line
 constexpr double kLargestText = 20000;  ///< pixels; above, a text is left out
+constexpr int kBandPixels = 1 << 23;    ///< of points painted at a time
 
 /// Cuts the segment a-b to the box; false when nothing is inside.
 bool clipSegment(const QRectF& box, QPointF& a, QPointF& b) {
@@ -130,6 +132,18 @@ class Painter {
     QPoint target;
     const QImage pixels = resample(item.image, plan, view_.pixelWidth, view_.pixelHeight, target);
     if (!pixels.isNull()) painter_.drawImage(target, pixels);
+  }
+
+  /// In bands, so that a large plot needs little memory.
+  void operator()(const PointsItem& item) const {
+    QRect left(0, 0, view_.pixelWidth, view_.pixelHeight);
+    if (painter_.hasClipping()) left &= painter_.clipBoundingRect().toAlignedRect();
+    const int band = std::max(1, kBandPixels / std::max(1, left.width()));
+    for (int top = left.top(); top <= left.bottom(); top += band) {
+      const QRect part(left.left(), top, left.width(), std::min(band, left.bottom() - top + 1));
+      const QImage pixels = paintPoints(item, view_, part);
+      if (!pixels.isNull()) painter_.drawImage(part.topLeft(), pixels);
+    }
   }
 
  private:

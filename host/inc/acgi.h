@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "acdb.h"
@@ -17,6 +18,7 @@ class AcDbDatabase;
 class AcDbObjectId;
 class AcGiContext;
 class AcGiGeometry;
+class AcGiPointCloud;
 class AcGiViewport;
 class AcGiViewportGeometry;
 class AcGiWorldGeometry;
@@ -145,6 +147,13 @@ class AcGiGeometry {
   virtual Adesk::Boolean image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
                                const AcGeVector3d& u, const AcGeVector3d& v,
                                TransparencyMode mode = kTransparency8Bit) const = 0;
+  /// A cloud whose coordinates (x, y) lie at `origin` + x * `u` + y * `v`. Graphics that know no
+  /// clouds draw nothing.
+  virtual Adesk::Boolean pointCloud(const std::shared_ptr<const AcGiPointCloud>& /*cloud*/,
+                                    const AcGePoint3d& /*origin*/, const AcGeVector3d& /*u*/,
+                                    const AcGeVector3d& /*v*/) const {
+    return Adesk::kFalse;
+  }
 };
 
 class AcGiWorldGeometry : public AcGiGeometry {};

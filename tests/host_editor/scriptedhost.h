@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "accmd.h"
 #include "base/text.h"
@@ -24,7 +25,10 @@ class ScriptedHost {
 
   /// Runs the lines and gives what the host printed meanwhile.
   std::string run(std::initializer_list<const char*> lines) {
-    for (const char* line : lines) front_.addLine(line);
+    return runLines({lines.begin(), lines.end()});
+  }
+  std::string runLines(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) front_.addLine(line);
     transcript_.str("");
     good_ = front_.run(app_);
     return transcript_.str();
