@@ -128,10 +128,8 @@ class DrawingWriter {
       if (!document_.isOld() && owner != 0) editor.setHandle(330, owner);
     }
     writeCommon(binding_, entity, editor);
-    if (codec == nullptr) {
-      if (old == nullptr) classes_.insert(entity.isA());
-      return editor.bytes();
-    }
+    if (old == nullptr && (codec == nullptr || codec->isOwn)) classes_.insert(description);
+    if (codec == nullptr) return editor.bytes();
     if (codec->subclass != nullptr) editor.enter(codec->subclass);
     std::unique_ptr<EntityTags> tags;
     if (old != nullptr) {

@@ -41,8 +41,11 @@ struct EntityCodec {
   /// A new entity of the class can be written so, in a file of R12 or a later one.
   bool inOld;
   bool inNew;
+  /// The class is the host's own: the drawing lists it, for the programs that do not know it.
+  bool isOwn = false;
 };
 
+const std::vector<EntityCodec>& cloudCodecs();
 const std::vector<EntityCodec>& curveCodecs();
 const std::vector<EntityCodec>& textCodecs();
 const std::vector<EntityCodec>& compoundCodecs();

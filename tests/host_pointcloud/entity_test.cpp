@@ -1,6 +1,8 @@
 // The entity: its filing, its place, and the command that makes it.
 #include "base/text.h"
 #include "dbmain.h"
+#include "dbsymtb.h"
+#include "host/filing/drawingfile.h"
 #include "host/filing/memoryfiler.h"
 #include "host/pointcloud/pointcloudentity.h"
 #include "tests/host_pointcloud/cloudfixture.h"
@@ -110,6 +112,61 @@ TEST_F(Entities, TheCommandAsksForEachThingAndRefusesTheRest) {
     EXPECT_EQ(host_.good(), one.isGood);
     EXPECT_EQ(entityCount(), one.made);
   }
+}
+
+/// The first entity of model space, as filed; empty when there is none.
+std::vector<char> firstEntity(DrawingFile& file) {
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  file.database().getBlockTable(blocks, AcDb::kForRead);
+  blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForRead);
+  blocks->close();
+  const AcDbObjectIdArray ids = space->entityIds();
+  space->close();
+  TarnPointCloud* cloud = nullptr;
+  if (ids.isEmpty() || acdbOpenObject(cloud, ids[0], AcDb::kForRead) != Acad::eOk) return {};
+  TarnPointCloud copy;
+  copy.setPath(cloud->path());
+  copy.setPlacement(cloud->position(), cloud->xAxis(), cloud->yAxis());
+  copy.setFrame(cloud->frame());
+  cloud->close();
+  MemoryFiler filer;
+  copy.dwgOutFields(&filer);
+  return filer.bytes();
+}
+
+TEST_F(Entities, DrawingsKeepThem) {
+  const auto file = DrawingFile::createNew();
+  auto* cloud = new TarnPointCloud;
+  cloud->setPath(path_);
+  cloud->setPlacement({40500123.456, 3512345.678, 1}, {0, 1.5, 0}, {-1.5, 0, 0});
+  cloud->readFile();
+  AcDbBlockTable* blocks = nullptr;
+  AcDbBlockTableRecord* space = nullptr;
+  ASSERT_EQ(file->database().getBlockTable(blocks, AcDb::kForRead), Acad::eOk);
+  ASSERT_EQ(blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForWrite), Acad::eOk);
+  blocks->close();
+  ASSERT_EQ(space->appendAcDbEntity(cloud), Acad::eOk);
+  space->close();
+  cloud->close();
+  auto bytes = file->bytes();
+  ASSERT_TRUE(bytes) << bytes.message();
+  // The class is listed for the programs that do not know it.
+  EXPECT_NE(bytes.value().find("CLASS\n  1\nTARNPOINTCLOUD\n  2\nTarnPointCloud\n"),
+            std::string::npos);
+  auto again = DrawingFile::fromBytes(bytes.value(), "a.dxf");
+  ASSERT_TRUE(again) << again.message();
+  EXPECT_EQ(firstEntity(*again.value()), firstEntity(*file));
+  EXPECT_FALSE(firstEntity(*file).empty());
+  // One of a later version stays what it is.
+  std::string later = bytes.value();
+  const size_t at = later.find(" 90\n", later.rfind("TarnPointCloud"));
+  ASSERT_NE(at, std::string::npos);
+  later.replace(later.find("1", at + 4), 1, "2");
+  auto kept = DrawingFile::fromBytes(later, "b.dxf");
+  ASSERT_TRUE(kept) << kept.message();
+  EXPECT_TRUE(firstEntity(*kept.value()).empty());
+  EXPECT_EQ(kept.value()->bytes().value(), later);
 }
 
 TEST_F(Entities, AMissingFileIsAFrameWhereTheCloudWas) {
