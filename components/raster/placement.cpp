@@ -34,9 +34,12 @@ struct Usable {
   double residual = 0;
 };
 
+/// `value` must not be negative.
 std::string rounded(double value) {
   char text[64];
-  std::snprintf(text, sizeof text, std::fabs(value) < 0.095 ? "%.2g" : "%.1f", value);
+  constexpr double kNothing = 0.0005, kSmall = 0.095;
+  if (value < kNothing) return "0";
+  std::snprintf(text, sizeof text, value < kSmall ? "%.2g" : "%.1f", value);
   return text;
 }
 
@@ -137,7 +140,7 @@ std::string rotationNote(const GeoTransform& t) {
   const bool mirrored = t.a * t.e - t.b * t.d > 0;
   const double rotation = kDegrees * std::atan2(mirrored ? -t.d : t.d, mirrored ? -t.a : t.a);
   const double down = kDegrees * std::atan2(t.b, -t.e);
-  double shear = std::fabs(std::remainder(rotation - down, 360));
+  const double shear = std::fabs(std::remainder(rotation - down, 360));
   std::string text = "is rotated by " + rounded(std::fabs(rotation)) + " degrees";
   constexpr double kSquare = 0.05;
   if (shear > kSquare) text += " and sheared by " + rounded(shear);
