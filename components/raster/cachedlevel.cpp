@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "components/raster/tilecache.h"
 
@@ -25,13 +26,15 @@ TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
 }
 
 bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
-  constexpr size_t kReadableBehind = 16;
+  constexpr size_t kReadableBehind = 8;
   const TileGrid& g = grid();
   patch.channels = g.channels;
-  patch.hasKeys = false;
-  const size_t bytes = patch.stride() * patch.height;
-  patch.pixels.reset(new uint8_t[bytes + patch.stride() + kReadableBehind]);
-  std::memset(patch.pixels.get() + bytes, 0, patch.stride() + kReadableBehind);
+  const int behind = 1 + static_cast<int>((kReadableBehind + patch.stride() - 1) / patch.stride());
+  Tile room;
+  room.allocate(patch.width, patch.height + behind, g.channels);
+  patch.pixels = std::move(room.pixels);
+  std::memset(patch.pixels.get() + patch.stride() * patch.height, 0, patch.stride() * behind);
+  bool keysNear = false;
   for (int row = patch.y / g.tileHeight; row * g.tileHeight < patch.y + patch.height; ++row) {
     const int top = row * g.tileHeight;
     const int from = std::max(top, patch.y),
@@ -43,7 +46,7 @@ bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
       const int left = column * g.tileWidth;
       const int first = std::max(left, patch.x);
       const int last = std::min(left + g.tileWidth, patch.x + patch.width);
-      patch.hasKeys = patch.hasKeys || source->hasKeys;
+      keysNear = keysNear || source->hasKeys;
       for (int y = from; y < to; ++y) {
         std::memcpy(patch.pixels.get() + (y - patch.y) * patch.stride() +
                         static_cast<size_t>(first - patch.x) * g.channels,
@@ -53,6 +56,8 @@ bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
       }
     }
   }
+  patch.hasKeys = keysNear && findKeys(patch.pixels.get(),
+                                       static_cast<size_t>(patch.width) * patch.height, g.channels);
   return true;
 }
 

@@ -18,9 +18,9 @@ struct PixelPatch {
   int width = 0;
   int height = 0;
   int channels = 0;
-  /// As of a tile; true also when it is not known.
+  /// As of a tile.
   bool hasKeys = false;
-  std::unique_ptr<uint8_t[]> pixels;
+  PixelMemory pixels;
 
   size_t stride() const { return static_cast<size_t>(width) * channels; }
 };

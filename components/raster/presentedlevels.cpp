@@ -43,29 +43,19 @@ Level turnedLevel(const Level& own, std::shared_ptr<const CachedLevel> cached,
 
 std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheImage,
                                  const Placement& placement, int width, int height) {
-  std::vector<SourceLevel> sources;
+  std::vector<Level> presented;
   for (size_t i = 0; i < own.size(); ++i) {
     auto cached =
         std::make_shared<const CachedLevel>(*own[i].reader, cacheImage, static_cast<uint32_t>(i));
-    sources.push_back({std::move(cached), own[i].factorX, own[i].factorY});
-  }
-  std::vector<Level> presented;
-  for (size_t i = 0; i < own.size(); ++i) {
     if (!placement.resampling) {
-      presented.push_back(turnedLevel(own[i], sources[i].pixels, placement));
+      presented.push_back(turnedLevel(own[i], std::move(cached), placement));
       continue;
     }
-    std::vector<SourceLevel> usable{sources[i]};
-    for (const SourceLevel& each : sources) {
-      if (each.factorX > own[i].factorX) usable.push_back(each);
-    }
-    std::sort(usable.begin(), usable.end(),
-              [](const SourceLevel& a, const SourceLevel& b) { return a.factorX < b.factorX; });
     Level level;
     level.factorX = level.factorY = std::sqrt(own[i].factorX * own[i].factorY);
-    level.reader =
-        makeResampledReader(usable, *placement.resampling,
-                            {placement.width, placement.height, width, height, level.factorX});
+    level.reader = makeResampledReader(
+        {std::move(cached), own[i].factorX, own[i].factorY}, *placement.resampling,
+        {placement.width, placement.height, width, height, level.factorX});
     presented.push_back(std::move(level));
   }
   return presented;

@@ -10,12 +10,13 @@
 namespace tarn::raster {
 namespace {
 
-constexpr int kTile = 256;
+// What a view needs of the tiles at its rim costs more here than their number does.
+constexpr int kTile = 128;
 // Pixels of a level that are taken together for a part of a tile.
 constexpr int64_t kMostPatchPixels = 2 << 20;
 constexpr int kSmallestPart = 16;
 // Steps of up to this many pixels lose nothing that is worth the time of averaging.
-constexpr double kLongestStep = 1.5;
+constexpr double kLongestStep = 1.25;
 constexpr int kMostPoints = 8;
 
 /// A rectangle of a level's presented pixels.
@@ -26,45 +27,35 @@ struct Part {
   int height = 0;
 };
 
-struct Source {
-  std::shared_ptr<const CachedLevel> pixels;
-  /// Presented pixels of this level to pixels of the source.
-  PlaneMapping mapping;
-  LevelExtent extent;
-};
-
-/// Which source a part is read from, and how many points a pixel is the average of, squared.
-struct Choice {
-  const Source* source = nullptr;
-  int points = 1;
-};
-
-double longestStep(const PlaneMapping& mapping, const Part& part) {
+/// How many points in each direction a pixel of the part is the average of. Even steps of an affine
+/// mapping are as long as a pixel.
+int pointsAcross(const PlaneMapping& mapping, const Part& part) {
+  if (mapping.isAffine()) return 1;
   double longest = 0;
   for (const double x : {0.0, 0.5, 1.0}) {
-    for (const double y : {0.0, 0.5, 1.0})
-      longest = std::max(
-          longest, mapping.slopeAt(part.x + x * part.width, part.y + y * part.height).longest());
+    for (const double y : {0.0, 0.5, 1.0}) {
+      const Slope slope = mapping.slopeAt(part.x + x * part.width, part.y + y * part.height);
+      longest = std::max(longest, slope.longest());
+    }
   }
-  return longest;
+  if (longest <= kLongestStep) return 1;
+  return static_cast<int>(std::min(std::ceil(longest), double{kMostPoints}));
 }
 
 /// The pixels of the source that a part may need; empty (width 0) when it lies outside.
-PixelPatch patchFor(const Source& source, const Part& part) {
-  const bool affine = source.mapping.isAffine();
-  const int steps = affine ? 1 : 8;
+PixelPatch patchFor(const PlaneMapping& mapping, const TileGrid& grid, const Part& part) {
+  const int steps = mapping.isAffine() ? 1 : 8;
   PlanePoint low{HUGE_VAL, HUGE_VAL}, high{-HUGE_VAL, -HUGE_VAL};
   for (int j = 0; j <= steps; ++j) {
     for (int i = 0; i <= steps; ++i) {
-      const PlanePoint p = source.mapping.at(part.x + static_cast<double>(part.width) * i / steps,
-                                             part.y + static_cast<double>(part.height) * j / steps);
+      const PlanePoint p = mapping.at(part.x + static_cast<double>(part.width) * i / steps,
+                                      part.y + static_cast<double>(part.height) * j / steps);
       low = {std::min(low.x, p.x), std::min(low.y, p.y)};
       high = {std::max(high.x, p.x), std::max(high.y, p.y)};
     }
   }
   const double slack =
-      1 + source.mapping.bend(static_cast<double>(std::max(part.width, part.height)) / steps);
-  const TileGrid& grid = source.pixels->grid();
+      1 + mapping.bend(static_cast<double>(std::max(part.width, part.height)) / steps);
   const auto pixel = [](double position, int count) {
     return static_cast<int>(std::clamp(std::floor(position), 0.0, static_cast<double>(count)));
   };
@@ -82,29 +73,27 @@ PixelPatch patchFor(const Source& source, const Part& part) {
 
 class ResampledReader : public TileReader {
  public:
-  ResampledReader(const std::vector<SourceLevel>& sources, const PlaneMapping& mapping,
-                  const PresentedGrid& presented) {
+  ResampledReader(const SourceLevel& source, const PlaneMapping& mapping,
+                  const PresentedGrid& presented)
+      : source_(source.pixels),
+        mapping_(mapping.onGrid({0, 0}, {presented.factor, presented.factor})
+                     .scaled(1 / source.factorX, 1 / source.factorY)) {
     constexpr double kTrace = 1e-9;
+    const TileGrid& own = source_->grid();
     grid_.width = static_cast<int>(std::ceil(presented.width / presented.factor - kTrace));
     grid_.height = static_cast<int>(std::ceil(presented.height / presented.factor - kTrace));
     grid_.tileWidth = std::min(kTile, grid_.width);
     grid_.tileHeight = std::min(kTile, grid_.height);
-    grid_.channels = sources[0].pixels->grid().channels;
-    const PlaneMapping own = mapping.onGrid({0, 0}, {presented.factor, presented.factor});
-    const auto middle = mapping.invert({presented.imageWidth / 2.0, presented.imageHeight / 2.0});
-    const Slope slope = middle ? mapping.slopeAt(middle->x, middle->y) : Slope{1, 0, 0, 1};
-    for (const SourceLevel& each : sources) {
-      const TileGrid& pixels = each.pixels->grid();
-      const LevelExtent extent{
-          std::min<double>(pixels.width, presented.imageWidth / each.factorX),
-          std::min<double>(pixels.height, presented.imageHeight / each.factorY),
-          slope.determinant() < 0 ? -1.0 : 1.0};
-      sources_.push_back({each.pixels, own.scaled(1 / each.factorX, 1 / each.factorY), extent});
-    }
+    grid_.channels = own.channels;
+    extent_.width = std::min<double>(own.width, presented.imageWidth / source.factorX);
+    extent_.height = std::min<double>(own.height, presented.imageHeight / source.factorY);
+    const auto middle = mapping_.invert({extent_.width / 2, extent_.height / 2});
+    if (middle && mapping_.slopeAt(middle->x, middle->y).determinant() < 0)
+      extent_.orientation = -1;
   }
 
   const TileGrid& grid() const override { return grid_; }
-  bool sequential() const override { return sources_[0].pixels->reader().sequential(); }
+  bool sequential() const override { return source_->reader().sequential(); }
 
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
@@ -113,25 +102,9 @@ class ResampledReader : public TileReader {
   }
 
  private:
-  Choice choose(const Part& part) const {
-    if (sources_[0].mapping.isAffine()) return {sources_.data(), 1};
-    Choice choice{sources_.data(), 1};
-    double step = longestStep(choice.source->mapping, part);
-    for (const Source& coarser : sources_) {
-      const double coarserStep = longestStep(coarser.mapping, part);
-      if (coarserStep < 1) break;
-      choice.source = &coarser;
-      step = coarserStep;
-    }
-    if (step > kLongestStep)
-      choice.points = static_cast<int>(std::clamp(std::ceil(step), 1.0, double{kMostPoints}));
-    return choice;
-  }
-
   /// Fills a part of the tile whose pixels are `out`.
   bool fill(const Part& part, const Part& tile, Tile& out, uint64_t& bytesRead) const {
-    const Choice choice = choose(part);
-    PixelPatch patch = patchFor(*choice.source, part);
+    PixelPatch patch = patchFor(mapping_, source_->grid(), part);
     if (patch.width == 0) {
       for (int y = 0; y < part.height; ++y)
         std::memset(pixelAt(part.x, part.y + y, tile, out), 0,
@@ -148,23 +121,21 @@ class ResampledReader : public TileReader {
       return std::all_of(std::begin(quarters), std::end(quarters),
                          [&](const Part& quarter) { return fill(quarter, tile, out, bytesRead); });
     }
-    if (!choice.source->pixels->copy(patch, bytesRead)) return false;
-    sample(choice, patch, part, tile, out);
+    if (!source_->copy(patch, bytesRead)) return false;
+    sample(patch, part, tile, out);
     return true;
   }
 
-  static void sample(const Choice& choice, const PixelPatch& patch, const Part& part,
-                     const Part& tile, Tile& out) {
-    const int n = choice.points, count = n * part.width;
-    std::vector<int32_t> x(count), y(count);
-    std::vector<uint8_t> inside(count);
+  void sample(const PixelPatch& patch, const Part& part, const Part& tile, Tile& out) const {
+    const int n = pointsAcross(mapping_, part), count = n * part.width;
+    std::vector<int32_t> offset(count), share(count), inside(count);
     std::vector<uint8_t> points(n > 1 ? static_cast<size_t>(n) * count * out.channels : 0);
-    const RowSources sources{x.data(), y.data(), inside.data()};
+    const RowSources sources{offset.data(), share.data(), inside.data()};
     for (int row = 0; row < part.height; ++row) {
       uint8_t* target = pixelAt(part.x, part.y + row, tile, out);
       for (int k = 0; k < n; ++k) {
-        const auto line = choice.source->mapping.row(part.y + row + (k + 0.5) / n);
-        locateRow(line, part.x + 0.5 / n, 1.0 / n, count, choice.source->extent, patch, sources);
+        const auto line = mapping_.row(part.y + row + (k + 0.5) / n);
+        locateRow(line, part.x + 0.5 / n, 1.0 / n, count, extent_, patch, sources);
         uint8_t* to =
             n == 1 ? target : points.data() + static_cast<size_t>(k) * count * out.channels;
         sampleRow(patch, sources, count, to);
@@ -178,16 +149,19 @@ class ResampledReader : public TileReader {
            static_cast<size_t>(x - tile.x) * out.channels;
   }
 
+  std::shared_ptr<const CachedLevel> source_;
+  /// Presented pixels of this level to pixels of the source.
+  PlaneMapping mapping_;
+  LevelExtent extent_;
   TileGrid grid_;
-  std::vector<Source> sources_;
 };
 
 }  // namespace
 
-std::unique_ptr<TileReader> makeResampledReader(const std::vector<SourceLevel>& sources,
+std::unique_ptr<TileReader> makeResampledReader(const SourceLevel& source,
                                                 const PlaneMapping& mapping,
                                                 const PresentedGrid& grid) {
-  return std::make_unique<ResampledReader>(sources, mapping, grid);
+  return std::make_unique<ResampledReader>(source, mapping, grid);
 }
 
 }  // namespace tarn::raster

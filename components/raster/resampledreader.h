@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "components/raster/cachedlevel.h"
 #include "components/raster/planemapping.h"
@@ -26,11 +25,11 @@ struct PresentedGrid {
   double factor = 1;
 };
 
-/// Reads by bilinear weights from the first of `sources`, and where the mapping shrinks the image
-/// from coarser ones, or the average of several points. `mapping` takes presented pixels of full
-/// size to the image's. A pixel shows the image when its centre lies inside; pure black and white
-/// pixels stay out of the weights, and a pixel is black when they have most of it.
-std::unique_ptr<TileReader> makeResampledReader(const std::vector<SourceLevel>& sources,
+/// Reads by bilinear weights, where the mapping shrinks the image the average of several points.
+/// `mapping` takes presented pixels of full size to the image's. A pixel shows the image when its
+/// centre lies inside; pure black and white pixels stay out of the weights, and a pixel is black
+/// when they have most of it.
+std::unique_ptr<TileReader> makeResampledReader(const SourceLevel& source,
                                                 const PlaneMapping& mapping,
                                                 const PresentedGrid& grid);
 

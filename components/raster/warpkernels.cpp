@@ -14,45 +14,114 @@ namespace tarn::raster {
 namespace {
 
 constexpr int kOne = 256;
+constexpr uint32_t kWhite = 0xFFFFFF;
 
 struct Weights {
   int w[4];
 };
 
+inline int acrossOf(int share) {
+  return share & (kOne - 1);
+}
+
+inline int downOf(int share) {
+  return share >> 8;
+}
+
 /// Of the four pixels around a position; they sum to 256.
-inline Weights weightsOf(int x, int y) {
-  const int fx = x & (kOne - 1), fy = y & (kOne - 1);
+inline Weights weightsOf(int share) {
+  const int fx = acrossOf(share), fy = downOf(share);
   const int both = (fx * fy + kOne / 2) >> 8;
   return {{kOne - fx - fy + both, fx - both, fy - both, both}};
 }
 
+constexpr uint32_t kNearlyBlack = 0x010101, kNearlyWhite = 0xFEFEFE;
+
 inline uint32_t contentOnly(uint32_t rgb) {
-  constexpr uint32_t kWhite = 0xFFFFFF, kNearlyBlack = 0x010101, kNearlyWhite = 0xFEFEFE;
   rgb &= kWhite;
   if (rgb == 0) return kNearlyBlack;
   return rgb == kWhite ? kNearlyWhite : rgb;
 }
 
-/// Four pixels of three bytes at `p` and `p + stride`; reads one byte more than they have.
-inline uint32_t blendColours(const uint8_t* p, size_t stride, const Weights& weights) {
 #if defined(__SSE2__)
-  const __m128i zero = _mm_setzero_si128();
-  const auto load = [&](const uint8_t* at) {
-    int32_t bytes;
-    std::memcpy(&bytes, at, sizeof bytes);
-    return _mm_unpacklo_epi8(_mm_cvtsi32_si128(bytes), zero);
+/// For each 256th between two neighbouring pixels of three bytes: their weights across, as 65536ths
+/// in the order of the bytes, and the 256ths down, for each byte.
+struct ShareTable {
+  alignas(16) uint16_t across[kOne][8];
+  alignas(16) uint16_t down[kOne][8];
+
+  ShareTable() {
+    for (int i = 0; i < kOne; ++i) {
+      for (int lane = 0; lane < 8; ++lane) {
+        const int weight = lane < 3 ? kOne - i : lane < 6 ? i : 0;
+        across[i][lane] = static_cast<uint16_t>(std::min(weight * kOne, 65535));
+        down[i][lane] = static_cast<uint16_t>(i);
+      }
+    }
+  }
+};
+const ShareTable kShares;
+
+inline __m128i lanesOf(const uint16_t (&lanes)[8]) {
+  return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
+}
+
+/// The blend of the four pixels of three bytes at `p`, times 256, in the first three lanes; reads
+/// two bytes more than they have.
+inline __m128i blendOf(const uint8_t* p, size_t stride, int share) {
+  const auto load = [](const uint8_t* at) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)),
+                             _mm_setzero_si128());
   };
-  const auto weighted = [&](const uint8_t* at, int weight) {
-    return _mm_mullo_epi16(load(at), _mm_set1_epi16(static_cast<int16_t>(weight)));
-  };
-  __m128i sum = _mm_set1_epi16(kOne / 2);
-  sum = _mm_add_epi16(sum, weighted(p, weights.w[0]));
-  sum = _mm_add_epi16(sum, weighted(p + 3, weights.w[1]));
-  sum = _mm_add_epi16(sum, weighted(p + stride, weights.w[2]));
-  sum = _mm_add_epi16(sum, weighted(p + stride + 3, weights.w[3]));
-  sum = _mm_srli_epi16(sum, 8);
-  return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(sum, sum)));
+  const __m128i top = load(p), bottom = load(p + stride);
+  // Both rows blended, times 256: exact in 16 bits.
+  const __m128i rows = _mm_add_epi16(
+      _mm_slli_epi16(top, 8),
+      _mm_mullo_epi16(_mm_sub_epi16(bottom, top), lanesOf(kShares.down[downOf(share)])));
+  const __m128i both = _mm_mulhi_epu16(rows, lanesOf(kShares.across[acrossOf(share)]));
+  return _mm_add_epi16(both, _mm_srli_si128(both, 6));
+}
+
+/// Four numbers of two blends to bytes, red first.
+inline __m128i bytesOf(__m128i first, __m128i second) {
+  const __m128i half = _mm_set1_epi16(kOne / 2);
+  return _mm_packus_epi16(_mm_srli_epi16(_mm_add_epi16(first, half), 8),
+                          _mm_srli_epi16(_mm_add_epi16(second, half), 8));
+}
+
+inline uint32_t blendColours(const uint8_t* p, size_t stride, int share) {
+  const __m128i blend = blendOf(p, stride, share);
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(bytesOf(blend, blend)));
+}
+
+/// Four colours a step, all but the last four at most; returns how many.
+int sampleFours(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
+                uint8_t* out) {
+  const __m128i white = _mm_set1_epi32(static_cast<int>(kWhite));
+  const __m128i least = _mm_set1_epi32(static_cast<int>(kNearlyBlack));
+  int i = 0;
+  for (; i + 4 < count; i += 4, out += 12) {
+    const auto blend = [&](int k) {
+      return blendOf(pixels + from.offset[i + k], stride, from.share[i + k]);
+    };
+    __m128i rgb =
+        bytesOf(_mm_unpacklo_epi64(blend(0), blend(1)), _mm_unpacklo_epi64(blend(2), blend(3)));
+    rgb = _mm_and_si128(rgb, white);
+    rgb = _mm_or_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, _mm_setzero_si128()), least));
+    rgb = _mm_xor_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, white), least));
+    rgb = _mm_and_si128(rgb, _mm_loadu_si128(reinterpret_cast<const __m128i*>(from.inside + i)));
+    // The fourth byte of each is the next one's first and written again with it.
+    for (int k = 0; k < 4; ++k) {
+      const int32_t bytes = _mm_cvtsi128_si32(rgb);
+      std::memcpy(out + static_cast<size_t>(3) * k, &bytes, sizeof bytes);
+      rgb = _mm_srli_si128(rgb, 4);
+    }
+  }
+  return i;
+}
 #else
+inline uint32_t blendColours(const uint8_t* p, size_t stride, int share) {
+  const Weights weights = weightsOf(share);
   uint32_t rgb = 0;
   for (int c = 0; c < 3; ++c) {
     const int sum = p[c] * weights.w[0] + p[c + 3] * weights.w[1] + p[stride + c] * weights.w[2] +
@@ -60,8 +129,12 @@ inline uint32_t blendColours(const uint8_t* p, size_t stride, const Weights& wei
     rgb |= static_cast<uint32_t>(sum >> 8) << (8 * c);
   }
   return rgb;
-#endif
 }
+
+int sampleFours(const uint8_t*, size_t, const RowSources&, int, uint8_t*) {
+  return 0;
+}
+#endif
 
 inline bool isKey(const uint8_t* p, int channels) {
   if (channels == 1) return p[0] == 0 || p[0] == 255;
@@ -86,57 +159,69 @@ inline void storeShare(const int* sum, int weight, int all, int channels, uint8_
   for (int c = 0; c < channels; ++c) out[c] = static_cast<uint8_t>(value >> (8 * c));
 }
 
-void sampleWithoutKeys(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
-  const int channels = patch.channels;
-  const size_t stride = patch.stride();
-  for (int i = 0; i < count; ++i, out += channels) {
-    if (!from.inside[i]) {
-      std::memset(out, 0, static_cast<size_t>(channels));
-      continue;
-    }
-    const uint8_t* p = patch.pixels.get() + (from.y[i] >> 8) * stride +
-                       static_cast<size_t>(from.x[i] >> 8) * channels;
-    const uint8_t* corners[4] = {p, p + channels, p + stride, p + stride + channels};
-    const Weights weights = weightsOf(from.x[i], from.y[i]);
-    int sum[3] = {0, 0, 0}, weight = 0;
-    for (int k = 0; k < 4; ++k) {
-      // Pixels without weight may lie behind the patch.
-      if (weights.w[k] == 0 || isKey(corners[k], channels)) continue;
-      weight += weights.w[k];
-      for (int c = 0; c < channels; ++c) sum[c] += weights.w[k] * corners[k][c];
-    }
-    storeShare(sum, weight, kOne, channels, out);
+/// The blend of those of the four pixels at `p` that are content.
+void blendContent(const uint8_t* p, size_t stride, int channels, int share, uint8_t* out) {
+  const uint8_t* corners[4] = {p, p + channels, p + stride, p + stride + channels};
+  const Weights weights = weightsOf(share);
+  int sum[3] = {0, 0, 0}, weight = 0;
+  for (int k = 0; k < 4; ++k) {
+    if (isKey(corners[k], channels)) continue;
+    weight += weights.w[k];
+    for (int c = 0; c < channels; ++c) sum[c] += weights.w[k] * corners[k][c];
   }
+  storeShare(sum, weight, kOne, channels, out);
 }
 
+/// True when one of the four pixels of three bytes is pure black or white.
+inline bool keysAround(const uint8_t* p, size_t stride) {
+  const auto isKeyAt = [](const uint8_t* at) {
+    uint32_t rgb;
+    std::memcpy(&rgb, at, sizeof rgb);
+    return ((rgb + 1) & kWhite) <= 1;
+  };
+  return isKeyAt(p) || isKeyAt(p + 3) || isKeyAt(p + stride) || isKeyAt(p + stride + 3);
+}
+
+template <bool kHasKeys>
 void sampleColours(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
   const size_t stride = patch.stride();
-  for (int i = 0; i < count; ++i) {
-    const uint8_t* p =
-        patch.pixels.get() + (from.y[i] >> 8) * stride + static_cast<size_t>(from.x[i] >> 8) * 3;
-    const uint32_t blended = contentOnly(blendColours(p, stride, weightsOf(from.x[i], from.y[i])));
-    const uint32_t rgb = from.inside[i] ? blended : 0;
-    // The fourth byte is the next pixel's first and written again with it.
-    std::memcpy(out + 3 * static_cast<size_t>(i), &rgb, i + 1 < count ? 4 : 3);
+  const uint8_t* pixels = patch.pixels.get();
+  const int done = kHasKeys ? 0 : sampleFours(pixels, stride, from, count, out);
+  out += static_cast<size_t>(3) * done;
+  for (int i = done; i < count; ++i, out += 3) {
+    const uint8_t* p = pixels + from.offset[i];
+    if (kHasKeys && from.inside[i] != 0 && keysAround(p, stride)) {
+      blendContent(p, stride, 3, from.share[i], out);
+      continue;
+    }
+    const uint32_t rgb =
+        from.inside[i] != 0 ? contentOnly(blendColours(p, stride, from.share[i])) : 0;
+    std::memcpy(out, &rgb, 3);
   }
 }
 
+template <bool kHasKeys>
 void sampleGray(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
   const size_t stride = patch.stride();
+  const uint8_t* pixels = patch.pixels.get();
   for (int i = 0; i < count; ++i) {
-    const uint8_t* p = patch.pixels.get() + (from.y[i] >> 8) * stride + (from.x[i] >> 8);
-    const Weights w = weightsOf(from.x[i], from.y[i]);
+    const uint8_t* p = pixels + from.offset[i];
+    if (kHasKeys && from.inside[i] != 0) {
+      blendContent(p, stride, 1, from.share[i], out + i);
+      continue;
+    }
+    const Weights w = weightsOf(from.share[i]);
     const int sum = p[0] * w.w[0] + p[1] * w.w[1] + p[stride] * w.w[2] + p[stride + 1] * w.w[3];
     const int value = std::clamp((sum + kOne / 2) >> 8, 1, 254);
-    out[i] = static_cast<uint8_t>(from.inside[i] ? value : 0);
+    out[i] = static_cast<uint8_t>(value & from.inside[i]);
   }
 }
 
 }  // namespace
 
-TARN_VECTORISED int locateRow(const PlaneMapping::Row& row, double first, double step, int count,
-                              const LevelExtent& extent, const PixelPatch& patch,
-                              const RowSources& out) {
+TARN_VECTORISED void locateRow(const PlaneMapping::Row& row, double first, double step, int count,
+                               const LevelExtent& extent, const PixelPatch& patch,
+                               const RowSources& out) {
   const double u0 = row.u[0], u1 = row.u[1], u2 = row.u[2];
   const double v0 = row.v[0], v1 = row.v[1], v2 = row.v[2];
   const double d0 = row.determinant[0] * extent.orientation;
@@ -145,10 +230,10 @@ TARN_VECTORISED int locateRow(const PlaneMapping::Row& row, double first, double
   const double width = extent.width, height = extent.height;
   const double left = patch.x + 0.5, top = patch.y + 0.5, start = first - row.centre;
   const double right = patch.width - 1, bottom = patch.height - 1;
-  int32_t* xs = out.x;
-  int32_t* ys = out.y;
-  uint8_t* insides = out.inside;
-  int found = 0;
+  const int stride = patch.width * patch.channels, channels = patch.channels;
+  int32_t* const offsets = out.offset;
+  int32_t* const shares = out.share;
+  int32_t* const insides = out.inside;
   for (int i = 0; i < count; ++i) {
     const double x = start + i * step;
     const double u = (u2 * x + u1) * x + u0;
@@ -157,23 +242,19 @@ TARN_VECTORISED int locateRow(const PlaneMapping::Row& row, double first, double
     const int inside = static_cast<int>(u >= 0) & static_cast<int>(u < width) &
                        static_cast<int>(v >= 0) & static_cast<int>(v < height) &
                        static_cast<int>(side > 0);
-    const double px = std::min(std::max(u - left, 0.0), right);
-    const double py = std::min(std::max(v - top, 0.0), bottom);
-    xs[i] = static_cast<int32_t>(px * kOne + 0.5);
-    ys[i] = static_cast<int32_t>(py * kOne + 0.5);
-    insides[i] = static_cast<uint8_t>(inside);
-    found += inside;
+    const int px = static_cast<int>(std::min(std::max(u - left, 0.0), right) * kOne + 0.5);
+    const int py = static_cast<int>(std::min(std::max(v - top, 0.0), bottom) * kOne + 0.5);
+    offsets[i] = (py >> 8) * stride + (px >> 8) * channels;
+    shares[i] = (px & (kOne - 1)) | (py & (kOne - 1)) << 8;
+    insides[i] = -inside;
   }
-  return found;
 }
 
 void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
-  if (patch.hasKeys) {
-    sampleWithoutKeys(patch, from, count, out);
-  } else if (patch.channels == 3) {
-    sampleColours(patch, from, count, out);
+  if (patch.channels == 3) {
+    (patch.hasKeys ? sampleColours<true> : sampleColours<false>)(patch, from, count, out);
   } else {
-    sampleGray(patch, from, count, out);
+    (patch.hasKeys ? sampleGray<true> : sampleGray<false>)(patch, from, count, out);
   }
 }
 

@@ -9,12 +9,13 @@
 
 namespace tarn::raster {
 
-/// Where the pixels of one row come from: positions in the patch, in 256ths of a pixel, those of
-/// the upper left of the four pixels around each, and whether there is an image at all.
+/// Where the pixels of one row come from: for each the byte in the patch at which the upper left of
+/// the four pixels around it begins, how far it lies between them (256ths to the right, and to the
+/// bottom times 256), and -1 where there is an image, else 0.
 struct RowSources {
-  int32_t* x = nullptr;
-  int32_t* y = nullptr;
-  uint8_t* inside = nullptr;
+  int32_t* offset = nullptr;
+  int32_t* share = nullptr;
+  int32_t* inside = nullptr;
 };
 
 /// The part of the level that counts as image, and on which side the mapping is the image's own.
@@ -25,9 +26,9 @@ struct LevelExtent {
 };
 
 /// Works out `count` positions from the point `first` of the mapped row on, `step` apart. Positions
-/// stay in the patch. Returns how many are inside the image.
-int locateRow(const PlaneMapping::Row& row, double first, double step, int count,
-              const LevelExtent& extent, const PixelPatch& patch, const RowSources& out);
+/// stay in the patch.
+void locateRow(const PlaneMapping::Row& row, double first, double step, int count,
+               const LevelExtent& extent, const PixelPatch& patch, const RowSources& out);
 
 /// Bilinear, without pure black and white pixels: where they have more than half of the weight the
 /// result is black, and it never is pure black or white elsewhere. Black outside the image.

@@ -91,6 +91,40 @@ TEST(NorthUp, ControlPointsEqualGdalsWarp) {
   }
 }
 
+/// Where points are crowded the image shrinks; fine detail must be averaged there.
+TEST(NorthUp, UnevenControlPointsDoNotAlias) {
+  const Scratch scratch;
+  constexpr int kSize = 500;
+  const std::string path = scratch / "a.tif";
+  writePicture(path, texture(kSize, kSize, 3), {"GTiff", {}, false});
+  const auto bent = [](double part) { return kSize * (part + 7 * part * part) / 8; };
+  std::vector<ControlPoint> points;
+  for (int i = 0; i < 25; ++i) {
+    const double x = i % 5 / 4.0, y = i / 5 / 4.0;
+    points.push_back({bent(x), kSize * y, 1000 + 100 * x, 2000 - 100 * y});
+  }
+  placeByPoints(path, points);
+  const auto image = openImage(path);
+  ASSERT_TRUE(image);
+  // GDAL's warp on a grid four times as fine, averaged.
+  const Picture ours = readAll(*image);
+  const Picture fine = warpedByGdal(path, *image, {}, 4);
+  ASSERT_EQ(fine.width, ours.width * 4);
+  double squares = 0;
+  int count = 0;
+  for (int y = 1; y + 1 < ours.height; ++y) {
+    for (int x = ours.width * 5 / 6; x + 1 < ours.width; ++x) {
+      double sum = 0;
+      for (int k = 0; k < 16; ++k) sum += fine.at(x * 4 + k % 4, y * 4 + k / 4)[1];
+      squares += std::pow(ours.at(x, y)[1] - sum / 16, 2);
+      ++count;
+    }
+  }
+  // Single points leave 6.
+  EXPECT_LT(std::sqrt(squares / count), 2);
+  EXPECT_GT(count, 8000);
+}
+
 /// All eight ways to lay an image along the axes of the ground.
 TEST(NorthUp, TurnsAndMirrorsKeepEveryPixel) {
   const Scratch scratch;

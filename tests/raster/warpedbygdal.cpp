@@ -10,7 +10,7 @@
 namespace tarn::raster {
 
 Picture warpedByGdal(const std::string& path, const RasterImage& image,
-                     const std::vector<std::string>& more) {
+                     const std::vector<std::string>& more, int finer) {
   GDALAllRegister();
   const GeoTransform& t = image.geoTransform();
   CPLStringList words;
@@ -31,8 +31,8 @@ Picture warpedByGdal(const std::string& path, const RasterImage& image,
                                         formatDouble(t.x0 + t.a * image.width()),
                                         formatDouble(t.y0),
                                         "-ts",
-                                        std::to_string(image.width()),
-                                        std::to_string(image.height())};
+                                        std::to_string(image.width() * finer),
+                                        std::to_string(image.height() * finer)};
   for (const std::string& word : all) words.AddString(word.c_str());
   for (const std::string& word : more) words.AddString(word.c_str());
   Picture picture;
@@ -40,7 +40,7 @@ Picture warpedByGdal(const std::string& path, const RasterImage& image,
   GDALDatasetH source = GDALOpen(path.c_str(), GA_ReadOnly);
   GDALDatasetH warped = source ? GDALWarp("", nullptr, 1, &source, options, nullptr) : nullptr;
   if (warped) {
-    picture = {image.width(), image.height(), GDALGetRasterCount(warped), {}};
+    picture = {image.width() * finer, image.height() * finer, GDALGetRasterCount(warped), {}};
     picture.pixels.resize(size_t(picture.width) * picture.height * picture.channels);
     EXPECT_EQ(GDALDatasetRasterIO(warped, GF_Read, 0, 0, picture.width, picture.height,
                                   picture.pixels.data(), picture.width, picture.height, GDT_Byte,

@@ -11,7 +11,7 @@ namespace tarn::raster {
 /// The file warped by GDAL, bilinear and by exact positions, onto the image's reported grid; empty
 /// when GDAL fails. `more` are further options of gdalwarp.
 Picture warpedByGdal(const std::string& path, const RasterImage& image,
-                     const std::vector<std::string>& more = {});
+                     const std::vector<std::string>& more = {}, int finer = 1);
 
 /// The file with another transform or with control points ("column row x y" each).
 void placeByTransform(const std::string& path, const GeoTransform& transform);
