@@ -9,6 +9,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -146,6 +147,8 @@ class CCadImage : public AcDbEntity {
   /// The whole extent of a local image, or false.
   bool extentOf(const std::wstring& path, tarn::image::ImageExtent& extent) const;
   tarn::image::ViewState currentView();
+  /// What the plot shows of the model, through the current viewport when a sheet is plotted.
+  std::optional<tarn::image::ViewState> plottedView() const;
   void drawShownImages(AcGiWorldDraw* worldDraw, const tarn::image::ViewState& view) const;
   void drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
                       const tarn::image::ViewState& view) const;

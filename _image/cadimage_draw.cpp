@@ -8,7 +8,9 @@
 #include "_image/docdata.h"
 #include "_image/moduleglobals.h"
 #include "_image/view/pixelconvert.h"
+#include "_image/view/plotvalues.h"
 #include "acgi.h"
+#include "commoncode/cadutil/message.h"
 #include "dbapserv.h"
 
 using tarn::image::ImageExtent;
@@ -33,7 +35,7 @@ Adesk::Boolean CCadImage::subWorldDraw(AcGiWorldDraw* worldDraw) {
 }
 
 bool CCadImage::subWorldDrawPlot(AcGiWorldDraw* worldDraw) {
-  drawShownImages(worldDraw, currentView());
+  if (const std::optional<ViewState> view = plottedView()) drawShownImages(worldDraw, *view);
   return true;
 }
 
@@ -54,8 +56,15 @@ void CCadImage::drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDra
   DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
   if (tarn::image::g_suppressPixels) return;
 
-  const std::optional<PixelRequest> request = tarn::image::planPixelRequest(view, extent);
+  std::optional<PixelRequest> request = tarn::image::planPixelRequest(view, extent);
   if (!request) return;
+  const AcGiContext* context = worldDraw->context();
+  if (context && context->isPlotGeneration() && request->coarserBy < 1) {
+    tarn::cad::printMessage(L"\n%1选择范围过大！", path);
+    request =
+        tarn::image::planPixelRequest(tarn::image::coarserView(view, request->coarserBy), extent);
+    if (!request) return;
+  }
   IImageDivision& source = *m_mapImageDivision.find(path)->second.get();
   const PixelBuffer pixels = tarn::image::readPixels(source, *request, view.clarity);
   if (!pixels) return;

@@ -1,9 +1,14 @@
 // The view as the host's system variables describe it at the moment of drawing.
+#include <algorithm>
+#include <iterator>
+
 #include "_image/adskdmgr.h"
 #include "_image/cadimage.h"
 #include "_image/displaysettings.h"
 #include "_image/docdata.h"
 #include "_image/moduleglobals.h"
+#include "_image/view/plotvalues.h"
+#include "aced.h"
 #include "acedads.h"
 #include "rxmfcapi.h"
 
@@ -162,6 +167,17 @@ bool CCadImage::imageCoordinate2pixelCoordinate(int& /*left*/, int& /*top*/, int
 
 void CCadImage::getViewportImagePixelCoord(int& /*left*/, int& /*top*/, int& /*right*/,
                                            int& /*bottom*/) const {}
+
+std::optional<ViewState> CCadImage::plottedView() const {
+  tarn::image::PlotValues values;
+  std::copy(std::begin(tarn::image::g_plotValues), std::end(tarn::image::g_plotValues),
+            values.begin());
+  if (IsInModelSpace()) return tarn::image::plottedView(values);
+  const PaperSpaceBracket bracket(*this);
+  const auto found = tarn::image::g_plotViewports.find(acedGetCurViewportObjectId());
+  if (found == tarn::image::g_plotViewports.end()) return std::nullopt;
+  return tarn::image::plottedView(found->second);
+}
 
 ViewState CCadImage::currentView() {
   const PaperSpaceBracket bracket(*this);

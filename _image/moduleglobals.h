@@ -2,9 +2,13 @@
 // absent, made and deleted where named) and the few values that the parts share. Main thread only.
 #pragma once
 
+#include <array>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
+
+#include "dbid.h"
 
 template <class T>
 class AsdkDataManager;
@@ -56,8 +60,11 @@ extern bool g_useScreenRectOld;
 /// How often the screen size was read for drawing.
 extern int g_screenSizeReads;
 
-/// The region that is being plotted, kept by the plot reactor; all 0 between plots.
+/// The region that is being plotted, kept by the plot reactor; all 0 between plots. Of a sheet, in
+/// its own units; see view/plotvalues.h for what each value is.
 extern double g_plotValues[6];
+/// The same for the model as each viewport of the plotted sheet shows it.
+extern std::map<AcDbObjectId, std::array<double, 6>> g_plotViewports;
 
 /// The last request made for drawing, overwritten by each. The source may be gone since then and is
 /// only for comparing.

@@ -10,6 +10,7 @@
 #include "_image/docdata.h"
 #include "_image/imagerestore.h"
 #include "_image/moduleglobals.h"
+#include "_image/plotarea.h"
 #include "acdocman.h"
 #include "acplplotreactormgr.h"
 #include "base/text.h"
@@ -156,8 +157,13 @@ tarnPlotReactor::~tarnPlotReactor() {
   acplPlotReactorMgrPtr()->removeReactor(this);
 }
 
+void tarnPlotReactor::beginDocument(AcPlPlotInfo& plotInfo, const ACHAR*, Adesk::Int32, bool,
+                                    const ACHAR*) {
+  tarn::image::rememberPlot(plotInfo);
+}
+
 void tarnPlotReactor::endPlot() {
-  std::fill(std::begin(tarn::image::g_plotValues), std::end(tarn::image::g_plotValues), 0.0);
+  tarn::image::forgetPlot();
 }
 
 void tarnPlotReactor::plotCancelled() {

@@ -37,6 +37,8 @@ class tarnPlotReactor : public AcPlPlotReactor {
   tarnPlotReactor();
   ~tarnPlotReactor() override;
 
+  void beginDocument(AcPlPlotInfo& plotInfo, const ACHAR* documentName, Adesk::Int32 copies,
+                     bool plotToFile, const ACHAR* fileName) override;
   void endPlot() override;
   void plotCancelled() override;
 };

@@ -27,6 +27,7 @@ struct Cells {
   double begin = 0;
   double size = 1;
   int count = 0;
+  double coarserBy = 1;
 };
 
 /// Number of steps before clarity: screen pixels when reducing, image pixels when enlarging.
@@ -46,6 +47,10 @@ Cells planAxis(const Axis& axis) {
     count = truncateToInt(std::ceil((end - cells.begin) / axis.reduction - kGridTolerance));
     count = std::max(count, 0);
     if (!axis.isTwisted) count = std::min(count, axis.screenPixels);
+  }
+  if (count + 1 > kMaxCells) {
+    const double reduction = std::max(axis.reduction, 1.0) * (count + 1) / (kMaxCells - 2);
+    cells.coarserBy = axis.reduction / reduction;
   }
   int divisor = std::max(axis.clarity, 1);
   if (count / divisor + 1 > kMaxCells) divisor = (count + kMaxCells - 2) / (kMaxCells - 1);
@@ -131,6 +136,7 @@ std::optional<PixelRequest> planPixelRequest(const ViewState& view, const ImageE
                   view.clarity};
   const Cells across = planAxis(columns);
   const Cells down = planAxis(rows);
+  request.coarserBy = std::min(across.coarserBy, down.coarserBy);
   request.columns = across.count;
   request.rows = down.count;
   request.windowX = across.begin;

@@ -60,6 +60,9 @@ struct PixelRequest {
   double cellY = 1;
   double originX = 0;  ///< lower-left corner of the cells, in drawing units
   double originY = 0;
+  /// The part of the screen's pixels at which the window needs no more than kMaxCells a side; 1
+  /// when it needs no more anyway.
+  double coarserBy = 1;
   double spanU = 0;  ///< width of all columns, in drawing units
   double spanV = 0;
 };

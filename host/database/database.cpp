@@ -45,6 +45,7 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   state_->layerTable = addOwn(*this, new AcDbLayerTable);
   state_->linetypeTable = addOwn(*this, new AcDbLinetypeTable);
   state_->textStyleTable = addOwn(*this, new AcDbTextStyleTable);
+  state_->viewTable = addOwn(*this, new AcDbViewTable);
   state_->namedObjects = addOwn(*this, new AcDbDictionary);
   state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
   state_->currentLayer = state_->layerZero;
@@ -105,6 +106,14 @@ Acad::ErrorStatus AcDbDatabase::getLayerTable(AcDbLayerTable*& table, AcDb::Open
 Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dictionary,
                                                           AcDb::OpenMode mode) {
   return acdbOpenObject(dictionary, state_->namedObjects, mode);
+}
+
+AcDbObjectId AcDbDatabase::viewTableId() const {
+  return state_->viewTable;
+}
+
+Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbViewTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->viewTable, mode);
 }
 
 AcDbObjectId AcDbDatabase::layerZero() const {

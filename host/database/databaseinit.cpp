@@ -43,6 +43,7 @@ void registerDatabaseClasses() {
   AcDbTextStyleTableRecord::rxInit();
   AcDbTextStyleTable::rxInit();
   AcDbViewTableRecord::rxInit();
+  AcDbViewTable::rxInit();
   AcDbDictionary::rxInit();
   AcDbXrecord::rxInit();
   AcDbPlotSettings::rxInit();

@@ -37,6 +37,7 @@ struct DatabaseState {
   AcDbObjectId layerTable;
   AcDbObjectId linetypeTable;
   AcDbObjectId textStyleTable;
+  AcDbObjectId viewTable;
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
   AcDbObjectId currentLayer;

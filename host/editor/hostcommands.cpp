@@ -11,6 +11,7 @@
 #include "host/editor/inputvalues.h"
 #include "host/editor/layoutcommands.h"
 #include "host/editor/pointcloudcommand.h"
+#include "host/editor/plotjob.h"
 #include "host/editor/sysvars.h"
 
 namespace tarn::host {
@@ -238,6 +239,7 @@ void registerHostCommands() {
       {ACRX_T("PASTECLIP"), ACRX_CMD_MODAL, &pasteclipCommand},
       {ACRX_T("PLINE"), ACRX_CMD_MODAL, &plineCommand},
       {ACRX_T("PNGOUT"), ACRX_CMD_MODAL, &pngoutCommand},
+      {ACRX_T("PLOT"), ACRX_CMD_MODAL, &plotCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
@@ -252,6 +254,7 @@ void registerHostCommands() {
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
       {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},
       {ACRX_T("UNDO"), ACRX_CMD_MODAL, &undoCommand},
+      {ACRX_T("VIEW"), ACRX_CMD_MODAL, &viewCommand},
       {ACRX_T("ZOOM"), ACRX_CMD_TRANSPARENT, &zoomCommand},
   };
   for (const Entry& entry : kEntries) {

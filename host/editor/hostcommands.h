@@ -21,6 +21,7 @@ void failCommand(HostApp& app, const std::string& message);
 bool selectForCommand(EntityIds& ids);
 
 void circleCommand();
+void viewCommand();
 void lineCommand();
 void plineCommand();
 void textCommand();

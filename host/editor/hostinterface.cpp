@@ -46,6 +46,11 @@ void tarnHostRegenerate() {
   if (HostApp* app = HostApp::instance()) app->regenerate();
 }
 
+AcDbObjectId acedGetCurViewportObjectId() {
+  HostApp* app = HostApp::instance();
+  return app != nullptr ? app->documents().current().space().currentViewport() : AcDbObjectId();
+}
+
 AcApDocManager* acDocManagerPtr() {
   HostApp* app = HostApp::instance();
   return app != nullptr ? &app->documents() : nullptr;

@@ -70,7 +70,7 @@ void countImages(const Scene& scene, long long& images, long long& pixels) {
 
 }  // namespace
 
-void Regenerator::draw(Scene& scene, AcDbEntity& entity) const {
+void Regenerator::draw(Scene& scene, AcDbEntity& entity, bool plots) const {
   const Scene::Key key = entity.handle().value();
   const LayerState layer = layerOf(entity);
   if (!isShown(entity, layer)) {
@@ -79,7 +79,7 @@ void Regenerator::draw(Scene& scene, AcDbEntity& entity) const {
   }
   DisplayList list;
   WorldDrawRecorder recorder(list, entity.database(), layer.color, entity.colorIndex(),
-                             &abortWanted);
+                             &abortWanted, plots);
   entity.worldDraw(&recorder);
   scene.set(key, std::move(list));
 }
@@ -103,9 +103,19 @@ void Regenerator::drawWindows(HostDocument& document,
   for (const SheetWindow& window : document.space().windows()) {
     const QRect pixels = touchedPixels(window.onDevice, document.view());
     if (pixels.isEmpty()) continue;
-    const DrawnViewport drawn(document.space(), window, pixels);
+    const DrawnViewport drawn(document.space(), window.id, croppedView(window.through, pixels));
     drawInto(document.windowScenes()[window.id]);
   }
+}
+
+bool Regenerator::recordPlot(Scene& scene, AcDbObjectId block) {
+  const Nesting nesting(depth_);
+  for (const AcDbObjectId& id : entitiesOf(block)) {
+    if (abortWanted()) return false;
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity.openStatus() == Acad::eOk) draw(scene, *entity.object(), true);
+  }
+  return !abortWanted();
 }
 
 void Regenerator::regenerate(HostDocument& document) {
@@ -113,6 +123,7 @@ void Regenerator::regenerate(HostDocument& document) {
   const Nesting nesting(depth_);
   const auto start = std::chrono::steady_clock::now();
   beginCounting();
+  ++screenDrawings_;
   const Space& space = document.space();
   size_t entities = drawBlock(document.scene(), space.shownBlock());
   document.windowScenes().clear();
@@ -127,6 +138,7 @@ void Regenerator::redraw(AcDbEntity& entity) {
   const Nesting nesting(depth_);
   const auto start = std::chrono::steady_clock::now();
   beginCounting();
+  ++screenDrawings_;
   if (entity.blockId() == document->space().shownBlock()) {
     draw(document->scene(), entity);
   } else {

@@ -36,13 +36,19 @@ class ACADHOST_EXPORT Regenerator {
   GroundBox extents(HostDocument& document) const;
   GroundBox extentsOf(AcDbObjectId block) const;
 
+  /// Draws the block's visible entities into a scene for a plot; the screen's scenes stay as they
+  /// are. False when the user wants to stop.
+  bool recordPlot(Scene& scene, AcDbObjectId block);
+  /// How often anything was drawn for the screen since the start.
+  long long screenDrawings() const { return screenDrawings_; }
+
   /// Adds to a counter of the current redraw. Safe from any thread.
   void count(const std::string& counter, long long amount);
   void setStatistics(bool on) { statistics_ = on; }
   bool isDrawing() const { return depth_ > 0; }
 
  private:
-  void draw(Scene& scene, AcDbEntity& entity) const;
+  void draw(Scene& scene, AcDbEntity& entity, bool plots = false) const;
   size_t drawBlock(Scene& scene, AcDbObjectId block) const;
   void drawWindows(HostDocument& document, const std::function<void(Scene&)>& drawInto) const;
   void printStatistics(double milliseconds, size_t entities);
@@ -50,6 +56,7 @@ class ACADHOST_EXPORT Regenerator {
 
   HostApp& app_;
   int depth_ = 0;
+  long long screenDrawings_ = 0;
   bool statistics_ = false;
   std::mutex mutex_;
   std::map<std::string, long long> counters_;

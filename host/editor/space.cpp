@@ -36,7 +36,7 @@ ViewState viewOfSheet(AcDbObjectId layout, const ViewState& screen) {
 
 LayoutEntry Space::sheet() const {
   LayoutEntry first;
-  for (const LayoutEntry& entry : layoutsOf(database_)) {
+  for (const LayoutEntry& entry : layoutsOf(*database_)) {
     if (entry.isModel) continue;
     if (entry.id == sheet_) return entry;
     if (first.id.isNull()) first = entry;
@@ -46,7 +46,7 @@ LayoutEntry Space::sheet() const {
 
 LayoutEntry Space::tab() const {
   if (!tiled_) return sheet();
-  for (const LayoutEntry& entry : layoutsOf(database_)) {
+  for (const LayoutEntry& entry : layoutsOf(*database_)) {
     if (entry.isModel) return entry;
   }
   return {};
@@ -76,7 +76,7 @@ void Space::showSheet(const LayoutEntry& sheet) {
 
 AcDbObjectId Space::modelBlock() const {
   AcDbObjectId id;
-  const AcDbObjectPointer<AcDbBlockTable> blocks(database_.blockTableId(), AcDb::kForRead);
+  const AcDbObjectPointer<AcDbBlockTable> blocks(database_->blockTableId(), AcDb::kForRead);
   if (blocks.openStatus() == Acad::eOk) blocks->getAt(ACDB_MODEL_SPACE, id);
   return id;
 }
@@ -130,6 +130,13 @@ bool Space::enterModel() {
                                   [&](const SheetWindow& window) { return window.id == last_; });
   current_ = last_ = found != all.end() ? found->id : all.front().id;
   return true;
+}
+
+GroundBox Space::limits() const {
+  if (currentPort() != kPaperViewport) return modelLimits_;
+  const AcDbObjectPointer<AcDbLayout> layout(sheet().id, AcDb::kForRead);
+  if (layout.openStatus() != Acad::eOk) return modelLimits_;
+  return printableBoxOf(LayoutAccess::data(*layout.object()));
 }
 
 const ViewState& Space::screenView() const {
@@ -222,10 +229,10 @@ std::optional<SheetWindow> Space::currentWindow() const {
   return std::nullopt;
 }
 
-DrawnViewport::DrawnViewport(Space& space, const SheetWindow& window, const QRect& pixels)
+DrawnViewport::DrawnViewport(Space& space, AcDbObjectId viewport, const ViewState& view)
     : space_(space), before_(space.current_) {
-  space_.drawn_ = Space::Drawn{window.id, croppedView(window.through, pixels)};
-  if (!space_.currentViewport().isNull()) space_.current_ = window.id;
+  space_.drawn_ = Space::Drawn{viewport, view};
+  if (!space_.currentViewport().isNull()) space_.current_ = viewport;
 }
 
 DrawnViewport::~DrawnViewport() {

@@ -31,7 +31,7 @@ struct SheetWindow {
 /// the model seen through one of its viewports. Objects that were erased meanwhile are passed over.
 class ACADHOST_EXPORT Space {
  public:
-  explicit Space(AcDbDatabase& database) : database_(database) {}
+  explicit Space(AcDbDatabase& database) : database_(&database) {}
 
   bool isTiled() const { return tiled_; }
   /// The layout that is shown; on the model's tab that of the model.
@@ -60,6 +60,10 @@ class ACADHOST_EXPORT Space {
   bool enterModel();
   void leaveModel() { current_.setNull(); }
 
+  /// What the LIMITS of the current space are: the printable part of a sheet.
+  GroundBox limits() const;
+  void setModelLimits(const GroundBox& limits) { modelLimits_ = limits; }
+
   /// The view that fills the screen: of the model's tab or of the sheet.
   ViewState& screenView();
   const ViewState& screenView() const;
@@ -84,22 +88,24 @@ class ACADHOST_EXPORT Space {
   };
   std::optional<SheetWindow> currentWindow() const;
 
-  AcDbDatabase& database_;
+  AcDbDatabase* database_;
   bool tiled_ = true;
   AcDbObjectId sheet_;
   AcDbObjectId current_;
   AcDbObjectId last_;  ///< the viewport that was current last
   std::optional<Drawn> drawn_;
   ViewState modelView_;
+  GroundBox modelLimits_{0, 0, 420, 297};
   std::map<AcDbObjectId, ViewState> sheetViews_;
 };
 
-/// While it lives, what is drawn is drawn for one viewport on these pixels of the screen. When a
+/// While it lives, what is drawn is drawn for one viewport. When a
 /// viewport was current this one is current instead; when the sheet was, it stays so until somebody
 /// enters the model.
 class ACADHOST_EXPORT DrawnViewport {
  public:
-  DrawnViewport(Space& space, const SheetWindow& window, const QRect& pixels);
+  /// `view` is what is drawn of the viewport, with its pixels.
+  DrawnViewport(Space& space, AcDbObjectId viewport, const ViewState& view);
   ~DrawnViewport();
   DrawnViewport(const DrawnViewport&) = delete;
   DrawnViewport& operator=(const DrawnViewport&) = delete;

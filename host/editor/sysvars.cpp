@@ -58,6 +58,24 @@ bool writeViewport(HostApp& app, const VariableValue& value) {
   return document(app).space().setCurrentPort(std::get<short>(value));
 }
 
+template <bool kUpper>
+VariableValue readLimits(HostApp& app) {
+  const GroundBox box = document(app).space().limits();
+  return kUpper ? Point3{box.maxX, box.maxY, 0} : Point3{box.minX, box.minY, 0};
+}
+
+template <bool kUpper>
+bool writeLimits(HostApp& app, const VariableValue& value) {
+  Space& space = document(app).space();
+  if (space.currentPort() == kPaperViewport) return false;
+  GroundBox box = space.limits();
+  const Point3& point = std::get<Point3>(value);
+  (kUpper ? box.maxX : box.minX) = point.x;
+  (kUpper ? box.maxY : box.minY) = point.y;
+  space.setModelLimits(box);
+  return true;
+}
+
 bool writeLayer(HostApp& app, const VariableValue& value) {
   return document(app).setCurrentLayer(std::get<std::string>(value));
 }
@@ -99,6 +117,8 @@ const std::vector<Rule>& rules() {
       {"FRONTZ", T::kReal, true, nullptr, 0.0},
       {"LASTPOINT", T::kPoint3, false, nullptr, Point3{}},
       {"LENSLENGTH", T::kReal, true, nullptr, 50.0},
+      {"LIMMAX", T::kPoint2, false, &readLimits<true>, Point3{}, &writeLimits<true>},
+      {"LIMMIN", T::kPoint2, false, &readLimits<false>, Point3{}, &writeLimits<false>},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},

@@ -12,16 +12,6 @@ namespace {
 /// Rounding must not make a window touch one pixel more.
 constexpr double kEdge = 1e-6;
 
-/// The view whose ground point `ground` falls on `pixel`.
-ViewState placed(ViewState view, GroundPoint ground, PixelPoint pixel) {
-  view.centerX = ground.x;
-  view.centerY = ground.y;
-  const GroundPoint there = groundFromPixel(view, pixel);
-  view.centerX += ground.x - there.x;
-  view.centerY += ground.y - there.y;
-  return view;
-}
-
 }  // namespace
 
 PaperWindow paperWindowOf(const AcDbViewport& viewport) {
@@ -62,7 +52,7 @@ ViewState throughWindow(const PaperWindow& window, const ViewState& paper) {
   ViewState view = paper;
   view.height = paper.height * window.groundPerPaper();
   view.twist = window.twist + paper.twist;
-  return placed(view, window.viewCenter, pixelFromGround(paper, window.paperCenter));
+  return viewWithGroundAt(view, window.viewCenter, pixelFromGround(paper, window.paperCenter));
 }
 
 QRect touchedPixels(const QRectF& rect, const ViewState& device) {

@@ -56,12 +56,13 @@ class ACADHOST_EXPORT RecordingTraits : public AcGiDrawableTraits {
 
 class ACADHOST_EXPORT RecordingContext : public AcGiContext {
  public:
-  explicit RecordingContext(AcDbDatabase* database) : database_(database) {}
-  bool isPlotGeneration() const override { return false; }
+  RecordingContext(AcDbDatabase* database, bool plots) : database_(database), plots_(plots) {}
+  bool isPlotGeneration() const override { return plots_; }
   AcDbDatabase* database() const override { return database_; }
 
  private:
   AcDbDatabase* database_;
+  bool plots_;
 };
 
 /// The draw object handed to worldDraw(): everything goes to `list`. The list, and what the abort
@@ -71,10 +72,11 @@ class ACADHOST_EXPORT WorldDrawRecorder : public AcGiWorldDraw {
   using AbortFunction = bool (*)();
 
   WorldDrawRecorder(DisplayList& list, AcDbDatabase* database, Adesk::UInt16 layerColor,
-                    Adesk::UInt16 entityColor, AbortFunction abortWanted = nullptr)
+                    Adesk::UInt16 entityColor, AbortFunction abortWanted = nullptr,
+                    bool plots = false)
       : traits_(layerColor, entityColor),
         geometry_(list, traits_),
-        context_(database),
+        context_(database, plots),
         abortWanted_(abortWanted) {}
 
   AcGiRegenType regenType() const override { return kAcGiStandardDisplay; }

@@ -73,11 +73,12 @@ class Painter {
                   .adjusted(-kClipMargin, -kClipMargin, kClipMargin, kClipMargin)) {}
 
   void operator()(const LineItem& item) const {
-    painter_.setPen(QPen(QColor(colorOfIndex(item.color, style_.background)), 0));
+    painter_.setPen(pen(QColor(colorOfIndex(item.color, style_.background))));
     if (item.points.size() == 1) {
       painter_.drawPoint(device(item.points.front()));
       return;
     }
+    if (style_.lineWidth > 0) return drawRuns(item.points);
     for (size_t i = 1; i < item.points.size(); ++i) {
       QPointF a = device(item.points[i - 1]);
       QPointF b = device(item.points[i]);
@@ -115,7 +116,7 @@ class Painter {
       const double length = pixels * 0.7 * item.text.size();
       QPointF a = at;
       QPointF b = at + QPointF(std::cos(angle), -std::sin(angle)) * length;
-      painter_.setPen(QPen(color, 0));
+      painter_.setPen(pen(color));
       if (clipSegment(clip_, a, b)) painter_.drawLine(a, b);
       return;
     }
@@ -123,6 +124,7 @@ class Painter {
   }
 
   void operator()(const ImageItem& item) const {
+    if (style_.placeImages) return placeImage(item);
     const BlitPlan plan = planBlit(item, view_);
     if (plan.mode == BlitMode::kNothing) return;
     if (plan.mode == BlitMode::kExact) {
@@ -150,6 +152,48 @@ class Painter {
   QPointF device(const GroundPoint& ground) const {
     const PixelPoint p = pixelFromGround(view_, ground);
     return {p.x, p.y};
+  }
+
+  QPen pen(const QColor& color) const {
+    return QPen(color, style_.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+  }
+
+  /// The line in pieces as long as it stays inside, so that its corners are joined.
+  void drawRuns(const std::vector<GroundPoint>& points) const {
+    QPolygonF run;
+    const auto finish = [&] {
+      if (run.size() > 1) painter_.drawPolyline(run);
+      run.clear();
+    };
+    for (size_t i = 1; i < points.size(); ++i) {
+      QPointF a = device(points[i - 1]);
+      QPointF b = device(points[i]);
+      const QPointF end = b;
+      if (!clipSegment(clip_, a, b)) {
+        finish();
+        continue;
+      }
+      if (run.isEmpty() || run.last() != a) finish();
+      if (run.isEmpty()) run << a;
+      run << b;
+      if (b != end) finish();
+    }
+    finish();
+  }
+
+  void placeImage(const ImageItem& item) const {
+    const int w = item.image.width();
+    const int h = item.image.height();
+    const GroundPoint top{item.origin.x + item.v.x, item.origin.y + item.v.y};
+    const QPointF corner = device(top);
+    const QPointF across = (device({top.x + item.u.x, top.y + item.u.y}) - corner) / w;
+    const QPointF down = (device(item.origin) - corner) / h;
+    painter_.save();
+    painter_.setRenderHint(QPainter::LosslessImageRendering, true);
+    painter_.setTransform(
+        QTransform(across.x(), across.y(), down.x(), down.y(), corner.x(), corner.y()), true);
+    painter_.drawImage(0, 0, item.image);
+    painter_.restore();
   }
 
   void drawGlyphs(const TextItem& item, QPointF at, double pixels, double angle,

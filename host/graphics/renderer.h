@@ -14,6 +14,11 @@ namespace tarn::host {
 
 struct RenderStyle {
   QRgb background = 0xff212830;
+  /// Of all lines, in pixels; 0 for one pixel on a screen.
+  double lineWidth = 0;
+  /// Pictures go to the painter's device whole, with their transformation, instead of being turned
+  /// into its pixels: for devices that keep them.
+  bool placeImages = false;
   /// Tried in order for texts; Chinese first, since Latin letters are in those fonts too.
   QStringList fontFamilies = {"WenQuanYi Micro Hei", "WenQuanYi Zen Hei", "Noto Sans CJK SC",
                               "Droid Sans Fallback", "DejaVu Sans"};

@@ -63,6 +63,16 @@ ViewState pannedBy(const ViewState& view, double dx, double dy) {
   return out;
 }
 
+ViewState viewWithGroundAt(const ViewState& view, GroundPoint ground, PixelPoint pixel) {
+  ViewState out = view;
+  out.centerX = ground.x;
+  out.centerY = ground.y;
+  const GroundPoint there = groundFromPixel(out, pixel);
+  out.centerX += ground.x - there.x;
+  out.centerY += ground.y - there.y;
+  return out;
+}
+
 ViewState fittedTo(const ViewState& view, const GroundBox& box, double margin) {
   if (box.isEmpty() || !std::isfinite(box.maxX - box.minX) || !std::isfinite(box.maxY - box.minY)) {
     return view;

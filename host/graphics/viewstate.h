@@ -53,6 +53,10 @@ ACADHOST_EXPORT ViewState zoomedAt(const ViewState& view, PixelPoint pixel, doub
 /// The view after the drawing was dragged by (dx, dy) pixels, y down.
 ACADHOST_EXPORT ViewState pannedBy(const ViewState& view, double dx, double dy);
 
+/// The view moved so that the ground point falls on the pixel.
+ACADHOST_EXPORT ViewState viewWithGroundAt(const ViewState& view, GroundPoint ground,
+                                           PixelPoint pixel);
+
 /// The view that shows the whole box with a margin on each side (a part of its size). An empty or
 /// infinite box changes nothing; a box without area keeps the height.
 ACADHOST_EXPORT ViewState fittedTo(const ViewState& view, const GroundBox& box, double margin);

@@ -72,6 +72,10 @@ class ACADHOST_EXPORT AcEdInputPointManager {
   virtual Acad::ErrorStatus removePointMonitor(AcEdInputPointMonitor* monitor) = 0;
 };
 
+/// The viewport of the sheet through which the model is current; null when the sheet is, or the
+/// model's tab.
+ACADHOST_EXPORT AcDbObjectId acedGetCurViewportObjectId();
+
 /// Shows the record's centre, size and twist in the current viewport. No regeneration.
 ACADHOST_EXPORT Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view,
                                                      AcDbViewport* viewport);

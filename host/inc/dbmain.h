@@ -17,6 +17,7 @@ class AcDbDwgFiler;
 class AcDbEntity;
 class AcDbLayerTable;
 class AcDbObject;
+class AcDbViewTable;
 
 namespace tarn::host {
 struct DatabaseState;
@@ -143,6 +144,8 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   Acad::ErrorStatus getSymbolTable(AcDbLayerTable*& table, AcDb::OpenMode mode) {
     return getLayerTable(table, mode);
   }
+  AcDbObjectId viewTableId() const;
+  Acad::ErrorStatus getSymbolTable(AcDbViewTable*& table, AcDb::OpenMode mode);
   Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode);
 
   AcDbObjectId layerZero() const;

@@ -188,7 +188,8 @@ class ACADHOST_EXPORT AcDbBlockTable : public AcDbTypedSymbolTable<AcDbBlockTabl
   ACRX_DECLARE_MEMBERS(AcDbBlockTable);
 };
 
-/// A view as a value, for acedSetCurrentView. Sizes in drawing units, the twist in radians.
+/// A view, by itself a value for acedSetCurrentView. The centre is a point of the ground; sizes in
+/// drawing units, the twist in radians.
 class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbViewTableRecord);
@@ -219,6 +220,9 @@ class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
   bool frontClipAtEye() const { return frontAtEye_; }
   void setFrontClipAtEye(bool on) { frontAtEye_ = on; }
 
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
  private:
   AcGePoint2d center_;
   double height_ = 0.0;
@@ -233,4 +237,9 @@ class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
   bool frontOn_ = false;
   bool backOn_ = false;
   bool frontAtEye_ = true;
+};
+
+class ACADHOST_EXPORT AcDbViewTable : public AcDbTypedSymbolTable<AcDbViewTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbViewTable);
 };

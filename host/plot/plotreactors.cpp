@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "acplplotconfig.h"
 #include "acplplotinfo.h"
 #include "acplplotreactor.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcPlPlotReactor, AcRxObject)
 ACRX_CONS_DEFINE_MEMBERS(AcPlPlotInfo, AcRxObject, 1)
+ACRX_CONS_DEFINE_MEMBERS(AcPlPlotConfig, AcRxObject, 1)
 
 void AcPlPlotReactor::beginPlot() {}
 void AcPlPlotReactor::beginDocument(AcPlPlotInfo&, const ACHAR*, Adesk::Int32, bool, const ACHAR*) {
@@ -41,5 +43,6 @@ PlotReactors& plotReactors() {
 AcPlPlotReactorMgr* acplPlotReactorMgrPtr() {
   AcPlPlotReactor::rxInit();
   AcPlPlotInfo::rxInit();
+  AcPlPlotConfig::rxInit();
   return &tarn::host::plotReactors();
 }
