@@ -119,6 +119,10 @@ void regenCommand() {
 }
 
 void twistCommand() {
+  const Space& space = app().documents().current().space();
+  if (!space.isTiled() && space.currentPort() == kPaperViewport) {
+    return failCommand(app(), "A sheet cannot be twisted; enter a viewport first (MSPACE).");
+  }
   ads_real angle = 0;
   if (acedGetAngle(nullptr, ACRX_T("\nTwist of the view in degrees: "), &angle) != RTNORM) return;
   ViewState view = app().view();

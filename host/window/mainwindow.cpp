@@ -138,6 +138,7 @@ void MainWindow::fillFileMenu(QMenu& menu, QToolBar& tools) {
   add->setShortcut(QKeySequence::Open);
   QAction* save = menu.addAction(makeIcon(IconKind::kSavePicture, ink), "&Save picture...", this,
                                  [this] { savePicture(); });
+  menu.addAction("&Plot", this, [this] { session_.run("PLOT"); })->setShortcut(QKeySequence::Print);
   menu.addSeparator();
   QAction* quit = menu.addAction("&Quit", this, [this] { close(); });
   quit->setShortcut(QKeySequence::Quit);

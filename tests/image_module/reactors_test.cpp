@@ -4,8 +4,10 @@
 
 #include "_image/inputwatch.h"
 #include "accmd.h"
+#include "aced.h"
 #include "acplplotreactormgr.h"
 #include "host/editor/documents.h"
+#include "host/editor/regenerator.h"
 #include "host/editor/sysvars.h"
 #include "inc/iconfigmanager.h"
 #include "inc/imessagerouter.h"
@@ -215,6 +217,72 @@ TEST_F(Reactors, TheTwistIsKeptAndPlotValuesAreReset) {
   tarn::image::g_plotValues[3] = 7;
   g_plotReactor->endPlot();
   for (const double value : tarn::image::g_plotValues) EXPECT_EQ(value, 0.0);
+}
+
+/// Counts the commands of the paper-space bracket.
+class Bracket : public AcEditorReactor {
+ public:
+  Bracket() { acedEditor->addReactor(this); }
+  ~Bracket() override { acedEditor->removeReactor(this); }
+  void commandWillStart(const ACHAR* command) override {
+    const std::wstring name = command;
+    enter += name == L"MSPACE";
+    leave += name == L"PSPACE";
+  }
+  int enter = 0;
+  int leave = 0;
+};
+
+TEST_F(Reactors, TheBracketRunsExactlyWhileTheSheetIsCurrent) {
+  const struct {
+    const char* line;
+    bool runs;
+  } steps[] = {
+      {"SETVAR TILEMODE 0", true},
+      {"SETVAR CVPORT 2", false},
+      {"SETVAR CVPORT 1", true},
+      {"SETVAR TILEMODE 1", false},
+  };
+  for (const auto& step : steps) {
+    SCOPED_TRACE(step.line);
+    host_->run(step.line);
+    redraws();
+    const Bracket bracket;
+    g_refresh.suspendRefresh = true;
+    host_->app->regenerate();
+    EXPECT_EQ(redraws(), 1);
+    EXPECT_EQ(bracket.enter > 0, step.runs);
+    EXPECT_EQ(bracket.enter, bracket.leave);
+    EXPECT_TRUE(g_refresh.suspendRefresh) << "the flags are kept";
+    g_refresh.suspendRefresh = false;
+  }
+}
+
+TEST_F(Reactors, APlotFetchesOnceAndDrawsNothingOnTheScreen) {
+  const std::string file = host_->folder + "/plot.png";
+  const auto plot = [&](const char* layout, const char* area) {
+    host_->frontEnd.answers = {"Yes", layout, "PNG",    "A4", "Millimeters", "Landscape", "0",
+                               area,  "Fit",  "Center", "20", file,          "No",        "Yes"};
+    const long long before = host_->app->regenerator().screenDrawings();
+    const std::string printed = host_->run("PLOT");
+    EXPECT_NE(printed.find("written"), std::string::npos) << printed;
+    EXPECT_EQ(host_->app->regenerator().screenDrawings(), before);
+    EXPECT_FALSE(g_refresh.plotting);
+    for (const double value : tarn::image::g_plotValues) EXPECT_EQ(value, 0.0);
+    EXPECT_TRUE(tarn::image::g_plotViewports.empty());
+    return redraws();
+  };
+  for (const char* area : {"Display", "Extents", "Limits"}) {
+    EXPECT_EQ(plot("Model", area), 1) << area;
+  }
+  host_->run("SETVAR TILEMODE 0");
+  host_->run("MVIEW 10,10 100,100");
+  redraws();
+  EXPECT_EQ(plot("Layout1", "Layout"), 2) << "once for each viewport";
+  host_->run("SETVAR CVPORT 3");
+  redraws();
+  EXPECT_EQ(plot("Layout1", "Layout"), 2);
+  EXPECT_EQ(std::get<short>(*host_->app->variables().get("CVPORT")), 3);
 }
 
 TEST_F(Reactors, UnloadDetachesThem) {
