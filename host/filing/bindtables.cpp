@@ -3,6 +3,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/entitycodec.h"
+#include "host/filing/objectcodec.h"
 
 namespace tarn::host {
 
@@ -85,6 +86,8 @@ const TableKind kTables[] = {
      [](const TagView&) {
        return static_cast<AcDbSymbolTableRecord*>(new AcDbTextStyleTableRecord);
      }},
+    {"VIEW", &DatabaseState::viewTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbViewTable); }, readViewRecord},
     {"BLOCK_RECORD", &DatabaseState::blockTable,
      [] { return static_cast<AcDbSymbolTable*>(new AcDbBlockTable); },
      [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbBlockTableRecord); }},

@@ -99,6 +99,8 @@ class DrawingWriter {
       bytes = entityBytes(*entity, &bound);
     } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
       bytes = writeLayerRecord(binding_, *layer, &bound, 0);
+    } else if (const auto* view = AcDbViewTableRecord::cast(object)) {
+      bytes = writeViewRecord(binding_, *view, &bound, 0);
     } else if (isDictionary) {
       bytes = writeDictionary(binding_, *AcDbDictionary::cast(object), &bound);
     } else if (const auto* record = AcDbXrecord::cast(object)) {
@@ -175,6 +177,7 @@ class DrawingWriter {
 
   void writeNew() {
     std::string layers;
+    std::string views;
     std::string blockRecords;
     std::string objects;
     std::vector<const AcDbBlockTableRecord*> blocks;
@@ -188,6 +191,9 @@ class DrawingWriter {
       } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
         layers += writeLayerRecord(binding_, *layer, nullptr,
                                    handleInFile(binding_.database->layerTableId()));
+      } else if (const auto* view = AcDbViewTableRecord::cast(object)) {
+        views += writeViewRecord(binding_, *view, nullptr,
+                                 handleInFile(binding_.database->viewTableId()));
       } else if (const auto* block = AcDbBlockTableRecord::cast(object)) {
         if (binding_.implied.count(stub) > 0) continue;
         blocks.push_back(block);
@@ -198,6 +204,7 @@ class DrawingWriter {
       }
     }
     if (!layers.empty()) insertRecords("LAYER", layers);
+    if (!views.empty()) insertRecords("VIEW", views);
     if (!blockRecords.empty() && !document_.isOld()) insertRecords("BLOCK_RECORD", blockRecords);
     std::string definitions;
     for (const AcDbBlockTableRecord* block : blocks) {

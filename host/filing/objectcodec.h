@@ -28,6 +28,9 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
                             const BoundObject* old);
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old);
+AcDbSymbolTableRecord* readViewRecord(const TagView& tags);
+std::string writeViewRecord(const DrawingBinding& binding, const AcDbViewTableRecord& view,
+                            const BoundObject* old, std::uint64_t tableHandle);
 std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
                              const BoundObject* old, std::uint64_t tableHandle);
 PlotData readPlotData(const TagView& tags);

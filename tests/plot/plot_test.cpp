@@ -370,6 +370,24 @@ TEST_F(Plot, BadAnswersAreRefusedWithAReason) {
   }
 }
 
+TEST_F(Plot, SheetsAndViewsComeBackFromTheirFile) {
+  const std::string drawing = at("sheets.dxf");
+  const std::string pdf = at("again.pdf");
+  const Outcome saved = runCadhost(
+      *scratch_, {"--script", "-", "--save", drawing, at("smooth.tif")},
+      kSheet + std::string("SETVAR TILEMODE 1\nZOOM C 40500100,3512500 80\nTWIST 20\nVIEW Save\n"
+                           "here\n"));
+  ASSERT_EQ(saved.exitCode, 0) << saved.output;
+  const Outcome opened =
+      runCadhost(*scratch_, {"--script", "-", drawing},
+                 sheetScript("PDF", pdf) + "VIEW Restore\nhere\nSETVAR VIEWSIZE\nSETVAR VIEWCTR\n");
+  ASSERT_EQ(opened.exitCode, 0) << opened.output;
+  EXPECT_NE(opened.output.find("VIEWSIZE = 80 "), std::string::npos) << opened.output;
+  EXPECT_NE(opened.output.find("VIEWCTR = 40500100,3512500,0"), std::string::npos);
+  const QImage paper = page(pdf);
+  for (const Placed& placed : sheetPlaces()) expectGround(paper, placed);
+}
+
 TEST_F(Plot, ADiskThatIsFullKeepsTheOldFile) {
   const std::string pdf = at("kept.pdf");
   ASSERT_TRUE(writeFileAtomically(pdf, "the old plot"));
