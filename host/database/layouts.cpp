@@ -77,11 +77,7 @@ LayoutEntry enterLayout(AcDbDatabase& database, const std::string& name, AcDbObj
   layout->setBlockTableRecordId(block);
   PlotData data;
   data.model = model;
-  if (model) {
-    data.type = AcDbPlotSettings::kDisplay;
-    data.fit = true;
-    data.centered = true;
-  }
+  if (model) data.showDisplay();
   LayoutAccess::setData(*layout, data);
   LayoutEntry entry{{}, block, name, order, model};
   if (all->setAt(toWide(name).c_str(), layout, entry.id) != Acad::eOk) {

@@ -33,6 +33,13 @@ struct PlotData {
   double numerator = 1;
   double denominator = 1;
   bool model = false;
+
+  /// What is on the screen, as large as fits: how a model without settings of its own is plotted.
+  void showDisplay() {
+    type = AcDbPlotSettings::kDisplay;
+    fit = true;
+    centered = true;
+  }
 };
 
 }  // namespace tarn::host

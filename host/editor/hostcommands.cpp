@@ -10,8 +10,8 @@
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
 #include "host/editor/layoutcommands.h"
-#include "host/editor/pointcloudcommand.h"
 #include "host/editor/plotjob.h"
+#include "host/editor/pointcloudcommand.h"
 #include "host/editor/sysvars.h"
 
 namespace tarn::host {

@@ -173,6 +173,8 @@ PlotJob defaultJob(HostApp& app, const LayoutEntry& layout) {
   job.layout = layout;
   const AcDbObjectPointer<AcDbLayout> open(layout.id, AcDb::kForRead);
   if (open.openStatus() == Acad::eOk) job.settings = LayoutAccess::data(*open.object());
+  // Many programs give the model a plot type that only a sheet can have.
+  if (layout.isModel && job.settings.type == AcDbPlotSettings::kLayout) job.settings.showDisplay();
   const std::string drawing = absolutePath(app.documents().current().path());
   const std::string name = nameOf(drawing);
   const std::string stem = name.substr(0, name.size() - extensionOf(name).size());

@@ -375,10 +375,10 @@ constexpr char kLayout[] = R"(0 LAYOUT
 2
 4 A3
 6
-40 0.0
-41 0.0
-42 0.0
-43 0.0
+40 5.0
+41 5.0
+42 5.0
+43 5.0
 44 420.0
 45 297.0
 46 0.0
@@ -392,9 +392,9 @@ constexpr char kLayout[] = R"(0 LAYOUT
 70 %FLAGS%
 72 1
 73 0
-74 5
+74 %TYPE%
 7
-75 16
+75 %SCALE%
 147 1.0
 148 0.0
 149 0.0
@@ -431,22 +431,32 @@ constexpr char kLayout[] = R"(0 LAYOUT
 
 constexpr char kTail[] = "0 ENDSEC\n0 EOF\n";
 
-std::string layout(const char* handle, const char* name, const char* order, const char* flags,
-                   const char* block) {
+struct LayoutText {
+  const char* mark;
+  const char* text;
+};
+/// The model is plotted as it is displayed, fitted and centred.
+constexpr LayoutText kModelTexts[] = {
+    {"%HANDLE%", "22"}, {"%NAME%", "Model"}, {"%ORDER%", "0"},  {"%FLAGS%", "1716"},
+    {"%TYPE%", "0"},    {"%SCALE%", "0"},    {"%BLOCK%", "18"},
+};
+constexpr LayoutText kSheetTexts[] = {
+    {"%HANDLE%", "23"}, {"%NAME%", "Layout1"}, {"%ORDER%", "1"},  {"%FLAGS%", "688"},
+    {"%TYPE%", "5"},    {"%SCALE%", "16"},     {"%BLOCK%", "19"},
+};
+
+template <size_t kCount>
+std::string layout(const LayoutText (&texts)[kCount]) {
   std::string text = kLayout;
-  text = replaceAll(std::move(text), "%HANDLE%", handle);
-  text = replaceAll(std::move(text), "%NAME%", name);
-  text = replaceAll(std::move(text), "%ORDER%", order);
-  text = replaceAll(std::move(text), "%FLAGS%", flags);
-  return replaceAll(std::move(text), "%BLOCK%", block);
+  for (const LayoutText& one : texts) text = replaceAll(std::move(text), one.mark, one.text);
+  return text;
 }
 
 }  // namespace
 
 std::string newDrawingBytes(std::string_view version) {
   const std::string text = replaceAll(kHead, "%VERSION%", version) + kTables + kBlocks + kObjects +
-                           layout("22", "Model", "0", "1712", "18") +
-                           layout("23", "Layout1", "1", "688", "19") + kTail;
+                           layout(kModelTexts) + layout(kSheetTexts) + kTail;
   std::string out;
   for (const std::string& line : split(text, '\n')) {
     if (line.empty()) continue;
