@@ -262,7 +262,7 @@ TEST_F(Reactors, APlotFetchesOnceAndDrawsNothingOnTheScreen) {
   const std::string file = host_->folder + "/plot.png";
   const auto plot = [&](const char* layout, const char* area) {
     host_->frontEnd.answers = {"Yes", layout, "PNG",    "A4", "Millimeters", "Landscape", "0",
-                               area,  "Fit",  "Center", "20", file,          "No",        "Yes"};
+                               area,  "Fit",  "Center", "40", file,          "No",        "Yes"};
     const long long before = host_->app->regenerator().screenDrawings();
     const std::string printed = host_->run("PLOT");
     EXPECT_NE(printed.find("written"), std::string::npos) << printed;
