@@ -23,14 +23,34 @@ bool fileExists(const std::string& path) {
   return fileKind(path) == FileKind::kRegular;
 }
 
-/// The stored path, or the file of that name in the drawing's folder; empty when neither is there.
+/// The last one, two ... parts of a path, with '/' between them.
+std::vector<std::string> endsOf(const std::string& path) {
+  constexpr size_t kMostParts = 4;
+  std::vector<std::string> ends;
+  std::string rest = path;
+  while (ends.size() < kMostParts && !rest.empty()) {
+    const std::string part = nameOf(rest);
+    ends.push_back(ends.empty() ? part : joinPath(part, ends.back()));
+    rest = folderOf(rest);
+  }
+  return ends;
+}
+
+/// The stored path; else the longest end of it that is a file in the drawing's folder or in one of
+/// the two above, the nearest first; empty when there is none.
 std::string existingPath(const std::string& stored, const AcApDocument& document) {
+  constexpr int kFolders = 3;
   if (fileExists(stored)) return stored;
   const ACHAR* drawing = document.fileName();
-  const std::string folder = folderOf(toUtf8(drawing ? drawing : L""));
-  if (folder.empty()) return {};
-  const std::string beside = joinPath(folder, stemOf(stored) + extensionOf(stored));
-  return fileExists(beside) ? beside : std::string();
+  const std::vector<std::string> ends = endsOf(stored);
+  for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
+    std::string folder = folderOf(toUtf8(drawing ? drawing : L""));
+    for (int i = 0; i < kFolders && !folder.empty(); ++i, folder = folderOf(folder)) {
+      std::string path = joinPath(folder, *end);
+      if (fileExists(path)) return path;
+    }
+  }
+  return {};
 }
 
 bool restoreImage(AcApDocument* document, CDocData& record, const std::wstring& path) {

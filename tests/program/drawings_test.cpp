@@ -44,6 +44,19 @@ TEST(Drawings, imagesComeBackAndNothingIsDoubled) {
   EXPECT_NEAR(qRed(middle), 90, 2) << "the image is not seen";
 }
 
+TEST(Drawings, imagesMovedTogetherWithTheirDrawingAreFound) {
+  const Scratch scratch("tarn_drawing_");
+  ASSERT_TRUE(makeFolders(scratch.at("old/plans")) && makeFolders(scratch.at("old/images")));
+  const std::string image = scratch.at("old/images/map.tif");
+  ASSERT_TRUE(writeRaster(makeRaster(30, 20, 0, 20, 1, [](int, int, uint8_t*) {}), image));
+  const Outcome made = runCadhost(scratch, {"--save", scratch.at("old/plans/plan.dxf"), image});
+  ASSERT_EQ(made.exitCode, 0) << made.output;
+  ASSERT_TRUE(replaceFile(scratch.at("old"), scratch.at("new")));
+  const Outcome opened =
+      runCadhost(scratch, {"--command", "_List", scratch.at("new/plans/plan.dxf")});
+  EXPECT_EQ(countOf(opened.output, scratch.at("new/images/map.tif")), 1U) << opened.output;
+}
+
 TEST(Drawings, aDrawingThatCannotBeOpenedIsNamed) {
   const Scratch scratch("tarn_drawing_");
   ASSERT_TRUE(writeFileAtomically(scratch.at("bad.dxf"), "0\nSECTION\n2\nENTITIES\nx\n"));
