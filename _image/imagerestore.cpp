@@ -36,11 +36,13 @@ std::vector<std::string> endsOf(const std::string& path) {
   return ends;
 }
 
-/// The stored path; else the longest end of it that is a file in the drawing's folder or in one of
-/// the two above, the nearest first; empty when there is none.
+/// A stored full path that is a file; else the longest end of it that is one in the drawing's
+/// folder or in one of the two above, the nearest first; empty when there is none. A stored path
+/// that is relative belongs to the drawing's folder, never to the one that the program was started
+/// in.
 std::string existingPath(const std::string& stored, const AcApDocument& document) {
   constexpr int kFolders = 3;
-  if (fileExists(stored)) return stored;
+  if (absolutePath(stored) == stored && fileExists(stored)) return stored;
   const ACHAR* drawing = document.fileName();
   const std::vector<std::string> ends = endsOf(stored);
   for (auto end = ends.rbegin(); end != ends.rend(); ++end) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "base/file.h"
+#include "base/path.h"
 #include "tests/support/program.h"
 #include "tests/support/rasters.h"
 
@@ -20,12 +21,15 @@ std::string bytesOf(const std::string& path) {
   return bytes ? bytes.take() : std::string();
 }
 
+Raster greyRaster() {
+  return makeRaster(300, 200, 0, 200, 1,
+                    [](int, int, uint8_t* rgb) { rgb[0] = rgb[1] = rgb[2] = 90; });
+}
+
 TEST(Drawings, imagesComeBackAndNothingIsDoubled) {
   const Scratch scratch("tarn_drawing_");
   const std::string image = scratch.at("map.tif");
-  ASSERT_TRUE(writeRaster(makeRaster(300, 200, 0, 200, 1,
-                                     [](int, int, uint8_t* rgb) { rgb[0] = rgb[1] = rgb[2] = 90; }),
-                          image));
+  ASSERT_TRUE(writeRaster(greyRaster(), image));
   const std::string first = scratch.at("plan.dxf");
   const Outcome made = runCadhost(scratch, {"--save", first, image});
   ASSERT_EQ(made.exitCode, 0) << made.output;
@@ -44,17 +48,48 @@ TEST(Drawings, imagesComeBackAndNothingIsDoubled) {
   EXPECT_NEAR(qRed(middle), 90, 2) << "the image is not seen";
 }
 
+/// True when the image, which is all of one grey, is in the middle of the drawing's first picture.
+bool showsImage(const Scratch& scratch, const std::string& drawing) {
+  const std::string picture = scratch.at("p.png");
+  const Outcome outcome = runCadhost(scratch, {"--picture", picture, drawing});
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  const QImage image(QString::fromStdString(picture));
+  EXPECT_TRUE(removeAll(picture));
+  return qAbs(qRed(image.pixel(image.width() / 2, image.height() / 2)) - 90) <= 2;
+}
+
 TEST(Drawings, imagesMovedTogetherWithTheirDrawingAreFound) {
-  const Scratch scratch("tarn_drawing_");
-  ASSERT_TRUE(makeFolders(scratch.at("old/plans")) && makeFolders(scratch.at("old/images")));
-  const std::string image = scratch.at("old/images/map.tif");
-  ASSERT_TRUE(writeRaster(makeRaster(30, 20, 0, 20, 1, [](int, int, uint8_t*) {}), image));
-  const Outcome made = runCadhost(scratch, {"--save", scratch.at("old/plans/plan.dxf"), image});
-  ASSERT_EQ(made.exitCode, 0) << made.output;
-  ASSERT_TRUE(replaceFile(scratch.at("old"), scratch.at("new")));
-  const Outcome opened =
-      runCadhost(scratch, {"--command", "_List", scratch.at("new/plans/plan.dxf")});
-  EXPECT_EQ(countOf(opened.output, scratch.at("new/images/map.tif")), 1U) << opened.output;
+  struct Case {
+    const char* drawing;
+    const char* image;
+    const char* imageAfter;  // where only this one was moved to, or null
+    bool isFound;
+  };
+  const Case cases[] = {
+      {"plan.dxf", "map.tif", nullptr, true},
+      {"plan.dxf", "images/2026/map.tif", nullptr, true},
+      {"plans/plan.dxf", "images/map.tif", nullptr, true},
+      {"plans/north/plan.dxf", "images/map.tif", nullptr, true},
+      {"plans/plan.dxf", "images/map.tif", "plans/map.tif", true},
+      {"plans/plan.dxf", "images/map.tif", "other/map.tif", false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.drawing) + " " + c.image);
+    const Scratch scratch("tarn_drawing_");
+    for (const char* path : {c.drawing, c.image, c.imageAfter}) {
+      if (path == nullptr) continue;
+      ASSERT_TRUE(makeFolders(folderOf(scratch.at("old/") + path)));
+    }
+    const std::string image = scratch.at("old/") + c.image;
+    ASSERT_TRUE(writeRaster(greyRaster(), image));
+    const Outcome made = runCadhost(scratch, {"--save", scratch.at("old/") + c.drawing, image});
+    ASSERT_EQ(made.exitCode, 0) << made.output;
+    if (c.imageAfter != nullptr) {
+      ASSERT_TRUE(replaceFile(image, scratch.at("old/") + c.imageAfter));
+    }
+    ASSERT_TRUE(replaceFile(scratch.at("old"), scratch.at("new")));
+    EXPECT_EQ(showsImage(scratch, scratch.at("new/") + c.drawing), c.isFound);
+  }
 }
 
 TEST(Drawings, aDrawingThatCannotBeOpenedIsNamed) {
