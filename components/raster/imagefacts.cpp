@@ -117,6 +117,20 @@ ImageFacts describe(GDALDataset& dataset) {
   return facts;
 }
 
+Status wantBands(const std::vector<int>& bands, ImageFacts& facts) {
+  if (bands.empty()) return Status::ok();
+  if (bands.size() != 1 && bands.size() != 3)
+    return Status::error("one band or three can be shown, not " + std::to_string(bands.size()));
+  const int count = static_cast<int>(facts.bands.size());
+  for (const int number : bands) {
+    if (number < 1 || number > count)
+      return Status::error("has no band " + std::to_string(number) + ", only " +
+                           std::to_string(count));
+  }
+  facts.wantedBands = bands;
+  return Status::ok();
+}
+
 std::vector<ControlPoint> controlPointsOf(GDALDataset& dataset) {
   std::vector<ControlPoint> points;
   const GDAL_GCP* gdalPoints = dataset.GetGCPs();

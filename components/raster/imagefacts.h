@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/result.h"
 #include "components/raster/georeference.h"
 
 class GDALDataset;
@@ -48,6 +49,8 @@ struct ImageFacts {
   int width = 0;
   int height = 0;
   std::vector<BandFacts> bands;
+  /// Numbers of the bands to show as gray or as red, green and blue; empty for what the bands say.
+  std::vector<int> wantedBands;
   /// GDAL's name of the compression; empty for none.
   std::string compression;
   /// Colours of the file when GDAL converts them ("CMYK"); empty else.
@@ -66,6 +69,9 @@ struct ImageFacts {
 
 /// Reads the facts of an open dataset; I/O, but no decision.
 ImageFacts describe(GDALDataset& dataset);
+/// Asks for the bands with these numbers (from 1); empty leaves it to the image. Fails (a sentence
+/// without the file) when there is no such band or they are neither one nor three.
+Status wantBands(const std::vector<int>& bands, ImageFacts& facts);
 std::vector<ControlPoint> controlPointsOf(GDALDataset& dataset);
 
 }  // namespace tarn::raster

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/path.h"
+#include "components/raster/buildfolder.h"
 #include "components/raster/gdalsamples.h"
 #include "components/raster/georeferencefiles.h"
 #include "components/raster/presentedlevels.h"
@@ -118,6 +119,8 @@ Status RasterImage::loadFullSize(const OpenOptions& options) {
   DatasetPtr dataset = opened.take();
   const GdalErrors errors;
   facts_ = describe(*dataset);
+  if (Status wanted = wantBands(options.bands, facts_); !wanted)
+    return Status::error(path_ + ": " + wanted.message());
   if (facts_.driver == "GTiff") {
     auto directories = readTiffDirectories(*file_, times_.size);
     if (!directories) return Status::error(path_ + ": " + directories.message());

@@ -49,6 +49,11 @@ Choice chooseBands(const ImageFacts& facts) {
   }
   // The alpha of converted CMYK is made up by the conversion.
   if (facts.colourSpace == "CMYK") choice.alphaBand = 0;
+  if (!facts.wantedBands.empty()) {
+    choice.bands = facts.wantedBands;
+    choice.palette = choice.bands.size() == 1 && !facts.bands[choice.bands[0] - 1].palette.empty();
+    return choice;
+  }
   choice.bands = bandsOf(facts.bands, {BandColour::kRed, BandColour::kGreen, BandColour::kBlue});
   if (!choice.bands.empty()) return choice;
   choice.bands = bandsOf(facts.bands, {BandColour::kCyan, BandColour::kMagenta, BandColour::kYellow,

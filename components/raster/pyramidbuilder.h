@@ -1,18 +1,15 @@
 // Makes the pyramid file of an image.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
 #include "base/result.h"
+#include "components/raster/progress.h"
 #include "components/raster/pyramidfile.h"
 #include "components/raster/tile.h"
 
 namespace tarn::raster {
-
-/// Called with the part done, 0 to 1, on the thread that started the work; false stops it.
-using Progress = std::function<bool(double)>;
 
 struct PyramidSource {
   PyramidSubject subject;

@@ -6,23 +6,11 @@
 #include <utility>
 
 #include "base/file.h"
-#include "base/filelock.h"
 #include "base/path.h"
 #include "components/raster/tiffdirectory.h"
 
 namespace tarn::raster {
 namespace {
-
-std::string hashName(const std::string& text) {
-  static const char* kDigits = "0123456789abcdef";
-  uint64_t hash = hashBytes(text.data(), text.size());
-  std::string name(16, '0');
-  for (char& c : name) {
-    c = kDigits[hash & 15];
-    hash >>= 4;
-  }
-  return name;
-}
 
 /// True when the picture can be a reduction of an image of that size.
 bool isReduction(const TiffDirectory& picture, int width, int height) {
@@ -101,23 +89,6 @@ FoundPyramid findPyramid(const PyramidSubject& subject, const PyramidPlaces& pla
     found.stale = found.stale || (ours && found.state != PyramidState::kMissing);
   }
   return {PyramidState::kMissing, {}, {}, found.stale};
-}
-
-std::string buildFolderPath(const std::string& pyramid) {
-  return joinPath(folderOf(pyramid), ".tarnpyramid-" + hashName(nameOf(pyramid)));
-}
-
-std::string buildLockPath(const std::string& buildFolder) {
-  return joinPath(buildFolder, "lock");
-}
-
-void removeDeadBuild(const std::string& pyramid) {
-  const std::string build = buildFolderPath(pyramid);
-  if (fileKind(build) != FileKind::kFolder) return;
-  FileLock lock;
-  if (!lock.tryLock(buildLockPath(build))) return;
-  // What cannot be removed here belongs to another user, whose own next open removes it.
-  static_cast<void>(removeAll(build));
 }
 
 }  // namespace tarn::raster

@@ -62,13 +62,4 @@ struct FoundPyramid {
 };
 FoundPyramid findPyramid(const PyramidSubject& subject, const PyramidPlaces& places);
 
-/// The hidden folder in which a pyramid is built, beside the place where it will stand. One a
-/// pyramid, so that two builds meet and leftovers are found without searching.
-std::string buildFolderPath(const std::string& pyramid);
-/// The lock file in it; a living build holds its lock.
-std::string buildLockPath(const std::string& buildFolder);
-
-/// Removes what a build of the pyramid that died has left. A living build is left alone.
-void removeDeadBuild(const std::string& pyramid);
-
 }  // namespace tarn::raster

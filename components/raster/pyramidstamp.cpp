@@ -55,6 +55,17 @@ uint64_t hashBytes(const void* bytes, size_t count, uint64_t hash) {
   return hash;
 }
 
+std::string hashName(const std::string& text) {
+  static const char* kDigits = "0123456789abcdef";
+  uint64_t hash = hashBytes(text.data(), text.size());
+  std::string name(16, '0');
+  for (char& c : name) {
+    c = kDigits[hash & 15];
+    hash >>= 4;
+  }
+  return name;
+}
+
 Result<ImageStamp> stampOf(const std::string& path) {
   constexpr uint64_t kEnd = 65536;
   RandomFile file;

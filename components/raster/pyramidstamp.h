@@ -44,5 +44,7 @@ std::optional<PyramidMark> markInMetadata(const std::string& xml);
 /// A 64-bit hash (FNV-1a) of bytes, going on from `hash`.
 constexpr uint64_t kHashStart = 0xCBF29CE484222325ULL;
 uint64_t hashBytes(const void* bytes, size_t count, uint64_t hash = kHashStart);
+/// The hash of a text as 16 letters for a file name.
+std::string hashName(const std::string& text);
 
 }  // namespace tarn::raster

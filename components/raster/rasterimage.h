@@ -32,6 +32,9 @@ struct OpenOptions {
   PyramidPlaces places;
   /// False: read the image's own full-size pixels only.
   bool usePyramid = true;
+  /// Numbers (from 1) of the one band or the three that are shown as gray or as red, green and
+  /// blue; empty for what the image itself says.
+  std::vector<int> bands{};
 };
 
 /// A window on the image: `columns * rows` cells of `cellX * cellY` image pixels, the first with
@@ -72,6 +75,13 @@ class RasterImage {
   int coordinateSystem() const { return facts_.coordinateSystem; }
   /// Sentences for the user about what was found, without the image's name.
   const std::vector<std::string>& notes() const { return notes_; }
+  /// What the file is, and how its samples become the pixels that are shown.
+  const ImageFacts& facts() const { return facts_; }
+  const Presentation& presentation() const { return presentation_; }
+  /// The image's own pixels in full size, as they lie in the file: not turned, mirrored or
+  /// resampled. Lives as long as the image.
+  const TileReader& storedPixels() const { return *levels_[0].reader; }
+  const std::shared_ptr<GuardedImage>& guarded() const { return guarded_; }
   /// Number of levels in use, the full size included.
   size_t levelCount() const { return levels_.size(); }
 

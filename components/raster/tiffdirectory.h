@@ -12,7 +12,7 @@
 namespace tarn::raster {
 
 namespace tiff {
-constexpr uint16_t kNone = 1, kJpeg = 7;
+constexpr uint16_t kNone = 1, kJpeg = 7, kDeflate = 8, kZstd = 50000;
 constexpr uint16_t kMinIsBlack = 1, kRgb = 2, kYCbCr = 6;
 constexpr uint32_t kReducedImage = 1, kMask = 4;
 }  // namespace tiff

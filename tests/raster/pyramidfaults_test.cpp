@@ -8,6 +8,7 @@
 #include "base/file.h"
 #include "base/filelock.h"
 #include "base/path.h"
+#include "components/raster/buildfolder.h"
 #include "tests/raster/testimages.h"
 
 namespace tarn::raster {
