@@ -18,6 +18,7 @@ constexpr size_t kSecondOrderFrom = 6;
 std::vector<GDAL_GCP> asGdal(const std::vector<ControlPoint>& points) {
   static char nothing[] = "";
   std::vector<GDAL_GCP> out;
+  out.reserve(points.size());
   for (const ControlPoint& p : points)
     out.push_back({nothing, nothing, p.column, p.row, p.x, p.y, 0});
   return out;

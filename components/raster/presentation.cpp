@@ -21,7 +21,8 @@ struct Choice {
 };
 
 /// The bands of the colours, in their order; empty unless each is there.
-std::vector<int> bandsOf(const std::vector<BandFacts>& bands, std::vector<BandColour> colours) {
+std::vector<int> bandsOf(const std::vector<BandFacts>& bands,
+                         const std::vector<BandColour>& colours) {
   std::vector<int> found;
   for (const BandColour colour : colours) {
     const auto at = std::find_if(bands.begin(), bands.end(),

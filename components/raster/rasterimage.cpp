@@ -251,7 +251,7 @@ Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& pr
   PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt,
                        presentation_.thinLines, presentation_.lossy};
   if (presentation_.conversion == Conversion::kScaled) source.scale = presentation_.scale;
-  const Status built = buildPyramidFile(source, places, progress, note);
+  Status built = buildPyramidFile(source, places, progress, note);
   if (built && stale)
     note = "its pyramid no longer fitted the image and was built again" +
            (note.empty() ? note : "; " + note);

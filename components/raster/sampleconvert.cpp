@@ -185,6 +185,7 @@ class Converter {
     const std::vector<uint8_t>& table = *p_.table;
     const size_t entries = table.size() / p_.channels;
     for (size_t i = 0; i < count; ++i) {
+      // NOLINTNEXTLINE(bugprone-signed-char-misuse): what is negative lies beyond the table
       const auto index = static_cast<size_t>(samples[i]);
       uint8_t* pixel = out + i * p_.channels;
       for (int c = 0; c < p_.channels; ++c)

@@ -144,7 +144,7 @@ inline bool isKey(const uint8_t* p, int channels) {
 
 /// Stores sum / weight, or black when the weight is less than half of `all`.
 inline void storeShare(const int* sum, int weight, int all, int channels, uint8_t* out) {
-  if (2 * weight < all) {
+  if (weight == 0 || 2 * weight < all) {
     std::memset(out, 0, static_cast<size_t>(channels));
     return;
   }
@@ -261,7 +261,7 @@ void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8
 void averageRows(const uint8_t* rows, int n, int count, int channels, uint8_t* out) {
   const size_t stride = static_cast<size_t>(n) * count * channels;
   for (int i = 0; i < count; ++i, out += channels) {
-    int sum[3] = {0, 0, 0}, weight = 0;
+    int sum[4] = {0, 0, 0, 0}, weight = 0;
     for (int y = 0; y < n; ++y) {
       const uint8_t* p = rows + y * stride + static_cast<size_t>(i) * n * channels;
       for (int x = 0; x < n; ++x, p += channels) {

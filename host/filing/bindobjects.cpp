@@ -191,9 +191,12 @@ void bindDictionaries(DrawingBinding& binding) {
     const TagView tags = binding.view(i);
     const std::string_view type = tags.type();
     AcDbObject* made = nullptr;
-    if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT") made = new AcDbDictionary;
-    if (type == "XRECORD" && holdsOnlyValues(tags)) made = makeRecord(tags);
-    if (type == "LAYOUT") made = readLayout(binding, tags);
+    if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT")
+      made = new AcDbDictionary;
+    else if (type == "XRECORD" && holdsOnlyValues(tags))
+      made = makeRecord(tags);
+    else if (type == "LAYOUT")
+      made = readLayout(binding, tags);
     if (made == nullptr) made = new AcDbProxyObject(std::wstring(type.begin(), type.end()));
     const AcDbObjectId id = binding.add(made, i);
     if (root.isNull() && type == "DICTIONARY") root = id;

@@ -135,7 +135,8 @@ class DrawingWriter {
     if (codec->subclass != nullptr) editor.enter(codec->subclass);
     std::unique_ptr<EntityTags> tags;
     if (old != nullptr) {
-      tags.reset(new EntityTags{binding_, binding_.view(old->first), old->first, old->count});
+      tags = std::make_unique<EntityTags>(
+          EntityTags{binding_, binding_.view(old->first), old->first, old->count});
     }
     EntityOutput output{binding_, editor, tags.get(), {}};
     codec->write(entity, output);
