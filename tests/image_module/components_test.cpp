@@ -37,6 +37,33 @@ class NotingRectify final : public kel::Implements<NotingRectify, IRectifyDialog
   }
   void setModal(int modal) override { note("modal", modal); }
   void show() override { note("show"); }
+  int imageQueryA() override { return 0; }
+  int imageQueryB() override { return 0; }
+  kel::RectifyPlacement* imageQueryC() override { return &placement_; }
+  void setRectifyMethod(int) override {}
+  void setControlPoints(const kel::PointList&, const kel::PointList&) override {}
+  void computeTransform() override {}
+  int minimumPointCount(int) override { return 0; }
+  kel::PointList getResiduals() override { return {}; }
+  void getImageGeometry(int&, int&, double&, double&, double&, double&) override {}
+  bool transformQuery(kel::PointList&, kel::PointList&) override { return false; }
+  bool exportPrepare(const kel::DString&, const kel::DString&) override { return false; }
+  bool exportImage(const kel::DString&, const kel::DString&) override { return false; }
+  int rectifyStatus() override { return 1; }
+  void applyPlacement() override {}
+  IImageDivision* imageSource() override { return nullptr; }
+  int rectifyMethod() override { return -1; }
+  void acceptTransform() override {}
+  kel::RectifyQuality quality() override { return {}; }
+  bool transformPoint(double, double, double&, double&) override { return false; }
+  bool drawingOfPixel(double, double, double&, double&) override { return false; }
+  bool pixelOfDrawing(double, double, double&, double&) override { return false; }
+  kel::List<double> storedState() override { return {}; }
+  bool restoreState(const kel::List<double>&) override { return false; }
+  void setExportResampling(int) override {}
+
+ private:
+  kel::RectifyPlacement placement_;
 };
 
 class NotingConversion final : public kel::Implements<NotingConversion, IBatchImageConversion> {
