@@ -28,6 +28,11 @@ int runHeadless(const Options& options, int& argc, char** argv) {
   host::HeadlessFrontEnd::installSignals();
   host::HeadlessFrontEnd frontEnd(std::cout, host::HeadlessFrontEnd::standardOutputIsTerminal());
   host::CommandLineUi ui;
+  if (!options.log.empty()) {
+    std::cerr
+        << "cadhost: --log belongs to the window; here the text goes to the standard output.\n";
+    return 2;
+  }
   const auto inputs = startInputs(options);
   if (!inputs) {
     std::cerr << "cadhost: " << inputs.message() << "\n";

@@ -66,6 +66,11 @@ const std::map<std::string, Setter>& settersWithValue() {
          o.picture = text;
          return Status();
        }},
+      {"--log",
+       [](const std::string& text, Options& o) {
+         o.log = text;
+         return Status();
+       }},
       {"--profile",
        [](const std::string& text, Options& o) {
          o.profile = text;
@@ -158,6 +163,8 @@ without a window.
   --save FILE.dxf           saves the drawing at the end; an existing file is replaced and kept as
                             its backup
   --profile DIR             folder for settings and cache (~/.local/share/tarnimage)
+  --log FILE                what the window's command line shows is appended to this file as well;
+                            a line "> ..." is a prompt that waits
   --stats                   prints one JSON line for each redraw
   --help, --version
 

@@ -33,6 +33,7 @@ struct Options {
   std::vector<StartInput> inputs;
   std::string picture;
   std::string profile;
+  std::string log;
   std::vector<std::string> drawings;
   std::vector<std::string> images;
   std::string save;

@@ -45,6 +45,12 @@ int runWindow(const Options& options, int& argc, char** argv) {
 
   host::WindowFrontEnd frontEnd;
   host::DialogBackend dialogs;
+  if (!options.log.empty()) {
+    if (const Status logged = frontEnd.logTo(options.log); !logged) {
+      std::cerr << "cadhost: " << logged.message() << "\n";
+      return 2;
+    }
+  }
   const auto inputs = startInputs(options);
   if (!inputs) {
     std::cerr << "cadhost: " << inputs.message() << "\n";

@@ -99,7 +99,9 @@ Point3 lastPoint() {
 /// The point of an entity that snap words and a further point mean; else what is wrong.
 std::string snapTo(int bits, ads_point value) {
   HostApp& app = *HostApp::instance();
-  const auto text = app.commands().ask("of ", InputKind::kSelect);
+  app.documents().current().selection().namedSnaps = bits;
+  const auto text = app.commands().ask("of ", InputKind::kPoint);
+  app.documents().current().selection().namedSnaps = 0;
   const auto near = text ? tarn::host::parsePoint(*text, lastPoint()) : std::nullopt;
   if (!near) return "A point on the entity is needed.";
   const auto snap = tarn::host::findSnap(app, bits, {near->x, near->y}, false);

@@ -89,8 +89,9 @@ class ACADHOST_EXPORT HostApp {
   /// Shows the tab of that name ("Model", or a sheet) and regenerates; the sentence says why not.
   Status showTab(const std::string& name);
   /// On a sheet: goes to work in the viewport that stands under the position, or on the sheet when
-  /// none does, by the commands MSPACE and PSPACE. Does nothing while a command runs.
-  void workAt(PixelPoint pixel);
+  /// none does, by the commands MSPACE and PSPACE. False, and nothing done, in the model's tab and
+  /// while a command runs.
+  bool workAt(PixelPoint pixel);
   /// Sets the view, remembers the earlier one for ZOOM Previous, repaints, does not regenerate.
   void setView(const ViewState& view);
   /// The window's canvas (device pixels) got another size: the scale stays, the centre stays.

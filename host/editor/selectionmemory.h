@@ -18,6 +18,8 @@ struct SelectionMemory {
   EntityIds erased;     ///< by the last ERASE, for OOPS
   /// Where a point or corner that is being asked for begins, for the line or box to the cursor.
   std::optional<GroundPoint> rubberBase, windowCorner;
+  /// Snaps that were named for the point asked for now; 0: none.
+  int namedSnaps = 0;
   bool pickFirstUsable = false;  ///< the running command takes what was selected before it
 };
 

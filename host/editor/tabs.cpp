@@ -58,19 +58,20 @@ Status HostApp::showTab(const std::string& name) {
   return {};
 }
 
-void HostApp::workAt(PixelPoint pixel) {
+bool HostApp::workAt(PixelPoint pixel) {
   Space& space = documents().current().space();
-  if (space.isTiled() || commandActive()) return;
+  if (space.isTiled() || commandActive()) return false;
   for (const SheetWindow& window : space.windows()) {
     if (!window.onDevice.contains(QPointF(pixel.x, pixel.y))) continue;
     if (commands().runComplete({"MSPACE"}) == CommandOutcome::kEnded) {
       space.setCurrentPort(window.number);
     }
     frontEnd().displayChanged();
-    return;
+    return true;
   }
   if (inViewport()) commands().runComplete({"PSPACE"});
   frontEnd().displayChanged();
+  return true;
 }
 
 AcDbObjectId appendViewport(AcDbObjectId block, const GroundBox& place, short number,

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QWheelEvent>
 #include <cmath>
+#include <utility>
 
 #include "host/editor/hostapp.h"
 #include "host/window/mousemessage.h"
@@ -121,6 +122,8 @@ void Canvas::paintEvent(QPaintEvent*) {
   if (!hooks_.mayAct()) return;
   painter.setRenderHint(QPainter::Antialiasing);
   painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
+  // The view may have moved under a mouse that stands still.
+  if (mouse_) hooks_.hovered(groundAt(*mouse_));
   hooks_.paintOver(painter);
 }
 
@@ -143,27 +146,40 @@ void Canvas::tellWatchers(UINT message, const QMouseEvent& event) {
 }
 
 void Canvas::mousePressEvent(QMouseEvent* event) {
-  if (!hooks_.mayAct()) return;
+  if (!hooks_.mayAct() || dragging_) return;
   if (event->button() == Qt::LeftButton) {
+    leftDown_ = true;
     pressedAt_ = devicePixel(event->localPos());
-    hooks_.pressed(groundAt(event->localPos()));
+    leftMayPan_ = hooks_.leftPans();
+    if (!leftMayPan_) hooks_.pressed(groundAt(event->localPos()));
   }
   if (event->button() != Qt::MiddleButton) return;
   tellWatchers(WM_MBUTTONDOWN, *event);
+  beginDrag(*event);
+}
+
+void Canvas::beginDrag(const QMouseEvent& event) {
   dragging_ = true;
   moved_ = false;
-  dragFrom_ = devicePixel(event->localPos());
+  dragFrom_ = devicePixel(event.localPos());
   setCursor(Qt::ClosedHandCursor);
 }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event) {
   if (!hooks_.mayAct()) return;
+  if (leftMayPan_ && !dragging_ &&
+      (devicePixel(event->localPos()) - pressedAt_).manhattanLength() > kClickSlack) {
+    beginDrag(*event);
+    dragFrom_ = pressedAt_;
+  }
   if (dragging_) dragTo(event->localPos());
-  hooks_.hovered(groundAt(event->localPos()));
+  mouse_ = event->localPos();
+  hooks_.hovered(groundAt(*mouse_));
   update();
 }
 
 void Canvas::leaveEvent(QEvent*) {
+  mouse_.reset();
   hooks_.left();
   update();
 }
@@ -181,8 +197,12 @@ void Canvas::dragTo(QPointF local) {
 }
 
 void Canvas::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::MiddleButton) endDrag(*event);
-  if (!hooks_.mayAct() || event->button() != Qt::LeftButton) return;
+  const bool leftPans = leftMayPan_ && dragging_;
+  if (event->button() == Qt::MiddleButton && !leftPans) return endDrag(*event, WM_MBUTTONUP);
+  if (event->button() != Qt::LeftButton || !std::exchange(leftDown_, false)) return;
+  leftMayPan_ = false;
+  if (leftPans) return endDrag(*event, WM_LBUTTONUP);
+  if (!hooks_.mayAct()) return;
   tellWatchers(WM_LBUTTONUP, *event);
   if (!rect().contains(event->pos())) return;
   const QPoint by = devicePixel(event->localPos()) - pressedAt_;
@@ -192,7 +212,7 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
 
 /// The view follows the mouse to where the button was let go; then the watchers hear of it, and
 /// what none of them has drawn anew is regenerated.
-void Canvas::endDrag(const QMouseEvent& event) {
+void Canvas::endDrag(const QMouseEvent& event, UINT message) {
   if (!dragging_) return;
   dragging_ = false;
   setCursor(crosshair(devicePixelRatioF()));
@@ -202,7 +222,7 @@ void Canvas::endDrag(const QMouseEvent& event) {
   }
   dragTo(event.localPos());
   contentSeen_ = false;
-  tellWatchers(WM_MBUTTONUP, event);
+  tellWatchers(message, event);
   settleTimer_.stop();
   app_.viewSettled();
   if (moved_ && !contentSeen_) app_.regenerateForView();
@@ -210,18 +230,22 @@ void Canvas::endDrag(const QMouseEvent& event) {
 }
 
 void Canvas::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (hooks_.mayAct() && event->button() == Qt::LeftButton) {
+  if (!hooks_.mayAct() || dragging_) return;
+  if (event->button() == Qt::LeftButton) {
     const QPoint pixel = devicePixel(event->localPos());
-    app_.workAt({pixel.x() + 0.5, pixel.y() + 0.5});
-    hooks_.acted();
+    if (app_.workAt({pixel.x() + 0.5, pixel.y() + 0.5})) {
+      hooks_.letGo();
+      hooks_.acted();
+    } else {
+      // Two quick clicks are two clicks.
+      mousePressEvent(event);
+    }
     return;
   }
-  if (!hooks_.mayAct() || event->button() != Qt::MiddleButton) return;
+  if (event->button() != Qt::MiddleButton) return;
   tellWatchers(WM_MBUTTONDOWN, *event);
   zoomExtents();
-  dragging_ = true;
-  moved_ = false;
-  dragFrom_ = devicePixel(event->localPos());
+  beginDrag(*event);
 }
 
 void Canvas::wheelEvent(QWheelEvent* event) {
@@ -238,7 +262,8 @@ void Canvas::wheelEvent(QWheelEvent* event) {
   const double factor = std::pow(kZoomPerNotch, static_cast<double>(delta) / kUnitsPerNotch);
   app_.zoomAt({state.canvas.x() + 0.5, state.canvas.y() + 0.5}, factor);
   settleLater();
-  hooks_.hovered(groundAt(event->position()));
+  mouse_ = event->position();
+  hooks_.hovered(groundAt(*mouse_));
   event->accept();
 }
 

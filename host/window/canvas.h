@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "afxwin.h"
 #include "host/window/frame.h"
@@ -18,9 +19,11 @@ class Canvas : public QWidget {
   /// What the window around it supplies; all must be set. `app` must outlive the canvas.
   struct Hooks {
     std::function<bool()> mayAct;  ///< false while the host computes: the picture only stands there
+    std::function<bool()> leftPans;  ///< dragging with the left button moves the view just now
     std::function<void(GroundPoint)> pressed;  ///< left button down
     /// Left button up; `dragged` after a move, `shift` with that key held.
     std::function<void(GroundPoint, bool dragged, bool shift)> released;
+    std::function<void()> letGo;  ///< what was chosen stands in another space than the mouse now
     std::function<void(GroundPoint)> hovered;  ///< the mouse stands on this ground
     std::function<void()> left;                ///< the mouse has left the canvas
     /// Paints what lies over the picture, one unit a device pixel.
@@ -55,17 +58,21 @@ class Canvas : public QWidget {
   QSize deviceSize() const;
   GroundPoint groundAt(QPointF local) const;
   void tellWatchers(UINT message, const QMouseEvent& event);
+  void beginDrag(const QMouseEvent& event);
   void dragTo(QPointF local);
-  void endDrag(const QMouseEvent& event);
+  void endDrag(const QMouseEvent& event, UINT message);
   void settle();
 
   HostApp& app_;
   Hooks hooks_;
   Frame frame_;
   QTimer settleTimer_;
+  std::optional<QPointF> mouse_;  ///< where it stands on the canvas
   QPoint dragFrom_;
   QPoint pressedAt_;  ///< left button
   bool dragging_ = false;
+  bool leftDown_ = false;
+  bool leftMayPan_ = false;     ///< the left button is down, and a move of it will drag
   bool moved_ = false;          ///< the drag has changed the view
   bool onlyViewMoves_ = false;  ///< display changes of this moment come from a pan of our own
   bool contentSeen_ = false;    ///< something was drawn anew since this was last cleared

@@ -97,8 +97,9 @@ void paintRubber(QPainter& painter, const ViewState& view, GroundPoint base, Gro
 }
 
 void paintSnap(QPainter& painter, HostApp& app, GroundPoint cursor) {
-  const int bits = runningSnaps(app);
-  const auto snap = bits != 0 ? findSnap(app, bits, cursor, true) : std::nullopt;
+  const int named = app.documents().current().selection().namedSnaps;
+  const int bits = named != 0 ? named : runningSnaps(app);
+  const auto snap = bits != 0 ? findSnap(app, bits, cursor, named == 0) : std::nullopt;
   if (!snap) return;
   const ViewState view = app.documents().current().space().mouseView();
   const QPointF at = device(view, {snap->point.x, snap->point.y});

@@ -38,7 +38,9 @@ void EntityPicker::answer(GroundPoint from, GroundPoint to, bool dragged) {
                             : std::string(isCrossing(app_, from, to) ? "_Crossing " : "_Window ") +
                                   textOf(from) + " " + textOf(to));
   } else if (frontEnd_.readingKind() == InputKind::kPoint) {
-    const int bits = runningSnaps(app_);
+    // A snap that was named is looked for by the command itself.
+    const bool isNamed = app_.documents().current().selection().namedSnaps != 0;
+    const int bits = isNamed ? 0 : runningSnaps(app_);
     const auto snap = bits != 0 ? findSnap(app_, bits, to, true) : std::nullopt;
     frontEnd_.give(textOf(snap ? GroundPoint{snap->point.x, snap->point.y} : to));
   }

@@ -58,7 +58,10 @@ DroppedFiles sortDropped(const std::vector<std::string>& paths) {
     const std::string ending = toLower(extensionOf(path));
     const bool image =
         std::find(kImageEndings.begin(), kImageEndings.end(), ending) != kImageEndings.end();
-    (image ? sorted.images : sorted.others).push_back(path);
+    std::vector<std::string>& kind = image              ? sorted.images
+                                     : ending == ".dxf" ? sorted.drawings
+                                                        : sorted.others;
+    kind.push_back(path);
   }
   return sorted;
 }

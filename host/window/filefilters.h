@@ -15,9 +15,10 @@ QStringList dialogFilters(const std::string& filter);
 /// "tif" of ".tif", "tif" or "*.tif"; empty when there is none.
 QString plainExtension(const std::string& extension);
 
-/// Dropped files, told apart by their names' endings. Both lists keep the order.
+/// Dropped files, told apart by their names' endings. The lists keep the order.
 struct DroppedFiles {
   std::vector<std::string> images;
+  std::vector<std::string> drawings;
   std::vector<std::string> others;
 };
 DroppedFiles sortDropped(const std::vector<std::string>& paths);

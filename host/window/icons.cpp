@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QTransform>
 
 namespace tarn::host {
 
@@ -22,9 +23,46 @@ QPainterPath lines(std::initializer_list<std::initializer_list<QPointF>> strokes
   return path;
 }
 
+QPainterPath turnedArrow() {
+  QPainterPath path = lines({{{9, 5}, {4, 10}, {9, 15}}});
+  path.moveTo(4, 10);
+  path.lineTo(14, 10);
+  path.arcTo(9, 10, 10, 9, 90, -180);
+  path.lineTo(9, 19);
+  return path;
+}
+
 QPainterPath shapeOf(IconKind kind) {
   QPainterPath path;
   switch (kind) {
+    case IconKind::kOpen:
+      path.addPath(lines({{{3, 19}, {3, 5}, {9, 5}, {11, 8}, {19, 8}, {19, 11}},
+                          {{3, 19}, {7, 11}, {22, 11}, {18, 19}, {3, 19}}}));
+      break;
+    case IconKind::kSave:
+      path.addPath(lines({{{4, 4}, {17, 4}, {20, 7}, {20, 20}, {4, 20}, {4, 4}},
+                          {{8, 4}, {8, 9}, {15, 9}, {15, 4}},
+                          {{7, 20}, {7, 13}, {17, 13}, {17, 20}}}));
+      break;
+    case IconKind::kUndo:
+      path.addPath(turnedArrow());
+      break;
+    case IconKind::kRedo:
+      path.addPath(QTransform(-1, 0, 0, 1, kGrid, 0).map(turnedArrow()));
+      break;
+    case IconKind::kZoomWindow:
+      path.addEllipse(QPointF(10, 10), 6, 6);
+      path.addPath(lines(
+          {{{14.5, 14.5}, {21, 21}}, {{7.5, 8}, {12.5, 8}, {12.5, 12}, {7.5, 12}, {7.5, 8}}}));
+      break;
+    case IconKind::kPan:
+      path.addPath(lines({{{12, 2}, {12, 22}},
+                          {{2, 12}, {22, 12}},
+                          {{9, 5}, {12, 2}, {15, 5}},
+                          {{9, 19}, {12, 22}, {15, 19}},
+                          {{5, 9}, {2, 12}, {5, 15}},
+                          {{19, 9}, {22, 12}, {19, 15}}}));
+      break;
     case IconKind::kAddImages:
       path.addRect(3, 6, 13, 12);
       path.addPath(lines({{{3, 15}, {7, 11}, {11, 15}, {13, 13}, {16, 16}},
@@ -44,11 +82,9 @@ QPainterPath shapeOf(IconKind kind) {
                           {{8, 21}, {3, 21}, {3, 16}}}));
       break;
     case IconKind::kZoomPrevious:
-      path.addPath(lines({{{9, 5}, {4, 10}, {9, 15}}}));
-      path.moveTo(4, 10);
-      path.lineTo(14, 10);
-      path.arcTo(9, 10, 10, 9, 90, -180);
-      path.lineTo(9, 19);
+      path.addEllipse(QPointF(10, 10), 6, 6);
+      path.addPath(
+          lines({{{14.5, 14.5}, {21, 21}}, {{10, 7}, {7, 10}, {10, 13}}, {{7, 10}, {13, 10}}}));
       break;
     case IconKind::kRegenerate:
       path.arcMoveTo(4, 4, 16, 16, 60);

@@ -5,7 +5,19 @@
 
 namespace tarn::host {
 
-enum class IconKind { kAddImages, kSavePicture, kZoomExtents, kZoomPrevious, kRegenerate };
+enum class IconKind {
+  kOpen,
+  kSave,
+  kAddImages,
+  kSavePicture,
+  kUndo,
+  kRedo,
+  kZoomExtents,
+  kZoomWindow,
+  kZoomPrevious,
+  kPan,
+  kRegenerate
+};
 
 QIcon makeIcon(IconKind kind, const QColor& color);
 

@@ -1,25 +1,22 @@
 #include "host/window/mainwindow.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMenu>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSplitter>
-#include <QToolBar>
 #include <QUrl>
 
 #include "host/editor/clipboard.h"
+#include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/window/canvas.h"
 #include "host/window/commandline.h"
 #include "host/window/dialogs.h"
 #include "host/window/filefilters.h"
-#include "host/window/icons.h"
+#include "host/window/menus.h"
 #include "host/window/statusarea.h"
 #include "host/window/windowfrontend.h"
 
@@ -59,7 +56,7 @@ MainWindow::MainWindow(HostApp& app, WindowFrontEnd& frontEnd, DialogBackend& di
   buildCommandLine();
   status_ = new StatusArea;
   setStatusBar(status_);
-  buildMenus();
+  fillMenus();
   auto* halves = new QSplitter(Qt::Vertical);
   halves->addWidget(canvas_);
   halves->addWidget(line_);
@@ -85,10 +82,12 @@ MainWindow::~MainWindow() {
 void MainWindow::buildCanvas() {
   Canvas::Hooks hooks;
   hooks.mayAct = [this] { return session_.mayAct(); };
+  hooks.leftPans = [this] { return session_.panWaits(); };
   hooks.pressed = [this](GroundPoint ground) { session_.picker().press(ground); };
   hooks.released = [this](GroundPoint ground, bool dragged, bool shift) {
     session_.picker().release(ground, dragged, shift);
   };
+  hooks.letGo = [this] { session_.picker().clear(); };
   hooks.hovered = [this](GroundPoint ground) {
     session_.picker().hover(ground);
     status_->showGround(ground);
@@ -116,72 +115,23 @@ void MainWindow::buildCommandLine() {
 }
 
 void MainWindow::showState() {
-  setWindowTitle("Tarn Image – " + QString::fromStdString(app_.documentTitle()));
-  const bool free = session_.mayAct();
-  status_->showState(stateText(free, frontEnd_.reading(), frontEnd_.readingKind()));
+  setWindowTitle("Tarn Image – " + QString::fromStdString(app_.documentTitle()) + "[*]");
+  setWindowModified(app_.documents().current().isModified());
+  status_->showState(stateText(!session_.busy(), frontEnd_.reading(), frontEnd_.readingKind()));
 }
 
-void MainWindow::buildMenus() {
-  auto* tools = addToolBar("Tools");
-  tools->setMovable(false);
-  tools->setContextMenuPolicy(Qt::PreventContextMenu);
-  fillFileMenu(*menuBar()->addMenu("&File"), *tools);
-  fillEditMenu(*menuBar()->addMenu("&Edit"));
-  fillViewMenu(*menuBar()->addMenu("&View"), *tools);
-  fillHelpMenu(*menuBar()->addMenu("&Help"));
-}
-
-void MainWindow::fillFileMenu(QMenu& menu, QToolBar& tools) {
-  const QColor ink = palette().color(QPalette::ButtonText);
-  QAction* add = menu.addAction(makeIcon(IconKind::kAddImages, ink), "&Add images...", this,
-                                [this] { chooseImages(); });
-  add->setShortcut(QKeySequence::Open);
-  QAction* save = menu.addAction(makeIcon(IconKind::kSavePicture, ink), "&Save picture...", this,
-                                 [this] { savePicture(); });
-  menu.addAction("&Plot", this, [this] { session_.run("PLOT"); })->setShortcut(QKeySequence::Print);
-  menu.addSeparator();
-  QAction* quit = menu.addAction("&Quit", this, [this] { close(); });
-  quit->setShortcut(QKeySequence::Quit);
-  tools.addAction(add);
-  tools.addAction(save);
-  tools.addSeparator();
-}
-
-void MainWindow::fillEditMenu(QMenu& menu) {
-  const auto add = [&](const char* text, const QKeySequence& keys, const char* command) {
-    menu.addAction(text, this, [this, command] { session_.run(command); })->setShortcut(keys);
+void MainWindow::fillMenus() {
+  MenuHooks hooks;
+  hooks.run = [this](const char* line) { session_.run(line); };
+  hooks.look = [this](const char* line) { session_.look(line); };
+  hooks.addImages = [this] { chooseImages(); };
+  hooks.regenerate = [this] {
+    if (!session_.mayAct()) return;
+    app_.regenerate();
+    session_.acted();
   };
-  add("&Undo", QKeySequence::Undo, "U");
-  add("&Redo", QKeySequence::Redo, "REDO");
-  menu.addSeparator();
-  add("&Copy", QKeySequence::Copy, "COPYCLIP");
-  add("&Paste", QKeySequence::Paste, "PASTECLIP");
-  add("&Erase", QKeySequence::Delete, "ERASE");
-}
-
-void MainWindow::fillViewMenu(QMenu& menu, QToolBar& tools) {
-  const QColor ink = palette().color(QPalette::ButtonText);
-  const auto add = [&](IconKind kind, const char* text, void (*act)(MainWindow&)) {
-    QAction* action = menu.addAction(makeIcon(kind, ink), text, this, [this, act] {
-      if (!session_.mayAct()) return;
-      act(*this);
-      session_.acted();
-    });
-    tools.addAction(action);
-    return action;
-  };
-  add(IconKind::kZoomExtents, "Zoom &extents", [](MainWindow& w) { w.canvas_->zoomExtents(); });
-  add(IconKind::kZoomPrevious, "&Previous view", [](MainWindow& w) {
-    if (!w.app_.zoomPrevious()) w.app_.print("\nThere is no earlier view.\n");
-  });
-  add(IconKind::kRegenerate, "&Regenerate", [](MainWindow& w) {
-    w.app_.regenerate();
-  })->setShortcut(Qt::Key_F5);
-}
-
-void MainWindow::fillHelpMenu(QMenu& menu) {
-  menu.addAction("&Commands", this, [this] { session_.run("HELP"); });
-  menu.addAction("&About Tarn Image", this, [this] { showAbout(); });
+  hooks.about = [this] { showAbout(); };
+  buildMenus(*this, hooks);
 }
 
 void MainWindow::chooseImages() {
@@ -190,20 +140,6 @@ void MainWindow::chooseImages() {
   request.title = "Add images";
   request.filter = kImageFilter;
   if (const auto names = dialogs_.fileNames(request)) addFiles(*names);
-}
-
-void MainWindow::savePicture() {
-  FileRequest request;
-  request.open = false;
-  request.overwritePrompt = true;
-  request.title = "Save picture";
-  request.defaultExtension = "png";
-  request.filter = "PNG picture|*.png||";
-  const auto names = dialogs_.fileNames(request);
-  if (!names || names->empty()) return;
-  const std::string failure = app_.savePicture(names->front());
-  app_.print("\n" + (failure.empty() ? names->front() + " written." : failure) + "\n");
-  if (!failure.empty()) dialogs_.messageBox(failure, "Save picture", MB_ICONERROR);
 }
 
 void MainWindow::showAbout() {
@@ -217,8 +153,10 @@ void MainWindow::showAbout() {
 void MainWindow::addFiles(const std::vector<std::string>& paths) {
   const DroppedFiles sorted = sortDropped(paths);
   for (const std::string& path : sorted.others) {
-    app_.print("\n" + path + ": only images (tif, tiff, img, jpg, jpeg) can be added.\n");
+    app_.print("\n" + path +
+               ": only drawings (dxf) and images (tif, tiff, img, jpg, jpeg) can be opened.\n");
   }
+  session_.openDrawings(sorted.drawings);
   session_.addImages(sorted.images);
 }
 

@@ -9,8 +9,6 @@
 
 class QDragEnterEvent;
 class QDropEvent;
-class QMenu;
-class QToolBar;
 
 namespace tarn::host {
 
@@ -31,7 +29,8 @@ class MainWindow : public QMainWindow {
   CommandLine& commandLine() { return *line_; }
   Session& session() { return session_; }
 
-  /// Adds images; every other file is refused with a message that names it.
+  /// Opens drawings, then adds images to the last of them; every other file is refused with a
+  /// message that names it.
   void addFiles(const std::vector<std::string>& paths);
 
  protected:
@@ -42,14 +41,9 @@ class MainWindow : public QMainWindow {
  private:
   void buildCanvas();
   void buildCommandLine();
-  void buildMenus();
-  void fillFileMenu(QMenu& menu, QToolBar& tools);
-  void fillEditMenu(QMenu& menu);
-  void fillViewMenu(QMenu& menu, QToolBar& tools);
-  void fillHelpMenu(QMenu& menu);
+  void fillMenus();
   void showState();
   void chooseImages();
-  void savePicture();
   void showAbout();
 
   HostApp& app_;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/text.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/regenerator.h"
@@ -17,6 +18,16 @@ Session::Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> c
 
 bool Session::mayAct() const {
   return !frontEnd_.pumping() && (!app_.commandActive() || frontEnd_.reading());
+}
+
+bool Session::reading() const {
+  return frontEnd_.reading();
+}
+
+bool Session::panWaits() const {
+  const std::string names = app_.commandNames();
+  return frontEnd_.reading() && frontEnd_.readingKind() == InputKind::kPoint &&
+         equalsIgnoreCase(std::string_view(names).substr(names.rfind('\'') + 1), "PAN");
 }
 
 void Session::enter(const std::string& line) {
@@ -46,6 +57,25 @@ void Session::run(const std::string& line) {
     app_.print("\nCommand: " + line + "\n");
     app_.runLine(line);
   });
+}
+
+void Session::look(const std::string& line) {
+  if (!frontEnd_.reading()) return run(line);
+  const InputKind kind = frontEnd_.readingKind();
+  if (kind == InputKind::kText || kind == InputKind::kFileName) {
+    app_.print("\nThe text comes first: end it with Enter, or Escape.\n");
+  } else {
+    frontEnd_.give("'" + line);
+  }
+}
+
+void Session::openDrawings(const std::vector<std::string>& files) {
+  for (const std::string& file : files) {
+    perform([this, file] {
+      app_.print("\nCommand: OPEN\n");
+      app_.runWithFiles("OPEN", {file});
+    });
+  }
 }
 
 void Session::addImages(const std::vector<std::string>& files) {
@@ -101,6 +131,7 @@ void Session::perform(std::function<void()> work) {
 
 void Session::runNext() {
   working_ = true;
+  frontEnd_.tellState();
   while (!waiting_.empty() && !closeAsked_) {
     const auto work = std::move(waiting_.front());
     waiting_.erase(waiting_.begin());
@@ -116,8 +147,7 @@ void Session::finish() {
     closeWindow_();
     return;
   }
-  frontEnd_.tellState();
-  frontEnd_.releaseHeldInput();
+  frontEnd_.commandAwaited();
 }
 
 }  // namespace tarn::host

@@ -21,6 +21,10 @@ class Session {
 
   /// True when the host may be called now: no command computes.
   bool mayAct() const;
+  /// PAN waits for a point: the view may be dragged instead.
+  bool panWaits() const;
+  /// Something runs and does not wait for an input.
+  bool busy() const { return !mayAct() || (working_ && !reading()); }
 
   /// A line of the command line: an answer for a waiting command, else a command; empty repeats the
   /// last one.
@@ -35,6 +39,9 @@ class Session {
   void perform(std::function<void()> work);
   /// A command from the menus. A waiting command is cancelled first.
   void run(const std::string& line);
+  /// A command that changes only the view: a waiting command goes on afterwards.
+  void look(const std::string& line);
+  void openDrawings(const std::vector<std::string>& files);
   /// A command whose file questions are answered with `files`; then, with nothing in the drawing
   /// before, the view shows it all.
   void addImages(const std::vector<std::string>& files);
@@ -49,6 +56,7 @@ class Session {
   bool requestClose();
 
  private:
+  bool reading() const;
   void runNext();
   void finish();
 

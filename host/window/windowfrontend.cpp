@@ -61,6 +61,7 @@ void WindowFrontEnd::print(const std::string& text) {
     return;
   }
   const std::vector<std::string> whole = lines_.add(text);
+  for (const std::string& one : whole) transcript_.line(one);
   line_->addLines(whole);
   line_->showOpenLine(lines_.open());
 }
@@ -76,6 +77,7 @@ std::optional<std::string> WindowFrontEnd::readLine(const std::string& prompt, I
   reader.kind = kind;
   readers_.push_back(&reader);
   showPrompt();
+  transcript_.waits(prompt);
   releaseHeldInput();
   while (!reader.done) reader.loop.exec();
   readers_.pop_back();
@@ -110,6 +112,12 @@ void WindowFrontEnd::showPrompt() {
   if (line_ == nullptr) return;
   line_->setPrompt(readers_.empty() ? kCommandPrompt : readers_.back()->prompt);
   tellState();
+}
+
+void WindowFrontEnd::commandAwaited() {
+  transcript_.waits(kCommandPrompt);
+  tellState();
+  releaseHeldInput();
 }
 
 void WindowFrontEnd::tellState() {

@@ -13,6 +13,7 @@
 
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
+#include "host/window/transcript.h"
 
 namespace tarn::host {
 
@@ -38,6 +39,11 @@ class WindowFrontEnd final : public FrontEnd {
   /// call detach() before they go.
   void attach(Canvas& canvas, CommandLine& line, StatusArea& status, Hooks hooks);
   void detach();
+
+  /// Everything the command line shows goes to this file too.
+  Status logTo(const std::string& path) { return transcript_.open(path); }
+  /// Nothing runs any more: the next command is awaited.
+  void commandAwaited();
 
   void print(const std::string& text) override;
   std::optional<std::string> readLine(const std::string& prompt, InputKind kind) override;
@@ -91,6 +97,7 @@ class WindowFrontEnd final : public FrontEnd {
   StatusArea* status_ = nullptr;
   Hooks hooks_;
   LineAssembler lines_;
+  Transcript transcript_;
   std::string early_;  ///< printed before there was a window
   std::deque<LineSource> script_;
   std::vector<Reader*> readers_;

@@ -41,8 +41,8 @@ TEST(Filters, DroppedFilesAreToldApart) {
   const DroppedFiles sorted =
       sortDropped({"/a/b.TIF", "/a/文件.jpeg", "/a/b.dxf", "/a/tif", "/a/b.img.txt", "/a.tif/b"});
   EXPECT_EQ(sorted.images, (std::vector<std::string>{"/a/b.TIF", "/a/文件.jpeg"}));
-  EXPECT_EQ(sorted.others,
-            (std::vector<std::string>{"/a/b.dxf", "/a/tif", "/a/b.img.txt", "/a.tif/b"}));
+  EXPECT_EQ(sorted.drawings, std::vector<std::string>{"/a/b.dxf"});
+  EXPECT_EQ(sorted.others, (std::vector<std::string>{"/a/tif", "/a/b.img.txt", "/a.tif/b"}));
 }
 
 TEST(MouseMessages, ParametersArePacked) {
