@@ -70,6 +70,10 @@ void Canvas::settleLater() {
   settleTimer_.start();
 }
 
+void Canvas::settleNow() {
+  if (settleTimer_.isActive()) settle();
+}
+
 void Canvas::settle() {
   if (dragging_ || !hooks_.mayAct()) {
     settleTimer_.start();

@@ -37,6 +37,8 @@ class Canvas : public QWidget {
   void contentChanged();
   /// Regenerates when the view has been still for a moment.
   void settleLater();
+  /// The same at once, if it is due.
+  void settleNow();
   /// Zooms to the extents, or says that there is nothing to show.
   void zoomExtents();
 

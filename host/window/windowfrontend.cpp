@@ -128,7 +128,14 @@ InputKind WindowFrontEnd::readingKind() const {
   return readers_.empty() ? InputKind::kCommand : readers_.back()->kind;
 }
 
+/// A view that was changed a moment ago settles while the command still waits: what the command
+/// suspends stays suspended, and its end is not followed by one more regeneration.
+void WindowFrontEnd::settleView() {
+  if (!readers_.empty() && canvas_ != nullptr) canvas_->settleNow();
+}
+
 void WindowFrontEnd::give(const std::string& line) {
+  settleView();
   if (readers_.empty()) return;
   readers_.back()->line = line;
   readers_.back()->done = true;
@@ -136,6 +143,7 @@ void WindowFrontEnd::give(const std::string& line) {
 }
 
 void WindowFrontEnd::cancelRead() {
+  settleView();
   if (readers_.empty()) return;
   readers_.back()->line.reset();
   readers_.back()->done = true;

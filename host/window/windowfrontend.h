@@ -89,6 +89,7 @@ class WindowFrontEnd final : public FrontEnd {
   struct Reader;
   std::optional<std::string> nextLine();
   void showPrompt();
+  void settleView();
   void pump();
   void pumpSometimes();
 

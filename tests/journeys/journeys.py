@@ -310,7 +310,7 @@ def draw(desk):
 
 
 JOURNEYS = {name: value for name, value in list(globals().items())
-            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot")}
+            if name in ("add_image", "edit", "keep", "draw")}
 
 
 def main():
