@@ -49,8 +49,9 @@ class IRectifyDialog : public kel::IObject {
   virtual void computeTransform() = 0;
   /// 10, 6, 2, 3, 2; 0 for an index that is none.
   virtual int minimumPointCount(int method) = 0;
-  /// For each control point east, north and length of T(source) - target. When the method is -1
-  /// they are of the last method whose points suffice. Without a fit all numbers are 0.
+  /// For each control point east, north and length of T(source) - target. While the method is -1
+  /// they are of the method whose minimum count was asked for last. Not numbers (NaN) without a
+  /// fit; all 0 where the points are just enough, which says nothing about them.
   virtual kel::PointList getResiduals() = 0;
   /// As drawn now: size in pixels, left and top, drawing units of a pixel along x and y (y
   /// negative).

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/path.h"
-#include "components/imagesource/interaction.h"
+#include "components/interaction/interaction.h"
 #include "components/raster/rasterimage.h"
 #include "inc/iimagedivision.h"
 #include "inc/kplugin.h"
@@ -14,6 +14,8 @@
 namespace tarn::imagesource {
 namespace {
 
+using interaction::Interaction;
+using interaction::ProgressScope;
 using raster::RasterImage;
 using raster::ReadCounts;
 using raster::Window;

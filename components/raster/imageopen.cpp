@@ -79,11 +79,10 @@ int overviewOfSize(GDALDataset& dataset, uint32_t width, uint32_t height) {
 
 Result<std::shared_ptr<RasterImage>> RasterImage::open(const std::string& path,
                                                        const OpenOptions& options) {
-  static std::atomic<uint64_t> nextId{1};
   if (Status usable = checkPath(path); !usable) return usable;
   std::shared_ptr<RasterImage> image(new RasterImage());
-  image->id_ = nextId++;
-  image->ownTilesId_ = nextId++;
+  image->id_ = TileCache::newImage();
+  image->ownTilesId_ = TileCache::newImage();
   if (Status loaded = image->load(path, options); !loaded) return loaded;
   return image;
 }

@@ -148,6 +148,14 @@ std::string rotationNote(const GeoTransform& t) {
   return text + ": shown resampled, north up";
 }
 
+/// Presented pixels to the image's own, for an image that is turned by quarters or mirrored.
+PlanePoint turnedBack(const Turn& turn, int ownWidth, int ownHeight, PlanePoint p) {
+  if (turn.transposed) std::swap(p.x, p.y);
+  if (turn.mirroredColumns) p.x = ownWidth - p.x;
+  if (turn.mirroredRows) p.y = ownHeight - p.y;
+  return p;
+}
+
 Result<Usable> checked(const GeoCandidate& candidate) {
   Usable usable;
   usable.candidate = &candidate;
@@ -210,6 +218,20 @@ Distance distanceOf(const Usable& p, const Usable& q, Size size) {
 }
 
 }  // namespace
+
+PlanePoint OwnPlace::pixelOf(PlanePoint presented) const {
+  return placement.resampling ? placement.resampling->at(presented.x, presented.y)
+                              : turnedBack(placement.turn, width, height, presented);
+}
+
+std::optional<Placement> placeByTransform(const GeoTransform& transform, int width, int height) {
+  if (!isUsable(transform)) return std::nullopt;
+  const Size size{width, height};
+  if (auto placed = turned(transform, size)) return placed;
+  Usable usable;
+  usable.pixelOfGround = PlaneMapping::pixelsOf(transform);
+  return resampled(usable, size);
+}
 
 Placement placeImage(const std::vector<GeoCandidate>& candidates, int width, int height) {
   const Size size{width, height};

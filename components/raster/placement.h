@@ -38,6 +38,20 @@ struct Placement {
   bool isAsStored() const { return turn.isNone() && !resampling; }
 };
 
+/// An image of that size whose pixels lie on the ground as the transform says. Empty when that is
+/// not usable, or would distort the image beyond measure.
+std::optional<Placement> placeByTransform(const GeoTransform& transform, int width, int height);
+
+/// The image's own pixels behind its presentation.
+struct OwnPlace {
+  Placement placement;
+  int width = 0;
+  int height = 0;
+
+  /// The image's own pixel position of a presented one.
+  PlanePoint pixelOf(PlanePoint presented) const;
+};
+
 /// Places an image of that size by the first candidate that is usable; the others are compared with
 /// it. Without any it lies with its lower left corner at the origin, one unit a pixel. The notes
 /// say what is odd.

@@ -61,4 +61,22 @@ std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheIm
   return presented;
 }
 
+std::vector<Level> warpLevels(const std::vector<Level>& own, uint64_t cacheImage,
+                              const std::shared_ptr<const CurvedMapping>& mapping,
+                              const PresentedGrid& grid) {
+  std::vector<Level> warped;
+  for (size_t i = 0; i < own.size(); ++i) {
+    auto cached =
+        std::make_shared<const CachedLevel>(*own[i].reader, cacheImage, static_cast<uint32_t>(i));
+    Level level;
+    level.factorX = level.factorY = std::sqrt(own[i].factorX * own[i].factorY);
+    PresentedGrid presented = grid;
+    presented.factor = level.factorX;
+    level.reader =
+        makeCurvedReader({std::move(cached), own[i].factorX, own[i].factorY}, mapping, presented);
+    warped.push_back(std::move(level));
+  }
+  return warped;
+}
+
 }  // namespace tarn::raster

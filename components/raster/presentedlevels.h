@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "components/raster/level.h"
 #include "components/raster/placement.h"
+#include "components/raster/resampledreader.h"
 
 namespace tarn::raster {
 
@@ -14,5 +16,10 @@ namespace tarn::raster {
 /// under the number `cacheImage`. The placement must not be as stored.
 std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheImage,
                                  const Placement& placement, int width, int height);
+
+/// The same by a curved mapping; in `grid` the factor is not looked at.
+std::vector<Level> warpLevels(const std::vector<Level>& own, uint64_t cacheImage,
+                              const std::shared_ptr<const CurvedMapping>& mapping,
+                              const PresentedGrid& grid);
 
 }  // namespace tarn::raster

@@ -14,6 +14,7 @@
 #include "components/raster/gdalaccess.h"
 #include "components/raster/imagefacts.h"
 #include "components/raster/level.h"
+#include "components/raster/levelreading.h"
 #include "components/raster/placement.h"
 #include "components/raster/presentation.h"
 #include "components/raster/pyramidbuilder.h"
@@ -25,9 +26,6 @@
 
 namespace tarn::raster {
 
-struct TileBlock;
-struct AxisTaps;
-
 struct OpenOptions {
   PyramidPlaces places;
   /// False: read the image's own full-size pixels only.
@@ -35,24 +33,6 @@ struct OpenOptions {
   /// Numbers (from 1) of the one band or the three that are shown as gray or as red, green and
   /// blue; empty for what the image itself says.
   std::vector<int> bands{};
-};
-
-/// A window on the image: `columns * rows` cells of `cellX * cellY` image pixels, the first with
-/// its upper left corner at image pixel (x, y). The image covers [0, width) x [0, height).
-struct Window {
-  double x = 0;
-  double y = 0;
-  double cellX = 1;
-  double cellY = 1;
-  int columns = 0;
-  int rows = 0;
-};
-
-struct ReadCounts {
-  uint64_t pixels = 0;
-  uint64_t bytes = 0;
-  uint64_t tilesRead = 0;
-  uint64_t tilesCached = 0;
 };
 
 class RasterImage {
@@ -107,6 +87,15 @@ class RasterImage {
   /// cells stay as they are. May be called from several threads at once.
   void stretch(StretchMode mode, uint8_t* cells, size_t pixels) const;
 
+  /// What is under the presentation, for those who present the same pixels in another way. Valid
+  /// while the image lives.
+  OwnPlace ownPlace() const { return {placement_, facts_.width, facts_.height}; }
+  const std::vector<Level>& ownLevels() const { return levels_; }
+  /// Their number in the tile cache.
+  uint64_t ownTiles() const { return placement_.isAsStored() ? id_ : ownTilesId_; }
+  /// Fails, with the reason, when the file is not the one that was opened any more.
+  Status checkUnchanged() const;
+
  private:
   RasterImage() = default;
   Status load(const std::string& path, const OpenOptions& options);
@@ -126,18 +115,6 @@ class RasterImage {
   const std::vector<Level>& shownLevels() const {
     return placement_.isAsStored() ? levels_ : presented_;
   }
-  const Level& levelFor(double cellX, double cellY) const;
-  Status checkUnchanged() const;
-  bool readCells(const Level& level, const AxisTaps& across, const AxisTaps& down, uint8_t* out,
-                 size_t stride, ReadCounts& counts) const;
-  bool fetchTiles(const Level& level, TileBlock& block, ReadCounts& counts) const;
-  TileKey keyOf(const Level& level, int column, int row) const;
-  /// Reads a tile into the cache; null when it cannot be read. Adds to `bytes`.
-  TilePtr readTile(const Level& level, int column, int row, uint64_t& bytes) const;
-  /// A sequential reader decodes what lies above `row` anyway: keeps some of it, so that a view can
-  /// move up without another start from the top.
-  void readOnTheWay(const Level& level, const TileBlock& block, int row, ReadCounts& counts) const;
-
   /// The tables of both ways to stretch.
   struct Stretches {
     StretchTables equalise;

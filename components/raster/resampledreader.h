@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "components/raster/cachedlevel.h"
+#include "components/raster/curvedmapping.h"
 #include "components/raster/planemapping.h"
 
 namespace tarn::raster {
@@ -32,5 +33,10 @@ struct PresentedGrid {
 std::unique_ptr<TileReader> makeResampledReader(const SourceLevel& source,
                                                 const PlaneMapping& mapping,
                                                 const PresentedGrid& grid);
+
+/// The same by a curved mapping, in pieces to a bounded error.
+std::unique_ptr<TileReader> makeCurvedReader(const SourceLevel& source,
+                                             std::shared_ptr<const CurvedMapping> mapping,
+                                             const PresentedGrid& grid);
 
 }  // namespace tarn::raster

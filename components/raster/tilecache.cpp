@@ -11,6 +11,11 @@ size_t TileCache::Hash::operator()(const TileKey& key) const {
   return static_cast<size_t>(mixed ^ (mixed >> 29));
 }
 
+uint64_t TileCache::newImage() {
+  static std::atomic<uint64_t> next{1};
+  return next++;
+}
+
 TileCache& TileCache::shared() {
   static TileCache instance;
   return instance;

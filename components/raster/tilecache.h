@@ -28,6 +28,9 @@ class TileCache {
 
   explicit TileCache(uint64_t limit = kDefaultLimit) : limit_(limit) {}
 
+  /// A number for an image that no other has in this process.
+  static uint64_t newImage();
+
   /// The cache that all images of the process share.
   static TileCache& shared();
 

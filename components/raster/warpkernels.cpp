@@ -250,6 +250,20 @@ TARN_VECTORISED void locateRow(const PlaneMapping::Row& row, double first, doubl
   }
 }
 
+void locatePoints(const PlanePoint* points, int count, const LevelExtent& extent,
+                  const PixelPatch& patch, const RowSources& out) {
+  for (int i = 0; i < count; ++i) {
+    const PlanePoint p = points[i];
+    const bool inside = p.x >= 0 && p.y >= 0 && p.x < extent.width && p.y < extent.height;
+    const double right = std::clamp(p.x - patch.x - 0.5, 0.0, patch.width - 1.0);
+    const double down = std::clamp(p.y - patch.y - 0.5, 0.0, patch.height - 1.0);
+    const int px = static_cast<int>(right * kOne + 0.5), py = static_cast<int>(down * kOne + 0.5);
+    out.offset[i] = ((py >> 8) * patch.width + (px >> 8)) * patch.channels;
+    out.share[i] = (px & (kOne - 1)) | (py & (kOne - 1)) << 8;
+    out.inside[i] = inside ? -1 : 0;
+  }
+}
+
 void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
   if (patch.channels == 3) {
     (patch.hasKeys ? sampleColours<true> : sampleColours<false>)(patch, from, count, out);

@@ -30,6 +30,10 @@ struct LevelExtent {
 void locateRow(const PlaneMapping::Row& row, double first, double step, int count,
                const LevelExtent& extent, const PixelPatch& patch, const RowSources& out);
 
+/// The same for `count` given positions in the level; those outside of it are not inside.
+void locatePoints(const PlanePoint* points, int count, const LevelExtent& extent,
+                  const PixelPatch& patch, const RowSources& out);
+
 /// Bilinear, without pure black and white pixels: where they have more than half of the weight the
 /// result is black, and it never is pure black or white elsewhere. Black outside the image.
 void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out);

@@ -1,9 +1,9 @@
-#include "components/imagesource/interaction.h"
+#include "components/interaction/interaction.h"
 
 #include "inc/callbackprogressbar.h"
 #include "inc/kcore.h"
 
-namespace tarn::imagesource {
+namespace tarn::interaction {
 
 Interaction::Interaction() {
   // Asked without the handle's assertion: running without a user interface is no fault.
@@ -49,4 +49,4 @@ void ProgressScope::move(double part) {
   if (CallBackProgressBar* bar = kel::Core::progressBar()) bar->setPosition(position);
 }
 
-}  // namespace tarn::imagesource
+}  // namespace tarn::interaction

@@ -1,4 +1,4 @@
-// What the image source tells the user and asks of the user interface. Silent where there is none.
+// What a component tells the user and asks of the user interface. Silent where there is none.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 #include "inc/iuserinterface.h"
 #include "inc/kobject.h"
 
-namespace tarn::imagesource {
+namespace tarn::interaction {
 
 class Interaction {
  public:
@@ -40,4 +40,4 @@ class ProgressScope {
   int position_;
 };
 
-}  // namespace tarn::imagesource
+}  // namespace tarn::interaction
