@@ -75,6 +75,8 @@ TEST_F(Commands, EmptyCommandsRunAndSayNothing) {
 /// file, a choice of the user, a component.
 TEST_F(Commands, WithoutWhatTheyNeedTheyEndWithTheirMessage) {
   const std::string noEntity = "\n当前文档没有实体请先添加影像实体";
+  // The component names the file, then the command says its own.
+  const std::string noFile = "\nD:\\tifimage\\image.tif: cannot be found打开影像出错";
   const struct {
     const char* typed;
     std::string printed;
@@ -84,8 +86,8 @@ TEST_F(Commands, WithoutWhatTheyNeedTheyEndWithTheirMessage) {
       {"addImage", ""},
       {"loadCloud", ""},
       {"rectifyImage", noEntity},
-      {"_image_ShowImage", "打开影像出错"},
-      {"_RectifyImage", "打开影像出错"},
+      {"_image_ShowImage", noFile},
+      {"_RectifyImage", noFile},
       {"ImageConversion", ""},
       {"OpenImageList", "\nOpenImageList 尚未提供。"},
       {"_image_List", "\nOpenImageList 尚未提供。"},
