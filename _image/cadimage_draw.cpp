@@ -7,6 +7,7 @@
 #include "_image/cadimage_pixels.h"
 #include "_image/docdata.h"
 #include "_image/moduleglobals.h"
+#include "_image/updateimagethread.h"
 #include "_image/view/pixelconvert.h"
 #include "_image/view/plotvalues.h"
 #include "acgi.h"
@@ -71,7 +72,8 @@ void CCadImage::drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDra
   DrawImage(request->columns, request->rows, request->columns + 1, request->rows + 1,
             request->spanU, request->spanV, AcGePoint3d(request->originX, request->originY, 0),
             worldDraw, pixels.get());
-  tarn::image::g_lastRequest.buffer = nullptr;
+  UpdateImageThread::request.buffer = nullptr;
+  UpdateImageThread::request.source.reset();
 }
 
 // Deliberate: one open Z of four points, inset by 100 drawing units also where the image is too

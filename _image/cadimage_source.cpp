@@ -8,6 +8,7 @@
 #include "_image/cadimage_pixels.h"
 #include "_image/moduleglobals.h"
 #include "_image/settarnprogress.h"
+#include "_image/updateimagethread.h"
 #include "afxwin.h"
 #include "base/path.h"
 #include "base/text.h"
@@ -151,8 +152,14 @@ PixelBuffer readPixels(IImageDivision& source, const PixelRequest& request, int 
   const double reductionY = std::fabs(request.reductionY / clarity);
   const PixelRect& rect = request.rect;
   source.setOutputMode(0);
-  g_lastRequest = {rect.left, rect.top,     request.columns,   request.rows,
-                   &source,   buffer.get(), request.reductionX};
+  source.retain();
+  UpdateImageThread::request = {rect.left,
+                                rect.top,
+                                request.columns,
+                                request.rows,
+                                buffer.get(),
+                                request.reductionX,
+                                kel::Object<IImageDivision>::adopt(&source)};
   source.announceWindow(request.windowX, request.windowY, request.cellX, request.cellY);
   if (request.reductionX > kCoarseReduction || request.reductionY > kCoarseReduction) {
     source.readRegionOverview(rect.left * 1.0, rect.top * 1.0, request.columns, request.rows,

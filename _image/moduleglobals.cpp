@@ -17,6 +17,5 @@ bool g_useScreenRectOld = false;
 int g_screenSizeReads = 0;
 double g_plotValues[6] = {};
 std::map<AcDbObjectId, std::array<double, 6>> g_plotViewports;
-LastRequest g_lastRequest;
 
 }  // namespace tarn::image

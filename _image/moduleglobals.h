@@ -66,17 +66,4 @@ extern double g_plotValues[6];
 /// The same for the model as each viewport of the plotted sheet shows it.
 extern std::map<AcDbObjectId, std::array<double, 6>> g_plotViewports;
 
-/// The last request made for drawing, overwritten by each. The source may be gone since then and is
-/// only for comparing.
-struct LastRequest {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-  const void* source = nullptr;
-  unsigned char* buffer = nullptr;  ///< null once the draw has freed it
-  double reduction = 0;
-};
-extern LastRequest g_lastRequest;
-
 }  // namespace tarn::image

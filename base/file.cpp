@@ -157,6 +157,16 @@ Result<std::string> readFile(const std::string& path, uint64_t limit) {
   return bytes;
 }
 
+Status syncFile(const std::string& path) {
+  const int handle = openRegular(path);
+  if (handle < 0) return openFailure(path);
+  const int synced = ::fsync(handle);
+  const int error = errno;
+  ::close(handle);
+  errno = error;
+  return synced == 0 ? Status::ok() : failure(path, "cannot sync");
+}
+
 Status replaceFile(const std::string& from, const std::string& to) {
   if (::rename(from.c_str(), to.c_str()) != 0) return failure(to, "cannot rename into place");
   return syncFolder(folderOf(to).empty() && !to.empty() && to[0] == '/' ? "/" : folderOf(to));
@@ -226,6 +236,12 @@ Status OutputFile::create(const std::string& path) {
   path_ = path;
   handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   return handle_ >= 0 ? Status::ok() : failure(path, "cannot create");
+}
+
+Status OutputFile::openExisting(const std::string& path) {
+  path_ = path;
+  handle_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  return handle_ >= 0 ? Status::ok() : failure(path, "cannot open");
 }
 
 Status OutputFile::writeAt(uint64_t offset, const void* data, size_t size) {

@@ -44,6 +44,9 @@ Result<std::string> makeTemporaryFolder(const std::string& folder, const std::st
 /// Reads a whole regular file; refused above `limit` bytes.
 Result<std::string> readFile(const std::string& path, uint64_t limit);
 
+/// Waits until what was written to the file is on the disk.
+Status syncFile(const std::string& path);
+
 /// Moves a finished file (already synced) into its place and syncs the folder: after a crash there
 /// is the old file or the new one, whole. Both must be on one disk.
 Status replaceFile(const std::string& from, const std::string& to);
@@ -96,6 +99,8 @@ class OutputFile {
 
   /// Creates or empties the file.
   Status create(const std::string& path);
+  /// Opens a file that is there, to write into it.
+  Status openExisting(const std::string& path);
   Status writeAt(uint64_t offset, const void* data, size_t size);
   /// Syncs and closes.
   Status finish();

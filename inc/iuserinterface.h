@@ -2,6 +2,7 @@
 // supplies it; components ask the factory. Texts are UTF-8.
 #pragma once
 
+#include "inc/kform.h"
 #include "inc/kobject.h"
 #include "inc/kvalues.h"
 
@@ -29,6 +30,15 @@ class IUserInterface : public kel::IObject {
   /// Adds to a counter of the current redraw ("windows", "pixels", "bytes", "tiles_read",
   /// "tiles_cached"), for the host's statistics.
   virtual void count(const char* counter, long long amount) = 0;
+  /// Lets the user fill in a form; false when it is cancelled, the form then as it was.
+  virtual bool askForm(kel::Form& form) = 0;
+  /// Shows tasks that run one after the other, until endTasks(). Progress meanwhile is shown with
+  /// them.
+  virtual void beginTasks(const kel::DString& title, const kel::StringList& tasks) = 0;
+  /// `text` is a remark on the task, or empty.
+  virtual void setTask(int task, kel::TaskState state, const kel::DString& text) = 0;
+  /// Shows the report; returns when the user has seen it.
+  virtual void endTasks(const kel::DString& report) = 0;
 
  protected:
   ~IUserInterface() = default;

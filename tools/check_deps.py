@@ -10,7 +10,7 @@ import sys
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 ENTITY_FILES = ("cadimage", "adskdmgr", "docdata", "displaysettings", "moduleglobals", "settarnprogress",
-                "hostcommand")
+                "hostcommand", "updateimagethread")
 LIBRARIES = (
     (re.compile(r"^(gdal|cpl_|ogr|gdal_)"), "GDAL"),
     (re.compile(r"^(jpeglib|jerror|jmorecfg|turbojpeg)"), "JPEG"),

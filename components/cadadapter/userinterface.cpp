@@ -6,12 +6,44 @@
 #include "acedads.h"
 #include "afxwin.h"
 #include "base/text.h"
+#include "tarnform.h"
 #include "tarnhost.h"
 
 namespace kel {
 namespace {
 
 constexpr size_t kFileNameCharacters = 10000;
+
+std::vector<std::string> plain(const StringList& texts) {
+  std::vector<std::string> out;
+  for (const DString& text : texts) out.push_back(text.str());
+  return out;
+}
+
+// The host's kinds and states stand in the same order as the framework's.
+static_assert(static_cast<int>(FormField::Kind::kFolder) ==
+              static_cast<int>(TarnFormField::Kind::kFolder));
+static_assert(static_cast<int>(TaskState::kFailed) == static_cast<int>(TarnTaskState::kFailed));
+
+TarnFormField toHost(const FormField& field) {
+  return {static_cast<TarnFormField::Kind>(field.kind),
+          field.label.str(),
+          plain(field.choices),
+          field.value.str(),
+          plain(field.values),
+          field.filter.str(),
+          field.least,
+          field.most};
+}
+
+/// The fields with the values of the host's answers.
+List<FormField> withAnswers(List<FormField> fields, const std::vector<TarnFormField>& answers) {
+  for (size_t i = 0; i < fields.size() && i < answers.size(); ++i) {
+    fields[i].value = answers[i].value;
+    fields[i].values.assign(answers[i].values.begin(), answers[i].values.end());
+  }
+  return fields;
+}
 
 }  // namespace
 
@@ -54,15 +86,15 @@ int UserInterface::choose(const DString& title, const StringList& choices) {
 }
 
 void UserInterface::beginProgress(const DString& label, int minimum, int maximum) {
-  acedSetStatusBarProgressMeter(tarn::toWide(label.str()).c_str(), minimum, maximum);
+  tarnHostBeginProgress(label.str(), minimum, maximum);
 }
 
 void UserInterface::moveProgress(int position) {
-  acedSetStatusBarProgressMeterPos(position);
+  tarnHostMoveProgress(position);
 }
 
 void UserInterface::endProgress() {
-  acedRestoreStatusBar();
+  tarnHostEndProgress();
 }
 
 bool UserInterface::cancelWanted() {
@@ -83,6 +115,33 @@ DString UserInterface::folder(Folder which) {
 
 void UserInterface::count(const char* counter, long long amount) {
   tarnHostCount(counter, amount);
+}
+
+bool UserInterface::askForm(Form& form) {
+  TarnForm hosts;
+  hosts.title = form.title.str();
+  hosts.accept = form.accept.str();
+  for (const FormField& field : form.fields) hosts.fields.push_back(toHost(field));
+  if (form.check) {
+    hosts.check = [&form](const std::vector<TarnFormField>& answers) {
+      return form.check(withAnswers(form.fields, answers)).str();
+    };
+  }
+  if (!tarnHostAskForm(hosts)) return false;
+  form.fields = withAnswers(form.fields, hosts.fields);
+  return true;
+}
+
+void UserInterface::beginTasks(const DString& title, const StringList& tasks) {
+  tarnHostBeginTasks(title.str(), plain(tasks));
+}
+
+void UserInterface::setTask(int task, TaskState state, const DString& text) {
+  tarnHostSetTask(static_cast<size_t>(task), static_cast<TarnTaskState>(state), text.str());
+}
+
+void UserInterface::endTasks(const DString& report) {
+  tarnHostEndTasks(report.str());
 }
 
 }  // namespace kel

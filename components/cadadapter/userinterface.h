@@ -21,6 +21,10 @@ class UserInterface final : public Implements<UserInterface, IUserInterface> {
   bool cancelWanted() override;
   DString folder(Folder which) override;
   void count(const char* counter, long long amount) override;
+  bool askForm(Form& form) override;
+  void beginTasks(const DString& title, const StringList& tasks) override;
+  void setTask(int task, TaskState state, const DString& text) override;
+  void endTasks(const DString& report) override;
 };
 
 }  // namespace kel

@@ -8,6 +8,8 @@
 
 namespace tarn::host {
 
+class OperationView;
+
 /// What an input line is for. A front end may show it differently (a crosshair for points); it
 /// never changes what it must return.
 enum class InputKind {
@@ -41,6 +43,9 @@ class FrontEnd {
   virtual void progressBegin(const std::string& label, int minimum, int maximum) = 0;
   virtual void progressMove(int position) = 0;
   virtual void progressEnd() = 0;
+
+  /// Windows for forms, tasks and progress; null without any.
+  virtual OperationView* operations() { return nullptr; }
 
   /// True once the user has asked to stop the running operation (Escape, interrupt signal); cleared
   /// when the next command starts (cancelHandled). May let the window paint itself and look for

@@ -1,6 +1,7 @@
 #include "host/window/heldinput.h"
 
 #include <QCoreApplication>
+#include <QWindow>
 
 namespace tarn::host {
 
@@ -11,7 +12,16 @@ void HeldInput::releaseTo(QObject& target) {
   keys_.clear();
 }
 
-bool HeldInput::eventFilter(QObject*, QEvent* event) {
+bool HeldInput::isOpen(const QObject* watched) const {
+  if (!open_) return false;
+  if (watched == open_->windowHandle()) return true;
+  return watched->isWidgetType() && static_cast<const QWidget*>(watched)->window() == open_;
+}
+
+bool HeldInput::eventFilter(QObject* watched, QEvent* event) {
+  const bool escapes =
+      event->type() == QEvent::KeyPress && static_cast<QKeyEvent&>(*event).key() == Qt::Key_Escape;
+  if (!escapes && isOpen(watched)) return false;
   switch (event->type()) {
     case QEvent::KeyPress: {
       const auto& key = static_cast<QKeyEvent&>(*event);

@@ -3,6 +3,8 @@
 
 #include <QKeyEvent>
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 #include <functional>
 #include <vector>
 
@@ -13,6 +15,9 @@ class HeldInput : public QObject {
  public:
   explicit HeldInput(std::function<void()> escape) : escape_(std::move(escape)) {}
 
+  /// A window that takes input all the same (its button cancels, say); null for none.
+  void letThrough(QWidget* window) { open_ = window; }
+
   /// Sends the kept keys to `target` through the event loop, in their order.
   void releaseTo(QObject& target);
 
@@ -20,7 +25,10 @@ class HeldInput : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  bool isOpen(const QObject* watched) const;
+
   std::function<void()> escape_;
+  QPointer<QWidget> open_;
   std::vector<QKeyEvent> keys_;
 };
 

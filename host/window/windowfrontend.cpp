@@ -8,6 +8,7 @@
 #include "host/window/canvas.h"
 #include "host/window/commandline.h"
 #include "host/window/heldinput.h"
+#include "host/window/operationwindows.h"
 #include "host/window/statusarea.h"
 
 namespace tarn::host {
@@ -29,7 +30,11 @@ struct WindowFrontEnd::Reader {
 };
 
 WindowFrontEnd::WindowFrontEnd()
-    : held_(std::make_unique<HeldInput>([this] { cancelWanted_ = true; })) {
+    : held_(std::make_unique<HeldInput>([this] { cancelWanted_ = true; })),
+      operations_(std::make_unique<OperationWindows>(OperationWindows::Hooks{
+          [this] { return canvas_ != nullptr ? canvas_->window() : nullptr; },
+          [this] { cancelWanted_ = true; }, [this] { pumpSometimes(); },
+          [this](QWidget* window) { held_->letThrough(window); }})) {
   sincePump_.start();
   queueTimer_.setSingleShot(true);
   QObject::connect(&queueTimer_, &QTimer::timeout, [this] {
@@ -176,6 +181,10 @@ void WindowFrontEnd::progressEnd() {
   if (status_ != nullptr) status_->endProgress();
 }
 
+OperationView* WindowFrontEnd::operations() {
+  return canvas_ != nullptr ? operations_.get() : nullptr;
+}
+
 bool WindowFrontEnd::cancelWanted() {
   pumpSometimes();
   return cancelWanted_;
@@ -193,6 +202,7 @@ void WindowFrontEnd::pump() {
   if (pumping_ || line_ == nullptr) return;
   pumping_ = true;
   tellState();
+  operations_->tick();
   QCoreApplication::instance()->installEventFilter(held_.get());
   QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(kPumpMilliseconds));
   QCoreApplication::instance()->removeEventFilter(held_.get());

@@ -20,6 +20,7 @@ namespace tarn::host {
 class Canvas;
 class CommandLine;
 class HeldInput;
+class OperationWindows;
 class StatusArea;
 
 class WindowFrontEnd final : public FrontEnd {
@@ -50,6 +51,7 @@ class WindowFrontEnd final : public FrontEnd {
   void progressBegin(const std::string& label, int minimum, int maximum) override;
   void progressMove(int position) override;
   void progressEnd() override;
+  OperationView* operations() override;
   bool cancelWanted() override;
   void cancelHandled() override;
   void displayChanged() override;
@@ -103,6 +105,7 @@ class WindowFrontEnd final : public FrontEnd {
   std::deque<LineSource> script_;
   std::vector<Reader*> readers_;
   std::unique_ptr<HeldInput> held_;
+  std::unique_ptr<OperationWindows> operations_;
   QElapsedTimer sincePump_;
   QTimer queueTimer_;
   bool pumping_ = false;

@@ -1,4 +1,5 @@
 #include "_image/displaysettings.h"
+#include "_image/updateimagethread.h"
 #include "commoncode/cadutil/dictrecord.h"
 #include "tests/image_entity/fixture.h"
 
@@ -90,8 +91,8 @@ TEST_F(Draw, RequestsFollowReductionClarityAndOffset) {
     const RecordingWorldDraw drawn = draw();
     EXPECT_THAT(script().calls, ElementsAre("setOutputMode 0", "announceWindow", one.call));
     EXPECT_NEAR(script().window[2], one.cell, 1e-7);
-    EXPECT_NEAR(tarn::image::g_lastRequest.reduction, one.reduction, 1e-7);
-    EXPECT_EQ(tarn::image::g_lastRequest.buffer, nullptr);
+    EXPECT_NEAR(UpdateImageThread::request.resolution, one.reduction, 1e-7);
+    EXPECT_EQ(UpdateImageThread::request.buffer, nullptr);
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstring>
+#include <mutex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,6 +27,9 @@ struct DivisionScript {
 
   std::vector<std::string> calls;
   std::vector<double> window;
+  /// Block reads, with their places behind `blockBuffer`.
+  std::vector<std::string> blocks;
+  unsigned char* blockBuffer = nullptr;
   int alive = 0;
 };
 
@@ -82,7 +86,16 @@ class RecordingDivision final : public kel::Implements<RecordingDivision, IImage
   }
   void setNoPyramid(bool noPyramid) override { note("setNoPyramid", noPyramid); }
   void coordinateSystem(int& code) override { code = script().coordinateSystem; }
-  bool readBlock(int, int, int, int, double, double, unsigned char**) override { return false; }
+  bool readBlock(int column, int row, int width, int height, double resolutionX, double resolutionY,
+                 unsigned char** destination) override {
+    static std::mutex mutex;  // comes from several threads at once
+    std::ostringstream text;
+    text << column << ' ' << row << ' ' << width << ' ' << height << ' ' << resolutionX << ' '
+         << resolutionY << " at " << *destination - script().blockBuffer;
+    const std::lock_guard<std::mutex> lock(mutex);
+    script().blocks.push_back(text.str());
+    return false;
+  }
   void setAntiAliasing(bool) override {}
   void setStretchMode(int) override {}
   void announceWindow(double x, double y, double cellX, double cellY) override {

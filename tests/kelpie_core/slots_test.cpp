@@ -73,6 +73,10 @@ TEST(Slots, BaseAndSmallInterfaces) {
       SLOT(IUserInterface, cancelWanted, 11),
       SLOT(IUserInterface, folder, 12),
       SLOT(IUserInterface, count, 13),
+      SLOT(IUserInterface, askForm, 14),
+      SLOT(IUserInterface, beginTasks, 15),
+      SLOT(IUserInterface, setTask, 16),
+      SLOT(IUserInterface, endTasks, 17),
   });
 }
 

@@ -1,6 +1,7 @@
 // A user interface service that notes what it is asked, for tests of components.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,7 +15,10 @@ namespace tarn::test {
 struct Recorded {
   std::vector<std::string> messages;
   std::vector<std::string> progress;
+  std::vector<std::string> tasks;
   std::map<std::string, long long> counters;
+  /// Fills in forms; without it they are cancelled.
+  std::function<bool(kel::Form&)> answer;
   std::string folder;
   bool cancel = false;
 };
@@ -45,6 +49,15 @@ class RecordingInterface final : public kel::Implements<RecordingInterface, IUse
   void count(const char* counter, long long amount) override {
     recorded().counters[counter] += amount;
   }
+  bool askForm(kel::Form& form) override { return recorded().answer && recorded().answer(form); }
+  void beginTasks(const kel::DString& title, const kel::StringList& tasks) override {
+    recorded().tasks = {title.str() + " " + std::to_string(tasks.size())};
+  }
+  void setTask(int task, kel::TaskState state, const kel::DString& text) override {
+    recorded().tasks.push_back(std::to_string(task) + " " +
+                               std::to_string(static_cast<int>(state)) + " " + text.str());
+  }
+  void endTasks(const kel::DString& report) override { recorded().tasks.push_back(report.str()); }
 };
 
 }  // namespace tarn::test

@@ -1,0 +1,125 @@
+// tarnconvert: conversion of many images from the command line, and of parts of a list on many
+// machines.
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "app/tarnconvert/arguments.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "components/convert/batch.h"
+
+namespace {
+
+using tarn::convert::BatchObserver;
+using tarn::convert::Item;
+using tarn::convert::ItemResult;
+using tarn::convert::State;
+using tarn::convertapp::Arguments;
+
+constexpr int kDone = 0, kFailed = 1, kWrongUsage = 2;
+
+volatile std::sig_atomic_t g_stop = 0;
+
+extern "C" void onStop(int) {
+  g_stop = 1;
+}
+
+/// A text as a JSON string; names that are no UTF-8 get replacement characters.
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : tarn::toUtf8(tarn::toWide(text))) {
+    if (c == '"' || c == '\\') out += '\\';
+    if (static_cast<unsigned char>(c) < ' ') {
+      char code[8];
+      std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned char>(c));
+      out += code;
+    } else {
+      out += c;
+    }
+  }
+  return out + '"';
+}
+
+std::string jsonLine(const Item& item, const ItemResult& result) {
+  std::string notes;
+  for (const std::string& note : result.notes) notes += (notes.empty() ? "" : ",") + quoted(note);
+  char seconds[32];
+  std::snprintf(seconds, sizeof seconds, "%.3f", result.seconds);
+  std::string line = "{\"input\":" + quoted(item.input) + ",\"output\":" + quoted(result.output) +
+                     ",\"state\":\"" + wordOf(result.state) + "\"";
+  if (result.state == State::kConverted)
+    line += ",\"bytes\":" + std::to_string(result.bytes) + ",\"seconds\":" + seconds;
+  if (!result.message.empty()) line += ",\"message\":" + quoted(result.message);
+  if (!notes.empty()) line += ",\"notes\":[" + notes + "]";
+  return line + "}";
+}
+
+class Reporter final : public BatchObserver {
+ public:
+  explicit Reporter(const std::vector<Item>& items) : items_(items) {}
+
+  void started(size_t) override {}
+  bool moved(size_t, double) override { return g_stop == 0 && std::cout.good(); }
+  void finished(size_t item, const ItemResult& result) override {
+    if (result.state == State::kFailed || result.state == State::kSkipped)
+      std::cerr << "tarnconvert: " << result.message << "\n";
+    std::cout << jsonLine(items_[item], result) << "\n" << std::flush;
+  }
+
+ private:
+  const std::vector<Item>& items_;
+};
+
+void addListOnInput(std::vector<std::string>& names) {
+  std::string line;
+  while (std::getline(std::cin, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (!line.empty()) names.push_back(line);
+  }
+}
+
+/// The items of this process' part.
+std::vector<Item> ownPart(const std::vector<Item>& items, const Arguments& arguments) {
+  std::vector<Item> own;
+  for (const Item& item : items) {
+    if (tarn::convert::partOf(item.input, arguments.parts) == arguments.part) own.push_back(item);
+  }
+  return own;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  tarn::Result<Arguments> parsed =
+      tarn::convertapp::parseArguments({argv + (argc > 0 ? 1 : 0), argv + argc});
+  if (!parsed) {
+    std::cerr << "tarnconvert: " << parsed.message() << "\n" << tarn::convertapp::kUsage;
+    return kWrongUsage;
+  }
+  Arguments arguments = parsed.take();
+  if (arguments.help) {
+    std::cout << tarn::convertapp::kUsage;
+    return kDone;
+  }
+  tarn::makeWriteFailuresErrors();
+  std::signal(SIGINT, onStop);
+  std::signal(SIGTERM, onStop);
+  if (arguments.listOnInput) addListOnInput(arguments.names);
+  const std::vector<Item> all =
+      planItems(tarn::convert::expandInputs(arguments.names), arguments.options);
+  if (all.empty()) {
+    std::cerr << "tarnconvert: there are no images in what is named\n";
+    return kFailed;
+  }
+  const std::vector<Item> items = ownPart(all, arguments);
+  Reporter reporter(items);
+  const tarn::convert::Summary summary = runBatch(items, arguments.options, reporter);
+  std::cerr << "tarnconvert: " << summary.text();
+  if (arguments.parts > 1) std::cerr << " of " << all.size() << " in the list";
+  std::cerr << "\n";
+  return summary.failed + summary.stopped > 0 || !std::cout.good() ? kFailed : kDone;
+}

@@ -1,0 +1,209 @@
+// IBatchImageConversion over components/convert, with the user's form and progress.
+#include <string>
+
+#include "base/path.h"
+#include "base/text.h"
+#include "components/batchconvert/conversionform.h"
+#include "components/convert/batch.h"
+#include "components/convert/converter.h"
+#include "components/raster/rasterimage.h"
+#include "inc/callbackprogressbar.h"
+#include "inc/ibatchimageconversion.h"
+#include "inc/icadadapter.h"
+#include "inc/iconfigmanager.h"
+#include "inc/iuserinterface.h"
+#include "inc/kcore.h"
+#include "inc/kplugin.h"
+
+namespace tarn::batchconvert {
+namespace {
+
+using convert::Item;
+using convert::ItemResult;
+using convert::State;
+
+constexpr const char* kLastOptions = "ImageConversionOptions";
+constexpr Text kLabel = {"影像转换", "Image conversion"};
+constexpr Text kNothing = {"所选位置没有影像。", "There are no images in what was chosen."};
+constexpr int kPositions = 1000;
+
+/// A framework object, asked for without an assertion: a service that is missing is no fault here.
+template <typename Interface>
+kel::Object<Interface> find() {
+  void* made = nullptr;
+  kel::createObject("N", Interface::interfaceId(), &made);
+  return kel::Object<Interface>::adopt(static_cast<Interface*>(made));
+}
+
+/// The framework's progress display for the time of one operation.
+class Display {
+ public:
+  explicit Display(const std::string& label) {
+    if (CallBackProgressBar* bar = kel::Core::progressBar())
+      bar->start(label.c_str(), 0, kPositions);
+  }
+  ~Display() {
+    if (CallBackProgressBar* bar = kel::Core::progressBar()) bar->end();
+  }
+  Display(const Display&) = delete;
+  Display& operator=(const Display&) = delete;
+
+  void move(double part) {
+    const int position = static_cast<int>(part * kPositions);
+    if (position == position_) return;
+    position_ = position;
+    if (CallBackProgressBar* bar = kel::Core::progressBar()) bar->setPosition(position);
+  }
+
+ private:
+  int position_ = 0;
+};
+
+std::string joined(const std::vector<std::string>& notes) {
+  std::string text;
+  for (const std::string& note : notes) text += (text.empty() ? "" : "; ") + note;
+  return text;
+}
+
+/// Shows a batch to the user.
+class Shown final : public convert::BatchObserver {
+ public:
+  Shown(IUserInterface& user, const std::vector<Item>& items, const char* label)
+      : user_(user), items_(items), display_(label) {}
+
+  void started(size_t item) override {
+    user_.setTask(static_cast<int>(item), kel::TaskState::kRunning, "");
+  }
+
+  bool moved(size_t item, double part) override {
+    display_.move((static_cast<double>(item) + part) / static_cast<double>(items_.size()));
+    return !user_.cancelWanted();
+  }
+
+  void finished(size_t item, const ItemResult& result) override {
+    const bool done = result.state == State::kConverted;
+    const bool failed = result.state == State::kFailed;
+    const std::string remark = !result.message.empty() ? result.message
+                               : done                  ? joined(result.notes)
+                                                       : wordOf(result.state);
+    user_.setTask(static_cast<int>(item),
+                  done     ? kel::TaskState::kDone
+                  : failed ? kel::TaskState::kFailed
+                           : kel::TaskState::kSkipped,
+                  remark);
+  }
+
+ private:
+  IUserInterface& user_;
+  const std::vector<Item>& items_;
+  Display display_;
+};
+
+class BatchConversion final : public kel::Implements<BatchConversion, IBatchImageConversion> {
+ public:
+  static constexpr const char* kName = "batchconvert";
+
+  bool convertImage(const kel::DString& source, const kel::DString& target) override {
+    converted_ = 0;
+    convert::Options options = lastOptions();
+    const std::string ending = toLower(extensionOf(target.str()));
+    options.existing = convert::Existing::kOverwrite;
+    if (ending == ".img") options.format = convert::Format::kImg;
+    if (ending == ".jpg") options.format = convert::Format::kJpeg;
+    Display display(nameOf(source.str()));
+    const auto done = convert::convertImage(source.str(), target.str(), options,
+                                            [&](double part) { return goOn(display, part); });
+    if (!done) say(done.message());
+    converted_ = done ? 1 : 0;
+    return done.isOk();
+  }
+
+  bool buildPyramid(const kel::DString& image) override {
+    const std::string cache =
+        user_.isNull() ? "" : user_->folder(IUserInterface::Folder::kCache).str();
+    const raster::PyramidPlaces places{folderOf(image.str()), cache};
+    auto opened = raster::RasterImage::open(image.str(), {places, true, {}});
+    if (!opened) {
+      say(opened.message());
+      return false;
+    }
+    if (opened.value()->hasPyramid(places)) return true;
+    Display display(nameOf(image.str()));
+    std::string note;
+    const Status built = opened.value()->buildPyramid(
+        places, [&](double part) { return goOn(display, part); }, note);
+    if (!built) say(built.message());
+    return built.isOk();
+  }
+
+  int convertedCount() override { return converted_; }
+
+  void run() override {
+    converted_ = 0;
+    if (user_.isNull()) return;
+    const bool english = isEnglish();
+    kel::Form form = makeForm(lastOptions(), english);
+    if (!user_->askForm(form)) return;
+    const Result<Wish> wish = readForm(form.fields, english);
+    if (!wish) return say(wish.message());
+    keepOptions(wish.value().options);
+    const std::vector<Item> items =
+        planItems(convert::expandInputs(wish.value().names), wish.value().options);
+    if (items.empty()) return say(kNothing.in(english));
+    convertItems(items, wish.value().options, kLabel.in(english));
+  }
+
+ private:
+  void convertItems(const std::vector<Item>& items, const convert::Options& options,
+                    const char* label) {
+    kel::StringList names;
+    for (const Item& item : items) names.emplace_back(item.input);
+    user_->beginTasks(label, names);
+    convert::Summary summary;
+    {
+      Shown shown(*user_.get(), items, label);
+      summary = runBatch(items, options, shown);
+    }
+    converted_ = static_cast<int>(summary.converted);
+    std::string report = std::string(label) + ": " + summary.text();
+    if (summary.converted + summary.current > 0)
+      report += " -> " + (options.folder.empty() ? folderOf(items[0].output) : options.folder);
+    user_->endTasks(report);
+  }
+
+  bool goOn(Display& display, double part) const {
+    display.move(part);
+    return user_.isNull() || !user_->cancelWanted();
+  }
+
+  void say(const std::string& text) const {
+    if (!user_.isNull()) user_->message(text);
+  }
+
+  static bool isEnglish() {
+    const kel::Object<ICadAdapter> adapter = find<ICadAdapter>();
+    return !adapter.isNull() && adapter->systemVariable("LOCALE").toString().str() == "ENU";
+  }
+
+  static convert::Options lastOptions() {
+    const kel::Object<IConfigManager> configuration = find<IConfigManager>();
+    if (configuration.isNull()) return {};
+    return optionsOf(configuration->getValue(kLastOptions).toString().str());
+  }
+
+  static void keepOptions(const convert::Options& options) {
+    const kel::Object<IConfigManager> configuration = find<IConfigManager>();
+    if (!configuration.isNull())
+      configuration->setValue(kLastOptions, kel::DString(storedText(options)));
+  }
+
+  kel::Object<IUserInterface> user_ = find<IUserInterface>();
+  int converted_ = 0;
+};
+
+}  // namespace
+}  // namespace tarn::batchconvert
+
+extern "C" KEL_API void kelRegisterPlugin() {
+  tarn::batchconvert::BatchConversion::registerSelf();
+}

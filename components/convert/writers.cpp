@@ -1,0 +1,174 @@
+#include "components/convert/writers.h"
+
+#include <cpl_conv.h>
+#include <cpl_string.h>
+#include <gdal_frmts.h>
+
+#include <mutex>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "components/convert/imgblocks.h"
+#include "components/convert/view.h"
+#include "components/convert/waiting.h"
+#include "components/raster/tilecascade.h"
+#include "components/raster/tiledtiffwriter.h"
+
+namespace tarn::convert {
+namespace {
+
+using raster::GdalErrors;
+
+// Of a driver's progress; the rest is flushing and syncing.
+constexpr double kPixelShare = 0.95;
+
+GDALDriver* driverNamed(const char* name) {
+  static std::once_flag once;
+  std::call_once(once, [] { GDALRegister_COG(); });
+  return GetGDALDriverManager()->GetDriverByName(name);
+}
+
+/// Closes a dataset whose errors are collected by `errors`.
+Status closeWritten(GDALDataset* dataset, const GdalErrors& errors, const std::string& path) {
+  if (dataset) {
+    dataset->FlushCache(true);
+    GDALClose(GDALDataset::ToHandle(dataset));
+  }
+  if (dataset && errors.failures() == 0) return Status::ok();
+  const std::string reason = errors.text().empty() ? "its driver gave no reason" : errors.text();
+  return Status::error(path + ": cannot be written: " + reason);
+}
+
+/// The georeferencing and metadata tags of a TIFF with the view's description, by GDAL's own hand.
+/// What does not fit into tags it writes into an .aux.xml, which goes beside `path`.
+Result<std::vector<raster::TiffTag>> describingTags(GDALDataset& view, const std::string& path) {
+  const std::string folder = path + ".tags", sample = joinPath(folder, nameOf(path));
+  if (Status made = makeFolders(folder); !made) return made;
+  {
+    const GdalErrors errors;
+    const char* options[] = {"BIGTIFF=NO", "ENDIANNESS=LITTLE", nullptr};
+    constexpr int kSide = 16;
+    GDALDataset* dataset = driverNamed("GTiff")->Create(
+        sample.c_str(), kSide, kSide, view.GetRasterCount(), GDT_Byte, const_cast<char**>(options));
+    if (dataset) describeLike(view, *dataset);
+    if (Status closed = closeWritten(dataset, errors, sample); !closed) return closed;
+  }
+  Result<std::vector<raster::TiffTag>> tags = raster::readDescribingTags(sample);
+  const std::string beside = ".aux.xml";
+  if (fileKind(sample + beside) == FileKind::kRegular) {
+    if (Status moved = replaceFile(sample + beside, path + beside); !moved) return moved;
+  }
+  if (Status removed = removeAll(folder); !removed) return removed;
+  return tags;
+}
+
+Status writeTiles(const Plan& plan, GDALDataset& view, const raster::RasterImage& image,
+                  const std::string& path, const raster::Progress& progress) {
+  const raster::TileGrid& grid = image.storedPixels().grid();
+  Result<std::vector<raster::TiffTag>> tags = describingTags(view, path);
+  if (!tags) return tags.status();
+  raster::TiledTiffForm form;
+  form.levels = {{grid.width, grid.height}};
+  if (plan.pyramidInside) {
+    for (const raster::LevelSize& size : raster::pyramidLevels(grid.width, grid.height))
+      form.levels.push_back(size);
+  }
+  form.channels = grid.channels;
+  form.coding = plan.coding;
+  form.holdsImage = true;
+  form.tags = tags.take();
+  form.cloudOptimised = plan.cloudOptimised;
+  raster::TiledTiffWriter writer;
+  if (Status created = writer.create(path, std::move(form)); !created) return created;
+  raster::CascadeForm cascade;
+  cascade.withImage = true;
+  cascade.withHalves = plan.pyramidInside;
+  cascade.thinLines = image.presentation().thinLines;
+  if (Status done =
+          cascadeTiles(image.storedPixels(), cascade, writer, stepOf(progress, 0, kPixelShare));
+      !done)
+    return done;
+  return runWaiting(
+      [&](Waiting&) {
+        Status finished = writer.finish();
+        return finished ? writer.check() : finished;
+      },
+      stepOf(progress, kPixelShare, 1));
+}
+
+Status writeBlocks(GDALDataset& view, const raster::RasterImage& image, const std::string& path,
+                   const raster::Progress& progress) {
+  const raster::TileGrid& grid = image.storedPixels().grid();
+  {
+    const GdalErrors errors;
+    GDALDataset* dataset = driverNamed("HFA")->Create(path.c_str(), grid.width, grid.height,
+                                                      grid.channels, GDT_Byte, nullptr);
+    if (dataset) describeLike(view, *dataset);
+    if (Status closed = closeWritten(dataset, errors, path); !closed) return closed;
+  }
+  ImgBlockWriter writer;
+  if (Status opened = writer.open(path, grid.width, grid.height, grid.channels); !opened)
+    return opened;
+  raster::CascadeForm cascade;
+  cascade.withImage = true;
+  cascade.withHalves = false;
+  if (Status done =
+          cascadeTiles(image.storedPixels(), cascade, writer, stepOf(progress, 0, kPixelShare));
+      !done)
+    return done;
+  return runWaiting([&](Waiting&) { return writer.finish(); }, stepOf(progress, kPixelShare, 1));
+}
+
+int CPL_STDCALL tellDriverProgress(double part, const char*, void* shared) {
+  auto* waiting = static_cast<Waiting*>(shared);
+  waiting->part = part * kPixelShare;
+  return waiting->stop ? FALSE : TRUE;
+}
+
+Status copyByDriver(const Plan& plan, GDALDataset& view, const std::string& path,
+                    Waiting& waiting) {
+  const GdalErrors errors;
+  GDALDriver* driver = driverNamed(plan.driver.c_str());
+  if (!driver) return Status::error(path + ": there is no driver for " + plan.driver);
+  const CPLConfigOptionSetter masksInside("GDAL_TIFF_INTERNAL_MASK", "YES", false);
+  CPLStringList options;
+  for (const std::string& option : plan.creation) options.AddString(option.c_str());
+  GDALDataset* made =
+      driver->CreateCopy(path.c_str(), &view, FALSE, options.List(), tellDriverProgress, &waiting);
+  Status closed = closeWritten(made, errors, path);
+  return waiting.stop ? Status::error("was stopped") : closed;
+}
+
+Status writeByDriver(const Plan& plan, GDALDataset& view, const std::string& path,
+                     const raster::Progress& progress) {
+  constexpr uint64_t kTileRows = 256;
+  uint64_t pixel = 0;
+  for (int i = 1; i <= view.GetRasterCount(); ++i)
+    pixel += GDALGetDataTypeSizeBytes(view.GetRasterBand(i)->GetRasterDataType());
+  // A row of tiles that does not fit is compressed, read back and compressed again.
+  raster::reserveGdalCache(kTileRows * 3 / 2 * static_cast<uint64_t>(view.GetRasterXSize()) *
+                           pixel);
+  return runWaiting(
+      [&](Waiting& waiting) {
+        Status copied = copyByDriver(plan, view, path, waiting);
+        return copied ? syncFile(path) : copied;
+      },
+      progress);
+}
+
+}  // namespace
+
+Status writeConverted(const Plan& plan, GDALDataset& view, const raster::RasterImage& image,
+                      const std::string& path, const raster::Progress& progress) {
+  switch (plan.writer) {
+    case Writer::kTiles:
+      return writeTiles(plan, view, image, path, progress);
+    case Writer::kBlocks:
+      return writeBlocks(view, image, path, progress);
+    case Writer::kDriver:
+      break;
+  }
+  return writeByDriver(plan, view, path, progress);
+}
+
+}  // namespace tarn::convert

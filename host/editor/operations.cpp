@@ -1,0 +1,79 @@
+// Forms, tasks and progress of the host interface: in windows where the front end has them, else on
+// the command line.
+#include "host/editor/commandlineforms.h"
+#include "host/editor/frontend.h"
+#include "host/editor/hostapp.h"
+#include "host/editor/operationview.h"
+#include "host/editor/sysvars.h"
+#include "tarnform.h"
+
+using tarn::host::HostApp;
+using tarn::host::OperationView;
+
+namespace {
+
+OperationView* view() {
+  HostApp* app = HostApp::instance();
+  return app != nullptr ? app->frontEnd().operations() : nullptr;
+}
+
+std::vector<std::string>& namesOfTasks() {
+  static std::vector<std::string> names;
+  return names;
+}
+
+const char* wordOf(TarnTaskState state) {
+  switch (state) {
+    case TarnTaskState::kDone:
+      return "done";
+    case TarnTaskState::kSkipped:
+      return "skipped";
+    case TarnTaskState::kFailed:
+      return "failed";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+bool tarnHostAskForm(TarnForm& form) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return false;
+  if (view() != nullptr && app->variables().shortOf("FILEDIA") != 0) return view()->askForm(form);
+  return tarn::host::askFormOnCommandLine(*app, form);
+}
+
+void tarnHostBeginTasks(const std::string& title, const std::vector<std::string>& tasks) {
+  if (OperationView* shown = view()) return shown->beginTasks(title, tasks);
+  namesOfTasks() = tasks;
+  if (HostApp* app = HostApp::instance()) app->print("\n" + title + "\n");
+}
+
+void tarnHostSetTask(size_t task, TarnTaskState state, const std::string& text) {
+  if (OperationView* shown = view()) return shown->setTask(task, state, text);
+  HostApp* app = HostApp::instance();
+  const std::string word = wordOf(state);
+  if (app == nullptr || word.empty() || task >= namesOfTasks().size()) return;
+  app->print("\n" + namesOfTasks()[task] + ": " + word + (text.empty() ? "" : ": " + text) + "\n");
+}
+
+void tarnHostEndTasks(const std::string& report) {
+  if (OperationView* shown = view()) return shown->endTasks(report);
+  if (HostApp* app = HostApp::instance()) app->print("\n" + report + "\n");
+}
+
+void tarnHostBeginProgress(const std::string& label, int minimum, int maximum) {
+  if (OperationView* shown = view()) return shown->beginProgress(label, minimum, maximum);
+  if (HostApp* app = HostApp::instance()) app->frontEnd().progressBegin(label, minimum, maximum);
+}
+
+void tarnHostMoveProgress(int position) {
+  if (OperationView* shown = view()) return shown->moveProgress(position);
+  if (HostApp* app = HostApp::instance()) app->frontEnd().progressMove(position);
+}
+
+void tarnHostEndProgress() {
+  if (OperationView* shown = view()) return shown->endProgress();
+  if (HostApp* app = HostApp::instance()) app->frontEnd().progressEnd();
+}

@@ -1,0 +1,175 @@
+#include "host/window/formdialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+#include "base/text.h"
+#include "host/window/filefilters.h"
+
+namespace tarn::host {
+
+namespace {
+
+using Kind = TarnFormField::Kind;
+
+constexpr int kWidth = 620, kListHeight = 150;
+
+QString qt(const std::string& text) {
+  return QString::fromStdString(text);
+}
+
+/// A path is in the list once.
+void addPath(QListWidget& list, const QString& path) {
+  if (!path.isEmpty() && list.findItems(path, Qt::MatchExactly).isEmpty()) list.addItem(path);
+}
+
+}  // namespace
+
+FormDialog::FormDialog(QWidget* parent, TarnForm& form)
+    : QDialog(parent), form_(form), reason_(new QLabel) {
+  setObjectName("form");
+  setWindowTitle(qt(form.title));
+  auto* column = new QVBoxLayout(this);
+  auto* rows = new QFormLayout;
+  rows->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+  for (const TarnFormField& field : form.fields) addField(field, *column, *rows);
+  column->addLayout(rows);
+  reason_->setObjectName("reason");
+  reason_->setWordWrap(true);
+  reason_->setTextFormat(Qt::PlainText);
+  reason_->setStyleSheet("color: #f08078");
+  reason_->hide();
+  column->addWidget(reason_);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  buttons->button(QDialogButtonBox::Ok)->setText(qt(form.accept));
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  column->addWidget(buttons);
+  setMinimumWidth(kWidth);
+}
+
+void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QFormLayout& rows) {
+  const std::string name = "field" + std::to_string(readers_.size());
+  QWidget* widget = nullptr;
+  int number = 0;
+  switch (field.kind) {
+    case Kind::kFiles:
+      return addFiles(field, column);
+    case Kind::kFolder:
+      widget = makeFolder(field);
+      break;
+    case Kind::kChoice: {
+      auto* box = new QComboBox;
+      for (const std::string& choice : field.choices) box->addItem(qt(choice));
+      if (parseInt(field.value, number)) box->setCurrentIndex(number);
+      readers_.emplace_back(
+          [box](TarnFormField& f) { f.value = std::to_string(box->currentIndex()); });
+      widget = box;
+      break;
+    }
+    case Kind::kCheck: {
+      auto* box = new QCheckBox(qt(field.label));
+      box->setObjectName(qt(name));
+      box->setChecked(field.value == "1");
+      readers_.emplace_back([box](TarnFormField& f) { f.value = box->isChecked() ? "1" : "0"; });
+      return rows.addRow(QString(), box);
+    }
+    case Kind::kNumber: {
+      auto* box = new QSpinBox;
+      box->setRange(field.least, field.most);
+      if (parseInt(field.value, number)) box->setValue(number);
+      readers_.emplace_back([box](TarnFormField& f) { f.value = std::to_string(box->value()); });
+      widget = box;
+      break;
+    }
+    case Kind::kText: {
+      auto* line = new QLineEdit(qt(field.value));
+      readers_.emplace_back([line](TarnFormField& f) { f.value = line->text().toStdString(); });
+      widget = line;
+      break;
+    }
+  }
+  widget->setObjectName(qt(name));
+  rows.addRow(qt(field.label), widget);
+}
+
+void FormDialog::addFiles(const TarnFormField& field, QVBoxLayout& column) {
+  auto* list = new QListWidget;
+  list->setObjectName("files");
+  list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  list->setMinimumHeight(kListHeight);
+  for (const std::string& path : field.values) addPath(*list, qt(path));
+  auto* files = new QPushButton("Add files ...");
+  auto* folder = new QPushButton("Add folder ...");
+  auto* remove = new QPushButton("Remove");
+  files->setObjectName("addFiles");
+  folder->setObjectName("addFolder");
+  remove->setObjectName("removeFiles");
+  const QString filters = dialogFilters(field.filter).join(";;");
+  connect(files, &QPushButton::clicked, this, [this, list, filters] {
+    for (const QString& path : QFileDialog::getOpenFileNames(this, "Add files", {}, filters))
+      addPath(*list, path);
+  });
+  connect(folder, &QPushButton::clicked, this,
+          [this, list] { addPath(*list, QFileDialog::getExistingDirectory(this, "Add folder")); });
+  const auto removeChosen = [list] { qDeleteAll(list->selectedItems()); };
+  connect(remove, &QPushButton::clicked, this, removeChosen);
+  connect(new QShortcut(QKeySequence::Delete, list), &QShortcut::activated, this, removeChosen);
+  auto* buttons = new QVBoxLayout;
+  for (QPushButton* button : {files, folder, remove}) {
+    button->setAutoDefault(false);
+    buttons->addWidget(button);
+  }
+  buttons->addStretch(1);
+  auto* beside = new QHBoxLayout;
+  beside->addWidget(list, 1);
+  beside->addLayout(buttons);
+  column.addWidget(new QLabel(qt(field.label)));
+  column.addLayout(beside, 1);
+  readers_.emplace_back([list](TarnFormField& f) {
+    f.values.clear();
+    for (int i = 0; i < list->count(); ++i) f.values.push_back(list->item(i)->text().toStdString());
+  });
+}
+
+QWidget* FormDialog::makeFolder(const TarnFormField& field) {
+  auto* row = new QWidget;
+  auto* line = new QLineEdit(qt(field.value));
+  line->setObjectName("folder");
+  auto* browse = new QPushButton("Browse ...");
+  browse->setAutoDefault(false);
+  connect(browse, &QPushButton::clicked, this, [this, line] {
+    const QString chosen = QFileDialog::getExistingDirectory(this, "Folder", line->text());
+    if (!chosen.isEmpty()) line->setText(chosen);
+  });
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(line, 1);
+  layout->addWidget(browse);
+  readers_.emplace_back([line](TarnFormField& f) { f.value = line->text().toStdString(); });
+  return row;
+}
+
+void FormDialog::accept() {
+  std::vector<TarnFormField> answers = form_.fields;
+  for (size_t i = 0; i < answers.size(); ++i) readers_[i](answers[i]);
+  const std::string reason = form_.check ? form_.check(answers) : std::string();
+  reason_->setText(qt(reason));
+  reason_->setVisible(!reason.empty());
+  if (!reason.empty()) return;
+  form_.fields = std::move(answers);
+  QDialog::accept();
+}
+
+}  // namespace tarn::host

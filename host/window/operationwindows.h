@@ -1,0 +1,47 @@
+// Forms, tasks and progress in windows.
+#pragma once
+
+#include <QPointer>
+#include <functional>
+
+#include "host/editor/operationview.h"
+
+class QWidget;
+
+namespace tarn::host {
+
+class ProgressPart;
+class ProgressWindow;
+class TaskWindow;
+
+class OperationWindows final : public OperationView {
+ public:
+  struct Hooks {
+    std::function<QWidget*()> parent;      ///< the window that they stand before
+    std::function<void()> cancel;          ///< the user wants the operation to stop
+    std::function<void()> pump;            ///< lets the windows paint, when it is time to
+    std::function<void(QWidget*)> opened;  ///< takes input while the host computes; null: none
+  };
+  explicit OperationWindows(Hooks hooks);
+  ~OperationWindows() override;
+
+  bool askForm(TarnForm& form) override;
+  void beginTasks(const std::string& title, const std::vector<std::string>& tasks) override;
+  void setTask(size_t task, TarnTaskState state, const std::string& text) override;
+  void endTasks(const std::string& report) override;
+  void beginProgress(const std::string& label, int minimum, int maximum) override;
+  void moveProgress(int position) override;
+  void endProgress() override;
+
+  /// Brings times and windows up to date; called while the host computes.
+  void tick();
+
+ private:
+  ProgressPart* part();
+
+  Hooks hooks_;
+  QPointer<ProgressWindow> progress_;
+  QPointer<TaskWindow> tasks_;
+};
+
+}  // namespace tarn::host

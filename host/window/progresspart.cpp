@@ -1,0 +1,64 @@
+#include "host/window/progresspart.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+namespace tarn::host {
+
+namespace {
+
+constexpr double kSoonestGuess = 1;      // seconds
+constexpr double kLeastForGuess = 0.02;  // of the work
+
+}  // namespace
+
+QString durationText(double seconds) {
+  const auto whole = static_cast<qint64>(seconds + 0.5);
+  const auto two = [](qint64 number) { return QString("%1").arg(number, 2, 10, QChar('0')); };
+  if (whole < 60) return QString("%1 s").arg(whole);
+  if (whole < 3600) return QString("%1:%2 min").arg(whole / 60).arg(two(whole % 60));
+  return QString("%1:%2:%3 h").arg(whole / 3600).arg(two(whole / 60 % 60)).arg(two(whole % 60));
+}
+
+QString timesText(double seconds, double part) {
+  const QString gone = durationText(seconds) + " gone";
+  if (seconds < kSoonestGuess || part < kLeastForGuess || part >= 1) return gone;
+  return gone + ", about " + durationText(seconds * (1 - part) / part) + " left";
+}
+
+ProgressPart::ProgressPart()
+    : label_(new QLabel(this)), bar_(new QProgressBar(this)), times_(new QLabel(this)) {
+  label_->setObjectName("operationLabel");
+  bar_->setObjectName("operationBar");
+  times_->setObjectName("operationTimes");
+  label_->setTextFormat(Qt::PlainText);
+  label_->setWordWrap(true);
+  times_->setEnabled(false);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(label_);
+  layout->addWidget(bar_);
+  layout->addWidget(times_);
+}
+
+void ProgressPart::begin(const QString& label, int minimum, int maximum) {
+  label_->setText(label.trimmed());
+  bar_->setRange(minimum, qMax(minimum, maximum));
+  bar_->setValue(minimum);
+  since_.start();
+  tick();
+}
+
+void ProgressPart::move(int position) {
+  bar_->setValue(qBound(bar_->minimum(), position, bar_->maximum()));
+}
+
+void ProgressPart::tick() {
+  const double room = static_cast<double>(bar_->maximum()) - bar_->minimum();
+  const double part = room > 0 ? (bar_->value() - bar_->minimum()) / room : 0;
+  times_->setText(since_.isValid() ? timesText(static_cast<double>(milliseconds()) / 1000, part)
+                                   : QString());
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,33 @@
+#include "host/window/progresswindow.h"
+
+#include <QDialogButtonBox>
+#include <QVBoxLayout>
+
+#include "host/window/progresspart.h"
+
+namespace tarn::host {
+
+namespace {
+
+constexpr int kWidth = 420;
+
+}  // namespace
+
+ProgressWindow::ProgressWindow(QWidget* parent, std::function<void()> cancel)
+    : QDialog(parent), cancel_(std::move(cancel)), part_(new ProgressPart) {
+  setObjectName("progressWindow");
+  setWindowTitle("Working");
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(part_);
+  layout->addWidget(buttons);
+  setMinimumWidth(kWidth);
+}
+
+void ProgressWindow::reject() {
+  // It stays until the operation has ended.
+  cancel_();
+}
+
+}  // namespace tarn::host
