@@ -6,13 +6,12 @@
 #include "components/batchconvert/conversionform.h"
 #include "components/convert/batch.h"
 #include "components/convert/converter.h"
+#include "components/interaction/interaction.h"
 #include "components/raster/rasterimage.h"
-#include "inc/callbackprogressbar.h"
 #include "inc/ibatchimageconversion.h"
 #include "inc/icadadapter.h"
 #include "inc/iconfigmanager.h"
 #include "inc/iuserinterface.h"
-#include "inc/kcore.h"
 #include "inc/kplugin.h"
 
 namespace tarn::batchconvert {
@@ -21,6 +20,7 @@ namespace {
 using convert::Item;
 using convert::ItemResult;
 using convert::State;
+using interaction::ProgressScope;
 
 constexpr const char* kLastOptions = "ImageConversionOptions";
 constexpr Text kLabel = {"影像转换", "Image conversion"};
@@ -35,30 +35,6 @@ kel::Object<Interface> find() {
   return kel::Object<Interface>::adopt(static_cast<Interface*>(made));
 }
 
-/// The framework's progress display for the time of one operation.
-class Display {
- public:
-  explicit Display(const std::string& label) {
-    if (CallBackProgressBar* bar = kel::Core::progressBar())
-      bar->start(label.c_str(), 0, kPositions);
-  }
-  ~Display() {
-    if (CallBackProgressBar* bar = kel::Core::progressBar()) bar->end();
-  }
-  Display(const Display&) = delete;
-  Display& operator=(const Display&) = delete;
-
-  void move(double part) {
-    const int position = static_cast<int>(part * kPositions);
-    if (position == position_) return;
-    position_ = position;
-    if (CallBackProgressBar* bar = kel::Core::progressBar()) bar->setPosition(position);
-  }
-
- private:
-  int position_ = 0;
-};
-
 std::string joined(const std::vector<std::string>& notes) {
   std::string text;
   for (const std::string& note : notes) text += (text.empty() ? "" : "; ") + note;
@@ -69,7 +45,7 @@ std::string joined(const std::vector<std::string>& notes) {
 class Shown final : public convert::BatchObserver {
  public:
   Shown(IUserInterface& user, const std::vector<Item>& items, const char* label)
-      : user_(user), items_(items), display_(label) {}
+      : user_(user), items_(items), display_(label, 0, kPositions) {}
 
   void started(size_t item) override {
     user_.setTask(static_cast<int>(item), kel::TaskState::kRunning, "");
@@ -96,7 +72,7 @@ class Shown final : public convert::BatchObserver {
  private:
   IUserInterface& user_;
   const std::vector<Item>& items_;
-  Display display_;
+  ProgressScope display_;
 };
 
 class BatchConversion final : public kel::Implements<BatchConversion, IBatchImageConversion> {
@@ -110,7 +86,7 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
     options.existing = convert::Existing::kOverwrite;
     if (ending == ".img") options.format = convert::Format::kImg;
     if (ending == ".jpg") options.format = convert::Format::kJpeg;
-    Display display(nameOf(source.str()));
+    ProgressScope display(nameOf(source.str()), 0, kPositions);
     const auto done = convert::convertImage(source.str(), target.str(), options,
                                             [&](double part) { return goOn(display, part); });
     if (!done) say(done.message());
@@ -128,7 +104,7 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
       return false;
     }
     if (opened.value()->hasPyramid(places)) return true;
-    Display display(nameOf(image.str()));
+    ProgressScope display(nameOf(image.str()), 0, kPositions);
     std::string note;
     const Status built = opened.value()->buildPyramid(
         places, [&](double part) { return goOn(display, part); }, note);
@@ -171,7 +147,7 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
     user_->endTasks(report);
   }
 
-  bool goOn(Display& display, double part) const {
+  bool goOn(ProgressScope& display, double part) const {
     display.move(part);
     return user_.isNull() || !user_->cancelWanted();
   }
