@@ -1,9 +1,9 @@
 #include "host/graphics/blit.h"
 
-#include <QRect>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include "base/parallel.h"
 
@@ -98,6 +98,8 @@ class Sampler {
 
   bool holds(double i, double j) const { return i >= 0 && j >= 0 && i < width_ && j < height_; }
 
+  const std::uint32_t* row(int j) const { return bits_ + static_cast<ptrdiff_t>(j) * stride_; }
+
   std::uint32_t nearest(double i, double j) const {
     return at(static_cast<int>(i), static_cast<int>(j));
   }
@@ -126,6 +128,57 @@ class Sampler {
   int height_;
 };
 
+/// From where along one axis a device pixel takes its colour; the same as a Sampler does.
+struct Tap {
+  int first = -1;  ///< below zero: nothing there
+  int second = 0;
+  std::uint32_t weight = 0;  ///< of the second, of 256
+};
+
+/// For the device pixels `from` to `from + count`, whose centres lie at step * x + start.
+std::vector<Tap> axisTaps(double step, double start, int from, int count, int size, bool smooth) {
+  std::vector<Tap> taps(static_cast<size_t>(count));
+  for (int k = 0; k < count; ++k) {
+    const double at = step * (from + k + 0.5) + start;
+    if (!(at >= 0 && at < size)) continue;
+    Tap& tap = taps[static_cast<size_t>(k)];
+    if (!smooth) {
+      tap.first = static_cast<int>(at);
+      continue;
+    }
+    const double x = at - 0.5;
+    const int low = static_cast<int>(std::floor(x));
+    tap.first = std::max(low, 0);
+    tap.second = std::min(low + 1, size - 1);
+    tap.weight = static_cast<std::uint32_t>((x - low) * 512 + 1) >> 1;
+  }
+  return taps;
+}
+
+/// One row of an upright picture: rows and columns of both are parallel.
+void drawUprightRow(const Sampler& sampler, const std::vector<Tap>& columns, const Tap& row,
+                    bool smooth, std::uint32_t* line) {
+  if (row.first < 0) {
+    std::fill_n(line, columns.size(), 0U);
+    return;
+  }
+  const std::uint32_t* top = sampler.row(row.first);
+  if (!smooth) {
+    for (size_t k = 0; k < columns.size(); ++k) {
+      line[k] = columns[k].first < 0 ? 0 : top[columns[k].first];
+    }
+    return;
+  }
+  const std::uint32_t* bottom = sampler.row(row.second);
+  for (size_t k = 0; k < columns.size(); ++k) {
+    const Tap& tap = columns[k];
+    line[k] = tap.first < 0
+                  ? 0
+                  : mix(mix(top[tap.first], top[tap.second], tap.weight),
+                        mix(bottom[tap.first], bottom[tap.second], tap.weight), row.weight);
+  }
+}
+
 }  // namespace
 
 BlitPlan planBlit(const ImageItem& item, const ViewState& view) {
@@ -151,11 +204,11 @@ BlitPlan planBlit(const ImageItem& item, const ViewState& view) {
   return plan;
 }
 
-QImage resample(const QImage& source, const BlitPlan& plan, int deviceWidth, int deviceHeight,
-                QPoint& target) {
+QImage resample(const QImage& source, const BlitPlan& plan, const QRect& wanted, QPoint& target) {
   if (plan.mode != BlitMode::kNearest && plan.mode != BlitMode::kBilinear) return {};
-  const QRect covered =
-      coveredPixels(plan, source.width(), source.height(), deviceWidth, deviceHeight);
+  const QRect covered = wanted & coveredPixels(plan, source.width(), source.height(),
+                                               wanted.right() + 1, wanted.bottom() + 1);
+  if (covered.isEmpty()) return {};
   target = covered.topLeft();
   QImage out(covered.size(), QImage::Format_ARGB32_Premultiplied);
   if (out.isNull()) return out;
@@ -164,8 +217,18 @@ QImage resample(const QImage& source, const BlitPlan& plan, int deviceWidth, int
   // Detached once, before the threads write their own rows.
   std::uint32_t* const bits = reinterpret_cast<std::uint32_t*>(out.bits());
   const ptrdiff_t stride = out.bytesPerLine() / 4;
+  const bool upright = plan.iy == 0 && plan.jx == 0;
+  std::vector<Tap> columns;
+  std::vector<Tap> rows;
+  if (upright) {
+    columns = axisTaps(plan.ix, plan.i0, covered.left(), covered.width(), source.width(), smooth);
+    rows = axisTaps(plan.jy, plan.j0, covered.top(), covered.height(), source.height(), smooth);
+  }
   const auto drawRow = [&](int row) {
     std::uint32_t* line = bits + row * stride;
+    if (upright) {
+      return drawUprightRow(sampler, columns, rows[static_cast<size_t>(row)], smooth, line);
+    }
     const double y = covered.top() + row + 0.5;
     const double iRow = plan.iy * y + plan.i0;
     const double jRow = plan.jy * y + plan.j0;

@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QPoint>
+#include <QRect>
 
 #include "adesk.h"
 #include "host/graphics/displaylist.h"
@@ -30,9 +31,10 @@ struct BlitPlan {
 /// `view` must have the device's size in pixels.
 ACADHOST_EXPORT BlitPlan planBlit(const ImageItem& item, const ViewState& view);
 
-/// The part of the device that the picture covers, as pixels ready to be put at `target`; null for
-/// kNothing and kExact (there the picture itself goes to exactTarget).
-ACADHOST_EXPORT QImage resample(const QImage& source, const BlitPlan& plan, int deviceWidth,
-                                int deviceHeight, QPoint& target);
+/// The part of `wanted` (device pixels) that the picture covers, as pixels ready to be put at
+/// `target`; null for kNothing and kExact (there the picture itself goes to exactTarget), and when
+/// there is no such part.
+ACADHOST_EXPORT QImage resample(const QImage& source, const BlitPlan& plan, const QRect& wanted,
+                                QPoint& target);
 
 }  // namespace tarn::host

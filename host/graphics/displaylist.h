@@ -23,7 +23,8 @@ struct GroundVector {
 
 struct LineItem {
   std::vector<GroundPoint> points;
-  unsigned color = 7;  ///< index 1 to 255
+  unsigned color = 7;      ///< index 1 to 255
+  double longestStep = 0;  ///< from point to point along an axis; known once it is in a scene
 };
 
 struct AreaItem {
@@ -62,10 +63,21 @@ struct PointsItem {
 using DisplayItem = std::variant<LineItem, AreaItem, TextItem, ImageItem, PointsItem>;
 using DisplayList = std::vector<DisplayItem>;
 
+/// What one entity drew, and the ground that it covers.
+struct Drawn {
+  DisplayList list;
+  GroundBox box;
+  bool isEverywhere = false;  ///< nobody knows where: the box says nothing
+};
+
 /// The display lists of one drawing in drawing order.
 class ACADHOST_EXPORT Scene {
  public:
   using Key = std::uint64_t;  ///< the entity's handle
+
+  Scene() = default;
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
 
   /// Replaces the entity's list, in place; a new entity comes last.
   void set(Key entity, DisplayList list);
@@ -77,10 +89,13 @@ class ACADHOST_EXPORT Scene {
   /// Null when the entity has drawn nothing yet.
   const DisplayList* find(Key entity) const;
   const std::vector<Key>& order() const { return order_; }
+  /// The same order; valid until the scene changes.
+  const std::vector<const Drawn*>& drawn() const { return drawn_; }
 
  private:
   std::vector<Key> order_;
-  std::map<Key, DisplayList> lists_;
+  std::vector<const Drawn*> drawn_;  ///< points into entities_, whose nodes never move
+  std::map<Key, Drawn> entities_;
 };
 
 }  // namespace tarn::host

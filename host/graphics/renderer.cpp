@@ -1,18 +1,21 @@
 #include "host/graphics/renderer.h"
 
-#include <QFont>
-#include <QFontMetricsF>
+#include <QLineF>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPen>
 #include <QPolygonF>
 #include <QTransform>
+#include <QVector>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "host/graphics/blit.h"
 #include "host/graphics/color.h"
+#include "host/graphics/pixellines.h"
 #include "host/graphics/points.h"
+#include "host/graphics/textoutlines.h"
 
 namespace tarn::host {
 
@@ -20,7 +23,13 @@ namespace {
 
 /// Lines are cut this far outside the view, so that the painter never sees huge coordinates.
 constexpr double kClipMargin = 16;
-constexpr double kSmallestText = 1.5;   ///< pixels; below, a text is a short line
+/// Corners of a line nearer than this to the one before are left out on a screen: nobody sees them.
+constexpr double kSmallestStep = 1;  ///< pixels
+constexpr double kFarAway = 1e6;     ///< pixels; a line to there is cut at the view
+constexpr int kMostLines = 4096;     ///< gathered before they are painted
+/// Pixels; a smaller text is a short line. On a screen nobody can read it.
+constexpr double kSmallestText = 1.5;
+constexpr double kSmallestTextOnScreen = 4;
 constexpr double kLargestText = 20000;  ///< pixels; above, a text is left out
 constexpr int kBandPixels = 1 << 23;    ///< of points painted at a time
 
@@ -69,30 +78,48 @@ class Painter {
       : painter_(painter),
         view_(view),
         style_(style),
-        clip_(QRectF(0, 0, view.pixelWidth, view.pixelHeight)
-                  .adjusted(-kClipMargin, -kClipMargin, kClipMargin, kClipMargin)) {}
+        cosine_(std::cos(view.twist)),
+        sine_(std::sin(view.twist)),
+        unit_(view.unitsPerPixel()),
+        perUnit_(1 / unit_),
+        wanted_(wantedPixels(painter, view)),
+        clip_(QRectF(wanted_).adjusted(-kClipMargin, -kClipMargin, kClipMargin, kClipMargin)),
+        left_(clip_.left()),
+        top_(clip_.top()),
+        right_(clip_.right()),
+        bottom_(clip_.bottom()),
+        shown_(groundOf(clip_)) {
+    if (style.lineWidth == 0) pixelLines_ = PixelLines::on(painter, wanted_);
+  }
+  ~Painter() { flush(); }
+  Painter(const Painter&) = delete;
+  Painter& operator=(const Painter&) = delete;
 
-  void operator()(const LineItem& item) const {
-    painter_.setPen(pen(QColor(colorOfIndex(item.color, style_.background))));
+  void paint(const Drawn& drawn) {
+    if (!drawn.isEverywhere && !meets(drawn.box, shown_)) return;
+    for (const DisplayItem& item : drawn.list) std::visit(*this, item);
+  }
+
+  void operator()(const LineItem& item) {
+    const QRgb color = colorOfIndex(item.color, style_.background);
+    if (item.points.size() > 1 && style_.lineWidth == 0) return gather(item, color);
+    flush();
+    painter_.setPen(pen(QColor(color)));
     if (item.points.size() == 1) {
       painter_.drawPoint(device(item.points.front()));
-      return;
-    }
-    if (style_.lineWidth > 0) return drawRuns(item.points);
-    for (size_t i = 1; i < item.points.size(); ++i) {
-      QPointF a = device(item.points[i - 1]);
-      QPointF b = device(item.points[i]);
-      if (clipSegment(clip_, a, b)) painter_.drawLine(a, b);
+    } else {
+      drawRuns(item.points);
     }
   }
 
-  void operator()(const AreaItem& item) const {
+  void operator()(const AreaItem& item) {
     if (!item.filled) {
       LineItem outline{item.points, item.color};
       if (!outline.points.empty()) outline.points.push_back(outline.points.front());
       (*this)(outline);
       return;
     }
+    flush();
     QPolygonF polygon;
     for (const GroundPoint& p : item.points) polygon << device(p);
     polygon = clipSide(polygon, true, clip_.left(), true);
@@ -106,24 +133,23 @@ class Painter {
     painter_.setBrush(Qt::NoBrush);
   }
 
-  void operator()(const TextItem& item) const {
-    const double pixels = item.height / view_.unitsPerPixel();
+  void operator()(const TextItem& item) {
+    const double pixels = item.height / unit_;
     const double angle = std::atan2(item.direction.y, item.direction.x) + view_.twist;
     const QPointF at = device(item.position);
     if (!(pixels <= kLargestText) || !std::isfinite(at.x() + at.y())) return;
-    const QColor color(colorOfIndex(item.color, style_.background));
-    if (pixels < kSmallestText) {
+    const QRgb color = colorOfIndex(item.color, style_.background);
+    if (pixels < (style_.lineWidth == 0 ? kSmallestTextOnScreen : kSmallestText)) {
       const double length = pixels * 0.7 * item.text.size();
-      QPointF a = at;
-      QPointF b = at + QPointF(std::cos(angle), -std::sin(angle)) * length;
-      painter_.setPen(pen(color));
-      if (clipSegment(clip_, a, b)) painter_.drawLine(a, b);
+      gather(at, at + QPointF(std::cos(angle), -std::sin(angle)) * length, color);
       return;
     }
-    drawGlyphs(item, at, pixels, angle, color);
+    flush();
+    drawGlyphs(item, at, pixels, angle, QColor(color));
   }
 
-  void operator()(const ImageItem& item) const {
+  void operator()(const ImageItem& item) {
+    flush();
     if (style_.placeImages) return placeImage(item);
     const BlitPlan plan = planBlit(item, view_);
     if (plan.mode == BlitMode::kNothing) return;
@@ -132,26 +158,101 @@ class Painter {
       return;
     }
     QPoint target;
-    const QImage pixels = resample(item.image, plan, view_.pixelWidth, view_.pixelHeight, target);
+    const QImage pixels = resample(item.image, plan, wanted_, target);
     if (!pixels.isNull()) painter_.drawImage(target, pixels);
   }
 
   /// In bands, so that a large plot needs little memory.
-  void operator()(const PointsItem& item) const {
-    QRect left(0, 0, view_.pixelWidth, view_.pixelHeight);
-    if (painter_.hasClipping()) left &= painter_.clipBoundingRect().toAlignedRect();
-    const int band = std::max(1, kBandPixels / std::max(1, left.width()));
-    for (int top = left.top(); top <= left.bottom(); top += band) {
-      const QRect part(left.left(), top, left.width(), std::min(band, left.bottom() - top + 1));
+  void operator()(const PointsItem& item) {
+    flush();
+    const int band = std::max(1, kBandPixels / std::max(1, wanted_.width()));
+    for (int top = wanted_.top(); top <= wanted_.bottom(); top += band) {
+      const QRect part(wanted_.left(), top, wanted_.width(),
+                       std::min(band, wanted_.bottom() - top + 1));
       const QImage pixels = paintPoints(item, view_, part);
       if (!pixels.isNull()) painter_.drawImage(part.topLeft(), pixels);
     }
   }
 
  private:
+  /// The device pixels that are painted at all.
+  static QRect wantedPixels(const QPainter& painter, const ViewState& view) {
+    const QRect whole(0, 0, view.pixelWidth, view.pixelHeight);
+    return painter.hasClipping() ? whole & painter.clipBoundingRect().toAlignedRect() : whole;
+  }
+
+  static bool meets(const GroundBox& a, const GroundBox& b) {
+    return a.minX <= b.maxX && a.maxX >= b.minX && a.minY <= b.maxY && a.maxY >= b.minY;
+  }
+
+  GroundBox groundOf(const QRectF& pixels) const {
+    GroundBox box;
+    for (const QPointF& p :
+         {pixels.topLeft(), pixels.topRight(), pixels.bottomLeft(), pixels.bottomRight()}) {
+      const GroundPoint ground = groundFromPixel(view_, {p.x(), p.y()});
+      box.add(ground.x, ground.y);
+    }
+    return box;
+  }
+
+  /// As pixelFromGround, which computes the sine anew for each point.
   QPointF device(const GroundPoint& ground) const {
-    const PixelPoint p = pixelFromGround(view_, ground);
-    return {p.x, p.y};
+    const double x = ground.x - view_.centerX;
+    const double y = ground.y - view_.centerY;
+    return {view_.pixelWidth / 2.0 + (x * cosine_ - y * sine_) * perUnit_,
+            view_.pixelHeight / 2.0 - (x * sine_ + y * cosine_) * perUnit_};
+  }
+
+  /// Segments of one colour are painted together. A fine line, a circle far away say, is walked in
+  /// strides that stay below the smallest step.
+  void gather(const LineItem& item, QRgb color) {
+    const size_t last = item.points.size() - 1;
+    const double steps = kSmallestStep * unit_ / (2 * item.longestStep);
+    const size_t stride = steps >= 2 ? static_cast<size_t>(std::min(steps, 1e6)) : 1;
+    QPointF from = device(item.points.front());
+    for (size_t i = 0; i < last;) {
+      i = std::min(i + stride, last);
+      const QPointF to = device(item.points[i]);
+      const QPointF step = to - from;
+      if (i < last && std::fabs(step.x()) < kSmallestStep && std::fabs(step.y()) < kSmallestStep) {
+        continue;
+      }
+      gather(from, to, color);
+      from = to;
+    }
+  }
+
+  void gather(QPointF a, QPointF b, QRgb color) {
+    if (pixelLines_) {
+      if ((isInside(a) && isInside(b)) || isNear(a, b)) pixelLines_->draw(a, b, color);
+      return;
+    }
+    if (color != linesColor_ || lines_.size() > kMostLines) flush();
+    linesColor_ = color;
+    if ((isInside(a) && isInside(b)) || clipSegment(clip_, a, b)) lines_.append(QLineF(a, b));
+  }
+
+  /// Part of the segment may be seen; its ends are brought near enough to be painted.
+  bool isNear(QPointF& a, QPointF& b) const {
+    if (std::max(a.x(), b.x()) < left_ || std::min(a.x(), b.x()) > right_ ||
+        std::max(a.y(), b.y()) < top_ || std::min(a.y(), b.y()) > bottom_) {
+      return false;
+    }
+    const auto isFar = [&](QPointF p) {
+      return !(std::fabs(p.x()) < kFarAway && std::fabs(p.y()) < kFarAway);
+    };
+    return (!isFar(a) && !isFar(b)) || clipSegment(clip_, a, b);
+  }
+
+  bool isInside(QPointF p) const {
+    return p.x() >= left_ && p.x() <= right_ && p.y() >= top_ && p.y() <= bottom_;
+  }
+
+  void flush() {
+    if (lines_.isEmpty()) return;
+    painter_.setPen(pen(QColor(linesColor_)));
+    painter_.drawLines(lines_);
+    lines_.resize(0);
   }
 
   QPen pen(const QColor& color) const {
@@ -198,19 +299,12 @@ class Painter {
 
   void drawGlyphs(const TextItem& item, QPointF at, double pixels, double angle,
                   const QColor& color) const {
-    constexpr int kDesignSize = 64;
-    QFont font;
-    font.setFamilies(style_.fontFamilies);
-    font.setPixelSize(kDesignSize);
-    const double capital = QFontMetricsF(font).capHeight();
-    const double scale = pixels / (capital > 0 ? capital : kDesignSize * 0.72);
-    QPainterPath path;
-    path.addText(0, 0, font, item.text);
     QTransform place;
     place.translate(at.x(), at.y());
     place.rotateRadians(-angle);
     place.shear(-std::tan(item.oblique), 0);
-    place.scale(scale * item.widthFactor, scale);
+    place.scale(pixels * item.widthFactor, pixels);
+    const QPainterPath path = textOutline(style_.fontFamilies, item.text);
     painter_.setRenderHint(QPainter::Antialiasing, true);
     painter_.fillPath(place.map(path), color);
     painter_.setRenderHint(QPainter::Antialiasing, false);
@@ -219,24 +313,29 @@ class Painter {
   QPainter& painter_;
   const ViewState& view_;
   const RenderStyle& style_;
+  double cosine_, sine_, unit_, perUnit_;
+  QRect wanted_;
   QRectF clip_;
+  double left_, top_, right_, bottom_;  ///< of clip_
+  GroundBox shown_;
+  std::optional<PixelLines> pixelLines_;
+  QVector<QLineF> lines_;
+  QRgb linesColor_ = 0;
 };
 
 }  // namespace
 
 void paintScene(QPainter& painter, const Scene& scene, const ViewState& view,
                 const RenderStyle& style) {
-  const Painter paint(painter, view, style);
-  for (const Scene::Key entity : scene.order()) {
-    for (const DisplayItem& item : *scene.find(entity)) std::visit(paint, item);
-  }
+  Painter paint(painter, view, style);
+  for (const Drawn* drawn : scene.drawn()) paint.paint(*drawn);
 }
 
 void render(QPainter& painter, const Scene& scene, const ViewState& view,
             const RenderStyle& style) {
   painter.save();
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
-  painter.setClipRect(0, 0, view.pixelWidth, view.pixelHeight);
+  painter.setClipRect(0, 0, view.pixelWidth, view.pixelHeight, Qt::IntersectClip);
   painter.fillRect(0, 0, view.pixelWidth, view.pixelHeight, QColor(style.background));
   paintScene(painter, scene, view, style);
   painter.restore();

@@ -48,8 +48,10 @@ void Frame::shift(QPoint by, const Paint& paint) {
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.drawImage(by, spare_);
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter.setClipRegion(QRegion(image_.rect()) - QRegion(image_.rect().translated(by)));
-  paint(painter);
+  for (const QRect& bare : QRegion(image_.rect()) - QRegion(image_.rect().translated(by))) {
+    painter.setClipRect(bare);
+    paint(painter);
+  }
 }
 
 }  // namespace tarn::host

@@ -309,8 +309,150 @@ def draw(desk):
     desk.wait_prompt("Command:")
 
 
+def erase_and_sheets(desk):
+    """Erase the image and take that back; a sheet, a viewport, a zoom inside it."""
+    desk.start(make_image(desk))
+    view = desk.view()
+    expect_quarters(desk, view)
+    desk.shot("image")
+    gone = [(view.pixel(at), BACKGROUND) for at in QUARTERS]
+    # Chosen by a window, erased by the key, back by OOPS; then by a command and Ctrl+Z.
+    corners = view.pixel((WEST, NORTH)), view.pixel((EAST, SOUTH))
+    desk.drag(corners[1], (corners[0][0] + 5, corners[0][1] + 5))
+    desk.shot("image-chosen")
+    desk.skip()
+    desk.key("Delete")
+    desk.wait_prompt("Command:")
+    desk.wait_colors(gone)
+    desk.enter("OOPS")
+    expect_quarters(desk, view)
+    desk.enter("ERASE", "Select objects")
+    desk.enter("ALL", "Select objects")
+    desk.enter("")
+    desk.wait_colors(gone)
+    desk.skip()
+    desk.key("ctrl+z")
+    desk.wait_prompt("Command:")
+    expect_quarters(desk, view)
+
+    # A new viewport on an empty sheet shows all of the model.
+    desk.enter("LAYOUT S Layout1")
+    sheet = desk.view()
+    desk.shot("sheet")
+    desk.enter("ERASE", "Select objects")
+    desk.enter("ALL", "Select objects")
+    desk.enter("")
+    box = (desk.middle[0] - 240, desk.middle[1] - 180, desk.middle[0] + 240, desk.middle[1] + 180)
+    desk.enter("MVIEW", "Corner of the viewport")
+    desk.click_pixel(box[:2])
+    desk.wait_prompt("Opposite corner")
+    desk.click_pixel(box[2:])
+    desk.wait_prompt("Command:")
+    inside = View(desk.middle, MIDDLE, WIDE * UNIT / 480, 0)
+    expect_quarters(desk, inside)
+    desk.shot("viewport")
+
+    desk.skip()
+    desk.click_pixel(desk.middle, times=2)
+    wait_until("model space", lambda: near(desk.point_variable("VIEWCTR"), MIDDLE, 1))
+    size = float(desk.read_only("VIEWSIZE"))
+    hand = inside.pixel(QUARTERS[2])
+    begin = desk.skip()
+    desk.wheel(hand, 4)
+    wait_until("redraw", lambda: desk.redraws(begin))
+    check(abs(float(desk.read_only("VIEWSIZE")) / size - 0.8 ** 4) < 1e-6, "four notches zoom the viewport")
+    # Only the quarter under the hand is seen in the viewport now, and nothing moved around it.
+    desk.wait_colors([((box[0] + 30, box[1] + 60), COLORS[2]), (hand, COLORS[2])])
+    desk.shot("viewport-zoomed")
+    outside = (box[0] - 60, desk.middle[1])
+    desk.click_pixel(outside, times=2)
+    wait_until("paper", lambda: near(desk.point_variable("VIEWCTR"), sheet.center, 1e-6))
+    check(abs(desk.view().unit - sheet.unit) < 1e-9, "the sheet stays as it was")
+    desk.enter("LAYOUT S Model")
+    expect_quarters(desk, view)
+
+
+def escape_walk(desk):
+    """Escape at each prompt of each command: (line, answers before Escape)."""
+    point = "40500010,3512500"
+    waiting = (
+        ("LINE", point), ("PLINE", point), ("CIRCLE", point), ("TEXT", point, "2"), ("MOVE", "L", "", point),
+        ("COPY", "L", "", point), ("ROTATE", "L", "", point), ("SCALE", "L", "", point), ("ERASE", "L"),
+        ("ZOOM", "W", point), ("PAN", point), ("TWIST",), ("DVIEW", "TW"), ("ID",), ("DIST", point), ("LIST", "L"),
+        ("LAYER", "N"), ("LAYOUT", "N"), ("UNDO",), ("SETVAR", "OSMODE"), ("ARX", "U"),
+        ("-POINTCLOUDATTACH",), ("SetImageClarityRatio",), ("SetImageOffsetRatio",), ("COPYCLIP", "L"),
+    )
+    for command, *answers in waiting:
+        for given in range(len(answers) + 1):
+            # One line as far as it goes; an empty answer is an Enter of its own.
+            lines = " ".join((command, *(text or "\n" for text in answers[:given]))).split("\n")
+            for text in lines:
+                desk.skip()
+                if text.strip():
+                    desk.type(text.strip())
+                    desk.key("Return")
+                    desk.wait_line("> (?!Command:).*")
+                if text is not lines[-1]:
+                    desk.key("Return")
+                    desk.wait_line("> (?!Command:).*")
+            desk.key("Escape")
+            desk.wait_prompt("Command:")
+    for command, title in (("OPEN", "Open drawing"), ("addImage", "Open"), ("loadCloud", "Open"),
+                           ("SAVEAS", "Save drawing as"), ("APPLOAD", "Load a module"), ("SCRIPT", "Script"),
+                           ("PNGOUT", "Save picture")):
+        desk.enter(command, None)
+        desk.run(["xdotool", "windowactivate", "--sync", dialog(desk, title)])
+        desk.key("Escape")
+        desk.wait_prompt("Command:")
+
+
+def bad_input(desk):
+    """Escape everywhere, commands inside commands, nonsense in a file dialog, closing in the middle."""
+    drawing = make_drawing(desk)
+    desk.start(drawing)
+    escape_walk(desk)
+    check(desk.title().endswith("base.dxf"), "the drawing is as it was: " + desk.title())
+
+    # What cannot run inside a command is refused, and the command goes on.
+    desk.enter("LINE", "First point:")
+    for typed, said in (("CIRCLE", "Point or option keyword required."), ("1,2,x", "Point or option keyword required."),
+                        ("'LINE", "LINE cannot run while another command waits."), ("'nosuch", 'Unknown command .*')):
+        desk.enter(typed, None)
+        desk.wait_line(said)
+        desk.wait_prompt("First point:")
+    desk.enter("'ZOOM", "Corner of window")
+    desk.key("Escape")
+    desk.wait_prompt("First point:")
+    # A menu entry takes the place of what waits.
+    desk.skip()
+    desk.key("ctrl+o")
+    window = dialog(desk, "Open drawing")
+    desk.run(["xdotool", "windowactivate", "--sync", window])
+    desk.type("no such drawing.dxf")
+    desk.key("Return")
+    def open_windows():
+        return desk.run(["xdotool", "search", "--onlyvisible", "--name", "^Open drawing$"]).split()
+
+    box = wait_until("message", lambda: set(open_windows()) - {window})
+    desk.shot("nonsense")
+    for one in (box.pop(), window):
+        desk.run(["xdotool", "windowactivate", "--sync", one])
+        desk.key("Escape")
+        wait_until("closing", lambda gone=one: gone not in open_windows())
+    desk.wait_prompt("Command:")
+    check(desk.title().endswith("base.dxf"), "nothing was opened: " + desk.title())
+    desk.enter("nosuch", None)
+    desk.wait_line('Unknown command "NOSUCH".*')
+    desk.wait_prompt("Command:")
+
+    # The window is closed while a command waits.
+    desk.enter("CIRCLE", "Center point:")
+    desk.key("alt+F4")
+    check(desk.wait_exit() in (0, 1), f"exit code {desk.program.returncode}")
+
+
 JOURNEYS = {name: value for name, value in list(globals().items())
-            if name in ("add_image", "edit", "keep", "draw")}
+            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input")}
 
 
 def main():
