@@ -11,6 +11,7 @@
 #include "base/file.h"
 #include "host/editor/selectionmemory.h"
 #include "host/editor/space.h"
+#include "host/editor/temporaryvectors.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/undolog.h"
 #include "host/graphics/displaylist.h"
@@ -84,6 +85,8 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   UndoLog& undo() { return undo_; }
   const Space& space() const { return space_; }
   SelectionMemory& selection() { return selection_; }
+  TemporaryVectors& temporaryVectors() { return temporaryVectors_; }
+  const TemporaryVectors& temporaryVectors() const { return temporaryVectors_; }
 
   std::string currentLayer() const;
   /// False when there is no such layer.
@@ -113,6 +116,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   bool inGesture_ = false;
   Scene scene_;
   SelectionMemory selection_;
+  TemporaryVectors temporaryVectors_;
   WindowScenes windowScenes_;
   std::vector<AcAp::DocLockMode> locks_;
   mutable InputPointMonitors monitors_;

@@ -229,8 +229,11 @@ bool HostApp::zoomPrevious() {
 
 void HostApp::regenerate() {
   viewSettled();
+  parts_->documents.current().temporaryVectors().lines.clear();
   parts_->regenerator.regenerate(parts_->documents.current());
   parts_->frontEnd.displayChanged();
+  // Whoever draws over the picture draws again.
+  if (!parts_->regenerator.isDrawing()) editorObject().notifyViewChanged();
 }
 
 void HostApp::regenerateForView() {
@@ -240,7 +243,14 @@ void HostApp::regenerateForView() {
 }
 
 void HostApp::renderTo(QPainter& painter, int width, int height) const {
-  renderDocument(painter, parts_->documents.current(), width, height, parts_->style);
+  const HostDocument& document = parts_->documents.current();
+  renderDocument(painter, document, width, height, parts_->style);
+  const TemporaryVectors& vectors = document.temporaryVectors();
+  if (vectors.lines.empty() || vectors.key != document.space().viewKey()) return;
+  ViewState view = document.space().mouseView();
+  view.pixelWidth = width;
+  view.pixelHeight = height;
+  paintTemporaryVectors(painter, vectors, view);
 }
 
 std::string HostApp::savePicture(const std::string& path) const {

@@ -83,6 +83,14 @@ ACADHOST_EXPORT int acedCmd(const resbuf* inputs);
 ACADHOST_EXPORT int acedGetFileD(const ACHAR* title, const ACHAR* initial, const ACHAR* extension,
                                  int flags, resbuf* result);
 
+/// A line over the picture of the current viewport, in no drawing, gone with the next regeneration
+/// or redraw. Colour indices 1 to 255, others are the foreground; highlighted lines are dashed.
+ACADHOST_EXPORT int acedGrDraw(const ads_point from, const ads_point to, int color, int highlight);
+/// A null entity: takes away what was drawn over the picture. Else draws the entity anew.
+ACADHOST_EXPORT int acedRedraw(const ads_name entity, int mode);
+/// Draws an entity anew for the current view. RTERROR when there is none.
+ACADHOST_EXPORT int acdbEntUpd(const ads_name entity);
+
 /// 1 when the user has asked to stop the running operation.
 ACADHOST_EXPORT int acedUsrBrk();
 

@@ -15,6 +15,7 @@
 #include "inc/imessagerouter.h"
 #include "inc/iprogressbar.h"
 #include "inc/irectifydialog.h"
+#include "inc/irectifydialogmaker.h"
 #include "inc/iuserinterface.h"
 
 namespace {
@@ -181,6 +182,7 @@ TEST(Slots, RectificationAndConversion) {
       SLOT(IRectifyDialog, storedState, 31),
       SLOT(IRectifyDialog, restoreState, 32),
       SLOT(IRectifyDialog, setExportResampling, 33),
+      SLOT(IRectifyDialogMaker, showDialog, 4),
       SLOT(IBatchImageConversion, convertImage, 4),
       SLOT(IBatchImageConversion, buildPyramid, 5),
       SLOT(IBatchImageConversion, convertedCount, 6),

@@ -1,0 +1,7 @@
+// Arrays of points in the plane.
+#pragma once
+
+#include "acarray.h"
+#include "gepnt2d.h"
+
+using AcGePoint2dArray = AcArray<AcGePoint2d>;
