@@ -10,6 +10,7 @@
 #include "_image/inputwatch.h"
 #include "_image/moduleglobals.h"
 #include "_image/reactors.h"
+#include "_image/rectify/dialogmaker.h"
 #include "acdocman.h"
 #include "afxwin.h"
 #include "arxEntryPoint.h"
@@ -77,6 +78,7 @@ void setUpModule() {
   startDiagnosticLog(database);
   tarn::image::registerFurtherCommands();
   tarn::image::fillWatchedCommands();
+  tarn::image::registerDialogMaker();
   setUpCurrentDocument();
   createReactors();
 }
@@ -96,6 +98,7 @@ class C_imageApp : public AcRxArxApp {
   // Deliberate: group "TARNIMAGE", the message watcher and the document registry outlive this.
   AcRx::AppRetCode On_kUnloadAppMsg(void* packet) override {
     const AcRx::AppRetCode status = AcRxArxApp::On_kUnloadAppMsg(packet);
+    tarn::image::removeDialogMaker();
     destroy(g_editorReactor);
     destroy(g_plotReactor);
     destroy(g_inputPointMonitor);

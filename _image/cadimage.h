@@ -69,6 +69,8 @@ class CCadImage : public AcDbEntity {
   /// True when a source for the path is held.
   bool holds(const std::wstring& path) const;
   bool holdsNoImage() const { return m_mapImageDivision.empty() && m_mapImageClient.empty(); }
+  /// The source of a local image, which stays the entity's; null when there is none.
+  IImageDivision* sourceOf(const std::wstring& path) const;
   /// Closes the source of one image and forgets it; false when there was none.
   bool releaseImage(const std::wstring& path);
 

@@ -113,6 +113,11 @@ bool CCadImage::holds(const std::wstring& path) const {
   return m_mapImageDivision.count(path) > 0 || m_mapImageClient.count(path) > 0;
 }
 
+IImageDivision* CCadImage::sourceOf(const std::wstring& path) const {
+  const auto found = m_mapImageDivision.find(path);
+  return found == m_mapImageDivision.end() ? nullptr : found->second.get();
+}
+
 bool CCadImage::releaseImage(const std::wstring& path) {
   const auto found = m_mapImageDivision.find(path);
   if (found == m_mapImageDivision.end()) return false;

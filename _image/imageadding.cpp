@@ -8,6 +8,7 @@
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/moduleglobals.h"
+#include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
 #include "acedads.h"
 #include "afxwin.h"
@@ -124,7 +125,11 @@ bool storeImagePaths(AcApDocument* document, CDocData& record,
     printMessage(L"\nlockDocument fail");
     return false;
   }
-  if (cad::writeTexts({kStoredImages, kStoredImages, record.database()}, paths)) return true;
+  const std::vector<std::wstring> before = storedImagePaths(record);
+  if (cad::writeTexts({kStoredImages, kStoredImages, record.database()}, paths)) {
+    followPaths(record.database(), before, paths);
+    return true;
+  }
   printMessage(L"\n影像列表无法保存到图形中！");
   return false;
 }

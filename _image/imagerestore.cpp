@@ -11,6 +11,7 @@
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
 #include "_image/moduleglobals.h"
+#include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
 #include "base/file.h"
 #include "base/path.h"
@@ -107,7 +108,7 @@ bool followDrawing(AcApDocument* document) {
   for (const std::wstring& path : stored) {
     if (bindAgain(document, *record, path)) isChanged = true;
   }
-  return isChanged;
+  return followPlacements(document, *record) || isChanged;
 }
 
 void restoreImages(AcApDocument* document) {
@@ -120,6 +121,7 @@ void restoreImages(AcApDocument* document) {
   for (const std::wstring& path : existingStoredPaths(record, *document)) {
     if (restoreImage(document, record, path)) isAnyRestored = true;
   }
+  followPlacements(document, record);
   if (isAnyRestored) sendCommandToHost(L"regen");
 }
 

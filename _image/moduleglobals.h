@@ -25,7 +25,7 @@ extern AsdkDataManager<CDocData>* g_dataMap;
 extern tarnEditorReactor* g_editorReactor;
 extern tarnPlotReactor* g_plotReactor;
 extern AsdkInputPointMonitor* g_inputPointMonitor;
-/// What the rectification dialog calls back; made anew each time it opens (rectify), kept.
+/// What rectification components call back; made at the first rectification (rectify), kept.
 extern CCADCallBackRectifyOperator* g_rectifyOperator;
 /// Names of the commands during which refresh is suspended. Made at load (reactors), kept.
 extern std::set<std::wstring>* g_watchedCommands;

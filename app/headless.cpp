@@ -1,5 +1,9 @@
 #include <QCoreApplication>
+#ifdef TARN_HAS_WINDOW
+#include <QApplication>
+#else
 #include <QGuiApplication>
+#endif
 #include <iostream>
 
 #include "app/session.h"
@@ -24,7 +28,13 @@ void toLog(QtMsgType, const QMessageLogContext&, const QString& message) {
 int runHeadless(const Options& options, int& argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qInstallMessageHandler(toLog);
+#ifdef TARN_HAS_WINDOW
+  // Modules may have dialogs; scripts see none of them but may open them.
+  const QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+#else
   const QGuiApplication application(argc, argv);
+#endif
   host::HeadlessFrontEnd::installSignals();
   host::HeadlessFrontEnd frontEnd(std::cout, host::HeadlessFrontEnd::standardOutputIsTerminal());
   host::CommandLineUi ui;

@@ -10,6 +10,9 @@ class CCADCallBackRectifyOperator final : public CallBackRectifyOperator {
   /// The image under rectification; not owned. Its current image is the one that is meant.
   explicit CCADCallBackRectifyOperator(CCadImage* image) : m_image(image) {}
 
+  /// Another image from now on.
+  void setImage(CCadImage* image) { m_image = image; }
+
   // Areas and queries stay unanswered.
   /// Regenerates the current drawing.
   void redraw(int x, int y, int width, int height, double left, double top, double scaleX,

@@ -14,7 +14,10 @@ Session::Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> c
     : app_(app),
       frontEnd_(frontEnd),
       picker_(app, frontEnd, [this](const std::string& line) { run(line); }),
-      closeWindow_(std::move(closeWindow)) {}
+      closeWindow_(std::move(closeWindow)) {
+  closeTimer_.setSingleShot(true);
+  QObject::connect(&closeTimer_, &QTimer::timeout, [this] { closeWindow_(); });
+}
 
 bool Session::mayAct() const {
   return !frontEnd_.pumping() && (!app_.commandActive() || frontEnd_.reading());
@@ -113,8 +116,12 @@ void Session::acted() {
 bool Session::requestClose() {
   closeAsked_ = true;
   waiting_.clear();
-  if (!working_ && !app_.commandActive() && !frontEnd_.pumping()) return true;
+  const bool isIdle = !working_ && !app_.commandActive() && !frontEnd_.pumping();
+  if (isIdle && !frontEnd_.reading()) return true;
   frontEnd_.close();
+  // A module's dialog asks outside of all commands; nothing but this goes on when it has its
+  // answer.
+  if (isIdle) closeTimer_.start(0);
   return false;
 }
 

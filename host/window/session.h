@@ -2,6 +2,7 @@
 // called: lines, files, points, Escape, closing. Toolkit-free but for its timing.
 #pragma once
 
+#include <QTimer>
 #include <functional>
 #include <string>
 #include <vector>
@@ -65,6 +66,7 @@ class Session {
   EntityPicker picker_;
   std::function<void()> closeWindow_;
   std::vector<std::function<void()>> waiting_;  ///< run one after the other once nothing runs
+  QTimer closeTimer_;
   bool working_ = false;
   bool closeAsked_ = false;
 };

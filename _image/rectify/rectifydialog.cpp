@@ -1,0 +1,215 @@
+// The dialog's life, its connections, and which widgets a mode enables.
+#include "_image/rectify/rectifydialog.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QLayout>
+#include <QLineEdit>
+#include <QScreen>
+#include <QWindow>
+
+#include <utility>
+
+#include "_image/rectify/pointrecovery.h"
+#include "ui_rectifydialog.h"
+
+using tarn::image::DrawingWatch;
+using tarn::image::RectifySession;
+
+namespace {
+
+rectifyDialog* g_dialog = nullptr;
+
+/// Size at the start where the screen has room for it.
+constexpr int kWidth = 980;
+constexpr int kHeight = 620;
+constexpr int kFrame = 50;  ///< of a window's frame and title
+
+QSize roomOnScreen() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen ? screen->availableSize() - QSize(kFrame / 2, kFrame) : QSize(kWidth, kHeight);
+}
+
+/// The host's window, for the one that stands before it.
+QWindow* windowOfHost(const QWidget* except) {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (widget != except && widget->isVisible() && widget->inherits("QMainWindow")) {
+      return widget->windowHandle();
+    }
+  }
+  return nullptr;
+}
+
+bool isModeButton(const QWidget* widget) {
+  return widget->inherits("QRadioButton");
+}
+
+}  // namespace
+
+rectifyDialog* rectifyDialog::instance() {
+  return g_dialog;
+}
+
+rectifyDialog* rectifyDialog::request() {
+  if (!g_dialog) g_dialog = new rectifyDialog();
+  return g_dialog;
+}
+
+rectifyDialog::rectifyDialog() : m_form(std::make_unique<Ui::rectifyDialog>()) {
+  m_form->setupUi(this);
+  setAttribute(Qt::WA_DeleteOnClose);
+  setAttribute(Qt::WA_QuitOnClose, false);
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+  m_form->pointsTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  // It only shows the mode.
+  m_form->_is_rectify->setAttribute(Qt::WA_TransparentForMouseEvents);
+  m_form->_is_rectify->setFocusPolicy(Qt::NoFocus);
+  resize(sizeHint().expandedTo(QSize(kWidth, kHeight)).boundedTo(roomOnScreen()));
+  connectWidgets();
+  selectFirstMode();
+}
+
+rectifyDialog::~rectifyDialog() {
+  if (g_dialog == this) g_dialog = nullptr;
+  m_watch.reset();
+  ClearPointPair();
+}
+
+void rectifyDialog::connectWidgets() {
+  connect(m_form->rectifyMethod, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+          &rectifyDialog::methodChangeSlot);
+  connect(m_form->_contrl_point_input_button, &QPushButton::clicked, this,
+          &rectifyDialog::on_input_ponits_clicked);
+  connect(m_form->_out_rectify_image, &QPushButton::clicked, this,
+          &rectifyDialog::on_out_rectify_image_clicked);
+  connect(m_form->pointsTable, &QTableWidget::itemDoubleClicked, this,
+          &rectifyDialog::on_table_item_double_clicked);
+  for (QRadioButton* mode : {m_form->radioButton_by_control_point, m_form->radioButton_moveImage,
+                             m_form->radioButton_zoom_image, m_form->radioButton_rotate_image,
+                             m_form->radioButton_mirror}) {
+    connect(mode, &QRadioButton::toggled, this, &rectifyDialog::handleRadioButtonToggle);
+  }
+  connect(m_form->pushButton_get_zoom_point, &QPushButton::clicked, this,
+          &rectifyDialog::on_pushButton_PickZoomPoint_clicked);
+  connect(m_form->pushButton_MovePoint, &QPushButton::clicked, this,
+          &rectifyDialog::on_pushButton_choose_MovePoint);
+  connect(m_form->pushButton_pick_rotate_point, &QPushButton::clicked, this,
+          &rectifyDialog::on_pushButton_choose_rotate_point);
+  connect(m_form->selMirrorLine, &QPushButton::clicked, this,
+          &rectifyDialog::on_pushButton_choose_mirror_point);
+  connect(m_form->checkPoint, &QPushButton::clicked, this, &rectifyDialog::toggleCheckPoint);
+  connect(m_form->undoTable, &QPushButton::clicked, this, [this] { stepRows(true); });
+  connect(m_form->redoTable, &QPushButton::clicked, this, [this] { stepRows(false); });
+  connect(m_form->swapTargets, &QPushButton::clicked, this, &rectifyDialog::swapTargets);
+  connect(m_form->recoverPoints, &QPushButton::clicked, this, &rectifyDialog::recoverRows);
+}
+
+void rectifyDialog::selectFirstMode() {
+  m_form->radioButton_by_control_point->setChecked(true);
+  handleRadioButtonToggle(true);
+}
+
+void rectifyDialog::setImage(std::unique_ptr<RectifySession> session) {
+  m_watch.reset();
+  ClearPointPair();
+  m_session = std::move(session);
+  m_watch = std::make_unique<DrawingWatch>(
+      m_session->document(),
+      DrawingWatch::Hooks{[this] { m_markers.repaint(); }, [this] { delete this; }});
+  m_form->pointsTable->setRowCount(0);
+  m_zoomPoint = m_rotatePoint = std::nullopt;
+  m_mirrorLine[0] = m_mirrorLine[1] = std::nullopt;
+  const tarn::image::PointRecord earlier = m_session->earlierPoints();
+  if (earlier.method >= 0) {
+    for (const tarn::image::ControlPoint& point : earlier.points) {
+      if (!tarn::image::holdsPair(tableRows(), point)) appendRow(point, false);
+    }
+    m_form->rectifyMethod->setCurrentIndex(earlier.method);
+    m_form->_is_rectify->setChecked(true);
+  }
+  m_history.clear();
+  m_form->undoTable->setEnabled(false);
+  m_form->redoTable->setEnabled(false);
+  offerRecovery();
+  forgetQuality();
+}
+
+void rectifyDialog::showModal(bool isModal) {
+  setModal(isModal);
+  winId();
+  if (QWindow* host = windowOfHost(this)) windowHandle()->setTransientParent(host);
+  show();
+  raise();
+  activateWindow();
+}
+
+// Closing keeps what was applied; only a preview goes.
+void rectifyDialog::reject() {
+  if (m_session) {
+    if (m_session->endPreview()) Regen_Image();
+    tarn::image::keepForRecovery(m_session->path(), {});
+  }
+  QDialog::reject();
+}
+
+void rectifyDialog::on_abort_clicked() {
+  if (m_session) m_session->component().setRectifyMethod(-1);
+  hide();
+  if (m_session) m_session->cancel();
+  Regen_Image();
+  // Hidden windows are not closed by close(): the end of the dialog deletes it.
+  reject();
+}
+
+bool rectifyDialog::layoutContainsWidget(QLayout* layout, QWidget* widget, QLayout*& parentLayout) {
+  for (int i = 0; i < layout->count(); ++i) {
+    QLayoutItem* item = layout->itemAt(i);
+    if (item->widget() == widget) {
+      parentLayout = layout;
+      return true;
+    }
+    if (item->layout() && layoutContainsWidget(item->layout(), widget, parentLayout)) return true;
+  }
+  return false;
+}
+
+QLayout* rectifyDialog::findInnermostLayout(QLayout* layout, QWidget* widget) {
+  QLayout* found = nullptr;
+  return layoutContainsWidget(layout, widget, found) ? found : nullptr;
+}
+
+void rectifyDialog::setAllWidgetsEnabled(QWidget* widget, bool enabled) {
+  if (!isModeButton(widget)) widget->setEnabled(enabled);
+  for (QObject* child : widget->children()) {
+    if (auto* layout = qobject_cast<QLayout*>(child)) {
+      setLayoutAllWidgetsEnabled(layout, enabled);
+    } else if (auto* inner = qobject_cast<QWidget*>(child)) {
+      if (!inner->isWindow()) setAllWidgetsEnabled(inner, enabled);
+    }
+  }
+}
+
+void rectifyDialog::setLayoutAllWidgetsEnabled(QLayout* layout, bool enabled) {
+  for (int i = 0; i < layout->count(); ++i) {
+    QLayoutItem* item = layout->itemAt(i);
+    if (item->widget()) setAllWidgetsEnabled(item->widget(), enabled);
+    if (item->layout()) setLayoutAllWidgetsEnabled(item->layout(), enabled);
+  }
+}
+
+void rectifyDialog::handleRadioButtonToggle(bool checked) {
+  if (!checked) return;
+  QRadioButton* const modes[] = {m_form->radioButton_by_control_point,
+                                 m_form->radioButton_moveImage, m_form->radioButton_zoom_image,
+                                 m_form->radioButton_rotate_image, m_form->radioButton_mirror};
+  auto* chosen = qobject_cast<QRadioButton*>(sender());
+  if (!chosen) chosen = m_form->radioButton_by_control_point;
+  m_form->_is_rectify->setChecked(chosen == m_form->radioButton_by_control_point);
+  for (QRadioButton* mode : modes) {
+    if (QLayout* of = findInnermostLayout(layout(), mode)) {
+      setLayoutAllWidgetsEnabled(of, mode == chosen);
+    }
+  }
+}
+
+void rectifyDialog::methodChangeSlot() {}
