@@ -126,6 +126,8 @@ bool RectifySession::keepAccepted() {
   }
   accepted_ = state;
   wasAccepted_ = true;
+  // From now on the component knows its points by where they are drawn.
+  component_->prepare(0);
   preview();
   isPreviewed_ = false;
   return true;

@@ -13,6 +13,7 @@
 #include "_image/rectify/placementrecord.h"
 #include "arxEntryPoint.h"
 #include "base/text.h"
+#include "host/editor/documents.h"
 #include "rxdlinkr.h"
 
 extern "C" AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* packet);
@@ -123,6 +124,8 @@ std::vector<double> DialogTest::stored(const std::string& path) {
 
 QImage DialogTest::picture() {
   host_->app->regenerate();
+  // The dialog has drawn its marks again; they would hide the dots.
+  host_->app->documents().current().temporaryVectors().lines.clear();
   const host::ViewState view = host_->app->screenView();
   QImage image(view.pixelWidth, view.pixelHeight, QImage::Format_RGB32);
   QPainter painter(&image);
