@@ -7,7 +7,7 @@ import subprocess
 import sys
 import time
 
-from desk import CANVAS, Desk, Failure, View, check, wait_until
+from desk import CANVAS, Desk, Failure, Picture, View, check, wait_until
 
 WEST, NORTH, UNIT = 40500000.0, 3512600.0, 0.5
 WIDE, HIGH = 800, 600  # pixels
@@ -451,8 +451,37 @@ def bad_input(desk):
     check(desk.wait_exit() in (0, 1), f"exit code {desk.program.returncode}")
 
 
+def plot(desk):
+    """Plot all of the drawing into a PDF by the command's questions, while the mouse is at work."""
+    desk.start(make_drawing(desk), make_image(desk))
+    paper = desk.path("plan.pdf")
+    answers = {"Layout name": "Model", "Output device": "PDF", "Plot area": "Extents", "Scale": "Fit",
+               "Offset": "Center", "Resolution": "100", "File name": paper, "Detailed": "Yes"}
+    desk.skip()
+    desk.type("PLOT")
+    desk.key("Return")
+    asked = []
+    while True:
+        prompt = desk.wait_line("> (.*)")[1]
+        if prompt.startswith("Command:"):
+            break
+        asked.append(prompt)
+        check(len(asked) < 20, f"PLOT asks without end: {asked}")
+        desk.type(next((answer for start, answer in answers.items() if prompt.startswith(start)), ""))
+        desk.key("Return")
+    check(os.path.exists(paper), f"no plot after {asked}")
+    expect_quarters(desk, desk.view())
+    data = subprocess.run(["pdftoppm", "-r", "50", paper], capture_output=True, check=True).stdout
+    picture = Picture(data)
+    whole = (0, 0, picture.width, picture.height)
+    for color in COLORS:
+        share = picture.count(whole, lambda *c, want=color: max(abs(x - y) for x, y in zip(c, want)) < 8)
+        # The lines above the image and the margins leave each quarter about a tenth of the sheet.
+        check(share > picture.width * picture.height / 12, f"{color}: {share} of {picture.width}x{picture.height}")
+
+
 JOURNEYS = {name: value for name, value in list(globals().items())
-            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input")}
+            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot")}
 
 
 def main():
@@ -461,7 +490,7 @@ def main():
     parser.add_argument("--bin", required=True)
     parser.add_argument("--keep", required=True)
     options = parser.parse_args()
-    missing = [tool for tool in ("Xvfb", "openbox", "xdotool", "import", "gdal_translate") if not shutil.which(tool)]
+    missing = [tool for tool in ("Xvfb", "openbox", "xdotool", "import", "gdal_translate", "pdftoppm") if not shutil.which(tool)]
     if missing:
         print("skipped: there is no " + ", ".join(missing))
         return 77
