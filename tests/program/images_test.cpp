@@ -52,5 +52,24 @@ TEST(ImagesOnTheCommandLine, WhatCannotBeDoneYetIsRefusedInOneLine) {
   }
 }
 
+TEST(ImagesOnTheCommandLine, AScriptConvertsImages) {
+  const Scratch scratch("tarn_cli_");
+  const Raster raster = makeRaster(300, 200, 500, 900, 0.5, [](int column, int row, uint8_t* rgb) {
+    rgb[0] = static_cast<uint8_t>(column % 200 + 5);
+    rgb[1] = static_cast<uint8_t>(row + 5);
+    rgb[2] = 90;
+  });
+  ASSERT_TRUE(makeFolders(scratch.at("in")));
+  ASSERT_TRUE(writeRaster(raster, scratch.at("in/正射.tif")));
+  // The folder; then IMG, and Enter to what holds; a wrong answer is asked for again.
+  const std::string script = "ImageConversion\n" + scratch.at("in") + "\n\n9\n3\n" +
+                             std::string(7, '\n') + scratch.at("out") + "\n";
+  const Outcome outcome = runCadhost(scratch, {"--script", "-"}, script);
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  EXPECT_TRUE(contains(outcome.output, "\"9\": a number from 1 to 4 is needed.")) << outcome.output;
+  EXPECT_TRUE(contains(outcome.output, "影像转换: 1 converted"));
+  EXPECT_EQ(readRaster(scratch.at("out/正射.img")).rgb, raster.rgb) << outcome.output;
+}
+
 }  // namespace
 }  // namespace tarn::test
