@@ -78,6 +78,13 @@ FileKind fileKind(const std::string& path) {
   return S_ISDIR(info.st_mode) ? FileKind::kFolder : FileKind::kOther;
 }
 
+bool isSameFile(const std::string& path, const std::string& other) {
+  struct stat a {
+  }, b{};
+  return ::stat(path.c_str(), &a) == 0 && ::stat(other.c_str(), &b) == 0 && a.st_dev == b.st_dev &&
+         a.st_ino == b.st_ino;
+}
+
 FileTimes fileTimes(const std::string& path) {
   struct stat info {};
   if (::stat(path.c_str(), &info) != 0) return {};

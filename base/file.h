@@ -15,6 +15,9 @@ enum class FileKind { kMissing, kRegular, kFolder, kOther };
 /// What stands at `path`, symbolic links followed.
 FileKind fileKind(const std::string& path);
 
+/// True when both paths lead to one file that is there.
+bool isSameFile(const std::string& path, const std::string& other);
+
 /// Size in bytes and time of last change in nanoseconds since 1970; zero when it cannot be read.
 struct FileTimes {
   uint64_t size = 0;

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "components/raster/mappedpart.h"
 #include "components/raster/warpkernels.h"
 
 namespace tarn::raster {
@@ -18,14 +19,6 @@ constexpr int kSmallestPart = 16;
 // Steps of up to this many pixels lose nothing that is worth the time of averaging.
 constexpr double kLongestStep = 1.25;
 constexpr int kMostPoints = 8;
-
-/// A rectangle of a level's presented pixels.
-struct Part {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-};
 
 /// How many points in each direction a pixel of the part is the average of. Even steps of an affine
 /// mapping are as long as a pixel.
@@ -42,32 +35,13 @@ int pointsAcross(const PlaneMapping& mapping, const Part& part) {
   return static_cast<int>(std::min(std::ceil(longest), double{kMostPoints}));
 }
 
-/// The pixels of the source that a part may need; empty (width 0) when it lies outside.
 PixelPatch patchFor(const PlaneMapping& mapping, const TileGrid& grid, const Part& part) {
-  const int steps = mapping.isAffine() ? 1 : 8;
-  PlanePoint low{HUGE_VAL, HUGE_VAL}, high{-HUGE_VAL, -HUGE_VAL};
-  for (int j = 0; j <= steps; ++j) {
-    for (int i = 0; i <= steps; ++i) {
-      const PlanePoint p = mapping.at(part.x + static_cast<double>(part.width) * i / steps,
-                                      part.y + static_cast<double>(part.height) * j / steps);
-      low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-      high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-    }
-  }
-  const double slack =
-      1 + mapping.bend(static_cast<double>(std::max(part.width, part.height)) / steps);
-  const auto pixel = [](double position, int count) {
-    return static_cast<int>(std::clamp(std::floor(position), 0.0, static_cast<double>(count)));
-  };
+  const Part source = sourceOf(mapping, grid.width, grid.height, part);
   PixelPatch patch;
-  patch.x = pixel(low.x - slack, grid.width);
-  patch.y = pixel(low.y - slack, grid.height);
-  const int right = pixel(high.x + slack + 1, grid.width);
-  const int bottom = pixel(high.y + slack + 1, grid.height);
-  if (right > patch.x && bottom > patch.y) {
-    patch.width = right - patch.x;
-    patch.height = bottom - patch.y;
-  }
+  patch.x = source.x;
+  patch.y = source.y;
+  patch.width = source.width;
+  patch.height = source.height;
   return patch;
 }
 

@@ -40,6 +40,12 @@ class OwnPixels final : public CurvedMapping {
 
 }  // namespace
 
+std::shared_ptr<const CurvedMapping> toOwnPixels(const RasterImage& image,
+                                                 std::shared_ptr<const CurvedMapping> mapping) {
+  if (image.isAsStored()) return mapping;
+  return std::make_shared<OwnPixels>(std::move(mapping), image.ownPlace());
+}
+
 WarpedImage::WarpedImage(std::shared_ptr<const RasterImage> image, Placement placement)
     : image_(std::move(image)), placement_(std::move(placement)), id_(TileCache::newImage()) {}
 
@@ -80,11 +86,10 @@ std::shared_ptr<const WarpedImage> WarpedImage::warp(std::shared_ptr<const Raste
   placement.transform = grid.transform;
   placement.width = grid.width;
   placement.height = grid.height;
-  std::shared_ptr<const CurvedMapping> mapping = grid.mapping;
-  if (!own.placement.isAsStored()) mapping = std::make_shared<OwnPixels>(mapping, own);
   std::shared_ptr<WarpedImage> warped(new WarpedImage(image, std::move(placement)));
-  warped->levels_ = warpLevels(image->ownLevels(), image->ownTiles(), mapping,
-                               {grid.width, grid.height, own.width, own.height, 1});
+  warped->levels_ =
+      warpLevels(image->ownLevels(), image->ownTiles(), toOwnPixels(*image, grid.mapping),
+                 {grid.width, grid.height, own.width, own.height, 1});
   return warped;
 }
 

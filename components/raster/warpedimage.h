@@ -19,6 +19,10 @@ struct WarpGrid {
   std::shared_ptr<const CurvedMapping> mapping;
 };
 
+/// The mapping, which leads to presented pixels of the image, on to its own.
+std::shared_ptr<const CurvedMapping> toOwnPixels(const RasterImage& image,
+                                                 std::shared_ptr<const CurvedMapping> mapping);
+
 class WarpedImage {
  public:
   /// Presented pixels of the image lie on the ground as the transform says. Null when the image's

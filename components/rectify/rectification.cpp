@@ -4,6 +4,9 @@
 #include <utility>
 
 #include "base/path.h"
+#include "base/text.h"
+#include "components/raster/warpexport.h"
+#include "components/rectify/drawnmapping.h"
 #include "components/rectify/rectifiedsource.h"
 #include "inc/callbackrectifyoperator.h"
 #include "inc/iimagedivision.h"
@@ -12,6 +15,17 @@
 namespace tarn::rectify {
 
 using raster::RasterImage;
+
+namespace {
+
+std::optional<raster::ExportFormat> formatOf(const std::string& name) {
+  if (equalsIgnoreCase(name, "tif") || equalsIgnoreCase(name, "tiff"))
+    return raster::ExportFormat::kTiff;
+  if (equalsIgnoreCase(name, "img")) return raster::ExportFormat::kImagine;
+  return std::nullopt;
+}
+
+}  // namespace
 
 bool Rectification::hasImage() {
   return image_ != nullptr;
@@ -131,13 +145,38 @@ bool Rectification::transformQuery(kel::PointList& sources, kel::PointList& targ
   return session_.points(sources, targets);
 }
 
-bool Rectification::exportPrepare(const kel::DString& path, const kel::DString&) {
-  user_.message(path.str() + ": rectified images cannot be exported by this build");
-  return false;
+bool Rectification::exportPrepare(const kel::DString& path, const kel::DString& format) {
+  std::string fault;
+  const auto picture = this->picture();
+  if (!formatOf(format.str())) {
+    fault = path.str() + ": is written as TIFF (.tif, .tiff) or IMG (.img) only";
+  } else if (!picture || !picture->drawn) {
+    fault = path.str() + ": there is no image to be exported";
+  } else if (const Status fit = raster::checkExportTarget(*image_, path.str()); !fit) {
+    fault = fit.message();
+  }
+  if (!fault.empty()) user_.message(fault);
+  return fault.empty();
 }
 
 bool Rectification::exportImage(const kel::DString& path, const kel::DString& format) {
-  return exportPrepare(path, format);
+  if (!exportPrepare(path, format)) return false;
+  const auto picture = this->picture();
+  raster::ExportRequest request;
+  request.target = path.str();
+  request.format = *formatOf(format.str());
+  request.resampling = exportResampling_ == 0 ? raster::ExportResampling::kNearest
+                                              : raster::ExportResampling::kBilinear;
+  const raster::WarpedImage& drawn = *picture->drawn;
+  request.grid = {drawn.geoTransform(), drawn.width(), drawn.height(),
+                  std::make_shared<DrawnMapping>(session_.drawn(), drawn.geoTransform())};
+  interaction::ProgressScope progress("导出 " + nameOf(path.str()), 0, 100);
+  const Status done = raster::exportWarped(*image_, request, [&](double part) {
+    progress.move(part);
+    return !user_.cancelWanted();
+  });
+  if (!done) user_.message(done.message());
+  return done.isOk();
 }
 
 int Rectification::rectifyStatus() {
