@@ -4,6 +4,8 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
 #include "host/editor/hostapp.h"
@@ -14,22 +16,42 @@ namespace tarn::host {
 
 namespace {
 
-/// The model's view of a drawing that has been read; false when it names none.
-bool takeView(HostDocument& document) {
-  const auto stored = document.drawing().view();
-  if (!stored) return false;
-  ViewState& view = document.view();
-  view.centerX = stored->centerX;
-  view.centerY = stored->centerY;
-  view.height = stored->height;
-  view.twist = stored->twist;
-  return true;
+/// The sheet that the file has in front.
+LayoutEntry frontSheet(const HostDocument& document) {
+  AcDbDatabase& database = *document.database();
+  AcDbObjectId block;
+  const AcDbObjectPointer<AcDbBlockTable> blocks(database.blockTableId(), AcDb::kForRead);
+  if (blocks.openStatus() == Acad::eOk) blocks->getAt(ACDB_PAPER_SPACE, block);
+  for (const LayoutEntry& entry : layoutsOf(database)) {
+    if (entry.block == block) return entry;
+  }
+  return document.space().sheet();
 }
 
-std::optional<DrawingView> viewToSave(const HostDocument& document) {
-  if (!document.space().isTiled()) return std::nullopt;
-  const ViewState& view = document.view();
-  return DrawingView{view.centerX, view.centerY, view.height, view.twist};
+/// Shows a drawing that has been read as it was saved; false when it names no view.
+bool takeState(HostDocument& document) {
+  const OpeningState stored = document.drawing().state();
+  document.space().setModelLimits(
+      {stored.lowerLimit.x, stored.lowerLimit.y, stored.upperLimit.x, stored.upperLimit.y});
+  if (stored.view) {
+    ViewState& view = document.view();
+    view.centerX = stored.view->centerX;
+    view.centerY = stored.view->centerY;
+    view.height = stored.view->height;
+    view.twist = stored.view->twist;
+  }
+  if (!stored.isTiled) document.space().showSheet(frontSheet(document));
+  return stored.view.has_value();
+}
+
+OpeningState stateToSave(const HostDocument& document) {
+  const Space& space = document.space();
+  const GroundBox limits = space.modelLimits();
+  const ViewState view = space.modelView();
+  return {DrawingView{view.centerX, view.centerY, view.height, view.twist},
+          space.isTiled(),
+          {limits.minX, limits.minY},
+          {limits.maxX, limits.maxY}};
 }
 
 }  // namespace
@@ -44,11 +66,9 @@ Status openDrawing(HostApp& app, const std::string& path) {
   auto drawing = DrawingFile::open(path);
   if (!drawing) return drawing.status();
   const std::vector<std::string> notes = drawing.value()->notes();
-  const int tileMode = drawing.value()->tileMode();
   HostDocument& document = documents.add(path, drawing.take());
   for (const std::string& note : notes) app.print("\n" + note + "\n");
-  const bool hasView = takeView(document);
-  if (tileMode == 0) document.space().showSheet(document.space().sheet());
+  const bool hasView = takeState(document);
   if (hasView || !app.zoomExtents()) app.regenerate();
   return {};
 }
@@ -57,7 +77,7 @@ Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& pa
   if (HostDocument* other = app.documents().ofFile(path); other != nullptr && other != &document) {
     return Status::error(path + ": this file is open as another drawing.");
   }
-  auto bytes = document.drawing().bytes(viewToSave(document));
+  auto bytes = document.drawing().bytes(stateToSave(document));
   if (!bytes) return bytes.status();
   const bool isOwn = document.hasFile() && document.path() == path;
   if (isOwn && document.fileWasChanged() &&

@@ -23,6 +23,16 @@ enum class InputKind {
   kAnswer,    ///< the answer to a question, yes or no
 };
 
+struct PlotJob;
+
+/// How PLOT goes on after its settings were shown.
+enum class PlotChoice {
+  kByPrompts,   ///< nothing was shown: ask on the command line
+  kPickWindow,  ///< let the user pick the window in the drawing, then show the settings again
+  kPlot,
+  kCancel,
+};
+
 class FrontEnd {
  public:
   virtual ~FrontEnd() = default;
@@ -37,6 +47,9 @@ class FrontEnd {
   /// line in its history by itself. The window runs its event loop meanwhile; view changes and
   /// HostApp::runLine() of a transparent command ("'zoom") may come from there.
   virtual std::optional<std::string> readLine(const std::string& prompt, InputKind kind) = 0;
+
+  /// Shows the settings of a plot and lets the user change them.
+  virtual PlotChoice choosePlot(PlotJob& /*job*/) { return PlotChoice::kByPrompts; }
 
   /// A progress display. begin replaces an earlier one; move gets values of [minimum, maximum]; end
   /// without begin is fine.

@@ -46,6 +46,15 @@ void tarnHostRegenerate() {
   if (HostApp* app = HostApp::instance()) app->regenerate();
 }
 
+bool tarnHostDrawnView(TarnView& view) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return false;
+  const tarn::host::ViewState drawn = app->documents().current().space().drawnView();
+  const double pixel = drawn.unitsPerPixel();
+  view = {drawn.centerX, drawn.centerY, pixel * drawn.pixelWidth, drawn.height, pixel, drawn.twist};
+  return true;
+}
+
 AcDbObjectId acedGetCurViewportObjectId() {
   HostApp* app = HostApp::instance();
   return app != nullptr ? app->documents().current().space().currentViewport() : AcDbObjectId();

@@ -1,4 +1,4 @@
-// PLOT by prompts.
+// PLOT: its prompts, and the way from the settings to the file.
 #include <algorithm>
 #include <functional>
 #include <optional>
@@ -10,10 +10,12 @@
 #include "dblayout.h"
 #include "dbobjptr.h"
 #include "host/editor/documents.h"
+#include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/hostcommands.h"
 #include "host/editor/inputvalues.h"
 #include "host/editor/plotjob.h"
+#include "host/editor/sysvars.h"
 #include "host/plot/paper.h"
 
 namespace tarn::host {
@@ -95,10 +97,7 @@ bool askDevice(PlotJob& job) {
   const auto device = askWord("Output device", "PDF PNG", "PDF");
   if (!device) return false;
   job.target.device = *device == "PDF" ? PlotDevice::kPdf : PlotDevice::kPng;
-  if (*device == "PNG") {
-    std::string& path = job.target.path;
-    path = path.substr(0, path.size() - extensionOf(path).size()) + ".png";
-  }
+  nameAfterDevice(job.target);
   return true;
 }
 
@@ -123,14 +122,15 @@ bool askPaper(PlotJob& job) {
   return true;
 }
 
-bool askWindow(PlotData& settings) {
+bool askWindow(PlotJob& job) {
+  PlotData& settings = job.settings;
   ads_point a = {settings.windowMinX, settings.windowMinY, 0};
   ads_point b = {settings.windowMaxX, settings.windowMaxY, 0};
   if (acedGetPoint(nullptr, ACRX_T("\nLower left corner of the window: "), a) == RTCAN ||
       acedGetCorner(a, ACRX_T("\nUpper right corner: "), b) == RTCAN) {
     return false;
   }
-  setWindow(settings, {a[0], a[1]}, {b[0], b[1]}, app().view().twist);
+  setWindow(settings, {a[0], a[1]}, {b[0], b[1]}, viewOfTab(app(), job.layout).twist);
   return true;
 }
 
@@ -149,7 +149,7 @@ bool askArea(PlotJob& job) {
   for (const AreaName& area : kAreas) {
     if (*word == area.name) s.type = area.type;
   }
-  if (s.type == AcDbPlotSettings::kWindow) return askWindow(s);
+  if (s.type == AcDbPlotSettings::kWindow) return askWindow(job);
   if (s.type != AcDbPlotSettings::kView) return true;
   const auto view = askLine("Name of the view", toUtf8(s.view));
   if (view) s.view = toWide(*view);
@@ -195,26 +195,46 @@ void storeSettings(const PlotJob& job) {
   if (layout.openStatus() == Acad::eOk) LayoutAccess::setData(*layout.object(), job.settings);
 }
 
-void finish(const PlotJob& job) {
+void run(const PlotJob& job) {
+  if (job.keepsSettings) storeSettings(job);
   const Status status = runPlot(app(), job);
   if (status) return app().print("\n" + job.target.path + " written.\n");
   if (!status.message().empty()) return failCommand(app(), status.message());
   app().print("\n*Cancel*\n");
 }
 
-}  // namespace
-
-void plotCommand() {
+void plotByPrompts() {
   PlotJob job;
   const auto detailed = askYes("Detailed plot configuration?", false);
   if (!detailed || !askLayout(job) || !askDevice(job)) return;
   if (*detailed && !(askPaper(job) && askArea(job) && askScale(job) && askResolution(job))) return;
   if (!askFile(job)) return;
-  const auto save = askYes("Save the settings with the layout?", false);
-  const auto go = save ? askYes("Proceed with the plot?", true) : std::nullopt;
+  const auto keeps = askYes("Save the settings with the layout?", false);
+  const auto go = keeps ? askYes("Proceed with the plot?", true) : std::nullopt;
   if (!go) return;
-  if (*save) storeSettings(job);
-  if (*go) finish(job);
+  job.keepsSettings = *keeps;
+  if (*go) return run(job);
+  if (*keeps) storeSettings(job);
+}
+
+}  // namespace
+
+void plotCommand() {
+  if (app().variables().shortOf("CMDDIA") == 0) return plotByPrompts();
+  PlotJob job = defaultJob(app(), app().documents().current().space().tab());
+  for (;;) {
+    switch (app().frontEnd().choosePlot(job)) {
+      case PlotChoice::kByPrompts:
+        return plotByPrompts();
+      case PlotChoice::kPickWindow:
+        if (askWindow(job)) job.settings.type = AcDbPlotSettings::kWindow;
+        break;
+      case PlotChoice::kPlot:
+        return run(job);
+      case PlotChoice::kCancel:
+        return app().print("\n*Cancel*\n");
+    }
+  }
 }
 
 }  // namespace tarn::host

@@ -1,6 +1,7 @@
 #include "host/editor/plotjob.h"
 
-#include <list>
+#include <algorithm>
+#include <functional>
 
 #include "acplplotconfig.h"
 #include "acplplotinfo.h"
@@ -132,41 +133,116 @@ Result<PlotRegion> regionOf(HostApp& app, const PlotJob& job) {
   }
 }
 
-/// The scenes of a plot and where they go on the page. A list keeps its scenes where they are.
-struct Recording {
-  std::list<Scene> scenes;
-  std::vector<PlotLayer> layers;
+/// Moves the progress display as entities are drawn, and hears the user's wish to stop.
+class PlotProgress {
+ public:
+  PlotProgress(FrontEnd& frontEnd, size_t entities) : frontEnd_(frontEnd), steps_(entities) {
+    frontEnd_.progressBegin("Plotting", 0, kWhole);
+  }
+  ~PlotProgress() { frontEnd_.progressEnd(); }
+  PlotProgress(const PlotProgress&) = delete;
+  PlotProgress& operator=(const PlotProgress&) = delete;
+
+  bool proceed() {
+    done_ = std::min(done_ + 1, steps_);
+    const int now = steps_ > 0 ? static_cast<int>(done_ * kWhole / steps_) : kWhole;
+    if (now != shown_) frontEnd_.progressMove(shown_ = now);
+    return !frontEnd_.cancelWanted();
+  }
+
+ private:
+  static constexpr int kWhole = 100;
+  FrontEnd& frontEnd_;
+  size_t steps_;
+  size_t done_ = 0;
+  int shown_ = 0;
 };
 
-/// False when it was stopped.
-bool recordLayers(HostApp& app, const PlotPlan& plan, Recording& out) {
-  HostDocument& document = app.documents().current();
-  Space& space = document.space();
-  Regenerator& regenerator = app.regenerator();
-  for (const SheetWindow& window : space.windows()) {
-    const PlottedWindow plotted = plottedWindow(plan, window.place);
-    if (plotted.clip.isEmpty()) continue;
-    Scene& scene = out.scenes.emplace_back();
-    const QRect pixels = touchedPixels(plotted.clip, plan.page);
-    const DrawnViewport drawn(space, window.id, croppedView(plotted.view, pixels));
-    if (!regenerator.recordPlot(scene, space.modelBlock())) return false;
-    out.layers.push_back({&scene, plotted.view, plotted.clip});
-  }
-  Scene& own = out.scenes.emplace_back();
-  out.layers.push_back({&own, plan.page, plan.clip});
-  return regenerator.recordPlot(own, space.shownBlock());
+size_t entitiesIn(AcDbObjectId block) {
+  const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
+  return record.openStatus() == Acad::eOk ? static_cast<size_t>(record->entityIds().length()) : 0;
 }
 
-Status plotPages(HostApp& app, const PlotJob& job, const PlotPlan& plan) {
-  Recording recording;
-  const auto proceed = [&] { return !app.frontEnd().cancelWanted(); };
-  if (!recordLayers(app, plan, recording)) return Status::error("");
-  constexpr int kRecorded = 60;
-  app.frontEnd().progressMove(kRecorded);
-  return writePlot(plan, recording.layers, job.target, RenderStyle(), proceed);
+/// Draws a block for the part of the page that a layer covers.
+class LayerRecorder {
+ public:
+  LayerRecorder(HostApp& app, const PlotPlan& plan, std::function<bool()> proceed)
+      : app_(app),
+        space_(app.documents().current().space()),
+        plan_(plan),
+        proceed_(std::move(proceed)) {}
+
+  PlotLayer layer(AcDbObjectId viewport, AcDbObjectId block, const ViewState& view,
+                  const QRectF& clip) const {
+    const ViewState part = croppedView(view, touchedPixels(clip, plan_.page));
+    const auto record = [this, viewport, block, part](Scene& scene) {
+      const DrawnViewport drawn(space_, viewport, part);
+      return app_.regenerator().recordPlot(scene, block, proceed_);
+    };
+    return {record, view, clip};
+  }
+
+  /// The model through the viewports of a sheet, then what is shown itself.
+  std::vector<PlotLayer> all() const {
+    std::vector<PlotLayer> layers;
+    for (const SheetWindow& window : space_.windows()) {
+      const PlottedWindow plotted = plottedWindow(plan_, window.place);
+      if (plotted.clip.isEmpty()) continue;
+      layers.push_back(layer(window.id, space_.modelBlock(), plotted.view, plotted.clip));
+    }
+    layers.push_back(layer(AcDbObjectId(), space_.shownBlock(), plan_.page, plan_.clip));
+    return layers;
+  }
+
+ private:
+  HostApp& app_;
+  Space& space_;
+  const PlotPlan& plan_;
+  std::function<bool()> proceed_;
+};
+
+Status plotPage(HostApp& app, const PlotJob& job, const PlotPlan& plan) {
+  const Space& space = app.documents().current().space();
+  PlotProgress progress(
+      app.frontEnd(),
+      entitiesIn(space.shownBlock()) + space.windows().size() * entitiesIn(space.modelBlock()));
+  const auto proceed = [&] { return progress.proceed(); };
+  const LayerRecorder recorder(app, plan, proceed);
+  return writePlot(plan, recorder.all(), job.target, RenderStyle(), proceed);
 }
 
 }  // namespace
+
+void nameAfterDevice(PlotTarget& target) {
+  const size_t stem = target.path.size() - extensionOf(target.path).size();
+  target.path = target.path.substr(0, stem) + (target.device == PlotDevice::kPdf ? ".pdf" : ".png");
+}
+
+ViewState viewOfTab(HostApp& app, const LayoutEntry& layout) {
+  const PlottedTab tab(app.documents().current().space(), layout);
+  return app.view();
+}
+
+Result<PlotPlan> planJob(HostApp& app, const PlotJob& job) {
+  const PlottedTab tab(app.documents().current().space(), job.layout);
+  const Result<PlotRegion> region = regionOf(app, job);
+  if (!region) return region.status();
+  return planPlot(job.settings, region.value(), job.dpi);
+}
+
+std::vector<ShownLayer> layersOnScreen(HostApp& app, const PlotJob& job, const PlotPlan& plan) {
+  HostDocument& document = app.documents().current();
+  std::vector<ShownLayer> layers;
+  if (document.space().tab().id != job.layout.id) return layers;
+  for (const SheetWindow& window : document.space().windows()) {
+    const PlottedWindow plotted = plottedWindow(plan, window.place);
+    const auto scene = document.windowScenes().find(window.id);
+    if (scene == document.windowScenes().end() || plotted.clip.isEmpty()) continue;
+    layers.push_back({&scene->second, plotted.view, plotted.clip});
+  }
+  layers.push_back({&document.scene(), plan.page, plan.clip});
+  return layers;
+}
 
 PlotJob defaultJob(HostApp& app, const LayoutEntry& layout) {
   PlotJob job;
@@ -184,16 +260,13 @@ PlotJob defaultJob(HostApp& app, const LayoutEntry& layout) {
 }
 
 Status runPlot(HostApp& app, const PlotJob& job) {
-  const PlottedTab tab(app.documents().current().space(), job.layout);
-  const Result<PlotRegion> region = regionOf(app, job);
-  if (!region) return region.status();
-  const Result<PlotPlan> plan = planPlot(job.settings, region.value(), job.dpi);
+  if (Status status = checkPlotTarget(job.target.path); !status) return status;
+  const Result<PlotPlan> plan = planJob(app, job);
   if (!plan) return plan.status();
+  const PlottedTab tab(app.documents().current().space(), job.layout);
   PlotNotice notice(job);
   notice.begin(app.documentTitle(), job.target.path);
-  app.frontEnd().progressBegin("Plotting", 0, 100);
-  const Status status = plotPages(app, job, plan.value());
-  app.frontEnd().progressEnd();
+  const Status status = plotPage(app, job, plan.value());
   notice.end(!status && status.message().empty());
   return status;
 }

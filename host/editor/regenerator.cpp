@@ -108,14 +108,15 @@ void Regenerator::drawWindows(HostDocument& document,
   }
 }
 
-bool Regenerator::recordPlot(Scene& scene, AcDbObjectId block) {
+bool Regenerator::recordPlot(Scene& scene, AcDbObjectId block,
+                             const std::function<bool()>& proceed) {
   const Nesting nesting(depth_);
   for (const AcDbObjectId& id : entitiesOf(block)) {
-    if (abortWanted()) return false;
+    if (!proceed()) return false;
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() == Acad::eOk) draw(scene, *entity.object(), true);
   }
-  return !abortWanted();
+  return proceed();
 }
 
 void Regenerator::regenerate(HostDocument& document) {

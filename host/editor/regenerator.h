@@ -37,8 +37,8 @@ class ACADHOST_EXPORT Regenerator {
   GroundBox extentsOf(AcDbObjectId block) const;
 
   /// Draws the block's visible entities into a scene for a plot; the screen's scenes stay as they
-  /// are. False when the user wants to stop.
-  bool recordPlot(Scene& scene, AcDbObjectId block);
+  /// are. `proceed` is asked before each entity and after the last; false stops and is returned.
+  bool recordPlot(Scene& scene, AcDbObjectId block, const std::function<bool()>& proceed);
   /// How often anything was drawn for the screen since the start.
   long long screenDrawings() const { return screenDrawings_; }
 

@@ -119,7 +119,7 @@ bool Space::setCurrentPort(short number) {
 
 bool Space::enterModel() {
   if (tiled_) return false;
-  if (drawn_) {
+  if (drawn_ && !drawn_->id.isNull()) {
     current_ = drawn_->id;
     return true;
   }
@@ -232,7 +232,7 @@ std::optional<SheetWindow> Space::currentWindow() const {
 DrawnViewport::DrawnViewport(Space& space, AcDbObjectId viewport, const ViewState& view)
     : space_(space), before_(space.current_) {
   space_.drawn_ = Space::Drawn{viewport, view};
-  if (!space_.currentViewport().isNull()) space_.current_ = viewport;
+  if (!viewport.isNull() && !space_.currentViewport().isNull()) space_.current_ = viewport;
 }
 
 DrawnViewport::~DrawnViewport() {

@@ -62,13 +62,18 @@ class ACADHOST_EXPORT Space {
 
   /// What the LIMITS of the current space are: the printable part of a sheet.
   GroundBox limits() const;
+  const GroundBox& modelLimits() const { return modelLimits_; }
   void setModelLimits(const GroundBox& limits) { modelLimits_ = limits; }
 
+  /// The view of the model's tab, also while a sheet is shown.
+  const ViewState& modelView() const { return modelView_; }
   /// The view that fills the screen: of the model's tab or of the sheet.
   ViewState& screenView();
   const ViewState& screenView() const;
   /// The view of what is current; inside a drawing through a viewport, the pixels that are drawn.
   ViewState view() const;
+  /// The view that entities are being drawn for, whatever is current; else view().
+  ViewState drawnView() const { return drawn_ ? drawn_->view : view(); }
   /// Changes the view of what is current; pixels of the screen stay.
   void setView(const ViewState& view);
   /// The view that mouse positions belong to: of what is current, over the whole screen.
@@ -99,12 +104,12 @@ class ACADHOST_EXPORT Space {
   std::map<AcDbObjectId, ViewState> sheetViews_;
 };
 
-/// While it lives, what is drawn is drawn for one viewport. When a
-/// viewport was current this one is current instead; when the sheet was, it stays so until somebody
-/// enters the model.
+/// While it lives, what is drawn is drawn for one viewport. When a viewport was current this one is
+/// current instead; when the sheet was, it stays so until somebody enters the model.
 class ACADHOST_EXPORT DrawnViewport {
  public:
-  /// `view` is what is drawn of the viewport, with its pixels.
+  /// `view` is what is drawn of the viewport, with its pixels. A null `viewport` is what is shown
+  /// itself: the model, or the sheet.
   DrawnViewport(Space& space, AcDbObjectId viewport, const ViewState& view);
   ~DrawnViewport();
   DrawnViewport(const DrawnViewport&) = delete;

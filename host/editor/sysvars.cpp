@@ -94,6 +94,7 @@ const std::vector<Rule>& rules() {
       {"CMDACTIVE", T::kShort, true,
        [](HostApp& a) -> VariableValue { return static_cast<short>(a.commandActive() ? 1 : 0); },
        short{0}},
+      {"CMDDIA", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"CMDECHO", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"CMDNAMES", T::kString, true, [](HostApp& a) -> VariableValue { return a.commandNames(); },
        std::string()},

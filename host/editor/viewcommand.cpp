@@ -8,6 +8,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/hostcommands.h"
+#include "host/editor/viewnames.h"
 
 namespace tarn::host {
 
@@ -34,16 +35,9 @@ std::optional<std::wstring> askName(const ACHAR* prompt) {
 }
 
 void listViews() {
-  AcDbViewTable* table = openViews(AcDb::kForRead);
-  if (table == nullptr) return;
-  for (const AcDbObjectId& id : table->recordIds()) {
-    const AcDbObjectPointer<AcDbViewTableRecord> record(id, AcDb::kForRead);
-    const ACHAR* name = L"";
-    if (record.openStatus() != Acad::eOk) continue;
-    record->getName(name);
+  for (const std::wstring& name : viewNames(*app().documents().current().database())) {
     app().print("\n" + toUtf8(name) + "\n");
   }
-  table->close();
 }
 
 void fill(AcDbViewTableRecord& record, const ViewState& view) {
@@ -100,6 +94,20 @@ void deleteView() {
 }
 
 }  // namespace
+
+std::vector<std::wstring> viewNames(AcDbDatabase& database) {
+  std::vector<std::wstring> names;
+  const AcDbObjectPointer<AcDbViewTable> table(database.viewTableId(), AcDb::kForRead);
+  if (table.openStatus() != Acad::eOk) return names;
+  for (const AcDbObjectId& id : table->recordIds()) {
+    const AcDbObjectPointer<AcDbViewTableRecord> record(id, AcDb::kForRead);
+    const ACHAR* name = L"";
+    if (record.openStatus() != Acad::eOk) continue;
+    record->getName(name);
+    names.emplace_back(name);
+  }
+  return names;
+}
 
 void viewCommand() {
   acedInitGet(RSG_NONULL, ACRX_T("? Delete Restore Save"));

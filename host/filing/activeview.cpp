@@ -1,6 +1,7 @@
-// The view of a drawing's active viewport.
+// What a drawing is opened with: its tab, its limits, the view of its active viewport.
 #include <cmath>
 
+#include "base/text.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/drawingwriter.h"
@@ -41,8 +42,6 @@ bool isSame(const DrawingView& a, const DrawingView& b) {
          a.twist == b.twist;
 }
 
-}  // namespace
-
 std::optional<DrawingView> activeView(const DrawingBinding& binding) {
   const std::uint32_t viewport = activeViewport(binding);
   if (viewport == 0) return std::nullopt;
@@ -51,6 +50,63 @@ std::optional<DrawingView> activeView(const DrawingBinding& binding) {
     return std::nullopt;
   }
   return view;
+}
+
+constexpr const char* kTileMode = "$TILEMODE";
+
+struct Limit {
+  const char* name;
+  AcGePoint2d OpeningState::*value;
+};
+constexpr Limit kLimits[] = {{"$LIMMIN", &OpeningState::lowerLimit},
+                             {"$LIMMAX", &OpeningState::upperLimit}};
+
+/// The variable's x and y; false when it has none.
+bool readPoint(const TagDocument& document, TagRange range, AcGePoint2d& point) {
+  if (range.end - range.begin < 2) return false;
+  return parseDouble(document.word(document.tag(range.begin)), point.x) &&
+         parseDouble(document.word(document.tag(range.begin + 1)), point.y) &&
+         std::isfinite(point.x + point.y);
+}
+
+bool isTiled(const TagDocument& document) {
+  const TagRange range = document.headerVariable(kTileMode);
+  return range.begin >= range.end || document.word(document.tag(range.begin)) != "0";
+}
+
+}  // namespace
+
+OpeningState drawingState(const DrawingBinding& binding) {
+  const TagDocument& document = binding.document;
+  OpeningState state;
+  state.view = activeView(binding);
+  state.isTiled = isTiled(document);
+  for (const Limit& limit : kLimits) {
+    AcGePoint2d point;
+    if (readPoint(document, document.headerVariable(limit.name), point)) state.*limit.value = point;
+  }
+  return state;
+}
+
+void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header) {
+  const std::uint32_t begin = document.tagsOf(document.section("HEADER")->firstObject).begin;
+  for (const Limit& limit : kLimits) {
+    const TagRange range = document.headerVariable(limit.name);
+    const AcGePoint2d& now = state.*limit.value;
+    AcGePoint2d before;
+    if (!readPoint(document, range, before)) continue;
+    if (before.x != now.x) header.replaceAt(range.begin - begin, formatReal(now.x));
+    if (before.y != now.y) header.replaceAt(range.begin + 1 - begin, formatReal(now.y));
+  }
+  if (isTiled(document) == state.isTiled) return;
+  const TagRange range = document.headerVariable(kTileMode);
+  if (range.begin < range.end) {
+    header.replaceAt(range.begin - begin, state.isTiled ? "1" : "0");
+  } else {
+    header.toEnd();
+    header.addWord(9, kTileMode);
+    header.addInteger(70, 0);
+  }
 }
 
 void editActiveView(const DrawingBinding& binding, const DrawingView& view, DrawingEdits& edits) {

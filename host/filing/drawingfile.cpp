@@ -128,14 +128,8 @@ AcDbDatabase& DrawingFile::database() const {
   return *binding_->database;
 }
 
-std::optional<DrawingView> DrawingFile::view() const {
-  return activeView(*binding_);
-}
-
-int DrawingFile::tileMode() const {
-  const TagDocument& document = binding_->document;
-  const TagRange range = document.headerVariable("$TILEMODE");
-  return range.begin < range.end && document.word(document.tag(range.begin)) == "0" ? 0 : 1;
+OpeningState DrawingFile::state() const {
+  return drawingState(*binding_);
 }
 
 bool DrawingFile::isOld() const {
@@ -146,12 +140,12 @@ size_t DrawingFile::bindRegisteredClasses() {
   return bindWaiting(*binding_);
 }
 
-Result<std::string> DrawingFile::bytes(const std::optional<DrawingView>& view) {
+Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
   if (isOld()) {
     const std::string reason = reasonAgainstOld(*binding_);
     if (!reason.empty()) return Status::error(reason);
   }
-  return writeDrawing(*binding_, view);
+  return writeDrawing(*binding_, state);
 }
 
 }  // namespace tarn::host

@@ -10,6 +10,7 @@
 
 #include "adesk.h"
 #include "base/result.h"
+#include "gepnt2d.h"
 
 class AcDbDatabase;
 
@@ -23,6 +24,14 @@ struct DrawingView {
   double centerY = 0;
   double height = 0;
   double twist = 0;
+};
+
+/// What a drawing is opened with.
+struct OpeningState {
+  std::optional<DrawingView> view;  ///< of the model; nothing when the file has no active viewport
+  bool isTiled = true;              ///< the model's tab is shown, not a sheet
+  AcGePoint2d lowerLimit;           ///< of the model
+  AcGePoint2d upperLimit{420, 297};
 };
 
 /// What is not understood stays as it is, to the byte; only objects that were changed in the
@@ -43,18 +52,15 @@ class ACADHOST_EXPORT DrawingFile {
   AcDbDatabase& database() const;
   /// Sentences for the user about what was found: kinds not drawn, a missing end, a binary file.
   const std::vector<std::string>& notes() const { return notes_; }
-  /// Nothing when the file has no active viewport.
-  std::optional<DrawingView> view() const;
-  /// 1 for model, 0 for layout.
-  int tileMode() const;
+  OpeningState state() const;
   /// True for R12 and before.
   bool isOld() const;
   /// Makes entities of raw ones whose class has been registered since; returns how many.
   size_t bindRegisteredClasses();
 
-  /// The whole file as it is to be saved. `view` replaces that of the active viewport where it
-  /// differs. An error when an R12 file cannot hold what the drawing has now.
-  Result<std::string> bytes(const std::optional<DrawingView>& view = std::nullopt);
+  /// The whole file as it is to be saved, with `state` where it differs. An error when an R12 file
+  /// cannot hold what the drawing has now.
+  Result<std::string> bytes(const std::optional<OpeningState>& state = std::nullopt);
 
  private:
   DrawingFile();
@@ -67,8 +73,8 @@ class ACADHOST_EXPORT DrawingFile {
 /// Why a drawing of R12 cannot be saved as such; empty when it can.
 std::string reasonAgainstOld(const DrawingBinding& binding);
 /// The file with all changes; see DrawingFile::bytes().
-std::string writeDrawing(DrawingBinding& binding, const std::optional<DrawingView>& view);
-std::optional<DrawingView> activeView(const DrawingBinding& binding);
+std::string writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state);
+OpeningState drawingState(const DrawingBinding& binding);
 /// The bytes of an empty drawing of a version from R2000 on ("AC1015"). Its handles are below 40.
 ACADHOST_EXPORT std::string newDrawingBytes(std::string_view version);
 

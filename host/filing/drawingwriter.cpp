@@ -62,7 +62,7 @@ class DrawingWriter {
   explicit DrawingWriter(DrawingBinding& binding)
       : binding_(binding), document_(binding.document), lineEnd_(document_.lineEnd()) {}
 
-  std::string write(const std::optional<DrawingView>& view) {
+  std::string write(const std::optional<OpeningState>& state) {
     for (const BoundObject& bound : binding_.bound) {
       known_.insert(bound.id);
       anyErased_ = anyErased_ || bound.id.isErased();
@@ -71,8 +71,8 @@ class DrawingWriter {
     for (const BoundObject& bound : binding_.bound) writeBound(bound);
     writeNew();
     addClasses();
-    if (view) editActiveView(binding_, *view, edits_);
-    editHeader();
+    if (state && state->view) editActiveView(binding_, *state->view, edits_);
+    editHeader(state);
     closeCutOff();
     return edits_.apply(document_);
   }
@@ -305,7 +305,7 @@ class DrawingWriter {
     if (!bytes.empty()) insertSection("CLASSES", bytes);
   }
 
-  void editHeader() {
+  void editHeader(const std::optional<OpeningState>& state) {
     const DrawingSection* header = document_.section("HEADER");
     if (header == nullptr) return;
     TagEditor editor(document_, binding_.encoding, document_.tagsOf(header->firstObject));
@@ -325,6 +325,7 @@ class DrawingWriter {
         editor.replaceAt(layer.begin - begin, binding_.encoding.encode(recordName(current)));
       }
     }
+    if (state) writeHeaderState(document_, *state, editor);
     if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
   }
 
@@ -387,8 +388,8 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
   return {};
 }
 
-std::string writeDrawing(DrawingBinding& binding, const std::optional<DrawingView>& view) {
-  return DrawingWriter(binding).write(view);
+std::string writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state) {
+  return DrawingWriter(binding).write(state);
 }
 
 }  // namespace tarn::host

@@ -10,7 +10,9 @@
 namespace tarn::host {
 
 struct DrawingBinding;
+struct OpeningState;
 struct DrawingView;
+class TagEditor;
 
 class DrawingEdits {
  public:
@@ -32,6 +34,8 @@ class DrawingEdits {
   std::vector<Edit> edits_;
 };
 
+/// `header` is the editor of the header section.
+void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header);
 void editActiveView(const DrawingBinding& binding, const DrawingView& view, DrawingEdits& edits);
 
 }  // namespace tarn::host

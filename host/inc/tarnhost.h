@@ -25,3 +25,17 @@ ACADHOST_EXPORT bool tarnHostQuestion(const std::string& text);
 
 /// Draws every entity of the current drawing anew for the current view.
 ACADHOST_EXPORT void tarnHostRegenerate();
+
+/// A view: its centre, height and the side of a pixel in drawing units, the twist in radians.
+struct TarnView {
+  double centerX = 0;
+  double centerY = 0;
+  double width = 0;
+  double height = 0;
+  double pixel = 0;
+  double twist = 0;
+};
+
+/// The view that entities are being drawn for, on the screen, in a viewport or on paper; between
+/// drawings that of VIEWCTR and VIEWSIZE. False when there is no host.
+ACADHOST_EXPORT bool tarnHostDrawnView(TarnView& view);

@@ -17,8 +17,6 @@ struct Paper {
 };
 constexpr Paper kPapers[] = {
     {"A4", 210, 297}, {"A3", 297, 420}, {"A2", 420, 594}, {"A1", 594, 841}, {"A0", 841, 1189}};
-constexpr double kLeastSide = 10;
-constexpr double kMostSide = 5000;
 
 bool positive(const std::string& text, double& value) {
   return parseDouble(std::string(trim(std::string_view(text))), value) && std::isfinite(value) &&
@@ -47,7 +45,7 @@ std::string setPaper(PlotData& settings, const std::string& text) {
   double width = 0;
   double height = 0;
   if (sides.size() != 2 || !positive(sides[0], width) || !positive(sides[1], height) ||
-      std::min(width, height) < kLeastSide || std::max(width, height) > kMostSide) {
+      std::min(width, height) < kLeastPaperSide || std::max(width, height) > kMostPaperSide) {
     return "\"" + text + "\" is no paper: A0 to A4, or WIDTHxHEIGHT from 10 to 5000 millimetres.";
   }
   settings.paper = toWide(text);

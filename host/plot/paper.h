@@ -10,6 +10,10 @@
 
 namespace tarn::host {
 
+/// Of paper, in millimetres.
+constexpr double kLeastPaperSide = 10;
+constexpr double kMostPaperSide = 5000;
+
 /// "A0" to "A4".
 ACADHOST_EXPORT std::vector<std::string> paperNames();
 

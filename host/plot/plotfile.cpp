@@ -1,6 +1,5 @@
 #include "host/plot/plotfile.h"
 
-#include <QBuffer>
 #include <QIODevice>
 #include <QImage>
 #include <QImageWriter>
@@ -10,6 +9,7 @@
 #include <QPdfWriter>
 
 #include "base/file.h"
+#include "base/path.h"
 
 namespace tarn::host {
 
@@ -18,44 +18,39 @@ namespace {
 constexpr double kLineMillimetres = 0.18;
 constexpr double kMillimetresPerInch = 25.4;
 
-/// A sequential device over a file beside the target, which it becomes in the end.
-class PlotFile : public QIODevice {
+Status givenUp() {
+  return Status::error("");
+}
+
+/// Takes the file in memory, so that nothing of it is on the disk before it is whole.
+class PlotBytes : public QIODevice {
  public:
-  explicit PlotFile(const std::string& path) : path_(path), temporary_(path + ".part") {
-    status_ = file_.create(temporary_);
+  explicit PlotBytes(const std::function<bool()>& proceed) : proceed_(proceed) {
     open(QIODevice::WriteOnly | QIODevice::Unbuffered);
   }
-  ~PlotFile() override {
-    if (!kept_) static_cast<void>(removeAll(temporary_));
-  }
   bool isSequential() const override { return true; }
-  bool isGood() const { return status_.isOk(); }
 
-  /// Syncs and takes the target's place, unless a write has failed before.
-  Status keep() {
-    if (status_) status_ = file_.finish();
-    if (status_) status_ = replaceFile(temporary_, path_);
-    kept_ = status_.isOk();
-    return status_;
+  Status writeTo(const std::string& path) {
+    stopped_ = stopped_ || !proceed_();
+    if (stopped_) return givenUp();
+    Status status = writeFileAtomically(path, bytes_);
+    const bool namesFile = status.message().find(path) != std::string::npos;
+    return status || namesFile ? status : Status::error(path + ": " + status.message());
   }
-  const Status& status() const { return status_; }
 
  protected:
   qint64 readData(char*, qint64) override { return -1; }
-  /// After a failure everything is taken and dropped: the painter cannot be stopped halfway.
+  /// Once stopped everything is taken and dropped: the painter cannot be stopped halfway.
   qint64 writeData(const char* data, qint64 size) override {
-    if (status_) status_ = file_.writeAt(position_, data, static_cast<size_t>(size));
-    position_ += static_cast<uint64_t>(size);
+    stopped_ = stopped_ || !proceed_();
+    if (!stopped_) bytes_.append(data, static_cast<size_t>(size));
     return size;
   }
 
  private:
-  std::string path_;
-  std::string temporary_;
-  OutputFile file_;
-  uint64_t position_ = 0;
-  Status status_;
-  bool kept_ = false;
+  const std::function<bool()>& proceed_;
+  std::string bytes_;
+  bool stopped_ = false;
 };
 
 RenderStyle paperStyle(const PlotPlan& plan, const RenderStyle& style, PlotDevice device) {
@@ -69,25 +64,23 @@ RenderStyle paperStyle(const PlotPlan& plan, const RenderStyle& style, PlotDevic
 /// False when it was given up.
 bool paintLayers(QPainter& painter, const std::vector<PlotLayer>& layers, const RenderStyle& style,
                  const std::function<bool()>& proceed) {
+  painter.setRenderHint(QPainter::LosslessImageRendering, true);
   for (const PlotLayer& layer : layers) {
-    if (!proceed()) return false;
+    Scene scene;
+    if (!layer.record(scene)) return false;
     painter.save();
     painter.setClipRect(layer.clip);
-    paintScene(painter, *layer.scene, layer.view, style);
+    paintScene(painter, scene, layer.view, style);
     painter.restore();
+    if (!proceed()) return false;
   }
-  return proceed();
-}
-
-Status givenUp() {
-  return Status::error("");
+  return true;
 }
 
 Status writePdf(const PlotPlan& plan, const std::vector<PlotLayer>& layers,
                 const PlotTarget& target, const RenderStyle& style,
                 const std::function<bool()>& proceed) {
-  PlotFile file(target.path);
-  if (!file.isGood()) return file.status();
+  PlotBytes file(proceed);
   QPdfWriter writer(&file);
   writer.setTitle(QString::fromStdString(target.title));
   writer.setCreator("Tarn Image");
@@ -101,8 +94,7 @@ Status writePdf(const PlotPlan& plan, const std::vector<PlotLayer>& layers,
     if (!painter.begin(&writer)) return Status::error(target.path + ": a PDF cannot be begun.");
     finished = paintLayers(painter, layers, style, proceed);
   }
-  if (!finished || !proceed()) return givenUp();
-  return file.keep();
+  return finished ? file.writeTo(target.path) : givenUp();
 }
 
 Status writePng(const PlotPlan& plan, const std::vector<PlotLayer>& layers,
@@ -122,17 +114,31 @@ Status writePng(const PlotPlan& plan, const std::vector<PlotLayer>& layers,
     QPainter painter(&page);
     if (!paintLayers(painter, layers, style, proceed)) return givenUp();
   }
-  PlotFile file(target.path);
-  if (!file.isGood()) return file.status();
+  PlotBytes file(proceed);
   QImageWriter writer(&file, "png");
   if (!writer.write(page)) {
     return Status::error(target.path + ": " + writer.errorString().toStdString() + ".");
   }
-  if (!proceed()) return givenUp();
-  return file.keep();
+  return file.writeTo(target.path);
 }
 
 }  // namespace
+
+Status checkPlotTarget(const std::string& path) {
+  if (path.empty()) return Status::error("The plot needs a file name.");
+  const FileKind kind = fileKind(path);
+  if (kind == FileKind::kFolder || kind == FileKind::kOther) {
+    return Status::error(path + ": this is no file that can be plotted to.");
+  }
+  if (kind == FileKind::kRegular && !fileIsWritable(path)) {
+    return Status::error(path + ": the file is read-only.");
+  }
+  const std::string folder = folderOf(path);
+  if (!folder.empty() && fileKind(folder) != FileKind::kFolder) {
+    return Status::error(path + ": there is no folder " + folder + ".");
+  }
+  return {};
+}
 
 Status writePlot(const PlotPlan& plan, const std::vector<PlotLayer>& layers,
                  const PlotTarget& target, const RenderStyle& style,

@@ -4,6 +4,7 @@
 
 #include "acedads.h"
 #include "host/pointcloud/cloudbox.h"
+#include "tarnhost.h"
 
 namespace tarn::host {
 
@@ -23,29 +24,14 @@ CloudPlacement CloudPlacement::of(const LasHeader& header, const AcGePoint3d& po
 }
 
 bool currentGroundView(AcGiPointCloud::Box& box, double& pixel) {
-  resbuf center{};
-  resbuf size{};
-  resbuf screen{};
-  resbuf twist{};
-  if (!readVariable(ACRX_T("VIEWCTR"), RT3DPOINT, center) ||
-      !readVariable(ACRX_T("VIEWSIZE"), RTREAL, size) ||
-      !readVariable(ACRX_T("SCREENSIZE"), RTPOINT, screen) ||
-      !readVariable(ACRX_T("VIEWTWIST"), RTREAL, twist)) {
-    return false;
-  }
-  const double height = size.resval.rreal;
-  if (!(height > 0) || !(screen.resval.rpoint[0] > 0) || !(screen.resval.rpoint[1] > 0)) {
-    return false;
-  }
-  pixel = height / screen.resval.rpoint[1];
-  const double width = pixel * screen.resval.rpoint[0];
-  const double c = std::fabs(std::cos(twist.resval.rreal));
-  const double s = std::fabs(std::sin(twist.resval.rreal));
-  const double halfX = (width * c + height * s) / 2;
-  const double halfY = (width * s + height * c) / 2;
-  const double x = center.resval.rpoint[0];
-  const double y = center.resval.rpoint[1];
-  box = {x - halfX, y - halfY, x + halfX, y + halfY};
+  TarnView view;
+  if (!tarnHostDrawnView(view) || !(view.height > 0) || !(view.width > 0)) return false;
+  pixel = view.pixel;
+  const double c = std::fabs(std::cos(view.twist));
+  const double s = std::fabs(std::sin(view.twist));
+  const double halfX = (view.width * c + view.height * s) / 2;
+  const double halfY = (view.width * s + view.height * c) / 2;
+  box = {view.centerX - halfX, view.centerY - halfY, view.centerX + halfX, view.centerY + halfY};
   return true;
 }
 

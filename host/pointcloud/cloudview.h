@@ -25,8 +25,7 @@ struct CloudView {
   double spacing = 0;  ///< of pixels, in units of the cloud
 };
 
-/// Ground box of the view that is drawn (VIEWCTR, VIEWSIZE, SCREENSIZE, VIEWTWIST), and the side of
-/// a pixel; false when the host has no view.
+/// Ground box of the view that is drawn, and the side of a pixel; false when the host has no view.
 ACADHOST_EXPORT bool currentGroundView(AcGiPointCloud::Box& box, double& pixel);
 
 /// The view, or the extents of the drawing when the view shows nothing of it; false without either.

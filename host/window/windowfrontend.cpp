@@ -9,6 +9,7 @@
 #include "host/window/commandline.h"
 #include "host/window/heldinput.h"
 #include "host/window/operationwindows.h"
+#include "host/window/plotdialog.h"
 #include "host/window/statusarea.h"
 
 namespace tarn::host {
@@ -89,6 +90,12 @@ std::optional<std::string> WindowFrontEnd::readLine(const std::string& prompt, I
   print("\n" + prompt + reader.line.value_or("") + "\n");
   showPrompt();
   return reader.line;
+}
+
+PlotChoice WindowFrontEnd::choosePlot(PlotJob& job) {
+  if (closing_) return PlotChoice::kCancel;
+  if (line_ == nullptr || !script_.empty()) return PlotChoice::kByPrompts;
+  return PlotDialog(line_->window(), *HostApp::instance(), job).choose();
 }
 
 void WindowFrontEnd::addLines(LineSource source) {

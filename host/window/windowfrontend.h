@@ -48,6 +48,8 @@ class WindowFrontEnd final : public FrontEnd {
 
   void print(const std::string& text) override;
   std::optional<std::string> readLine(const std::string& prompt, InputKind kind) override;
+  /// A dialog, unless a script goes on.
+  PlotChoice choosePlot(PlotJob& job) override;
   void progressBegin(const std::string& label, int minimum, int maximum) override;
   void progressMove(int position) override;
   void progressEnd() override;

@@ -457,6 +457,7 @@ def plot(desk):
     paper = desk.path("plan.pdf")
     answers = {"Layout name": "Model", "Output device": "PDF", "Plot area": "Extents", "Scale": "Fit",
                "Offset": "Center", "Resolution": "100", "File name": paper, "Detailed": "Yes"}
+    desk.enter("SETVAR CMDDIA 0")
     desk.skip()
     desk.type("PLOT")
     desk.key("Return")

@@ -4,151 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
-#include <QRectF>
-#include <cmath>
 #include <cstdio>
 
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
-#include "tests/support/program.h"
-#include "tests/support/rasters.h"
+#include "tests/plot/plotfixture.h"
 
 namespace tarn::test {
 namespace {
 
-constexpr int kWidth = 4000;
-constexpr int kHeight = 3000;
-constexpr double kLeft = 40500000.35;
-constexpr double kTop = 3512600.75;
-constexpr double kPixel = 0.1;
-constexpr double kMiddleX = kLeft + kWidth * kPixel / 2;
-constexpr double kMiddleY = kTop - kHeight * kPixel / 2;
-constexpr int kDpi = 120;
 constexpr double kDot = 25.4 / kDpi;
-
-/// Ground on the paper as the test expects it: `x`, `y` stand at `mmX`, `mmY` from the paper's
-/// upper left corner, a dot is `unit` drawing units, and all is turned by `turn` degrees.
-struct Placed {
-  double x, y;
-  double mmX, mmY;
-  double unit;
-  double turn;
-  QRectF inside;  ///< millimetres of paper that the image covers for certain
-};
-
-View viewOf(const Placed& placed, const QImage& page) {
-  View view;
-  view.width = page.width();
-  view.screenHeight = page.height();
-  view.height = placed.unit * page.height();
-  view.twist = placed.turn;
-  view.centerX = placed.x;
-  view.centerY = placed.y;
-  double x = 0;
-  double y = 0;
-  view.toGround(placed.mmX / kDot, placed.mmY / kDot, x, y);
-  view.centerX += placed.x - x;
-  view.centerY += placed.y - y;
-  return view;
-}
-
-class Plot : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    scratch_ = new Scratch("tarn_plot_");
-    raster_ = new Raster(
-        makeRaster(kWidth, kHeight, kLeft, kTop, kPixel, [](int column, int row, uint8_t* rgb) {
-          rgb[0] = static_cast<uint8_t>(128 + 60 * std::sin(column / 640.0) +
-                                        50 * std::cos(row / 570.0));
-          rgb[1] = static_cast<uint8_t>(120 + 90 * std::sin((column + row) / 900.0));
-          rgb[2] = static_cast<uint8_t>(30 + 0.024 * column + 0.003 * row);
-        }));
-    ASSERT_TRUE(writeRaster(*raster_, scratch_->at("smooth.tif"), "GTiff", {"TILED=YES"}));
-  }
-  static void TearDownTestSuite() {
-    delete raster_;
-    delete scratch_;
-  }
-
-  static std::string at(const std::string& name) { return scratch_->at(name); }
-
-  /// Runs the script in a drawing with the image; the view shows 200 units about its middle.
-  static Outcome run(const std::string& script, const std::string& twist = "0") {
-    const std::string view = "40500200.35,3512450.75,200," + twist;
-    return runCadhost(*scratch_,
-                      {"--size", "800x600", "--view", view, "--script", "-", at("smooth.tif")},
-                      script);
-  }
-
-  /// The page as pixels at the plot's resolution.
-  static QImage page(const std::string& file) {
-    if (extensionOf(file) == ".png") return QImage(QString::fromStdString(file));
-    const std::string stem = at("page");
-    const Outcome outcome =
-        runProgram("/usr/bin/pdftoppm",
-                   {"-r", std::to_string(kDpi), "-png", "-singlefile", "-aa", "no", file, stem});
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
-    return QImage(QString::fromStdString(stem + ".png"));
-  }
-
-  /// Pictures in a PDF, masks left out.
-  static int pictures(const std::string& file) {
-    const Outcome outcome = runProgram("/usr/bin/pdfimages", {"-list", file});
-    int count = 0;
-    for (const std::string& line : split(outcome.output, '\n')) {
-      int number = 0;
-      int index = 0;
-      char kind[32] = "";
-      const int read = std::sscanf(line.c_str(), "%d %d %31s", &number, &index, kind);
-      count += read == 3 && std::string(kind) == "image";
-    }
-    return count;
-  }
-
-  static void expectGround(const QImage& page, const Placed& placed) {
-    const View view = viewOf(placed, page);
-    long compared = 0;
-    long beyond = 0;
-    double largest = 0;
-    for (int y = 0; y < page.height(); ++y) {
-      for (int x = 0; x < page.width(); ++x) {
-        if (!placed.inside.adjusted(0.8, 0.8, -0.8, -0.8)
-                 .contains((x + 0.5) * kDot, (y + 0.5) * kDot)) {
-          continue;
-        }
-        double expected[3];
-        if (!expectedPixel(*raster_, view, x, y, 1, expected)) {
-          ADD_FAILURE() << "the test looks outside the image at " << x << "," << y;
-          return;
-        }
-        const QRgb got = page.pixel(x, y);
-        const int channels[] = {qRed(got), qGreen(got), qBlue(got)};
-        double most = 0;
-        for (int c = 0; c < 3; ++c) most = std::max(most, std::fabs(channels[c] - expected[c]));
-        ++compared;
-        beyond += most > 2.5;
-        largest = std::max(largest, most);
-      }
-    }
-    EXPECT_GT(compared, 20000);
-    EXPECT_LE(beyond * 1000, compared) << beyond << " of " << compared << ", largest " << largest;
-  }
-
-  static Scratch* scratch_;
-  static Raster* raster_;
-};
-
-Scratch* Plot::scratch_ = nullptr;
-Raster* Plot::raster_ = nullptr;
-
-/// A4 lying, 5 mm of margin: 287 x 200 printable.
-std::string plotScript(const std::string& area, const std::string& scale, const std::string& offset,
-                       const std::string& rotation, const std::string& device,
-                       const std::string& file) {
-  return "PLOT\nYes\nModel\n" + device + "\nA4\nMillimeters\nLandscape\n" + rotation + "\n" + area +
-         "\n" + scale + "\n" + offset + "\n" + std::to_string(kDpi) + "\n" + file + "\nNo\nYes\n";
-}
 
 struct ModelCase {
   const char* name;
@@ -170,7 +36,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "0",
-       {kMiddleX, kMiddleY, 148.5, 105, kDot * 300 / 200, 0, {60, 10, 177, 190}}},
+       {kMiddleX, kMiddleY, 148.5, 105, 1.5, 0, {60, 10, 177, 190}}},
       {"window, turned by 90",
        "",
        "0",
@@ -178,7 +44,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "90",
-       {40500200, 3512450, 148.5, 105, kDot, 90, {100, 6, 97, 198}}},
+       {40500200, 3512450, 148.5, 105, 1, 90, {100, 6, 97, 198}}},
       {"window, turned by 180",
        "",
        "0",
@@ -186,7 +52,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "180",
-       {40500200, 3512450, 148.5, 105, kDot * 200 / 287, 180, {6, 36, 285, 138}}},
+       {40500200, 3512450, 148.5, 105, 200 / 287.0, 180, {6, 36, 285, 138}}},
       {"window at 1:500, turned by 270",
        "",
        "0",
@@ -194,7 +60,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "1000=500",
        "12,7",
        "270",
-       {40500100, 3512400, 12, 17, kDot * 0.5, 270, {13, 18, 58, 98}}},
+       {40500100, 3512400, 12, 17, 0.5, 270, {13, 18, 58, 98}}},
       {"display, twisted",
        "",
        "30",
@@ -202,7 +68,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "0",
-       {kMiddleX, kMiddleY, 148.5, 105, kDot, 30, {80, 40, 130, 130}}},
+       {kMiddleX, kMiddleY, 148.5, 105, 1, 30, {80, 40, 130, 130}}},
       {"limits",
        "SETVAR LIMMIN 40500050,3512350\nSETVAR LIMMAX 40500250,3512450\n",
        "0",
@@ -210,7 +76,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "0",
-       {40500150, 3512400, 148.5, 105, kDot * 200 / 287, 0, {6, 36, 285, 138}}},
+       {40500150, 3512400, 148.5, 105, 200 / 287.0, 0, {6, 36, 285, 138}}},
       {"named view",
        "ZOOM C 40500100,3512500 80\nVIEW Save\nhere\nZOOM E\n",
        "0",
@@ -218,7 +84,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "Fit",
        "Center",
        "0",
-       {40500100, 3512500, 148.5, 105, kDot * 0.4, 0, {20, 10, 257, 190}}},
+       {40500100, 3512500, 148.5, 105, 0.4, 0, {20, 10, 257, 190}}},
       {"more than the paper holds",
        "",
        "0",
@@ -226,7 +92,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
        "1=1",
        "0,0",
        "0",
-       {kLeft, kTop - 300, 5, 205, kDot, 0, {6, 6, 285, 198}}},
+       {kLeft, kTop - 300, 5, 205, 1, 0, {6, 6, 285, 198}}},
   };
   for (const ModelCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -249,6 +115,26 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
   }
 }
 
+TEST_F(Plot, EveryResolutionShowsTheSameGround) {
+  for (const int dpi : {72, 150}) {
+    SCOPED_TRACE(dpi);
+    const std::string pdf = at("dpi.pdf");
+    const std::string png = at("dpi.png");
+    const std::string area = "Window\n40500100,3512400\n40500300,3512500";
+    const Outcome outcome = run(plotScript(area, "Fit", "Center", "0", "PDF", pdf, dpi) +
+                                plotScript(area, "Fit", "Center", "0", "PNG", png, dpi));
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
+    const Placed placed{40500200, 3512450, 148.5, 105, 200 / 287.0, 0, {6, 36, 285, 138}};
+    for (const std::string& file : {pdf, png}) {
+      SCOPED_TRACE(extensionOf(file));
+      expectGround(page(file, dpi), placed, dpi);
+    }
+    // The picture in the PDF has the pixels of the resolution, no more and no fewer.
+    EXPECT_NEAR(pictureResolution(pdf), dpi, 1);
+    EXPECT_NEAR(QImage(QString::fromStdString(png)).dotsPerMeterX() * 0.0254, dpi, 0.1);
+  }
+}
+
 /// A sheet (A3 lying, 5 mm of margin) with two viewports: 1 mm of the left one is 1.25 units; the
 /// right one shows 0.5 units a millimetre, twisted by 30 degrees.
 const char* const kSheet =
@@ -258,13 +144,8 @@ const char* const kSheet =
 
 /// The two viewports on the paper: sheet coordinates begin 5 mm from its lower left corner.
 std::vector<Placed> sheetPlaces() {
-  return {{40500200, 3512450, 115, 297 - 105, kDot * 1.25, 0, {15, 112, 200, 160}},
-          {40500150, 3512480, 315, 297 - 145, kDot * 0.5, 30, {225, 42, 180, 220}}};
-}
-
-std::string sheetScript(const std::string& device, const std::string& file) {
-  return "PLOT\nYes\nLayout1\n" + device + "\nA3\nMillimeters\nLandscape\n0\nLayout\n1=1\n0,0\n" +
-         std::to_string(kDpi) + "\n" + file + "\nNo\nYes\n";
+  return {{40500200, 3512450, 115, 297 - 105, 1.25, 0, {15, 112, 200, 160}},
+          {40500150, 3512480, 315, 297 - 145, 0.5, 30, {225, 42, 180, 220}}};
 }
 
 TEST_F(Plot, ASheetShowsTheModelThroughItsViewports) {
@@ -386,22 +267,6 @@ TEST_F(Plot, SheetsAndViewsComeBackFromTheirFile) {
   EXPECT_NE(opened.output.find("VIEWCTR = 40500100,3512500,0"), std::string::npos);
   const QImage paper = page(pdf);
   for (const Placed& placed : sheetPlaces()) expectGround(paper, placed);
-}
-
-TEST_F(Plot, ADiskThatIsFullKeepsTheOldFile) {
-  const std::string pdf = at("kept.pdf");
-  ASSERT_TRUE(writeFileAtomically(pdf, "the old plot"));
-  const std::string script = at("plot.scr");
-  ASSERT_TRUE(writeFileAtomically(script, plotScript("Extents", "Fit", "Center", "0", "PDF", pdf)));
-  const Outcome outcome = runProgram(
-      "/usr/bin/prlimit", {"--fsize=60000", joinPath(TARN_BIN_DIR, "cadhost"), "--headless",
-                           "--profile", at("profile"), "--script", script, at("smooth.tif")});
-  EXPECT_EQ(outcome.exitCode, 1) << outcome.output;
-  EXPECT_NE(outcome.output.find("kept.pdf"), std::string::npos) << outcome.output;
-  EXPECT_EQ(readFile(pdf, 1000).take(), "the old plot");
-  for (const std::string& name : listFolder(scratch_->folder())) {
-    EXPECT_EQ(name.find(".part"), std::string::npos) << name;
-  }
 }
 
 }  // namespace

@@ -79,6 +79,40 @@ Raster readRaster(const std::string& path) {
   return raster;
 }
 
+Raster readWindow(const std::string& path, double left, double top, double right, double bottom,
+                  int width, int height) {
+  GDALAllRegister();
+  auto* data = static_cast<GDALDataset*>(GDALOpen(path.c_str(), GA_ReadOnly));
+  if (data == nullptr) return {};
+  double transform[6] = {0, 1, 0, 0, 0, -1};
+  data->GetGeoTransform(transform);
+  GDALRasterIOExtraArg extra;
+  INIT_RASTERIO_EXTRA_ARG(extra);
+  extra.eResampleAlg = GRIORA_Average;
+  extra.bFloatingPointWindowValidity = TRUE;
+  extra.dfXOff = (left - transform[0]) / transform[1];
+  extra.dfYOff = (top - transform[3]) / transform[5];
+  extra.dfXSize = (right - left) / transform[1];
+  extra.dfYSize = (bottom - top) / transform[5];
+  const auto first = [](double at) { return static_cast<int>(std::floor(at)); };
+  const int x = first(extra.dfXOff);
+  const int y = first(extra.dfYOff);
+  Raster window;
+  window.rgb.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * 3);
+  int bands[3] = {1, 2, 3};
+  if (data->RasterIO(GF_Read, x, y, first(extra.dfXOff + extra.dfXSize) + 1 - x,
+                     first(extra.dfYOff + extra.dfYSize) + 1 - y, window.rgb.data(), width, height,
+                     GDT_Byte, 3, bands, 3, GSpacing{width} * 3, 1, &extra) == CE_None) {
+    window.width = width;
+    window.height = height;
+    window.left = left;
+    window.top = top;
+    window.pixel = (right - left) / width;
+  }
+  GDALClose(data);
+  return window;
+}
+
 std::string View::argument() const {
   return formatDouble(centerX) + "," + formatDouble(centerY) + "," + formatDouble(height) + "," +
          formatDouble(twist);

@@ -41,6 +41,11 @@ bool writeRaster(const Raster& raster, const std::string& path, const std::strin
 /// Reads every full-resolution pixel with GDAL; empty when GDAL cannot open it.
 Raster readRaster(const std::string& path);
 
+/// The ground between two corners reduced by GDAL to width x height pixels, each the mean of those
+/// under it; empty when GDAL cannot. The geometry is that of the window.
+Raster readWindow(const std::string& path, double left, double top, double right, double bottom,
+                  int width, int height);
+
 /// A view as the program takes it: centre, height in ground units, twist in degrees, screen size.
 struct View {
   double centerX = 0;
