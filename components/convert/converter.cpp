@@ -7,13 +7,13 @@
 #include "base/path.h"
 #include "base/text.h"
 #include "components/convert/inputs.h"
-#include "components/convert/sidefiles.h"
 #include "components/convert/source.h"
 #include "components/convert/verify.h"
 #include "components/convert/view.h"
 #include "components/convert/waiting.h"
 #include "components/convert/writers.h"
 #include "components/raster/buildfolder.h"
+#include "components/raster/sidefiles.h"
 
 namespace tarn::convert {
 namespace {
@@ -105,7 +105,7 @@ Status make(const Source& source, const Plan& plan, const std::string& mark,
     return written;
   if (Status verified = verifyConverted(plan, *view, path, notes); !verified) return verified;
   if (plan.sideFiles) {
-    if (Status sides = writeSideFiles(*view, path); !sides) return sides;
+    if (Status sides = raster::writeSideFiles(*view, path); !sides) return sides;
   }
   if (plan.pyramidBeside) {
     if (Status built = buildBeside(path, stepOf(progress, share, 1)); !built) return built;
@@ -151,7 +151,7 @@ Result<Converted> convertImage(const std::string& input, const std::string& outp
   if (Status made = make(*source, planned.value(), mark, path, progress, converted.notes); !made)
     return named(made, work.path(), place, input);
   converted.bytes = fileTimes(path).size;
-  if (Status moved = moveIntoPlace(work.path(), place.path); !moved)
+  if (Status moved = raster::moveIntoPlace(work.path(), place.path); !moved)
     return named(moved, work.path(), place, input);
   return converted;
 }

@@ -63,7 +63,7 @@ Status moveIntoPlace(const std::string& work, const std::string& target) {
   for (const std::string& name : listFolder(work)) {
     if (name != image && name != "lock") names.push_back(name);
   }
-  for (const char* ending : {".aux.xml", ".ovr", ".msk", ".msk.ovr"}) {
+  for (const char* ending : {".aux.xml", ".ovr", ".rgb.ovr", ".msk", ".msk.ovr"}) {
     const std::string stale = image + ending;
     const bool replaced = std::find(names.begin(), names.end(), stale) != names.end();
     if (replaced || fileKind(joinPath(folder, stale)) == FileKind::kMissing) continue;
