@@ -89,13 +89,13 @@ void sendMouse(Canvas& canvas, QEvent::Type type, QPoint at, Qt::MouseButton but
   QApplication::sendEvent(&canvas, &event);
 }
 
-/// A hand that circles with the middle button down.
+/// A hand that goes round with the middle button down: a hundred frames end where they began.
 std::vector<Took> pan(Canvas& canvas, int frames) {
   QPoint at = canvas.rect().center();
   sendMouse(canvas, QEvent::MouseButtonPress, at, Qt::MiddleButton);
   const auto all = timed(canvas, frames, [&](int i) {
-    const int side = i / 25 % 4;
-    at += QPoint(side == 0 ? 11 : side == 2 ? -11 : 3, side == 1 ? 7 : side == 3 ? -7 : -2);
+    const QPoint along = i / 25 % 2 == 0 ? QPoint(11, 2) : QPoint(-3, 7);
+    at += i / 25 % 4 < 2 ? along : -along;
     sendMouse(canvas, QEvent::MouseMove, at, Qt::NoButton);
   });
   sendMouse(canvas, QEvent::MouseButtonRelease, at, Qt::MiddleButton);
