@@ -108,7 +108,7 @@ bool followDrawing(AcApDocument* document) {
   for (const std::wstring& path : stored) {
     if (bindAgain(document, *record, path)) isChanged = true;
   }
-  return followPlacements(document, *record) || isChanged;
+  return followPlacements(document, *record, storedImagePaths(*record)) || isChanged;
 }
 
 void restoreImages(AcApDocument* document) {
@@ -121,7 +121,7 @@ void restoreImages(AcApDocument* document) {
   for (const std::wstring& path : existingStoredPaths(record, *document)) {
     if (restoreImage(document, record, path)) isAnyRestored = true;
   }
-  followPlacements(document, record);
+  followPlacements(document, record, storedImagePaths(record));
   if (isAnyRestored) sendCommandToHost(L"regen");
 }
 

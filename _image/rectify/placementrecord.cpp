@@ -75,16 +75,21 @@ kel::Object<IRectifyDialog> openComponent(const std::wstring& path) {
 /// Makes one image draw itself with these numbers. True when it drew itself otherwise before.
 bool followPlacement(CDocData& record, const std::wstring& path,
                      const std::vector<double>& numbers) {
-  const OpenedImage image(record, AcDb::kForWrite);
-  if (!image || !image->holds(path)) return false;
-  auto component = rectificationOf(image->sourceOf(path));
-  if (component.isNull() && numbers.empty()) return false;
+  kel::Object<IRectifyDialog> component;
+  {
+    const OpenedImage image(record, AcDb::kForRead);
+    IImageDivision* source = image ? image->sourceOf(path) : nullptr;
+    component = rectificationOf(source);
+    if (!source || (component.isNull() && numbers.empty())) return false;
+  }
   if (component.isNull()) component = openComponent(path);
   if (component.isNull() || component->storedState() == numbers) return false;
   if (!component->restoreState(numbers)) {
     cad::printMessage(L"\n%1：图形中保存的影像位置无法读取，按文件原位显示。", path);
     component->restoreState({});
   }
+  const OpenedImage image(record, AcDb::kForWrite);
+  if (!image) return false;
   image->SetImageInfo(path, kel::Object<IImageDivision>::adopt(component->imageSource()));
   return true;
 }
@@ -106,10 +111,17 @@ bool storePlacement(AcDbDatabase* database, const std::wstring& path,
   return cad::writeTexts({kDictionary, key.c_str(), database}, texts);
 }
 
-bool followPlacements(AcApDocument* document, CDocData& record) {
+bool followPlacements(AcApDocument* document, CDocData& record,
+                      const std::vector<std::wstring>& stored) {
   bool isChanged = false;
   for (const CDocData::Image& image : record.images()) {
-    const std::vector<double> numbers = storedPlacement(document->database(), image.path);
+    std::vector<double> numbers;
+    if (!readPlacement(document->database(), image.path, numbers)) {
+      const auto moved = std::find_if(stored.begin(), stored.end(), [&](const std::wstring& path) {
+        return path != image.path && nameOf(path) == nameOf(image.path);
+      });
+      if (moved != stored.end()) numbers = storedPlacement(document->database(), *moved);
+    }
     if (followPlacement(record, image.path, numbers)) isChanged = true;
   }
   return isChanged;

@@ -19,8 +19,11 @@ bool storePlacement(AcDbDatabase* database, const std::wstring& path,
                     const std::vector<double>& numbers);
 
 /// Binds what the drawing keeps to the sources of the document's images: after opening and after
-/// undo and redo. True when that changed what is to be seen.
-bool followPlacements(AcApDocument* document, CDocData& record);
+/// undo and redo. `stored` are the paths as the drawing stores them; an image that was found
+/// elsewhere has the record of the stored path of the same file name, unless it has one of its own.
+/// True when that changed what is to be seen.
+bool followPlacements(AcApDocument* document, CDocData& record,
+                      const std::vector<std::wstring>& stored);
 
 /// Follows a change of the drawing's list of images: the records of images that are listed no more
 /// go, and one whose file moved goes with it. The caller has the document locked.

@@ -65,6 +65,7 @@ rectifyDialog::rectifyDialog() : m_form(std::make_unique<Ui::rectifyDialog>()) {
   m_form->_is_rectify->setAttribute(Qt::WA_TransparentForMouseEvents);
   m_form->_is_rectify->setFocusPolicy(Qt::NoFocus);
   resize(sizeHint().expandedTo(QSize(kWidth, kHeight)).boundedTo(roomOnScreen()));
+  m_form->pointsTable->setTabKeyNavigation(false);
   connectWidgets();
   selectFirstMode();
 }

@@ -7,6 +7,7 @@ import subprocess
 import sys
 import time
 
+import rectifying
 from desk import CANVAS, Desk, Failure, Picture, View, check, wait_until
 
 WEST, NORTH, UNIT = 40500000.0, 3512600.0, 0.5
@@ -481,8 +482,31 @@ def plot(desk):
         check(share > picture.width * picture.height / 12, f"{color}: {share} of {picture.width}x{picture.height}")
 
 
+def rectify(desk):
+    """Two corners of the image, picked with a snap, get another place; undo, redo."""
+    image = make_image(desk)
+    desk.start(image)
+    desk.enter("ZOOM", "Corner")
+    desk.enter("0.6x")
+    view = desk.view()
+    expect_quarters(desk, view)
+    move = (40.0, -25.0)
+    corners = ((WEST, NORTH), (EAST, SOUTH))
+    targets = tuple((x + move[0], y + move[1]) for x, y in corners)
+    lines = rectifying.rectify(desk, image, corners, targets)
+    points = [f"{i},o,{x:f},{y:f}" for i, (x, y) in enumerate(corners)]
+    points += [f"{i},n,{x:f},{y:f}" for i, (x, y) in enumerate(targets)]
+    check(lines[1:] == points + [""], f"the record file says {lines}")
+    moved = [((x + move[0], y + move[1]), color) for (x, y), color in zip(QUARTERS, COLORS)]
+    desk.wait_colors([(view.pixel(at), color) for at, color in moved])
+    desk.enter("U")
+    expect_quarters(desk, view)
+    desk.enter("REDO")
+    desk.wait_colors([(view.pixel(at), color) for at, color in moved])
+
+
 JOURNEYS = {name: value for name, value in list(globals().items())
-            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot")}
+            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot", "rectify")}
 
 
 def main():

@@ -1,0 +1,83 @@
+"""The rectification dialog by mouse and keys: picks with a snap, a cancelled pick, the result in the drawing."""
+import os
+import re
+
+from desk import check, wait_until
+
+DIALOG = "影像纠正"
+LAST_BUTTON = (50, 24)  # of "确定", from the dialog's lower right corner
+
+
+def window(desk):
+    """The dialog's window; none while it is hidden."""
+    return desk.run(["xdotool", "search", "--onlyvisible", "--name", "^" + DIALOG + "$"]).split()
+
+
+def wait_dialog(desk):
+    found = wait_until("the dialog", lambda: window(desk))[0]
+    desk.run(["xdotool", "windowactivate", "--sync", found])
+    return found
+
+
+def press_ok(desk):
+    found = wait_dialog(desk)
+    shape = dict(re.findall(r"(\w+)=(-?\d+)", desk.run(["xdotool", "getwindowgeometry", "--shell", found])))
+    desk.run(["xdotool", "mousemove", "--window", found, str(int(shape["WIDTH"]) - LAST_BUTTON[0]),
+              str(int(shape["HEIGHT"]) - LAST_BUTTON[1]), "click", "1"])
+
+
+def tab(desk, times):
+    desk.key(*(["Tab"] * times if times > 0 else ["shift+Tab"] * -times))
+
+
+def pick(desk, pixel):
+    """Presses the button that has the focus and clicks in the drawing, or Escape for no place."""
+    desk.key("space")
+    wait_until("the dialog to hide", lambda: not window(desk))
+    if pixel:
+        desk.click_pixel(pixel)
+    else:
+        desk.key("Escape")
+    wait_dialog(desk)
+
+
+def add_pair(desk, source, target):
+    """From the button that picks a source, back to it: the source near a corner, the target by keys."""
+    pick(desk, source)
+    tab(desk, 1)
+    for value in target:
+        desk.key("ctrl+a")
+        desk.type(repr(value))
+        tab(desk, 1)
+    # The button behind the target's edits; Escape leaves them as they are.
+    pick(desk, None)
+    tab(desk, 4)
+    desk.key("space")
+    tab(desk, -7)
+
+
+def rectify(desk, image, corners, targets):
+    """Opens the dialog and puts the image where its corners belong; gives the lines of the record file."""
+    view = desk.view()
+    desk.enter("OSMODE", None)
+    desk.enter("1")
+    desk.enter("rectifyImage")
+    wait_dialog(desk)
+    desk.shot("dialog")
+    tab(desk, 4)
+    for corner, target in zip(corners, targets):
+        near = view.pixel(corner)
+        add_pair(desk, (near[0] + 3, near[1] + 3), target)
+    tab(desk, 4)
+    desk.key("End")  # the last method, Helmert
+    desk.shot("points")
+    press_ok(desk)
+    record = os.path.splitext(image)[0] + ".FTWx"
+    wait_until("the record file", lambda: os.path.exists(record))
+    desk.shot("applied")
+    with open(record, encoding="utf-8") as text:
+        lines = text.read().split("\n")
+    desk.key("Escape")
+    wait_until("the dialog to go", lambda: not window(desk))
+    check(lines[0] == "4", f"the method is {lines[0]}")
+    return lines
