@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "base/path.h"
+#include "base/stagedfile.h"
 
 namespace tarn {
 namespace {
@@ -179,15 +180,37 @@ Status replaceFile(const std::string& from, const std::string& to) {
   return syncFolder(folderOf(to).empty() && !to.empty() && to[0] == '/' ? "/" : folderOf(to));
 }
 
-Status writeFileAtomically(const std::string& path, std::string_view bytes) {
-  const std::string temporary = path + ".tmp" + std::to_string(::getpid());
-  OutputFile file;
-  Status status = file.create(temporary);
-  if (status) status = file.writeAt(0, bytes.data(), bytes.size());
-  if (status) status = file.finish();
-  if (status) status = replaceFile(temporary, path);
-  if (!status) ::unlink(temporary.c_str());
+Result<std::string> linkTarget(const std::string& path) {
+  constexpr int kMostLinks = 40;
+  std::string at = path;
+  for (int i = 0; i < kMostLinks; ++i) {
+    char buffer[PATH_MAX];
+    const ssize_t length = ::readlink(at.c_str(), buffer, sizeof buffer);
+    if (length <= 0) return at;
+    const std::string to(buffer, static_cast<size_t>(length));
+    at = to.front() == '/' ? to : joinPath(folderOf(at), to);
+  }
+  return Status::error(path + ": the symbolic links lead to no file");
+}
+
+bool processLives(int process) {
+  return ::kill(process, 0) == 0 || errno != ESRCH;
+}
+
+Status giveSecondName(const std::string& path, const std::string& second) {
+  const std::string temporary = second + ".tmp" + std::to_string(::getpid());
+  ::unlink(temporary.c_str());
+  if (::link(path.c_str(), temporary.c_str()) != 0) return failure(second, "cannot link");
+  Status status = replaceFile(temporary, second);
+  // Also there when both names were those of one file before.
+  ::unlink(temporary.c_str());
   return status;
+}
+
+Status writeFileAtomically(const std::string& path, std::string_view bytes) {
+  StagedFile file;
+  const Status status = file.write(path, bytes);
+  return status ? file.commit() : status;
 }
 
 std::string absolutePath(const std::string& path) {
@@ -239,10 +262,10 @@ OutputFile::~OutputFile() {
   if (handle_ >= 0) ::close(handle_);
 }
 
-Status OutputFile::create(const std::string& path) {
-  path_ = path;
+Status OutputFile::create(const std::string& path, const std::string& shown) {
+  path_ = shown.empty() ? path : shown;
   handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  return handle_ >= 0 ? Status::ok() : failure(path, "cannot create");
+  return handle_ >= 0 ? Status::ok() : failure(path_, "cannot create");
 }
 
 Status OutputFile::openExisting(const std::string& path) {
@@ -264,10 +287,47 @@ Status OutputFile::writeAt(uint64_t offset, const void* data, size_t size) {
   return Status::ok();
 }
 
+Status OutputFile::createUnnamed(const std::string& folder, const std::string& path) {
+  path_ = path;
+#ifdef O_TMPFILE
+  // The name is given through this folder in the end.
+  if (::access("/proc/self/fd", X_OK) == 0) {
+    handle_ = ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+  }
+#endif
+  return handle_ >= 0 ? Status::ok() : failure(path, "cannot create");
+}
+
+Status OutputFile::takeRightsOf(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return Status::ok();
+  // Only the superuser may give a file away, and members of a group to their group.
+  if (::fchown(handle_, info.st_uid, info.st_gid) != 0) {
+    static_cast<void>(::fchown(handle_, static_cast<uid_t>(-1), info.st_gid) == 0);
+  }
+  return ::fchmod(handle_, info.st_mode & 0777) == 0 ? Status::ok()
+                                                     : failure(path_, "cannot set the mode");
+}
+
+Status OutputFile::sync() {
+  return ::fsync(handle_) == 0 ? Status::ok() : failure(path_, "cannot sync");
+}
+
+Status OutputFile::close() {
+  return ::close(std::exchange(handle_, -1)) == 0 ? Status::ok() : failure(path_, "cannot close");
+}
+
 Status OutputFile::finish() {
-  if (::fsync(handle_) != 0) return failure(path_, "cannot sync");
-  const int closed = ::close(std::exchange(handle_, -1));
-  return closed == 0 ? Status::ok() : failure(path_, "cannot close");
+  const Status status = sync();
+  return status ? close() : status;
+}
+
+Status OutputFile::nameIt(const std::string& path) {
+  ::unlink(path.c_str());
+  const std::string self = "/proc/self/fd/" + std::to_string(handle_);
+  if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0)
+    return failure(path_, "cannot name the file");
+  return close();
 }
 
 }  // namespace tarn

@@ -54,8 +54,18 @@ Status syncFile(const std::string& path);
 /// is the old file or the new one, whole. Both must be on one disk.
 Status replaceFile(const std::string& from, const std::string& to);
 
-/// Writes, syncs and renames through a temporary file beside `path`. On failure the old file is
-/// untouched and nothing is left behind.
+/// The file that a path means in the end: symbolic links as its last part followed, also to a file
+/// that is missing; links among the folders stay. An error for links that lead nowhere.
+Result<std::string> linkTarget(const std::string& path);
+
+/// True while a process of this number runs on this machine.
+bool processLives(int process);
+
+/// A second name for a file on the same disk; what had that name before goes. On failure it stays.
+Status giveSecondName(const std::string& path, const std::string& second);
+
+/// Writes, syncs and renames through a file beside `path` (see StagedFile). On failure the old file
+/// is untouched and nothing is left behind.
 Status writeFileAtomically(const std::string& path, std::string_view bytes);
 
 /// Absolute form of a path, relative to the working folder; does not need to exist.
@@ -100,15 +110,25 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  /// Creates or empties the file.
-  Status create(const std::string& path);
+  /// Creates or empties the file. Messages name `shown` when it is given.
+  Status create(const std::string& path, const std::string& shown = {});
+  /// A file in the folder that has no name until nameIt(): nothing of it is left when the process
+  /// is killed. Fails where the system cannot do that. `path` is for messages.
+  Status createUnnamed(const std::string& folder, const std::string& path);
+  /// Takes the mode of another file, and its owner where that is allowed. Fine when it is missing.
+  Status takeRightsOf(const std::string& path);
   /// Opens a file that is there, to write into it.
   Status openExisting(const std::string& path);
   Status writeAt(uint64_t offset, const void* data, size_t size);
+  Status sync();
   /// Syncs and closes.
   Status finish();
+  /// Gives a file without a name this one and closes it.
+  Status nameIt(const std::string& path);
 
  private:
+  Status close();
+
   std::string path_;
   int handle_ = -1;
 };

@@ -1,5 +1,7 @@
 #include "host/editor/commandlineui.h"
 
+#include <algorithm>
+
 #include "afxwin.h"
 #include "base/file.h"
 #include "base/path.h"
@@ -63,24 +65,32 @@ std::string refusal(const std::string& path, const FileRequest& request) {
 int CommandLineUi::messageBox(const std::string& text, const std::string&, unsigned type) {
   HostApp* app = HostApp::instance();
   if (app == nullptr) return refusingButton(type);
-  app->print("\n" + text + "\n");
   const std::vector<Button> buttons = buttonsOf(type);
-  if (buttons.size() == 1) return buttons.front().id;
-  std::string choices;
-  std::vector<std::string> keywords;
-  for (const Button& button : buttons) {
-    choices += (choices.empty() ? "" : "/") + std::string(button.keyword);
-    keywords.emplace_back(button.keyword);
+  if (buttons.size() == 1) {
+    app->print("\n" + text + "\n");
+    return buttons.front().id;
   }
-  const std::string prompt = "[" + choices + "] <" + keywords.front() + ">: ";
+  std::vector<std::string> keywords;
+  for (const Button& button : buttons) keywords.emplace_back(button.keyword);
+  return buttons[choose(text, keywords, 0)].id;
+}
+
+size_t CommandLineUi::choose(const std::string& question, const std::vector<std::string>& answers,
+                             size_t standard) {
+  HostApp* app = HostApp::instance();
+  const size_t refusal = answers.size() - 1;
+  if (app == nullptr) return refusal;
+  app->print("\n" + question + "\n");
+  std::string choices;
+  for (const std::string& answer : answers) choices += (choices.empty() ? "" : "/") + answer;
+  const std::string prompt = "[" + choices + "] <" + answers[standard] + ">: ";
   for (;;) {
-    const auto answer = app->commands().ask(prompt, InputKind::kAnswer);
-    if (!answer) return refusingButton(type);
-    if (answer->empty()) return buttons.front().id;
-    const auto keyword = matchKeyword(*answer, keywords);
-    for (const Button& button : buttons) {
-      if (keyword && *keyword == button.keyword) return button.id;
-    }
+    const auto typed = app->commands().ask(prompt, InputKind::kAnswer);
+    if (!typed) return refusal;
+    if (typed->empty()) return standard;
+    const auto keyword = matchKeyword(*typed, answers);
+    const auto found = std::find(answers.begin(), answers.end(), keyword.value_or(std::string()));
+    if (found != answers.end()) return static_cast<size_t>(found - answers.begin());
     app->print("\nPlease answer " + choices + ".\n");
   }
 }

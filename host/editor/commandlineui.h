@@ -17,6 +17,9 @@ class ACADHOST_EXPORT CommandLineUi : public UiBackend {
   /// first).
   int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
 
+  size_t choose(const std::string& question, const std::vector<std::string>& answers,
+                size_t standard) override;
+
   /// Asks for names, one a line; an empty line ends a choice of several. The name of a missing file
   /// is reported and asked for again. When the input ends, the names given so far hold.
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;

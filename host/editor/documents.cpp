@@ -295,6 +295,14 @@ HostDocument* Documents::ofFile(const std::string& path) const {
   return nullptr;
 }
 
+std::vector<HostDocument*> Documents::unsaved() const {
+  std::vector<HostDocument*> changed;
+  for (const auto& document : documents_) {
+    if (document->isModified()) changed.push_back(document.get());
+  }
+  return changed;
+}
+
 void Documents::close(HostDocument& document) {
   if (current_ == &document) {
     HostDocument* next = nullptr;

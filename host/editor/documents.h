@@ -151,6 +151,8 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   HostDocument& add(const std::string& path, std::unique_ptr<DrawingFile> drawing);
   /// The drawing of a file (a full path), or null.
   HostDocument* ofFile(const std::string& path) const;
+  /// The drawings with changes that are not in a file, in the order of their opening.
+  std::vector<HostDocument*> unsaved() const;
   /// Closes a drawing, changed or not; when it is the last, a new one is made first.
   void close(HostDocument& document);
   /// Makes entities in all drawings of classes that were registered since.

@@ -1,6 +1,5 @@
 #include "host/editor/drawingfiles.h"
 
-#include "afxwin.h"
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
@@ -54,6 +53,16 @@ OpeningState stateToSave(const HostDocument& document) {
           {limits.maxX, limits.maxY}};
 }
 
+/// Offers a later version to a drawing that its own one cannot hold.
+Status settleVersion(HostApp& app, DrawingFile& drawing) {
+  const std::string reason = drawing.reasonAgainstVersion();
+  if (reason.empty()) return {};
+  if (app.ui().choose(reason + " Save it as a drawing of R2000?", {"Yes", "No"}, 0) != 0) {
+    return Status::error(reason + " Nothing was saved.");
+  }
+  return drawing.makeModern();
+}
+
 }  // namespace
 
 Status openDrawing(HostApp& app, const std::string& path) {
@@ -77,12 +86,13 @@ Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& pa
   if (HostDocument* other = app.documents().ofFile(path); other != nullptr && other != &document) {
     return Status::error(path + ": this file is open as another drawing.");
   }
+  if (Status status = settleVersion(app, document.drawing()); !status) return status;
   auto bytes = document.drawing().bytes(stateToSave(document));
   if (!bytes) return bytes.status();
   const bool isOwn = document.hasFile() && document.path() == path;
   if (isOwn && document.fileWasChanged() &&
-      app.ui().messageBox(path + " was changed by another program since it was opened. Replace it?",
-                          "", MB_YESNO) != IDYES) {
+      app.ui().choose(path + " was changed by another program since it was opened. Replace it?",
+                      {"Yes", "No"}, 1) != 0) {
     return Status::error(path + ": nothing was saved.");
   }
   if (Status status = saveDrawing(path, bytes.value()); !status) return status;

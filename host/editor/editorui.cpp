@@ -12,6 +12,12 @@ int EditorUi::messageBox(const std::string& text, const std::string& caption, un
   return backend_.messageBox(text, caption, type);
 }
 
+size_t EditorUi::choose(const std::string& question, const std::vector<std::string>& answers,
+                        size_t standard) {
+  UiBackend& asked = app_.variables().shortOf("FILEDIA") == 0 ? commandLine_ : backend_;
+  return asked.choose(question, answers, standard);
+}
+
 std::vector<std::string> EditorUi::takeAnswers(const FileRequest& request) {
   std::vector<std::string> taken;
   const std::vector<std::string> names = std::exchange(answers_, std::nullopt).value_or(taken);

@@ -18,6 +18,8 @@ class EditorUi : public UiBackend {
   EditorUi(HostApp& app, UiBackend& backend) : app_(app), backend_(backend) {}
 
   int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
+  size_t choose(const std::string& question, const std::vector<std::string>& answers,
+                size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
 
   /// The next file dialog is answered with these names (one that takes a single file with the first

@@ -1,6 +1,5 @@
 // Commands that open, save and close drawings.
 #include "acedads.h"
-#include "afxwin.h"
 #include "base/file.h"
 #include "base/text.h"
 #include "host/editor/documents.h"
@@ -44,13 +43,37 @@ bool saveTo(HostDocument& document, const std::string& path) {
   return true;
 }
 
+/// A drawing of R12 may become a later one, and has to when it holds what R12 cannot keep. False
+/// when cancelled or failed.
+bool chooseVersion(HostDocument& document) {
+  DrawingFile& drawing = document.drawing();
+  if (!drawing.isOld() || !drawing.reasonAgainstVersion().empty()) return true;
+  enum : size_t { kOld, kModern };
+  const size_t version =
+      app().ui().choose("Version of the drawing", {"R12", "R2000", "Cancel"}, kOld);
+  if (version != kModern) return version == kOld;
+  const Status status = drawing.makeModern();
+  if (!status) failCommand(app(), status.message());
+  return status.isOk();
+}
+
 bool saveAs(HostDocument& document) {
   const std::string path = askFile(false, "Save drawing as", document.path());
-  return !path.empty() && saveTo(document, path);
+  return !path.empty() && chooseVersion(document) && saveTo(document, path);
 }
 
 bool save(HostDocument& document) {
   return document.hasFile() ? saveTo(document, document.path()) : saveAs(document);
+}
+
+/// Asks what is to become of unsaved changes. False when the drawing must stay.
+bool settle(HostDocument& document) {
+  if (!document.isModified()) return true;
+  enum : size_t { kSave, kDiscard };
+  const size_t answer =
+      app().ui().choose(toUtf8(document.docTitle()) + " has changes that are not saved.",
+                        {"Save", "Discard", "Cancel"}, kSave);
+  return answer == kDiscard || (answer == kSave && save(document));
 }
 
 }  // namespace
@@ -78,14 +101,20 @@ void newCommand() {
 
 void closeCommand() {
   HostDocument& document = app().documents().current();
-  if (document.isModified()) {
-    const int answer = app().ui().messageBox("Save changes to " + toUtf8(document.docTitle()) + "?",
-                                             "", MB_YESNOCANCEL);
-    if (answer == IDCANCEL) return;
-    if (answer == IDYES && !save(document)) return;
-  }
+  if (!settle(document)) return;
   app().documents().close(document);
   app().regenerate();
+}
+
+void quitCommand() {
+  for (HostDocument* document : app().documents().unsaved()) {
+    if (document != &app().documents().current()) {
+      app().documents().setCurDocument(document, AcAp::kNone, true);
+      app().regenerate();
+    }
+    if (!settle(*document)) return;
+  }
+  app().requestQuit();
 }
 
 }  // namespace tarn::host

@@ -197,10 +197,6 @@ void setvarCommand() {
   storeTyped(name, toUtf8(typed));
 }
 
-void quitCommand() {
-  app().requestQuit();
-}
-
 }  // namespace
 
 void failCommand(HostApp& host, const std::string& message) {
@@ -245,7 +241,7 @@ void registerHostCommands() {
       {ACRX_T("PNGOUT"), ACRX_CMD_MODAL, &pngoutCommand},
       {ACRX_T("PLOT"), ACRX_CMD_MODAL, &plotCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
-      {ACRX_T("QUIT"), ACRX_CMD_MODAL, &quitCommand},
+      {ACRX_T("QUIT"), ACRX_CMD_SESSION, &quitCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
       {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
       {ACRX_T("ROTATE"), kOnSelection, &rotateCommand},

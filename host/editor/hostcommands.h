@@ -46,6 +46,7 @@ void saveCommand();
 void saveAsCommand();
 void newCommand();
 void closeCommand();
+void quitCommand();
 void eraseCommand();
 void gripStretchCommand();
 void moveCommand();

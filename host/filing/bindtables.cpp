@@ -140,6 +140,13 @@ AcDbObjectId spaceOf(DrawingBinding& binding, const wchar_t* name, const wchar_t
   return addBlock(binding, name, binding.addImplied(record));
 }
 
+/// R12 has other names for the blocks of model and paper.
+std::wstring modernName(const std::wstring& name) {
+  if (equalsIgnoreCase(std::wstring_view(name), L"$MODEL_SPACE")) return ACDB_MODEL_SPACE;
+  if (equalsIgnoreCase(std::wstring_view(name), L"$PAPER_SPACE")) return ACDB_PAPER_SPACE;
+  return name.empty() ? L"?" : name;
+}
+
 /// The block of a BLOCK, which a drawing of R13 and later has named in its table before.
 AcDbObjectId readBlock(DrawingBinding& binding, std::uint32_t object) {
   const TagView tags = binding.view(object);
@@ -147,7 +154,7 @@ AcDbObjectId readBlock(DrawingBinding& binding, std::uint32_t object) {
   AcDbObjectId id = binding.blockOf(name);
   if (id.isNull()) {
     auto* record = new AcDbBlockTableRecord;
-    record->setName(name.empty() ? L"?" : name.c_str());
+    record->setName(modernName(name).c_str());
     id = addBlock(binding, name, binding.add(record, object));
   }
   ObjectAccess::setOriginRead(*static_cast<AcDbBlockTableRecord*>(peek(id)), tags.point(10));

@@ -9,6 +9,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/binarydrawing.h"
 #include "host/filing/drawingbinding.h"
+#include "host/filing/olddrawing.h"
 
 namespace tarn::host {
 
@@ -136,15 +137,21 @@ bool DrawingFile::isOld() const {
   return binding_->document.isOld();
 }
 
+std::string DrawingFile::reasonAgainstVersion() const {
+  return isOld() ? reasonAgainstOld(*binding_) : std::string();
+}
+
+Status DrawingFile::makeModern() {
+  return isOld() ? modernize(*binding_) : Status::ok();
+}
+
 size_t DrawingFile::bindRegisteredClasses() {
   return bindWaiting(*binding_);
 }
 
 Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
-  if (isOld()) {
-    const std::string reason = reasonAgainstOld(*binding_);
-    if (!reason.empty()) return Status::error(reason);
-  }
+  const std::string reason = reasonAgainstVersion();
+  if (!reason.empty()) return Status::error(reason + " Nothing was saved.");
   return writeDrawing(*binding_, state);
 }
 

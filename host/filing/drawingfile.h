@@ -55,6 +55,11 @@ class ACADHOST_EXPORT DrawingFile {
   OpeningState state() const;
   /// True for R12 and before.
   bool isOld() const;
+  /// Why the drawing, as it is now, cannot be saved as one of R12; empty when it can, and for every
+  /// later drawing.
+  std::string reasonAgainstVersion() const;
+  /// Makes a drawing of R12 one of R2000, which the next save writes. Nothing for a later one.
+  Status makeModern();
   /// Makes entities of raw ones whose class has been registered since; returns how many.
   size_t bindRegisteredClasses();
 

@@ -1,12 +1,21 @@
 #include "host/filing/drawingsave.h"
 
 #include "base/path.h"
+#include "base/stagedfile.h"
 
 namespace tarn::host {
 
 namespace {
 
 constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;
+
+/// A second name for the old file costs nothing; where the disk has none the bytes are copied.
+Status keepBackup(const std::string& path) {
+  const std::string backup = backupOf(path);
+  if (giveSecondName(path, backup)) return {};
+  auto old = readFile(path, kMostBytes);
+  return old ? writeFileAtomically(backup, old.value()) : old.status();
+}
 
 }  // namespace
 
@@ -16,22 +25,33 @@ std::string backupOf(const std::string& path) {
 }
 
 Status saveDrawing(const std::string& path, std::string_view bytes) {
-  const FileKind kind = fileKind(path);
+  auto found = linkTarget(path);
+  if (!found) return Status::error(found.message() + "; nothing was saved.");
+  const std::string target = found.take();
+  const FileKind kind = fileKind(target);
   if (kind == FileKind::kFolder || kind == FileKind::kOther) {
     return Status::error(path + ": this is no file that a drawing can be saved to.");
   }
+  if (kind == FileKind::kRegular && !fileIsWritable(target)) {
+    return Status::error(path + ": the file is read-only; nothing was saved.");
+  }
+  removeLeftovers(target);
+  removeLeftovers(backupOf(target));
+  StagedFile file;
+  if (Status status = file.write(target, bytes); !status) {
+    return Status::error(status.message() + "; nothing was saved.");
+  }
   if (kind == FileKind::kRegular) {
-    if (!fileIsWritable(path)) {
-      return Status::error(path + ": the file is read-only; nothing was saved.");
-    }
-    auto old = readFile(path, kMostBytes);
-    if (!old) return Status::error(old.message() + "; nothing was saved.");
-    if (Status status = writeFileAtomically(backupOf(path), old.value()); !status) {
-      return Status::error(status.message() + "; the backup cannot be written, nothing was saved.");
+    if (Status status = keepBackup(target); !status) {
+      return Status::error(status.message() + "; the backup cannot be kept, nothing was saved.");
     }
   }
-  if (Status status = writeFileAtomically(path, bytes); !status) {
-    return Status::error(status.message() + "; nothing was saved.");
+  if (Status status = file.commit(); !status) {
+    return Status::error(file.isInPlace() ? path +
+                                                ": the drawing is saved, but a failure of the "
+                                                "power may bring the old one back (" +
+                                                status.message() + ")."
+                                          : status.message() + "; nothing was saved.");
   }
   return {};
 }

@@ -13,8 +13,11 @@ namespace tarn::host {
 /// The name of the one backup: the drawing's with ".bak".
 ACADHOST_EXPORT std::string backupOf(const std::string& path);
 
-/// Keeps what stands at `path` as its backup and puts the bytes in its place: at every moment the
-/// old drawing or the new one is there, whole. Refused for a file or a folder that is read-only.
+/// Puts the bytes in the place of what stands at `path`, which stays as its backup: at every moment
+/// the old drawing or the new one is there, whole. The new one has the mode of the old, and a
+/// symbolic link goes on naming its file, beside which the backup stands. Refused for a file or a
+/// folder that is read-only; on failure also the earlier backup is there until the new bytes are
+/// on the disk.
 ACADHOST_EXPORT Status saveDrawing(const std::string& path, std::string_view bytes);
 
 }  // namespace tarn::host

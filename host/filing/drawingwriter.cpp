@@ -380,9 +380,7 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
     const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
                                         : object->isKindOf(AcDbLayerTableRecord::desc());
     if (!fits) {
-      return "A drawing of R12 cannot keep images and settings; nothing was saved. Use a drawing "
-             "of R2000 or "
-             "later.";
+      return "A drawing of R12 cannot keep images and settings.";
     }
   }
   return {};

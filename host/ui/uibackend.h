@@ -29,6 +29,11 @@ class UiBackend {
   /// button.
   virtual int messageBox(const std::string& text, const std::string& caption, unsigned type) = 0;
 
+  /// Asks a question with answers of its own ("Save", "Discard" ...) and returns the index of the
+  /// one chosen. `standard` is the answer of Enter; cancelled input gives the last.
+  virtual size_t choose(const std::string& question, const std::vector<std::string>& answers,
+                        size_t standard) = 0;
+
   /// Full paths in the order chosen; none when the user cancels.
   virtual std::optional<std::vector<std::string>> fileNames(const FileRequest& request) = 0;
 };

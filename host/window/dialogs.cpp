@@ -3,6 +3,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPushButton>
+#include <algorithm>
 
 #include "afxwin.h"
 #include "host/ui/uiservices.h"
@@ -69,6 +71,29 @@ int DialogBackend::messageBox(const std::string& text, const std::string& captio
   return identifierOf(pressed != nullptr ? static_cast<int>(box.standardButton(box.clickedButton()))
                                          : static_cast<int>(QMessageBox::NoButton),
                       type);
+}
+
+size_t DialogBackend::choose(const std::string& question, const std::vector<std::string>& answers,
+                             size_t standard) {
+  QMessageBox box(parent_);
+  box.setWindowTitle("Tarn Image");
+  box.setTextFormat(Qt::PlainText);
+  box.setText(QString::fromStdString(question));
+  box.setIcon(QMessageBox::Question);
+  std::vector<QAbstractButton*> buttons;
+  for (const std::string& answer : answers) {
+    // Only the last one refuses; the order on the screen is that of the answers.
+    QPushButton* button = box.addButton(
+        "&" + QString::fromStdString(answer),
+        buttons.size() + 1 == answers.size() ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
+    if (buttons.size() == standard) box.setDefaultButton(button);
+    buttons.push_back(button);
+  }
+  box.setEscapeButton(buttons.back());
+  box.exec();
+  const auto pressed = std::find(buttons.begin(), buttons.end(), box.clickedButton());
+  return pressed != buttons.end() ? static_cast<size_t>(pressed - buttons.begin())
+                                  : answers.size() - 1;
 }
 
 std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& request) {

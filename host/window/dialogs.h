@@ -14,6 +14,8 @@ class DialogBackend final : public UiBackend {
   void setParent(QWidget* parent) { parent_ = parent; }
 
   int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
+  size_t choose(const std::string& question, const std::vector<std::string>& answers,
+                size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
 
  private:

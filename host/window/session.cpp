@@ -114,6 +114,17 @@ void Session::acted() {
 }
 
 bool Session::requestClose() {
+  if (quitAsked_) return false;
+  if (!closeAsked_ && !app_.documents().unsaved().empty()) {
+    quitAsked_ = true;
+    if (!mayAct()) frontEnd_.wantCancel();
+    perform([this] {
+      app_.print("\nCommand: QUIT\n");
+      app_.runLine("QUIT");
+      quitAsked_ = false;
+    });
+    return false;
+  }
   closeAsked_ = true;
   waiting_.clear();
   const bool isIdle = !working_ && !app_.commandActive() && !frontEnd_.pumping();

@@ -53,7 +53,8 @@ class Session {
   /// follows.
   void acted();
 
-  /// Ends the program as soon as nothing runs. True when that is now.
+  /// Ends the program as soon as nothing runs, after the question about unsaved changes. True when
+  /// that is now.
   bool requestClose();
 
  private:
@@ -68,6 +69,7 @@ class Session {
   std::vector<std::function<void()>> waiting_;  ///< run one after the other once nothing runs
   QTimer closeTimer_;
   bool working_ = false;
+  bool quitAsked_ = false;  ///< QUIT runs or waits because of requestClose()
   bool closeAsked_ = false;
 };
 

@@ -101,5 +101,53 @@ TEST_F(Judge, realDrawingsWrittenAnewAreTheSame) {
   EXPECT_EQ(found.output, "");
 }
 
+/// How many features of each kind another library counts in a drawing.
+std::string featuresOf(const std::string& path) {
+  return test::runProgram("/usr/bin/ogrinfo", {"-q", "-dialect", "SQLite", "-sql",
+                                               "SELECT Layer, Linetype, Text, "
+                                               "ST_AsText(geometry) FROM entities",
+                                               path})
+      .output;
+}
+
+TEST_F(Judge, drawingsOfR12BecomeOnesOfR2000WithTheSameEntities) {
+  std::vector<std::string> sources = {scratch_.at("made.dxf")};
+  ASSERT_EQ(judge({"old", sources[0]}).output, "");
+  for (const std::string& path : realDrawings()) sources.push_back(path);
+  std::vector<std::string> arguments = {"converted"};
+  int refused = 0;
+  for (const std::string& path : sources) {
+    auto opened = DrawingFile::open(path);
+    if (!opened || !opened.value()->isOld()) continue;
+    SCOPED_TRACE(path);
+    DrawingFile& file = *opened.value();
+    const int before = modelEntities(file.database()).length();
+    EXPECT_EQ(file.reasonAgainstVersion(), "");
+    const Status made = file.makeModern();
+    if (!made) ++refused;
+    if (!made) continue;
+    EXPECT_FALSE(file.isOld());
+    const std::string bytes = file.bytes().take();
+    arguments.push_back(path);
+    arguments.push_back(write(std::to_string(arguments.size()) + ".dxf", bytes));
+    // The other library reads no binary drawings.
+    if (bytesOf(path).compare(0, 7, "AutoCAD") != 0) {
+      EXPECT_EQ(featuresOf(path), featuresOf(arguments.back()));
+    }
+    // The session goes on with it, and everything is found where it stands now.
+    EXPECT_EQ(modelEntities(file.database()).length(), before);
+    touchEverything(file.database(), bytes);
+    EXPECT_TRUE(sameTags(bytes, file.bytes().take()));
+    appendToModel(file.database(), new AcDbLine({1, 2, 3}, {4, 5, 6}));
+    const auto again = DrawingFile::fromBytes(file.bytes().take(), path);
+    ASSERT_TRUE(again) << again.message();
+    EXPECT_EQ(modelEntities(again.value()->database()).length(), before + 1);
+  }
+  EXPECT_LE(refused, 2) << "broken sections, and objects in R12";
+  const test::Outcome found = judge(arguments);
+  EXPECT_EQ(found.exitCode, 0);
+  EXPECT_EQ(found.output, "");
+}
+
 }  // namespace
 }  // namespace tarn::host

@@ -17,6 +17,9 @@ class TellingBackend : public UiBackend {
     lastType = type;
     return button;
   }
+  size_t choose(const std::string&, const std::vector<std::string>& answers, size_t) override {
+    return answers.size() - 1;
+  }
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override {
     lastRequest = request;
     return names;

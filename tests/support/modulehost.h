@@ -57,6 +57,11 @@ class ScriptedUi final : public host::UiBackend {
     boxes.push_back(text);
     return IDOK;
   }
+  size_t choose(const std::string& question, const std::vector<std::string>&,
+                size_t standard) override {
+    boxes.push_back(question);
+    return standard;
+  }
   std::optional<std::vector<std::string>> fileNames(const host::FileRequest& request) override {
     requests.push_back(request);
     if (files.empty()) return std::nullopt;

@@ -1,0 +1,76 @@
+// The file behind an open drawing replaced by one of a later version.
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include "dblayout.h"
+#include "host/database/objectaccess.h"
+#include "host/filing/olddrawing.h"
+
+namespace tarn::host {
+
+namespace {
+
+/// False when something stands outside the sections, when a section is there twice, and for a
+/// drawing that says it is of R12 and has objects all the same.
+bool isWellFormed(const TagDocument& document) {
+  std::set<std::string> names;
+  std::uint32_t at = 0;
+  for (const DrawingSection& section : document.sections()) {
+    if (section.firstObject != at || !names.insert(section.name).second) return false;
+    at = section.endObject + 1;
+  }
+  // Only the end mark may follow.
+  return names.count("OBJECTS") == 0 && at + 1 >= document.objectCount();
+}
+
+}  // namespace
+
+Status modernize(DrawingBinding& binding) {
+  if (!isWellFormed(binding.document)) {
+    return Status::error(
+        "The sections of this drawing of R12 are damaged or not those of R12; it cannot be made a "
+        "drawing of R2000 and was not changed.");
+  }
+  ModernDrawing modern = modernDrawing(binding);
+  auto parsed = TagDocument::parse(std::move(modern.bytes), "the drawing");
+  if (!parsed) return parsed.status();
+  binding.document = parsed.take();
+  const TagDocument& document = binding.document;
+  std::unordered_map<std::uint64_t, std::uint32_t> places;
+  for (std::uint32_t i = 0; i < document.objectCount(); ++i) {
+    if (document.handleOf(i) != 0) places.emplace(document.handleOf(i), i);
+  }
+  const auto placeOf = [&](std::uint64_t handle) {
+    const auto found = places.find(handle);
+    return found != places.end() ? found->second : 0;
+  };
+  binding.encoding = TextEncoding(document);
+  binding.hasHandles = true;
+  for (BoundObject& bound : binding.bound) bound.first = placeOf(bound.id.handle().value());
+  for (auto each = binding.implied.begin(); each != binding.implied.end();) {
+    AcDbStub* stub = *each;
+    const std::uint32_t place = placeOf(stub->handle.value());
+    if (place != 0) binding.bound.push_back({AcDbObjectId(stub), place, 1});
+    // Newer drawings name every layer that an entity is on, and have a layout for every sheet.
+    if (place == 0 && (stub->object->isKindOf(AcDbLayerTableRecord::desc()) ||
+                       stub->object->isKindOf(AcDbLayout::desc()))) {
+      ObjectAccess::setChanged(*stub->object);
+    }
+    each = place != 0 ? binding.implied.erase(each) : std::next(each);
+  }
+  const auto isGone = [](const BoundObject& bound) { return bound.first == 0; };
+  binding.bound.erase(std::remove_if(binding.bound.begin(), binding.bound.end(), isGone),
+                      binding.bound.end());
+  std::sort(binding.bound.begin(), binding.bound.end(),
+            [](const BoundObject& a, const BoundObject& b) { return a.first < b.first; });
+  for (DrawingBinding::Waiting& waiting : binding.waiting) {
+    waiting.object = placeOf(modern.handles[waiting.object]);
+  }
+  binding.blockEnds.erase(binding.modelSpace);
+  binding.blockEnds.erase(binding.paperSpace);
+  for (auto& [block, end] : binding.blockEnds) end = placeOf(modern.handles[end]);
+  return {};
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,131 @@
+// Saving when the system refuses: each call of it fails once.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "base/file.h"
+#include "base/path.h"
+#include "host/filing/drawingsave.h"
+#include "tests/host_filing/realdrawings.h"
+
+namespace {
+
+/// The calls that change something on the disk; the one that makes it 0 fails.
+int callsUntilFault = -1;
+
+bool failsNow() {
+  if (callsUntilFault < 0 || --callsUntilFault != 0) return false;
+  callsUntilFault = -1;
+  errno = EIO;
+  return true;
+}
+
+}  // namespace
+
+// These stand before those of the system's library; each is the system's own call but for the
+// fault.
+#pragma GCC visibility push(default)
+extern "C" {
+ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {
+  return failsNow() ? -1 : syscall(SYS_pwrite64, file, data, size, offset);
+}
+int fsync(int file) {
+  return failsNow() ? -1 : static_cast<int>(syscall(SYS_fsync, file));
+}
+int fchmod(int file, mode_t mode) noexcept {
+  return failsNow() ? -1 : static_cast<int>(syscall(SYS_fchmod, file, mode));
+}
+int rename(const char* from, const char* to) noexcept {
+  return failsNow() ? -1 : static_cast<int>(syscall(SYS_renameat, AT_FDCWD, from, AT_FDCWD, to));
+}
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
+  return failsNow() ? -1
+                    : static_cast<int>(syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
+}
+int link(const char* from, const char* to) noexcept {
+  return failsNow() ? -1 : static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+}
+#pragma GCC visibility pop
+
+namespace tarn::host {
+namespace {
+
+class SaveFaults : public testing::Test {
+ protected:
+  void SetUp() override { folder_ = makeTemporaryFolder(testing::TempDir(), "faults").take(); }
+  void TearDown() override {
+    callsUntilFault = -1;
+    EXPECT_TRUE(removeAll(folder_));
+  }
+  std::string at(const std::string& name) const { return joinPath(folder_, name); }
+  static mode_t modeOf(const std::string& path) {
+    struct stat info {};
+    EXPECT_EQ(::stat(path.c_str(), &info), 0);
+    return info.st_mode & 0777;
+  }
+  std::string folder_;
+};
+
+TEST_F(SaveFaults, whicheverCallFailsTheOldDrawingOrTheNewOneIsThere) {
+  const std::string path = at("plan.dxf");
+  const std::string old(300000, 'o');
+  const std::string fresh(400000, 'n');
+  int faults = 0;
+  for (int n = 1;; ++n) {
+    SCOPED_TRACE(n);
+    ASSERT_TRUE(removeAll(path) && removeAll(backupOf(path)));
+    ASSERT_TRUE(saveDrawing(path, "older") && saveDrawing(path, old));
+    callsUntilFault = n;
+    const Status status = saveDrawing(path, fresh);
+    const bool wasReached = callsUntilFault < 0;
+    callsUntilFault = -1;
+    const std::string now = bytesOf(path);
+    const std::string backup = bytesOf(backupOf(path));
+    if (status) {
+      EXPECT_EQ(now == fresh, true);
+      EXPECT_EQ(backup == old, true);
+    } else {
+      ++faults;
+      EXPECT_NE(status.message().find("plan"), std::string::npos) << status.message();
+      EXPECT_NE(status.message().find("Input/output error"), std::string::npos);
+      const bool saysSaved = status.message().find("the drawing is saved") != std::string::npos;
+      EXPECT_EQ(now == (saysSaved ? fresh : old), true) << status.message();
+      EXPECT_EQ(backup == "older" || backup == old, true);
+    }
+    EXPECT_EQ(listFolder(folder_), (std::vector<std::string>{"plan.bak", "plan.dxf"}));
+    if (!wasReached) break;
+  }
+  EXPECT_GE(faults, 5) << "the faults are not met";
+}
+
+TEST_F(SaveFaults, modeAndLinkStay) {
+  const std::string path = at("data/plan.dxf");
+  ASSERT_TRUE(makeFolders(at("data")) && makeFolders(at("desk")));
+  ASSERT_TRUE(saveDrawing(path, "one"));
+  const std::string link = at("desk/link.dxf");
+  ASSERT_EQ(::symlink("../data/plan.dxf", link.c_str()), 0);
+  ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+  ASSERT_TRUE(saveDrawing(link, "two"));
+  EXPECT_EQ(bytesOf(path), "two");
+  EXPECT_EQ(bytesOf(at("data/plan.bak")), "one");
+  EXPECT_EQ(modeOf(path), 0640U);
+  EXPECT_EQ(listFolder(at("desk")), std::vector<std::string>{"link.dxf"});
+  struct stat info {};
+  ASSERT_EQ(::lstat(link.c_str(), &info), 0);
+  EXPECT_TRUE(S_ISLNK(info.st_mode));
+  // A link to a file that is not there yet makes that file; one to itself is refused.
+  ASSERT_EQ(::symlink("../data/later.dxf", at("desk/later.dxf").c_str()), 0);
+  ASSERT_TRUE(saveDrawing(at("desk/later.dxf"), "x"));
+  EXPECT_EQ(bytesOf(at("data/later.dxf")), "x");
+  ASSERT_EQ(::symlink("loop.dxf", at("desk/loop.dxf").c_str()), 0);
+  EXPECT_FALSE(saveDrawing(at("desk/loop.dxf"), "x"));
+  EXPECT_EQ(::lstat(at("desk/loop.dxf").c_str(), &info), 0);
+}
+
+}  // namespace
+}  // namespace tarn::host
