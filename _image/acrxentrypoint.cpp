@@ -6,6 +6,7 @@
 #include "_image/cadimage.h"
 #include "_image/commands.h"
 #include "_image/docdata.h"
+#include "_image/imagedockbar.h"
 #include "_image/imagerestore.h"
 #include "_image/inputwatch.h"
 #include "_image/moduleglobals.h"
@@ -102,6 +103,7 @@ class C_imageApp : public AcRxArxApp {
     destroy(g_editorReactor);
     destroy(g_plotReactor);
     destroy(g_inputPointMonitor);
+    tarn::image::destroyImagePanel();
     return status;
   }
 

@@ -71,6 +71,8 @@ class CCadImage : public AcDbEntity {
   bool holdsNoImage() const { return m_mapImageDivision.empty() && m_mapImageClient.empty(); }
   /// The source of a local image, which stays the entity's; null when there is none.
   IImageDivision* sourceOf(const std::wstring& path) const;
+  /// The local sources by path.
+  const std::map<std::wstring, Division>& localSources() const { return m_mapImageDivision; }
   /// Closes the source of one image and forgets it; false when there was none.
   bool releaseImage(const std::wstring& path);
 
@@ -119,6 +121,8 @@ class CCadImage : public AcDbEntity {
   void GetImageFileList(std::vector<CString>& files, bool isLocal) const;
   /// In spite of its name the two opposite corners of the image.
   void GetImageCenterPt(const Division& division, double upperLeft[2], double lowerRight[2]) const;
+  /// The middle of a local image; false when it is not held.
+  bool GetImageCenterPt(const std::wstring& path, double& x, double& y) const;
 
  protected:
   Adesk::Boolean subWorldDraw(AcGiWorldDraw* worldDraw) override;

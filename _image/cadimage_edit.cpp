@@ -79,6 +79,17 @@ void CCadImage::GetImageCenterPt(const Division& division, double upperLeft[2],
   lowerRight[1] = georef[5] - division->height() * std::fabs(georef[3]);
 }
 
+bool CCadImage::GetImageCenterPt(const std::wstring& path, double& x, double& y) const {
+  const auto found = m_mapImageDivision.find(path);
+  if (found == m_mapImageDivision.end()) return false;
+  double upperLeft[2];
+  double lowerRight[2];
+  GetImageCenterPt(found->second, upperLeft, lowerRight);
+  x = (upperLeft[0] + lowerRight[0]) / 2;
+  y = (upperLeft[1] + lowerRight[1]) / 2;
+  return true;
+}
+
 /// Where the pixels of the displayed images are drawn; snaps and grips know the footprints.
 Acad::ErrorStatus CCadImage::subGetGeomExtents(AcDbExtents& extents) const {
   assertReadEnabled();

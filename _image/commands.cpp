@@ -11,6 +11,7 @@
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
+#include "_image/imagedockbar.h"
 #include "_image/settarnprogress.h"
 #include "accmd.h"
 #include "acdocman.h"
@@ -125,11 +126,11 @@ void commandTarnImage() {
 }
 
 void commandAddImage() {
-  addLocalImages();
+  addImagesThroughPanel();
 }
 
 void commandOpenImageList() {
-  printMessage(L"\nOpenImageList 尚未提供。");
+  openImageList();
 }
 
 void commandTestImage() {

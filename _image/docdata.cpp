@@ -1,6 +1,7 @@
 #include "_image/docdata.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "_image/cadimage.h"
 #include "acdocman.h"
@@ -40,40 +41,60 @@ AcDbObjectId firstImageEntity(AcDbDatabase* database) {
 CDocData::CDocData(AcApDocument* document) : m_database(document->database()) {}
 CDocData::~CDocData() = default;
 
-std::vector<CDocData::Image>::iterator CDocData::find(const std::wstring& path) {
-  return std::find_if(m_images.begin(), m_images.end(),
-                      [&](const Image& image) { return image.path == path; });
+const CDocData::Image* CDocData::find(const std::wstring& path) const {
+  const auto place = m_places.find(path);
+  return place == m_places.end() ? nullptr : &m_images[place->second];
+}
+
+CDocData::Image* CDocData::find(const std::wstring& path) {
+  return const_cast<Image*>(std::as_const(*this).find(path));
+}
+
+void CDocData::numberImages() {
+  m_places.clear();
+  for (size_t i = 0; i < m_images.size(); ++i) m_places[m_images[i].path] = i;
 }
 
 bool CDocData::contains(const std::wstring& path) const {
-  return std::any_of(m_images.begin(), m_images.end(),
-                     [&](const Image& image) { return image.path == path; });
+  return find(path) != nullptr;
 }
 
 bool CDocData::isDisplayed(const std::wstring& path) const {
-  return std::any_of(m_images.begin(), m_images.end(),
-                     [&](const Image& image) { return image.path == path && image.isDisplayed; });
+  const Image* image = find(path);
+  return image && image->isDisplayed;
 }
 
 void CDocData::addDisplayed(const std::wstring& path) {
-  const auto found = find(path);
-  if (found == m_images.end()) {
-    m_images.push_back({path, true});
-  } else {
-    found->isDisplayed = true;
+  if (Image* image = find(path)) {
+    image->isDisplayed = true;
+    return;
   }
+  m_places[path] = m_images.size();
+  m_images.push_back({path, true});
 }
 
 void CDocData::setDisplayed(const std::wstring& path, bool isDisplayed) {
-  const auto found = find(path);
-  if (found != m_images.end()) found->isDisplayed = isDisplayed;
+  if (Image* image = find(path)) image->isDisplayed = isDisplayed;
 }
 
 bool CDocData::remove(const std::wstring& path) {
-  const auto found = find(path);
-  if (found == m_images.end()) return false;
-  m_images.erase(found);
+  const auto place = m_places.find(path);
+  if (place == m_places.end()) return false;
+  m_images.erase(m_images.begin() + static_cast<std::ptrdiff_t>(place->second));
+  numberImages();
   return true;
+}
+
+void CDocData::reorder(const std::vector<std::wstring>& paths) {
+  std::unordered_map<std::wstring, size_t> wanted;
+  for (const std::wstring& path : paths) wanted.emplace(path, wanted.size());
+  const auto rank = [&](const Image& image) {
+    const auto found = wanted.find(image.path);
+    return found == wanted.end() ? wanted.size() : found->second;
+  };
+  std::stable_sort(m_images.begin(), m_images.end(),
+                   [&](const Image& a, const Image& b) { return rank(a) < rank(b); });
+  numberImages();
 }
 
 AcDbObjectId CDocData::residentImage() {

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "acdb.h"
@@ -42,6 +43,8 @@ class CDocData {
   void setDisplayed(const std::wstring& path, bool isDisplayed);
   /// False when there was none.
   bool remove(const std::wstring& path);
+  /// Those of `paths` that are here, in that order; others follow in the order they had.
+  void reorder(const std::vector<std::wstring>& paths);
 
   /// The image entity while it is not in the drawing yet; owned here. Null otherwise.
   CCadImage* pendingImage() const { return m_pending.get(); }
@@ -66,12 +69,15 @@ class CDocData {
   void setRestored() { m_isRestored = true; }
 
  private:
-  std::vector<Image>::iterator find(const std::wstring& path);
+  const Image* find(const std::wstring& path) const;
+  Image* find(const std::wstring& path);
+  void numberImages();
 
   AcDbDatabase* m_database;
   std::unique_ptr<CCadImage> m_pending;
   AcDbObjectId m_residentId;
   std::vector<Image> m_images;
+  std::unordered_map<std::wstring, size_t> m_places;  ///< of each path in m_images
   std::vector<PointCloud> m_pointClouds;
   bool m_isRestored = false;
 };

@@ -1,12 +1,14 @@
 #include "_image/imageadding.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "_image/adskdmgr.h"
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
+#include "_image/imagerelink.h"
 #include "_image/moduleglobals.h"
 #include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
@@ -126,12 +128,22 @@ bool storeImagePaths(AcApDocument* document, CDocData& record,
     return false;
   }
   const std::vector<std::wstring> before = storedImagePaths(record);
+  rememberFileSizes(record, paths);
   if (cad::writeTexts({kStoredImages, kStoredImages, record.database()}, paths)) {
     followPaths(record.database(), before, paths);
     return true;
   }
   printMessage(L"\n影像列表无法保存到图形中！");
   return false;
+}
+
+bool eraseStoredImagePaths(AcApDocument* document, CDocData& record) {
+  const cad::DocumentLock lock(document);
+  if (!lock.isLocked()) {
+    printMessage(L"\nlockDocument fail");
+    return false;
+  }
+  return cad::eraseRecord({kStoredImages, kStoredImages, record.database()});
 }
 
 bool storeImagePath(AcApDocument* document, CDocData& record, const std::wstring& path) {
@@ -169,20 +181,28 @@ void addLocalImages() {
   }
   CDocData* record = currentRecordOrReport();
   if (!record) return;
-  std::vector<std::wstring> stored = storedImagePaths(*record);
   const std::vector<std::wstring> chosen = askForImages();
-  if (chosen.empty()) return;
-  for (const std::wstring& path : chosen) {
-    record->ensureImage();
-    const bool isStored = std::find(stored.begin(), stored.end(), path) != stored.end();
+  if (!chosen.empty()) addImageFiles(document, *record, chosen);
+}
+
+void addImageFiles(AcApDocument* document, CDocData& record,
+                   const std::vector<std::wstring>& paths) {
+  std::vector<std::wstring> stored = storedImagePaths(record);
+  std::unordered_set<std::wstring> known(stored.begin(), stored.end());
+  for (const std::wstring& path : paths) {
+    record.ensureImage();
+    const bool isStored = known.count(path) > 0;
     // A stored path whose file was missing until now is not loaded twice by adding it.
-    if ((isStored || record->contains(path)) && isBound(*record, path)) {
+    if ((isStored || record.contains(path)) && isBound(record, path)) {
       printMessage(L"\n该影像已经存在当前里列表中，不允许重复加载");
       continue;
     }
-    if (openAndAdd(document, *record, path) && !isStored) stored.push_back(path);
+    if (!openAndAdd(document, record, path) || isStored) continue;
+    stored.push_back(path);
+    known.insert(path);
   }
-  storeImagePaths(document, *record, stored);
+  storeImagePaths(document, record, stored);
+  tellImageListChanged();
   sendCommandToHost(L"regen");
 }
 

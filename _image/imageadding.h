@@ -20,6 +20,10 @@ CDocData* currentRecordOrReport();
 /// Asks for local image files and adds them, stores the list and redraws.
 void addLocalImages();
 
+/// The same for files that are known: each is added or leaves a message, the others still are.
+void addImageFiles(AcApDocument* document, CDocData& record,
+                   const std::vector<std::wstring>& paths);
+
 /// Adds one image whose source is open: binds it to the document's image entity, enters it in the
 /// record's list as displayed, appends the entity to the drawing when it is not there yet. False
 /// after a message; the record is then as it was and the source closed.
@@ -31,6 +35,8 @@ bool addOpenedImage(AcApDocument* document, CDocData& record, const std::wstring
 std::vector<std::wstring> storedImagePaths(const CDocData& record);
 bool storeImagePaths(AcApDocument* document, CDocData& record,
                      const std::vector<std::wstring>& paths);
+/// Takes the stored list away. False after a message.
+bool eraseStoredImagePaths(AcApDocument* document, CDocData& record);
 /// Adds one path to those stored, unless it is among them.
 bool storeImagePath(AcApDocument* document, CDocData& record, const std::wstring& path);
 

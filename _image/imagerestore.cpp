@@ -108,13 +108,37 @@ bool followDrawing(AcApDocument* document) {
   for (const std::wstring& path : stored) {
     if (bindAgain(document, *record, path)) isChanged = true;
   }
-  return followPlacements(document, *record, storedImagePaths(*record)) || isChanged;
+  if (isChanged) record->reorder(stored);
+  isChanged = followPlacements(document, *record, storedImagePaths(*record)) || isChanged;
+  if (isChanged) tellImageListChanged();
+  return isChanged;
+}
+
+std::wstring presentImagePath(const std::wstring& stored, const AcApDocument& document) {
+  return toWide(existingPath(toUtf8(stored), document));
+}
+
+bool bindFoundImages(AcApDocument* document) {
+  CDocData* record = g_dataMap ? g_dataMap->find(document) : nullptr;
+  if (!record) return false;
+  record->ensureImage();
+  const std::vector<std::wstring> present = existingStoredPaths(*record, *document);
+  bool isAnyBound = false;
+  for (const std::wstring& path : present) {
+    if (!record->contains(path) && restoreImage(document, *record, path)) isAnyBound = true;
+  }
+  record->reorder(present);
+  followPlacements(document, *record, storedImagePaths(*record));
+  return isAnyBound;
 }
 
 void restoreImages(AcApDocument* document) {
   if (!document || !g_dataMap) return;
   CDocData& record = g_dataMap->getOrCreate(document);
-  if (record.isRestored()) return;
+  if (record.isRestored()) {
+    tellImageListChanged();
+    return;
+  }
   record.setRestored();
   record.ensureImage();
   bool isAnyRestored = false;
@@ -122,6 +146,7 @@ void restoreImages(AcApDocument* document) {
     if (restoreImage(document, record, path)) isAnyRestored = true;
   }
   followPlacements(document, record, storedImagePaths(record));
+  tellImageListChanged();
   if (isAnyRestored) sendCommandToHost(L"regen");
 }
 

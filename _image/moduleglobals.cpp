@@ -5,10 +5,13 @@ tarnEditorReactor* g_editorReactor = nullptr;
 tarnPlotReactor* g_plotReactor = nullptr;
 AsdkInputPointMonitor* g_inputPointMonitor = nullptr;
 CCADCallBackRectifyOperator* g_rectifyOperator = nullptr;
+CCommonDockControlBar* g_imageBar = nullptr;
+ImageDialog* g_imageDialog = nullptr;
 std::set<std::wstring>* g_watchedCommands = nullptr;
 
 namespace tarn::image {
 
+void (*g_imageListChanged)() = nullptr;
 RefreshFlags g_refresh;
 double g_viewTwistAtCommandStart = 0;
 bool g_suppressPixels = false;

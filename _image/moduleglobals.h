@@ -13,6 +13,8 @@
 template <class T>
 class AsdkDataManager;
 class AsdkInputPointMonitor;
+class CCommonDockControlBar;
+class ImageDialog;
 class CCADCallBackRectifyOperator;
 class CDocData;
 class tarnEditorReactor;
@@ -27,10 +29,20 @@ extern tarnPlotReactor* g_plotReactor;
 extern AsdkInputPointMonitor* g_inputPointMonitor;
 /// What rectification components call back; made at the first rectification (rectify), kept.
 extern CCADCallBackRectifyOperator* g_rectifyOperator;
+/// The panel and its bar; made by the panel's command, deleted at unload.
+extern CCommonDockControlBar* g_imageBar;
+extern ImageDialog* g_imageDialog;
 /// Names of the commands during which refresh is suspended. Made at load (reactors), kept.
 extern std::set<std::wstring>* g_watchedCommands;
 
 namespace tarn::image {
+
+/// Told when the current document has other images, or another document is current. Null while no
+/// panel shows them.
+extern void (*g_imageListChanged)();
+inline void tellImageListChanged() {
+  if (g_imageListChanged) g_imageListChanged();
+}
 
 /// What the reactors and the message watcher tell each other.
 struct RefreshFlags {

@@ -72,6 +72,11 @@ std::string lastSystemError() {
   return std::strerror(errno);
 }
 
+bool isFolderItself(const std::string& path) {
+  struct stat info = {};
+  return ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
 FileKind fileKind(const std::string& path) {
   struct stat info {};
   if (::stat(path.c_str(), &info) != 0) return FileKind::kMissing;

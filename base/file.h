@@ -18,6 +18,9 @@ FileKind fileKind(const std::string& path);
 /// True when both paths lead to one file that is there.
 bool isSameFile(const std::string& path, const std::string& other);
 
+/// True for a folder itself, not for a link to one.
+bool isFolderItself(const std::string& path);
+
 /// Size in bytes and time of last change in nanoseconds since 1970; zero when it cannot be read.
 struct FileTimes {
   uint64_t size = 0;

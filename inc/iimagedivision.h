@@ -2,6 +2,7 @@
 #pragma once
 
 #include "inc/kobject.h"
+#include "inc/kvalues.h"
 
 class IImageDivision : public kel::IObject {
  public:
@@ -56,6 +57,10 @@ class IImageDivision : public kel::IObject {
   /// 17. The exact window of the next readRegion or readRegionOverview: upper-left corner and cell
   /// size, in image pixels.
   virtual void announceWindow(double x, double y, double cellX, double cellY) = 0;
+  /// 18. Number of bands of the file; 0 when unknown.
+  virtual int bandCount() { return 0; }
+  /// 19. Sentences for the user about what was found odd, without the image's name.
+  virtual kel::StringList notes() { return {}; }
 
  protected:
   ~IImageDivision() = default;

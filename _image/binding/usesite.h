@@ -19,6 +19,7 @@ constexpr UseSite kCloneDivisionSite{"_image/cadimage", 859};
 constexpr UseSite kCommandsSite{"_image/commands", 1};
 constexpr UseSite kAddImageSite{"_image/imageadding", 1};
 constexpr UseSite kRestoreSite{"_image/imagerestore", 1};
+constexpr UseSite kPanelSettingSite{"_image/imagedialog", 1};
 constexpr UseSite kInputMonitorSite{"_image/inputwatch", 1};
 constexpr UseSite kRectifySite{"_image/rectifyopening", 1};
 constexpr UseSite kProgressSite{"_image/settarnprogress", 22};

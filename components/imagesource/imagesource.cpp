@@ -136,6 +136,13 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
     stretch_ = known ? static_cast<raster::StretchMode>(mode) : raster::StretchMode::kNone;
   }
 
+  int bandCount() override { return image_ ? image_->bandCount() : 0; }
+  kel::StringList notes() override {
+    kel::StringList all;
+    if (image_) all.assign(image_->notes().begin(), image_->notes().end());
+    return all;
+  }
+
   void announceWindow(double x, double y, double cellX, double cellY) override {
     announced_ = Window{x, y, cellX, cellY, 0, 0};
   }

@@ -62,6 +62,8 @@ class RasterImage {
   /// resampled. Lives as long as the image.
   const TileReader& storedPixels() const { return *levels_[0].reader; }
   const std::shared_ptr<GuardedImage>& guarded() const { return guarded_; }
+  /// Of the file.
+  int bandCount() const { return static_cast<int>(facts_.bands.size()); }
   /// Number of levels in use, the full size included.
   size_t levelCount() const { return levels_.size(); }
 

@@ -9,6 +9,7 @@
 #include "host/editor/commandprocessor.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/inputvalues.h"
+#include "host/ui/menumodel.h"
 #include "host/ui/uiservices.h"
 
 namespace tarn::host {
@@ -53,6 +54,7 @@ std::string meantPath(const std::string& typed, const FileRequest& request) {
 /// Why a name cannot be taken, or "".
 std::string refusal(const std::string& path, const FileRequest& request) {
   const FileKind kind = fileKind(path);
+  if (request.folder) return kind == FileKind::kFolder ? "" : path + ": there is no such folder.";
   if (kind == FileKind::kFolder) return path + ": this is a folder.";
   if (request.open && request.mustExist && kind == FileKind::kMissing) {
     return path + ": there is no such file.";
@@ -60,7 +62,37 @@ std::string refusal(const std::string& path, const FileRequest& request) {
   return {};
 }
 
+/// One line an item, sub-menus set in: "  1124 √ text".
+void addLines(const MenuModel& menu, const std::string& indent, std::string& lines) {
+  for (const MenuItem& item : menu.items) {
+    const std::string text = toUtf8(item.text);
+    if (item.sub) {
+      lines += indent + text + "\n";
+      addLines(*item.sub, indent + "  ", lines);
+    } else if (!text.empty()) {
+      lines += indent + std::to_string(item.id) + (item.checked ? " √ " : " ") + text + "\n";
+    }
+  }
+}
+
 }  // namespace
+
+UINT CommandLineUi::popupMenu(const MenuModel& menu, POINT) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return 0;
+  std::string lines = "\n";
+  addLines(menu, "  ", lines);
+  app->print(lines);
+  for (;;) {
+    const auto answer = app->commands().ask("Menu command (Enter: none): ", InputKind::kAnswer);
+    if (!answer || answer->empty()) return 0;
+    int id = 0;
+    if (parseInt(*answer, id) && id > 0 && findItem(menu, static_cast<UINT>(id)) != nullptr) {
+      return static_cast<UINT>(id);
+    }
+    app->print("\n" + *answer + ": this is not in the menu.\n");
+  }
+}
 
 int CommandLineUi::messageBox(const std::string& text, const std::string&, unsigned type) {
   HostApp* app = HostApp::instance();
@@ -98,7 +130,9 @@ size_t CommandLineUi::choose(const std::string& question, const std::vector<std:
 std::optional<std::vector<std::string>> CommandLineUi::fileNames(const FileRequest& request) {
   HostApp* app = HostApp::instance();
   if (app == nullptr) return std::nullopt;
-  const std::string prompt = request.several ? "File name (Enter ends the list): " : "File name: ";
+  const std::string prompt = request.several  ? "File name (Enter ends the list): "
+                             : request.folder ? "Folder: "
+                                              : "File name: ";
   std::vector<std::string> chosen;
   for (;;) {
     const auto typed = app->commands().ask(prompt, InputKind::kFileName);

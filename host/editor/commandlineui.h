@@ -23,6 +23,9 @@ class ACADHOST_EXPORT CommandLineUi : public UiBackend {
   /// Asks for names, one a line; an empty line ends a choice of several. The name of a missing file
   /// is reported and asked for again. When the input ends, the names given so far hold.
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+
+  /// Prints the items with their numbers and asks for one; Enter takes none.
+  UINT popupMenu(const MenuModel& menu, POINT screen) override;
 };
 
 }  // namespace tarn::host

@@ -26,7 +26,7 @@ std::vector<std::string> EditorUi::takeAnswers(const FileRequest& request) {
     const FileKind kind = fileKind(path);
     if (request.open && kind == FileKind::kMissing) {
       app_.print("\n" + path + ": there is no such file.\n");
-    } else if (kind == FileKind::kFolder) {
+    } else if (kind == FileKind::kFolder && !request.folder) {
       app_.print("\n" + path + ": this is a folder.\n");
     } else {
       taken.push_back(path);
@@ -44,6 +44,10 @@ std::optional<std::vector<std::string>> EditorUi::fileNames(const FileRequest& r
   }
   if (app_.variables().shortOf("FILEDIA") == 0) return commandLine_.fileNames(request);
   return backend_.fileNames(request);
+}
+
+UINT EditorUi::popupMenu(const MenuModel& menu, POINT screen) {
+  return playing_ ? commandLine_.popupMenu(menu, screen) : backend_.popupMenu(menu, screen);
 }
 
 }  // namespace tarn::host

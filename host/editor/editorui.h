@@ -1,5 +1,5 @@
-// Decides who answers a box or a file dialog: names given beforehand, the command line (FILEDIA 0),
-// or the program's own user interface.
+// Decides who answers a box, a file dialog or a menu: names given beforehand, the command line
+// (FILEDIA 0), or the program's own user interface.
 #pragma once
 
 #include <optional>
@@ -21,6 +21,11 @@ class EditorUi : public UiBackend {
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+  UINT popupMenu(const MenuModel& menu, POINT screen) override;
+  WindowSystem* windows() override { return backend_.windows(); }
+
+  /// While a script plays the user, menus are asked on the command line.
+  void playScript(bool playing) { playing_ = playing; }
 
   /// The next file dialog is answered with these names (one that takes a single file with the first
   /// of them), until forgetAnswers().
@@ -34,6 +39,7 @@ class EditorUi : public UiBackend {
   UiBackend& backend_;
   CommandLineUi commandLine_;
   std::optional<std::vector<std::string>> answers_;
+  bool playing_ = false;
 };
 
 }  // namespace tarn::host

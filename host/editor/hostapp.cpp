@@ -72,7 +72,11 @@ HostApp::HostApp(FrontEnd& frontEnd, UiBackend& ui, const std::string& profileFo
   acdbSetHostApplicationServices(&parts_->services);
   enterEditorObject();
   installUiServices({&parts_->ui, [this](const std::wstring& text) { queueInput(toUtf8(text)); },
-                     [this] { parts_->frontEnd.focusCommandLine(); }});
+                     [this] { parts_->frontEnd.focusCommandLine(); },
+                     [this] {
+                       return parts_->profile.locale() == "ENU" ? TarnLanguage::kEnglish
+                                                                : TarnLanguage::kChinese;
+                     }});
   setMessageSink([this](std::wstring_view text) { print(toUtf8(text)); });
   registerHostCommands();
   setClassWatch([this] { parts_->documents.bindRegisteredClasses(); });
@@ -111,6 +115,10 @@ bool HostApp::runWithFiles(const std::string& command, const std::vector<std::st
   const bool done = runLine(command);
   parts_->ui.forgetAnswers();
   return done;
+}
+
+void HostApp::playScript(bool playing) {
+  parts_->ui.playScript(playing);
 }
 
 bool HostApp::commandActive() const {

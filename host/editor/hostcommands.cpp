@@ -253,6 +253,7 @@ void registerHostCommands() {
       {ACRX_T("TEXT"), ACRX_CMD_MODAL, &textCommand},
       {ACRX_T("TWIST"), ACRX_CMD_TRANSPARENT, &twistCommand},
       {ACRX_T("U"), ACRX_CMD_MODAL, &uCommand},
+      {ACRX_T("UICLICK"), ACRX_CMD_SESSION, &uiclickCommand},
       {ACRX_T("UNDO"), ACRX_CMD_MODAL, &undoCommand},
       {ACRX_T("VIEW"), ACRX_CMD_MODAL, &viewCommand},
       {ACRX_T("ZOOM"), ACRX_CMD_TRANSPARENT, &zoomCommand},

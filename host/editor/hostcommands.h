@@ -40,6 +40,8 @@ void arxCommand();
 void pngoutCommand();
 void scriptCommand();
 
+void uiclickCommand();
+
 void copyCommand();
 void openCommand();
 void saveCommand();

@@ -10,6 +10,7 @@
 #include "host/editor/hostapp.h"
 #include "host/editor/profile.h"
 #include "host/editor/regenerator.h"
+#include "host/editor/sysvars.h"
 #include "host/ui/uibackend.h"
 #include "tarnhost.h"
 
@@ -69,6 +70,9 @@ Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
   HostApp* app = HostApp::instance();
   if (app == nullptr || view == nullptr) return Acad::eInvalidInput;
   if (!(view->height() > 0) || !(view->width() > 0)) return Acad::eInvalidInput;
+  const auto& variables = app->variables();
+  const bool onSheet = variables.shortOf("TILEMODE") == 0 && variables.shortOf("CVPORT") == 1;
+  if (view->isPaperspaceView() && !onSheet) return Acad::eInvalidInput;
   tarn::host::ViewState wanted = app->view();
   const double aspect = static_cast<double>(wanted.pixelHeight) / wanted.pixelWidth;
   wanted.centerX = view->centerPoint().x;
@@ -78,4 +82,9 @@ Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
   wanted.twist = view->viewTwist();
   app->setView(wanted);
   return Acad::eOk;
+}
+
+bool acdbUcs2Wcs(const ads_real* from, ads_real* to, bool) {
+  std::copy_n(from, 3, to);
+  return true;
 }

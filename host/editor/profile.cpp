@@ -18,6 +18,27 @@ std::string Profile::cacheFolder() const {
   return joinPath(folder_, "cache");
 }
 
+namespace {
+
+constexpr const char* kLocales[] = {"CHS", "ENU"};
+constexpr uint64_t kLongestLocale = 64;
+
+}  // namespace
+
+std::string Profile::locale() const {
+  const auto kept = readFile(joinPath(configurationFolder(), "locale"), kLongestLocale);
+  return kept && kept.value() == kLocales[1] ? kLocales[1] : kLocales[0];
+}
+
+bool Profile::setLocale(const std::string& locale) const {
+  for (const char* known : kLocales) {
+    if (locale != known) continue;
+    return makeFolders(configurationFolder()).isOk() &&
+           writeFileAtomically(joinPath(configurationFolder(), "locale"), locale).isOk();
+  }
+  return false;
+}
+
 void Profile::setFurtherFolders(std::vector<std::string> folders) {
   further_ = std::move(folders);
 }

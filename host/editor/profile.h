@@ -17,6 +17,11 @@ class ACADHOST_EXPORT Profile {
   std::string configurationFolder() const;
   std::string cacheFolder() const;
 
+  /// What the user chose for "LOCALE" ("CHS" or "ENU"), kept in a file of the profile.
+  std::string locale() const;
+  /// False when it could not be kept.
+  bool setLocale(const std::string& locale) const;
+
   /// Folders searched after the profile's own, first to last.
   void setFurtherFolders(std::vector<std::string> folders);
 

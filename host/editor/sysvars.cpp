@@ -80,6 +80,10 @@ bool writeLayer(HostApp& app, const VariableValue& value) {
   return document(app).setCurrentLayer(std::get<std::string>(value));
 }
 
+bool writeLocale(HostApp& app, const VariableValue& value) {
+  return app.profile().setLocale(std::get<std::string>(value));
+}
+
 const std::vector<Rule>& rules() {
   using T = VariableType;
   static const std::vector<Rule> table = {
@@ -120,6 +124,9 @@ const std::vector<Rule>& rules() {
       {"LENSLENGTH", T::kReal, true, nullptr, 50.0},
       {"LIMMAX", T::kPoint2, false, &readLimits<true>, Point3{}, &writeLimits<true>},
       {"LIMMIN", T::kPoint2, false, &readLimits<false>, Point3{}, &writeLimits<false>},
+      {"LOCALE", T::kString, false,
+       [](HostApp& a) -> VariableValue { return a.profile().locale(); }, std::string(),
+       writeLocale},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},

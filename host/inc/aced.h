@@ -76,6 +76,7 @@ class ACADHOST_EXPORT AcEdInputPointManager {
 /// model's tab.
 ACADHOST_EXPORT AcDbObjectId acedGetCurViewportObjectId();
 
-/// Shows the record's centre, size and twist in the current viewport. No regeneration.
+/// Shows the record's centre, size and twist in the current viewport. No regeneration. A view of a
+/// sheet is refused while the model is current.
 ACADHOST_EXPORT Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view,
                                                      AcDbViewport* viewport);

@@ -98,3 +98,7 @@ ACADHOST_EXPORT int acedUsrBrk();
 ACADHOST_EXPORT int acedSetStatusBarProgressMeter(const ACHAR* label, int minimum, int maximum);
 ACADHOST_EXPORT int acedSetStatusBarProgressMeterPos(int position);
 ACADHOST_EXPORT void acedRestoreStatusBar();
+
+/// A point, or with `isVector` a direction, of the user's coordinate system in that of the world.
+/// This host has one coordinate system.
+ACADHOST_EXPORT bool acdbUcs2Wcs(const ads_real* from, ads_real* to, bool isVector);

@@ -219,6 +219,9 @@ class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
   void setBackClipEnabled(bool on) { backOn_ = on; }
   bool frontClipAtEye() const { return frontAtEye_; }
   void setFrontClipAtEye(bool on) { frontAtEye_ = on; }
+  /// A view of a sheet, not of the model.
+  bool isPaperspaceView() const { return paper_; }
+  void setIsPaperspaceView(bool paper) { paper_ = paper; }
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -237,6 +240,7 @@ class ACADHOST_EXPORT AcDbViewTableRecord : public AcDbSymbolTableRecord {
   bool frontOn_ = false;
   bool backOn_ = false;
   bool frontAtEye_ = true;
+  bool paper_ = false;
 };
 
 class ACADHOST_EXPORT AcDbViewTable : public AcDbTypedSymbolTable<AcDbViewTableRecord> {

@@ -40,14 +40,6 @@ std::string utf8OrEmpty(const ACHAR* text) {
   return text != nullptr ? tarn::toUtf8(text) : "";
 }
 
-/// Characters that the names need in the dialog's buffer: one name as it is, several as folder and
-/// names, each with its end, and one more end.
-size_t bufferNeeded(const std::vector<std::string>& names) {
-  size_t needed = 1;
-  for (const std::string& name : names) needed += tarn::toUtf16(tarn::toWide(name)).size() + 1;
-  return needed;
-}
-
 }  // namespace
 
 CFileDialog::CFileDialog(BOOL openFileDialog, const ACHAR* defaultExtension, const ACHAR* fileName,
@@ -62,6 +54,11 @@ CFileDialog::CFileDialog(BOOL openFileDialog, const ACHAR* defaultExtension, con
 
 CFileDialog::~CFileDialog() = default;
 
+CFolderPickerDialog::CFolderPickerDialog(const ACHAR* folder, DWORD flags, CWnd* parent)
+    : CFileDialog(TRUE, nullptr, folder, flags, nullptr, parent) {
+  parts_->request.folder = true;
+}
+
 INT_PTR CFileDialog::DoModal() {
   parts_->chosen.clear();
   if (uiServices().backend == nullptr) return IDCANCEL;
@@ -72,12 +69,6 @@ INT_PTR CFileDialog::DoModal() {
   request.title = utf8OrEmpty(m_ofn.lpstrTitle);
   const auto names = uiServices().backend->fileNames(request);
   if (!names || names->empty()) return IDCANCEL;
-  if (bufferNeeded(*names) > m_ofn.nMaxFile) {
-    uiServices().backend->messageBox(
-        "The chosen names together are too long for this dialog; choose fewer files at a time.", "",
-        MB_OK | MB_ICONWARNING);
-    return IDCANCEL;
-  }
   for (const std::string& name : *names) parts_->chosen.emplace_back(tarn::toWide(name));
   return IDOK;
 }

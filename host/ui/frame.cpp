@@ -60,18 +60,6 @@ const UiServices& uiServices() {
 
 }  // namespace tarn::host
 
-LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-  return WindowProc(message, wParam, lParam);
-}
-
-CWnd* CWnd::SetFocus() {
-  return nullptr;
-}
-
-LRESULT CWnd::WindowProc(UINT, WPARAM, LPARAM) {
-  return 0;
-}
-
 CMDIFrameWnd* acedGetAcadFrame() {
   static tarn::host::MainFrame frame;
   return tarn::host::uiServices().runText ? &frame : nullptr;

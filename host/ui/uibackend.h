@@ -1,18 +1,25 @@
-// What message boxes and file dialogs need of the program around the host. The window answers with
-// dialogs, the command line with lines of text; nothing above this interface knows which.
+// What message boxes, file dialogs, menus and windows need of the program around the host. The
+// window answers with dialogs, the command line with lines of text; nothing above this interface
+// knows which.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "afxtypes.h"
+
 namespace tarn::host {
+
+struct MenuModel;
+class WindowSystem;
 
 /// One request of a file dialog. Texts are UTF-8.
 struct FileRequest {
   bool open = true;              ///< a file to read; false: a file to write
   bool several = false;          ///< several names may be chosen
   bool mustExist = true;         ///< names of missing files are refused
+  bool folder = false;           ///< a folder is asked for, no file
   bool overwritePrompt = false;  ///< asks before an existing file is chosen for writing
   std::string title;
   std::string initialName;       ///< name shown at the start, may hold a folder
@@ -36,6 +43,12 @@ class UiBackend {
 
   /// Full paths in the order chosen; none when the user cancels.
   virtual std::optional<std::vector<std::string>> fileNames(const FileRequest& request) = 0;
+
+  /// Shows a menu at a place of the screen; the id of what was chosen, 0 for nothing.
+  virtual UINT popupMenu(const MenuModel& /*menu*/, POINT /*screen*/) { return 0; }
+
+  /// What shows windows; null when nothing does.
+  virtual WindowSystem* windows() { return nullptr; }
 };
 
 }  // namespace tarn::host

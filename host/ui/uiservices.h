@@ -5,15 +5,17 @@
 #include <string>
 
 #include "adesk.h"
+#include "tarnresources.h"
 
 namespace tarn::host {
 
 class UiBackend;
 
 struct UiServices {
-  UiBackend* backend = nullptr;                      ///< boxes and file dialogs
+  UiBackend* backend = nullptr;                      ///< boxes, file dialogs, menus and windows
   std::function<void(const std::wstring&)> runText;  ///< text for the command line
   std::function<void()> focusCommandLine;
+  std::function<TarnLanguage()> language;  ///< of resources
 };
 
 /// Replaces what was installed; a default-made value takes it away. Without services boxes answer

@@ -2,11 +2,13 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
 
 #include "afxwin.h"
+#include "host/ui/menumodel.h"
 #include "host/ui/uiservices.h"
 #include "host/window/filefilters.h"
 
@@ -57,7 +59,31 @@ int identifierOf(int button, unsigned type) {
   }
 }
 
+void fillMenu(QMenu& menu, const MenuModel& model) {
+  for (const MenuItem& item : model.items) {
+    // An ampersand is a letter here.
+    const QString text = QString::fromStdWString(item.text).replace('&', "&&");
+    if (item.sub) {
+      fillMenu(*menu.addMenu(text), *item.sub);
+    } else if (item.text.empty()) {
+      menu.addSeparator();
+    } else {
+      QAction* action = menu.addAction(text);
+      action->setData(item.id);
+      action->setCheckable(item.checked);
+      action->setChecked(item.checked);
+    }
+  }
+}
+
 }  // namespace
+
+UINT DialogBackend::popupMenu(const MenuModel& model, POINT screen) {
+  QMenu menu(parent_);
+  fillMenu(menu, model);
+  const QAction* chosen = menu.exec(QPoint(screen.x, screen.y));
+  return chosen != nullptr ? chosen->data().toUInt() : 0;
+}
 
 int DialogBackend::messageBox(const std::string& text, const std::string& caption, unsigned type) {
   QMessageBox box(parent_);
@@ -102,7 +128,9 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
                         : request.open         ? "Open"
                                                : "Save as");
   dialog.setAcceptMode(request.open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
-  dialog.setFileMode(request.several                     ? QFileDialog::ExistingFiles
+  dialog.setOption(QFileDialog::ShowDirsOnly, request.folder);
+  dialog.setFileMode(request.folder                      ? QFileDialog::Directory
+                     : request.several                   ? QFileDialog::ExistingFiles
                      : request.open && request.mustExist ? QFileDialog::ExistingFile
                                                          : QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);

@@ -1,10 +1,11 @@
-// Message boxes and file dialogs as windows.
+// Message boxes, file dialogs and menus as windows.
 #pragma once
 
 #include <QPointer>
 #include <QWidget>
 
 #include "host/ui/uibackend.h"
+#include "host/window/dockview.h"
 
 namespace tarn::host {
 
@@ -17,9 +18,12 @@ class DialogBackend final : public UiBackend {
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+  UINT popupMenu(const MenuModel& menu, POINT screen) override;
+  WindowSystemOfWidgets* windows() override { return &windows_; }
 
  private:
   QPointer<QWidget> parent_;
+  WindowSystemOfWidgets windows_;
   QString folder_;  ///< where the last files were chosen
 };
 

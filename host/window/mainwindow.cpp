@@ -12,6 +12,8 @@
 #include "host/editor/clipboard.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
+#include "host/editor/profile.h"
+#include "host/window/barlayout.h"
 #include "host/window/canvas.h"
 #include "host/window/commandline.h"
 #include "host/window/dialogs.h"
@@ -69,10 +71,13 @@ MainWindow::MainWindow(HostApp& app, WindowFrontEnd& frontEnd, DialogBackend& di
   canvas_->setFocusPolicy(Qt::ClickFocus);
   canvas_->setFocusProxy(line_);
   dialogs_.setParent(this);
+  dialogs_.windows()->attach(
+      this, [this](std::function<void()> work) { session_.perform(std::move(work)); });
   frontEnd_.attach(*canvas_, *line_, *status_,
                    {[this] { showState(); }, [this] { session_.runQueued(); },
                     [this] { session_.requestClose(); }});
   line_->setFocus();
+  restoreBars(*this, app_.profile().folder());
 }
 
 MainWindow::~MainWindow() {
@@ -161,7 +166,9 @@ void MainWindow::addFiles(const std::vector<std::string>& paths) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->setAccepted(session_.requestClose());
+  const bool mayClose = session_.requestClose();
+  if (mayClose) keepBars(*this, app_.profile().folder());
+  event->setAccepted(mayClose);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -17,6 +17,7 @@ class Builder {
  public:
   Builder(QMainWindow& window, const MenuHooks& hooks)
       : window_(window), hooks_(hooks), tools_(*window.addToolBar("Tools")) {
+    tools_.setObjectName("tools");
     tools_.setMovable(false);
     tools_.setContextMenuPolicy(Qt::PreventContextMenu);
   }
@@ -93,6 +94,8 @@ void fillViewMenu(Builder& to, const MenuHooks& hooks) {
   to.look("&Twist", "TWIST");
   to.separate();
   to.add("&Regenerate", hooks.regenerate, Qt::Key_F5, IconKind::kRegenerate);
+  to.separate();
+  to.run("Image &list", "OpenImageList", QKeySequence(Qt::CTRL | Qt::Key_L));
 }
 
 void fillHelpMenu(Builder& to, const MenuHooks& hooks) {

@@ -34,8 +34,10 @@ class TellingBackend : public UiBackend {
 class Dialogs : public testing::Test {
  protected:
   void SetUp() override {
-    installUiServices({&backend, [this](const std::wstring& text) { sent += toUtf8(text) + ";"; },
-                       [this] { ++focused; }});
+    installUiServices({&backend,
+                       [this](const std::wstring& text) { sent += toUtf8(text) + ";"; },
+                       [this] { ++focused; },
+                       {}});
   }
   void TearDown() override { installUiServices({}); }
   TellingBackend backend;
@@ -47,7 +49,7 @@ TEST_F(Dialogs, fileDialogHandsOverItsRequestAndWalksTheNames) {
   CFileDialog dialog(TRUE, ACRX_T("*.tif"), nullptr,
                      OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT | OFN_ALLOWMULTISELECT,
                      ACRX_T("tif文件(*.tif)|*.tif||"));
-  dialog.m_ofn.nMaxFile = 10000;
+  dialog.m_ofn.nMaxFile = 5;  // more names than that come through the dialog
   EXPECT_EQ(dialog.DoModal(), IDCANCEL);
   EXPECT_EQ(dialog.GetStartPosition(), nullptr);
   backend.names = {"/a/影像 1.tif", "/a/b.tif"};
@@ -62,15 +64,6 @@ TEST_F(Dialogs, fileDialogHandsOverItsRequestAndWalksTheNames) {
     walked += toUtf8(dialog.GetNextPathName(p).GetString()) + ";";
   }
   EXPECT_EQ(walked, "/a/影像 1.tif;/a/b.tif;");
-}
-
-TEST_F(Dialogs, namesThatDoNotFitAreToldAndCancel) {
-  CFileDialog dialog(TRUE, nullptr, nullptr, OFN_ALLOWMULTISELECT);
-  dialog.m_ofn.nMaxFile = 20;
-  backend.names = {"/a/bcdefghijklmnop.tif", "/a/b.tif"};
-  EXPECT_EQ(dialog.DoModal(), IDCANCEL);
-  EXPECT_NE(backend.lastText.find("too long"), std::string::npos);
-  EXPECT_EQ(dialog.GetPathName(), ACRX_T(""));
 }
 
 TEST_F(Dialogs, boxesGiveTheButton) {

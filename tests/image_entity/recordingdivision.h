@@ -47,6 +47,7 @@ class RecordingDivision final : public kel::Implements<RecordingDivision, IImage
 
   bool init(const char* image, const char* folder, bool flag) override {
     note("init", image, folder, flag);
+    path_ = image;
     return script().goodInits-- > 0;
   }
   bool buildPyramid(const char* folder, int first, int mode, double tileWidth, double tileHeight,
@@ -96,8 +97,8 @@ class RecordingDivision final : public kel::Implements<RecordingDivision, IImage
     script().blocks.push_back(text.str());
     return false;
   }
-  void setAntiAliasing(bool) override {}
-  void setStretchMode(int) override {}
+  void setAntiAliasing(bool on) override { note("setAntiAliasing", path_, on); }
+  void setStretchMode(int mode) override { note("setStretchMode", path_, mode); }
   void announceWindow(double x, double y, double cellX, double cellY) override {
     note("announceWindow");
     script().window = {x, y, cellX, cellY};
@@ -118,6 +119,7 @@ class RecordingDivision final : public kel::Implements<RecordingDivision, IImage
   }
 
   double georef_[6] = {};
+  std::string path_;
 };
 
 }  // namespace tarn::test

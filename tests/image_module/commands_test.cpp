@@ -90,9 +90,9 @@ TEST_F(Commands, WithoutWhatTheyNeedTheyEndWithTheirMessage) {
       {"_RectifyImage", noFile},
       {"ImageConversion",
        "\n影像转换\n\n影像与文件夹\nFile or folder (Enter ends the list): \n*Cancel*\n"},
-      {"OpenImageList", "\nOpenImageList 尚未提供。"},
-      {"_image_List", "\nOpenImageList 尚未提供。"},
-      {"_List", "\nOpenImageList 尚未提供。"},
+      {"OpenImageList", ""},
+      {"_image_List", ""},
+      {"_List", ""},
       {"testimage", ""},
       {"EraseInvalidImage", "\n共删除了0个无效的Image对象！"},
   };

@@ -101,6 +101,8 @@ TEST(Slots, ImageDivision) {
       SLOT(IImageDivision, setAntiAliasing, 18),
       SLOT(IImageDivision, setStretchMode, 19),
       SLOT(IImageDivision, announceWindow, 20),
+      SLOT(IImageDivision, bandCount, 21),
+      SLOT(IImageDivision, notes, 22),
   });
 }
 

@@ -45,7 +45,7 @@ TEST(ImagesOnTheCommandLine, ScriptCommandsPictureAndStatisticsWorkTogether) {
 
 TEST(ImagesOnTheCommandLine, WhatCannotBeDoneYetIsRefusedInOneLine) {
   const Scratch scratch("tarn_cli_");
-  for (const char* command : {"rectifyImage", "OpenImageList", "ImageConversion", "loadCloud"}) {
+  for (const char* command : {"rectifyImage", "ImageConversion", "loadCloud"}) {
     const Outcome outcome = runCadhost(scratch, {"--command", command});
     EXPECT_FALSE(contains(outcome.output, "Unknown command")) << command;
     EXPECT_TRUE(contains(outcome.output, command)) << outcome.output;

@@ -1,0 +1,39 @@
+#include "_image/imagetip.h"
+
+#include <cmath>
+
+#include "base/path.h"
+#include "base/text.h"
+
+namespace tarn::image {
+namespace {
+
+std::wstring number(double value) {
+  return toWide(formatDouble(value));
+}
+
+std::wstring coordinateSystemText(IImageDivision& source) {
+  int code = -1;
+  source.coordinateSystem(code);
+  if (code < 0) return L"无";
+  return code == 0 ? L"有（无编号）" : L"EPSG:" + std::to_wstring(code);
+}
+
+}  // namespace
+
+std::vector<std::wstring> describeImage(const std::wstring& path, IImageDivision& source) {
+  const double* place = source.geoTransform();
+  std::vector<std::wstring> lines = {
+      L"大小：" + std::to_wstring(source.width()) + L" × " + std::to_wstring(source.height()) +
+          L" 像素",
+      L"像素大小：" + number(std::fabs(place[0])) + L" × " + number(std::fabs(place[3])),
+      L"左上角：" + number(place[4]) + L", " + number(place[5]),
+      L"坐标系：" + coordinateSystemText(source)};
+  if (const int bands = source.bandCount()) lines.push_back(L"波段：" + std::to_wstring(bands));
+  const bool hasPyramid = source.hasPyramid(folderOf(toUtf8(path)).c_str());
+  lines.emplace_back(hasPyramid ? L"金字塔：有" : L"金字塔：无");
+  for (const kel::DString& note : source.notes()) lines.push_back(L"注意：" + toWide(note.str()));
+  return lines;
+}
+
+}  // namespace tarn::image
