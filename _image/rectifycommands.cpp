@@ -5,6 +5,7 @@
 #include "_image/commands.h"
 #include "_image/docdata.h"
 #include "_image/imageadding.h"
+#include "_image/imagedialog.h"
 #include "_image/rectify/rectifyopening.h"
 #include "acedads.h"
 #include "commoncode/cadutil/message.h"
@@ -52,7 +53,8 @@ void commandRectifyTestImage() {
 void commandRectifyImage() {
   CDocData* record = currentRecordOrReport();
   if (!record) return;
-  const std::wstring path = chosenImage(*record);
+  std::wstring path = imageSelectedInPanel();
+  if (path.empty()) path = chosenImage(*record);
   if (!path.empty() && !openRectification(*record, path)) printMessage(L"\n打开影像出错");
 }
 
