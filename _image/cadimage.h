@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "_image/view/pixelwindow.h"
@@ -162,6 +163,13 @@ class CCadImage : public AcDbEntity {
   std::wstring m_strImagePath;
   std::map<std::wstring, Division> m_mapImageDivision;
   std::map<std::wstring, double*> m_mapImageGeoref;
+  /// Both maps' entries of an image by hash: paths of one drawing begin alike, which makes looking
+  /// through a sorted map slow, and drawing asks for every image.
+  struct LocalImage {
+    const Division* source;
+    const double* georef;
+  };
+  std::unordered_map<std::wstring, LocalImage> m_localImages;
   std::map<std::wstring, Corners> m_mapImageCorners;
   std::map<std::wstring, TarnClientManager*> m_mapImageClient;
   std::wstring m_strCurImage;

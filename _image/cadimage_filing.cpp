@@ -75,7 +75,9 @@ void CCadImage::SetImageInfo(const std::wstring& path, const Division& division)
 void CCadImage::setImageFileNameMapIO(const std::wstring& path, const Division& division,
                                       double* georef) {
   m_mapImageGeoref[path] = georef;
-  m_mapImageDivision[path] = division.share();
+  Division& held = m_mapImageDivision[path];
+  held = division.share();
+  m_localImages[path] = {&held, georef};
 }
 
 void CCadImage::setImgInfoMap(const std::wstring& path, TarnClientManager* client) {
@@ -123,6 +125,7 @@ bool CCadImage::releaseImage(const std::wstring& path) {
   if (found == m_mapImageDivision.end()) return false;
   found->second->close();
   // The six numbers belong to the source, so they go first.
+  m_localImages.erase(path);
   m_mapImageGeoref.erase(path);
   m_mapImageCorners.erase(path);
   m_mapImageDivision.erase(found);

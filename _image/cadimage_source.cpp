@@ -118,11 +118,10 @@ bool CCadImage::GetImageData(const Division& division, const double* georef, int
 }
 
 bool CCadImage::extentOf(const std::wstring& path, tarn::image::ImageExtent& extent) const {
-  const auto division = m_mapImageDivision.find(path);
-  if (division == m_mapImageDivision.end()) return false;
-  const auto georef = m_mapImageGeoref.find(path);
-  const double* numbers = georef == m_mapImageGeoref.end() ? nullptr : georef->second;
-  return GetImageData(division->second, numbers, extent.width, extent.height, extent.pixelWidth,
+  const auto found = m_localImages.find(path);
+  if (found == m_localImages.end()) return false;
+  const auto& [source, georef] = found->second;
+  return GetImageData(*source, georef, extent.width, extent.height, extent.pixelWidth,
                       extent.pixelHeight, extent.top, extent.left, extent.right, extent.bottom);
 }
 
