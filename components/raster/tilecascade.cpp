@@ -60,6 +60,8 @@ class Cascade {
                                              static_cast<double>(groups)));
       });
       finishRows(1, band);
+      // Another thread may have done the last group; the end of the band is told all the same.
+      tell(static_cast<double>(band + 1) / bands);
       if (failed()) return failure_;
     }
     return Status::ok();
@@ -93,9 +95,10 @@ class Cascade {
     if (failure_.isOk()) failure_ = status;
   }
 
-  /// Progress is told on the caller's thread alone.
+  /// Progress is told on the caller's thread alone, and only when there is some.
   void tell(double part) {
-    if (!progress_ || std::this_thread::get_id() != caller_ || failed()) return;
+    if (!progress_ || std::this_thread::get_id() != caller_ || part <= told_ || failed()) return;
+    told_ = part;
     if (!progress_(std::min(part, 1.0))) fail(Status::error("was stopped"));
   }
 
@@ -263,6 +266,7 @@ class Cascade {
   int groupWidth_ = kBand;
   bool local_ = true;
   double bandPart_ = 1;
+  double told_ = 0;
   std::map<std::pair<int, int>, TilePtr> shared_;
   std::mutex mutex_;
   Status failure_;

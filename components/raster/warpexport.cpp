@@ -194,6 +194,12 @@ Status Exporter::write(GDALDataset& target, const Progress& progress) {
   std::mutex mutex;
   std::string reason;
   const auto caller = std::this_thread::get_id();
+  const auto tell = [&] {
+    int fine = kFine;
+    if (std::this_thread::get_id() == caller && progress &&
+        !progress(static_cast<double>(done) / static_cast<double>(count)))
+      state.compare_exchange_strong(fine, kStopped);
+  };
   const auto work = [&](size_t index) {
     if (state != kFine) return;
     const Part block = blockAt(index);
@@ -213,14 +219,14 @@ Status Exporter::write(GDALDataset& target, const Progress& progress) {
       }
       sample(index, bytes);
     }
-    const size_t finished = ++done;
-    if (std::this_thread::get_id() == caller && progress &&
-        !progress(static_cast<double>(finished) / static_cast<double>(count)))
-      state.compare_exchange_strong(fine, kStopped);
+    ++done;
+    tell();
   };
   // Row after row of blocks, so that what neighbours need of the source is still there.
-  for (size_t row = 0; row < down && state == kFine; ++row)
+  for (size_t row = 0; row < down && state == kFine; ++row) {
     parallelFor(across, [&](size_t i) { work(row * across + i); });
+    tell();
+  }
   switch (state) {
     case kUnreadable:
       return Status::error("some pixels of the image cannot be read");
