@@ -1,4 +1,5 @@
 // The command UICLICK: what a user does with a dialog, done by a script.
+#include <utility>
 #include <vector>
 
 #include "adui.h"
@@ -47,6 +48,17 @@ TreeNode* findNode(TreeNode& top, const std::wstring& text) {
   return nullptr;
 }
 
+/// The item of that text, or "#1", "#2" ... the row in sight.
+TreeNode* itemOf(CTreeCtrl& tree, const std::string& text) {
+  int row = 0;
+  if (text.size() > 1 && text.front() == '#' && parseInt(text.substr(1), row)) {
+    const std::vector<TreeNode*> rows = tree.model().rows();
+    return row >= 1 && row <= static_cast<int>(rows.size()) ? rows[static_cast<size_t>(row) - 1]
+                                                            : nullptr;
+  }
+  return findNode(tree.model().root(), toWide(text));
+}
+
 struct Action {
   const char* keyword;
   Gesture gesture;
@@ -69,7 +81,7 @@ void noItem(const std::string& text) {
 
 void actOnTree(CTreeCtrl& tree, const Action& action, const std::string& text) {
   TreeView* view = treeViewOf(tree);
-  TreeNode* node = findNode(tree.model().root(), toWide(text));
+  TreeNode* node = itemOf(tree, text);
   if (!view) return failCommand(app(), "The tree is not there yet.");
   if (!node && !text.empty()) return noItem(text);
   // Nothing named: the empty space below all items.
@@ -146,9 +158,28 @@ void printTip(const CWnd& dialog) {
   if (!tree) return;
   const auto item = app().commands().ask("Item: ", InputKind::kText);
   if (!item) return;
-  TreeNode* node = findNode(tree->model().root(), toWide(*item));
+  TreeNode* node = itemOf(*tree, *item);
   if (!node) return noItem(*item);
   app().print("\n" + toUtf8(treeTip(*tree, *node)) + "\n");
+}
+
+/// Screen points on the parts of an item, for whoever moves a real mouse.
+void printPlace(const CWnd& dialog) {
+  auto* tree = dynamic_cast<CTreeCtrl*>(askControl(dialog));
+  TreeView* view = tree ? treeViewOf(*tree) : nullptr;
+  if (!view) return;
+  const auto item = app().commands().ask("Item: ", InputKind::kText);
+  if (!item) return;
+  const TreeNode* node = itemOf(*tree, *item);
+  if (!node) return noItem(*item);
+  std::string line = "\n";
+  for (const auto& [name, part] :
+       {std::pair("box ", TreePart::kCheck), std::pair(" label ", TreePart::kLabel)}) {
+    POINT at = view->pointOf(*node, part);
+    tree->ClientToScreen(&at);
+    line += name + std::to_string(at.x) + "," + std::to_string(at.y);
+  }
+  app().print(line + "\n");
 }
 
 void drop(CWnd& dialog) {
@@ -189,6 +220,8 @@ bool actOnDialog(CWnd& dialog, const std::string& keyword) {
     printItems(dialog);
   } else if (keyword == "Tip") {
     printTip(dialog);
+  } else if (keyword == "Where") {
+    printPlace(dialog);
   } else {
     return false;
   }
@@ -202,10 +235,11 @@ void uiclickCommand() {
   if (!id) return;
   CWnd* dialog = dialogOf(*id);
   if (!dialog) return failCommand(app(), std::to_string(*id) + ": this dialog is not open.");
-  std::vector<std::string> keywords = {"COmmand", "Key", "BAr", "CLose", "DRop", "List", "Tip"};
+  std::vector<std::string> keywords = {"COmmand", "Key",  "BAr", "CLose",
+                                       "DRop",    "List", "Tip", "Where"};
   for (const Action& action : kActions) keywords.emplace_back(action.keyword);
   const auto typed = app().commands().ask(
-      "Action [Click/Add/Extend/CHeck/Double/Right/COmmand/Key/BAr/CLose/DRop/List/Tip]: ",
+      "Action [Click/Add/Extend/CHeck/Double/Right/COmmand/Key/BAr/CLose/DRop/List/Tip/Where]: ",
       InputKind::kToken);
   if (!typed) return;
   const auto keyword = matchKeyword(*typed, keywords);

@@ -2,6 +2,7 @@
 """Journeys of a user through the window. usage: journeys.py NAME --bin FOLDER --keep FOLDER"""
 import argparse
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -407,6 +408,92 @@ def escape_walk(desk):
         desk.wait_prompt("Command:")
 
 
+def image_list(desk):
+    """The panel by mouse: add by its menu and the file dialog, hide, show, zoom, move, remove; it stays where it was."""
+    first, second = make_image(desk, "first.tif"), desk.path("second.tif")
+    subprocess.run(["gdal_translate", "-q", "-a_ullr", str(EAST), str(NORTH), str(EAST + WIDE * UNIT), str(SOUTH),
+                    first, second], check=True)
+    drawing = desk.path("list.dxf")
+    desk.start()
+    desk.enter("OpenImageList")
+
+    def item(text, part):
+        desk.enter("UICLICK 1131 Where 119", "Item:")
+        desk.type(text)
+        desk.key("Return")
+        found = desk.wait_line(r"box (\d+),(\d+) label (\d+),(\d+)")
+        desk.wait_prompt("Command:")
+        return tuple(int(v) for v in (found[1:3] if part == "box" else found[3:5]))
+
+    def menu(text, *keys):
+        at = item(text, "label")
+        beside = (at[0] + 40, at[1] + 12)
+        before = desk.picture().at(*beside)
+        desk.skip()
+        desk.click_pixel(at, button=3)
+        wait_until("menu", lambda: desk.picture().at(*beside) != before)
+        desk.shot("menu")
+        desk.key(*keys, "Return")
+
+    def stored():
+        save(desk)
+        return [tag.value for tag in content(drawing).rootdict["ImagePath"]["ImagePath"].tags if tag.code == 1]
+
+    def seen():
+        """The view, found by asking for the ground under two places: the panel takes room from the canvas."""
+        shape = dict(re.findall(r"(\w+)=(\d+)", desk.run(["xdotool", "getwindowgeometry", "--shell", desk.window])))
+        places = [(int(shape["X"]) + int(shape["WIDTH"]) * p // 10, int(shape["Y"]) + int(shape["HEIGHT"]) * 4 // 10)
+                  for p in (5, 8)]
+        grounds = []
+        for place in places:
+            desk.enter("ID", "Point:")
+            desk.click_pixel(place)
+            found = desk.wait_line(r"X = (\S+)  Y = (\S+)  Z = 0")
+            grounds.append((float(found[1]), float(found[2])))
+            desk.wait_prompt("Command:")
+        unit = (grounds[1][0] - grounds[0][0]) / (places[1][0] - places[0][0])
+        return View((places[0][0] + 0.5, places[0][1] + 0.5), grounds[0], unit, 0)
+
+    menu("#1", "Down")
+    answer_dialog(desk, "Open", f'"{first}" "{second}"')
+    desk.enter("ZOOM E")
+    view = seen()
+    expect_quarters(desk, view)
+    desk.shot("added")
+    gone = [(view.pixel(at), BACKGROUND) for at in QUARTERS]
+    for colors in (gone, [(view.pixel(at), color) for at, color in zip(QUARTERS, COLORS)]):
+        box = item(first, "box")
+        desk.skip()
+        desk.click_pixel(box)
+        desk.wait_prompt("Command:")
+        desk.wait_colors(colors)
+    desk.shot("shown-again")
+    label = item(second, "label")
+    desk.skip()
+    desk.click_pixel(label, times=2)
+    desk.wait_redraw()
+    desk.wait_prompt("Command:")
+    center = desk.point_variable("VIEWCTR")
+    check(near(center, (MIDDLE[0] + WIDE * UNIT, MIDDLE[1]), 1e-6), f"zoomed to {center}")
+    desk.shot("zoomed")
+
+    desk.skip()
+    desk.key("ctrl+s")
+    answer_dialog(desk, "Save drawing as", drawing)
+    wait_until("title", lambda: desk.title().endswith("list.dxf"))
+    check(stored() == [first, second], f"stored {stored()}")
+    menu(second, "Up", "Up")
+    desk.wait_redraw()
+    desk.wait_prompt("Command:")
+    check(stored() == [second, first], f"moved up: {stored()}")
+    menu(second, *["Down"] * 5)
+    desk.wait_line(".*" + second + ".*已被删除!")
+    desk.wait_prompt("Command:")
+    check(stored() == [first], f"removed: {stored()}")
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+
+
 def bad_input(desk):
     """Escape everywhere, commands inside commands, nonsense in a file dialog, closing in the middle."""
     drawing = make_drawing(desk)
@@ -506,7 +593,8 @@ def rectify(desk):
 
 
 JOURNEYS = {name: value for name, value in list(globals().items())
-            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot", "rectify")}
+            if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot", "rectify",
+                        "image_list")}
 
 
 def main():
