@@ -3,6 +3,7 @@
 #pragma once
 
 #include "inc/kform.h"
+#include "inc/klisting.h"
 #include "inc/kobject.h"
 #include "inc/kvalues.h"
 
@@ -39,6 +40,8 @@ class IUserInterface : public kel::IObject {
   virtual void setTask(int task, kel::TaskState state, const kel::DString& text) = 0;
   /// Shows the report; returns when the user has seen it.
   virtual void endTasks(const kel::DString& report) = 0;
+  /// Lets the user choose images of a listing; their keys, none when the user cancels.
+  virtual kel::StringList chooseFromListing(const kel::Listing& listing) = 0;
 
  protected:
   ~IUserInterface() = default;

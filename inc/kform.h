@@ -16,6 +16,7 @@ struct FormField {
     kNumber,  ///< a whole number from `least` to `most`
     kFiles,   ///< files and folders, in `values`
     kFolder,
+    kTable,  ///< rows of texts under the headings in `choices`; `values` holds them row by row
   };
   Kind kind = Kind::kText;
   DString label;

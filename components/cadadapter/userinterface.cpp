@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "tarnform.h"
 #include "tarnhost.h"
+#include "tarnlisting.h"
 
 namespace kel {
 namespace {
@@ -23,6 +24,8 @@ std::vector<std::string> plain(const StringList& texts) {
 // The host's kinds and states stand in the same order as the framework's.
 static_assert(static_cast<int>(FormField::Kind::kFolder) ==
               static_cast<int>(TarnFormField::Kind::kFolder));
+static_assert(static_cast<int>(FormField::Kind::kTable) ==
+              static_cast<int>(TarnFormField::Kind::kTable));
 static_assert(static_cast<int>(TaskState::kFailed) == static_cast<int>(TarnTaskState::kFailed));
 
 TarnFormField toHost(const FormField& field) {
@@ -43,6 +46,12 @@ List<FormField> withAnswers(List<FormField> fields, const std::vector<TarnFormFi
     fields[i].values.assign(answers[i].values.begin(), answers[i].values.end());
   }
   return fields;
+}
+
+TarnListingEntry toHost(const ListingEntry& entry) {
+  return {entry.key.str(),       entry.name.str(),   entry.isFolder,       entry.bytes,
+          entry.time.str(),      entry.hasFootprint, entry.footprint.left, entry.footprint.bottom,
+          entry.footprint.right, entry.footprint.top};
 }
 
 }  // namespace
@@ -142,6 +151,25 @@ void UserInterface::setTask(int task, TaskState state, const DString& text) {
 
 void UserInterface::endTasks(const DString& report) {
   tarnHostEndTasks(report.str());
+}
+
+StringList UserInterface::chooseFromListing(const Listing& listing) {
+  TarnListing hosts;
+  hosts.title = listing.title.str();
+  hosts.accept = listing.accept.str();
+  hosts.severalAllowed = listing.severalAllowed;
+  hosts.read = [&listing](const std::string& folder, std::vector<TarnListingEntry>& entries) {
+    List<ListingEntry> read;
+    const DString reason = listing.read(folder, read);
+    for (const ListingEntry& entry : read) entries.push_back(toHost(entry));
+    return reason.str();
+  };
+  if (listing.preview) {
+    hosts.preview = [&listing](const std::string& image) { return listing.preview(image); };
+  }
+  StringList chosen;
+  for (const std::string& key : tarnHostChooseFromListing(hosts)) chosen.emplace_back(key);
+  return chosen;
 }
 
 }  // namespace kel

@@ -25,6 +25,7 @@ class UserInterface final : public Implements<UserInterface, IUserInterface> {
   void beginTasks(const DString& title, const StringList& tasks) override;
   void setTask(int task, TaskState state, const DString& text) override;
   void endTasks(const DString& report) override;
+  StringList chooseFromListing(const Listing& listing) override;
 };
 
 }  // namespace kel

@@ -74,8 +74,68 @@ bool askList(HostApp& app, TarnFormField& field) {
   }
 }
 
+/// The row that is meant by "Word NUMBER", its number counted from 1; nothing when there is none.
+std::optional<size_t> rowOf(const std::string& answer, size_t rows) {
+  const size_t blank = answer.find(' ');
+  int number = 0;
+  if (blank == std::string::npos || !parseInt(answer.substr(blank), number) || number < 1 ||
+      static_cast<size_t>(number) > rows)
+    return std::nullopt;
+  return static_cast<size_t>(number) - 1;
+}
+
+/// Asks for each text of a row; false when the input is cancelled.
+bool askRow(HostApp& app, const TarnFormField& field, std::vector<std::string>& row) {
+  for (size_t i = 0; i < field.choices.size(); ++i) {
+    const auto text = ask(app, field.choices[i] + " <" + row[i] + ">: ", InputKind::kText);
+    if (!text) return false;
+    if (!text->empty()) row[i] = *text;
+  }
+  return true;
+}
+
+void printRows(HostApp& app, const TarnFormField& field) {
+  std::string text = "\n" + field.label;
+  for (size_t i = 0; i < field.values.size(); ++i) {
+    if (i % field.choices.size() == 0)
+      text += "\n  " + std::to_string(i / field.choices.size() + 1) + ":";
+    text += "  " + field.values[i];
+  }
+  app.print(text + "\n");
+}
+
+/// False when the input is cancelled.
+bool askTable(HostApp& app, TarnFormField& field) {
+  using Place = std::vector<std::string>::difference_type;
+  const size_t width = field.choices.size();
+  for (;;) {
+    printRows(app, field);
+    const auto answer =
+        ask(app, "Add, Edit NUMBER or Remove NUMBER (Enter ends): ", InputKind::kText);
+    if (!answer) return false;
+    if (answer->empty()) return true;
+    const char first = toLower(*answer)[0];
+    const std::optional<size_t> row = rowOf(*answer, field.values.size() / width);
+    const auto begin = field.values.begin() + static_cast<Place>(row.value_or(0) * width);
+    std::vector<std::string> texts(width);
+    if (first == 'a') {
+      if (!askRow(app, field, texts)) return false;
+      field.values.insert(field.values.end(), texts.begin(), texts.end());
+    } else if (first == 'e' && row) {
+      std::copy_n(begin, width, texts.begin());
+      if (!askRow(app, field, texts)) return false;
+      std::copy(texts.begin(), texts.end(), begin);
+    } else if (first == 'r' && row) {
+      field.values.erase(begin, begin + static_cast<Place>(width));
+    } else {
+      app.print("\n\"" + *answer + "\": there is no such row, or no such choice.\n");
+    }
+  }
+}
+
 bool askField(HostApp& app, TarnFormField& field) {
   if (field.kind == Kind::kFiles) return askList(app, field);
+  if (field.kind == Kind::kTable) return askTable(app, field);
   const bool path = field.kind == Kind::kFolder;
   const InputKind kind = path ? InputKind::kFileName : InputKind::kText;
   if (field.kind == Kind::kChoice) app.print("\n" + field.label + listed(field) + "\n");

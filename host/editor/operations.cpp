@@ -1,6 +1,7 @@
-// Forms, tasks and progress of the host interface: in windows where the front end has them, else on
-// the command line.
+// Forms, listings, tasks and progress of the host interface: in windows where the front end has
+// them, else on the command line.
 #include "host/editor/commandlineforms.h"
+#include "host/editor/commandlinelisting.h"
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/operationview.h"
@@ -42,6 +43,12 @@ bool tarnHostAskForm(TarnForm& form) {
   if (app == nullptr) return false;
   if (view() != nullptr && app->variables().shortOf("FILEDIA") != 0) return view()->askForm(form);
   return tarn::host::askFormOnCommandLine(*app, form);
+}
+
+std::vector<std::string> tarnHostChooseFromListing(const TarnListing& listing) {
+  HostApp* app = HostApp::instance();
+  if (app == nullptr) return {};
+  return tarn::host::chooseFromListingOnCommandLine(*app, listing);
 }
 
 void tarnHostBeginTasks(const std::string& title, const std::vector<std::string>& tasks) {

@@ -6,12 +6,14 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSpinBox>
+#include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "base/text.h"
@@ -32,6 +34,17 @@ QString qt(const std::string& text) {
 /// A path is in the list once.
 void addPath(QListWidget& list, const QString& path) {
   if (!path.isEmpty() && list.findItems(path, Qt::MatchExactly).isEmpty()) list.addItem(path);
+}
+
+/// Buttons beside a list, none of them that of Enter.
+QVBoxLayout* buttonColumn(std::initializer_list<QPushButton*> buttons) {
+  auto* column = new QVBoxLayout;
+  for (QPushButton* button : buttons) {
+    button->setAutoDefault(false);
+    column->addWidget(button);
+  }
+  column->addStretch(1);
+  return column;
 }
 
 }  // namespace
@@ -66,6 +79,8 @@ void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QForm
   switch (field.kind) {
     case Kind::kFiles:
       return addFiles(field, column);
+    case Kind::kTable:
+      return addTable(field, column);
     case Kind::kFolder:
       widget = makeFolder(field);
       break;
@@ -126,20 +141,61 @@ void FormDialog::addFiles(const TarnFormField& field, QVBoxLayout& column) {
   const auto removeChosen = [list] { qDeleteAll(list->selectedItems()); };
   connect(remove, &QPushButton::clicked, this, removeChosen);
   connect(new QShortcut(QKeySequence::Delete, list), &QShortcut::activated, this, removeChosen);
-  auto* buttons = new QVBoxLayout;
-  for (QPushButton* button : {files, folder, remove}) {
-    button->setAutoDefault(false);
-    buttons->addWidget(button);
-  }
-  buttons->addStretch(1);
   auto* beside = new QHBoxLayout;
   beside->addWidget(list, 1);
-  beside->addLayout(buttons);
+  beside->addLayout(buttonColumn({files, folder, remove}));
   column.addWidget(new QLabel(qt(field.label)));
   column.addLayout(beside, 1);
   readers_.emplace_back([list](TarnFormField& f) {
     f.values.clear();
     for (int i = 0; i < list->count(); ++i) f.values.push_back(list->item(i)->text().toStdString());
+  });
+}
+
+void FormDialog::addTable(const TarnFormField& field, QVBoxLayout& column) {
+  const int width = static_cast<int>(field.choices.size());
+  auto* table = new QTableWidget(0, width);
+  table->setObjectName("table");
+  QStringList headings;
+  for (const std::string& heading : field.choices) headings << qt(heading);
+  table->setHorizontalHeaderLabels(headings);
+  table->verticalHeader()->hide();
+  table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  table->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table->setMinimumHeight(kListHeight);
+  const auto addRow = [table, width] {
+    table->insertRow(table->rowCount());
+    for (int i = 0; i < width; ++i)
+      table->setItem(table->rowCount() - 1, i, new QTableWidgetItem);  // the table's
+  };
+  for (int i = 0; i < static_cast<int>(field.values.size()); ++i) {
+    if (i % width == 0) addRow();
+    table->item(i / width, i % width)->setText(qt(field.values[static_cast<size_t>(i)]));
+  }
+  auto* add = new QPushButton("Add");
+  auto* remove = new QPushButton("Remove");
+  add->setObjectName("addRow");
+  remove->setObjectName("removeRow");
+  connect(add, &QPushButton::clicked, this, [table, addRow] {
+    addRow();
+    table->setCurrentCell(table->rowCount() - 1, 0);
+    table->setFocus();
+    table->editItem(table->currentItem());
+  });
+  const auto removeChosen = [table] {
+    if (table->currentRow() >= 0) table->removeRow(table->currentRow());
+  };
+  connect(remove, &QPushButton::clicked, this, removeChosen);
+  connect(new QShortcut(QKeySequence::Delete, table), &QShortcut::activated, this, removeChosen);
+  auto* beside = new QHBoxLayout;
+  beside->addWidget(table, 1);
+  beside->addLayout(buttonColumn({add, remove}));
+  column.addWidget(new QLabel(qt(field.label)));
+  column.addLayout(beside, 1);
+  readers_.emplace_back([table, width](TarnFormField& f) {
+    f.values.clear();
+    for (int row = 0; row < table->rowCount(); ++row)
+      for (int i = 0; i < width; ++i) f.values.push_back(table->item(row, i)->text().toStdString());
   });
 }
 

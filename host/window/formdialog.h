@@ -23,6 +23,7 @@ class FormDialog : public QDialog {
  private:
   void addField(const TarnFormField& field, QVBoxLayout& column, QFormLayout& rows);
   void addFiles(const TarnFormField& field, QVBoxLayout& column);
+  void addTable(const TarnFormField& field, QVBoxLayout& column);
   QWidget* makeFolder(const TarnFormField& field);
 
   TarnForm& form_;

@@ -97,4 +97,66 @@ TEST_F(CadAdapter, TheUserInterfaceReachesTheHost) {
   EXPECT_FALSE(ui->cancelWanted());
 }
 
+/// Two folders in one another: "top.tif", "east/a 1.tif" ... "east/a 12.tif", "east/deep/100%.tif".
+kel::Listing exampleListing() {
+  kel::Listing listing;
+  listing.title = "Images of the server";
+  listing.read = [](const kel::DString& folder, kel::List<kel::ListingEntry>& entries) {
+    const auto add = [&](const std::string& name, bool isFolder) {
+      kel::ListingEntry entry;
+      entry.key = folder.isEmpty() ? name : folder.str() + "|" + name;
+      entry.name = name;
+      entry.isFolder = isFolder;
+      if (!isFolder) entry.bytes = 1536;
+      entries.push_back(entry);
+    };
+    if (folder.isEmpty()) {
+      add("top.tif", false);
+      add("east", true);
+      add("away", true);
+    } else if (folder == "east") {
+      for (int i = 12; i > 0; --i) add("a " + std::to_string(i) + ".tif", false);
+      add("deep", true);
+    } else if (folder == "east|deep") {
+      add("影像 100%.tif", false);
+    } else {
+      return kel::DString("The folder cannot be reached.");
+    }
+    return kel::DString();
+  };
+  return listing;
+}
+
+TEST_F(CadAdapter, ImagesAreChosenFromAListing) {
+  auto ui = make<IUserInterface>();
+  const struct {
+    std::deque<std::optional<std::string>> answers;
+    kel::StringList chosen;
+  } cases[] = {
+      // Folders come first; numbers in names count by their value.
+      {{"2", "3", "4", "3", ""}, {"east|a 2.tif", "east|a 3.tif"}},
+      {{"3", ""}, {"top.tif"}},
+      {{"top.tif", "east/a 10.tif", "east", "deep", "..", "a 3.tif", ""},
+       {"top.tif", "east|a 10.tif", "east|a 3.tif"}},
+      {{"100%", "A 11", ""}, {"east|deep|影像 100%.tif", "east|a 11.tif"}},
+      {{"east a", "2", "nothing of this", "999", ""}, {"east|a 2.tif"}},
+      {{"top.tif"}, {}},
+      {{""}, {}},
+  };
+  std::string shown;
+  for (const auto& one : cases) {
+    host_.frontEnd.answers = one.answers;
+    EXPECT_TRUE(ui->chooseFromListing(exampleListing()) == one.chosen) << host_.printed();
+    shown += host_.printed();
+  }
+  EXPECT_NE(shown.find("The folder cannot be reached."), std::string::npos);
+  EXPECT_NE(shown.find("top.tif  1.5 kB"), std::string::npos);
+  EXPECT_NE(shown.find("\"nothing of this\": nothing of that name."), std::string::npos);
+  kel::Listing one = exampleListing();
+  one.severalAllowed = false;
+  host_.frontEnd.answers = {"top.tif", "east"};
+  EXPECT_EQ(ui->chooseFromListing(one).size(), 1U);
+  EXPECT_EQ(host_.frontEnd.answers.size(), 1U);
+}
+
 }  // namespace

@@ -78,6 +78,7 @@ TEST(Slots, BaseAndSmallInterfaces) {
       SLOT(IUserInterface, beginTasks, 15),
       SLOT(IUserInterface, setTask, 16),
       SLOT(IUserInterface, endTasks, 17),
+      SLOT(IUserInterface, chooseFromListing, 18),
   });
 }
 

@@ -19,6 +19,8 @@ struct Recorded {
   std::map<std::string, long long> counters;
   /// Fills in forms; without it they are cancelled.
   std::function<bool(kel::Form&)> answer;
+  /// Chooses from listings; without it they are cancelled.
+  std::function<kel::StringList(const kel::Listing&)> choose;
   std::string folder;
   bool cancel = false;
 };
@@ -58,6 +60,9 @@ class RecordingInterface final : public kel::Implements<RecordingInterface, IUse
                                std::to_string(static_cast<int>(state)) + " " + text.str());
   }
   void endTasks(const kel::DString& report) override { recorded().tasks.push_back(report.str()); }
+  kel::StringList chooseFromListing(const kel::Listing& listing) override {
+    return recorded().choose ? recorded().choose(listing) : kel::StringList();
+  }
 };
 
 }  // namespace tarn::test
