@@ -81,12 +81,21 @@ void makeWriteFailuresErrors();
 /// The reason of the last failed system call, for messages.
 std::string lastSystemError();
 
-/// A file opened for reading at any offset by several threads at once. Never mapped: a file that is
-/// cut short meanwhile gives a short read, not a signal.
-class RandomFile {
+/// Bytes that several threads may read at any offset at once.
+class RandomBytes {
+ public:
+  virtual ~RandomBytes() = default;
+
+  /// True when all `size` bytes at `offset` were read.
+  virtual bool readAt(uint64_t offset, void* out, size_t size) const = 0;
+};
+
+/// A file opened for reading. Never mapped: a file that is cut short meanwhile gives a short read,
+/// not a signal.
+class RandomFile final : public RandomBytes {
  public:
   RandomFile() = default;
-  ~RandomFile();
+  ~RandomFile() override;
   RandomFile(RandomFile&& other) noexcept;
   RandomFile& operator=(RandomFile&& other) noexcept;
   RandomFile(const RandomFile&) = delete;
@@ -97,8 +106,7 @@ class RandomFile {
   void close();
   bool isOpen() const { return handle_ != -1; }
 
-  /// True when all `size` bytes at `offset` were read.
-  bool readAt(uint64_t offset, void* out, size_t size) const;
+  bool readAt(uint64_t offset, void* out, size_t size) const override;
 
  private:
   int handle_ = -1;

@@ -2,9 +2,9 @@
 # Needs: $TOP (the repository), $QUIET may be 1. Defines need_packages, build_preset.
 
 BUILD_PACKAGES="g++ cmake ninja-build ccache qtbase5-dev libgdal-dev libsqlite3-dev libjpeg62-turbo-dev
- libeigen3-dev libgtest-dev libgmock-dev libbenchmark-dev python3-minimal fonts-wqy-microhei fonts-dejavu-core"
+ libcurl4-openssl-dev libeigen3-dev libgtest-dev libgmock-dev libbenchmark-dev python3-minimal fonts-wqy-microhei fonts-dejavu-core"
 TEST_PACKAGES="clang-format poppler-utils xvfb xauth xdotool openbox gdal-bin sqlite3 procps util-linux strace
- python3-ezdxf imagemagick"
+ python3-ezdxf imagemagick nginx-light openssl"
 TIDY_PACKAGES="clang-tidy"
 FUZZ_PACKAGES="clang"
 

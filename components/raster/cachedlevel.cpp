@@ -3,17 +3,32 @@
 #include <algorithm>
 #include <cstring>
 #include <utility>
-
-#include "components/raster/tilecache.h"
+#include <vector>
 
 namespace tarn::raster {
 
+TileKey CachedLevel::keyOf(int column, int row) const {
+  return {image_, level_, static_cast<uint32_t>(row) * grid().columns() + column};
+}
+
+bool CachedLevel::prepare(const PixelPatch& patch, std::shared_ptr<const void>& held) const {
+  const TileGrid& g = grid();
+  std::vector<TilePlace> missing;
+  for (int row = patch.y / g.tileHeight; row <= (patch.y + patch.height - 1) / g.tileHeight;
+       ++row) {
+    for (int column = patch.x / g.tileWidth; column <= (patch.x + patch.width - 1) / g.tileWidth;
+         ++column) {
+      if (!TileCache::shared().find(keyOf(column, row))) missing.push_back({column, row});
+    }
+  }
+  return missing.empty() || reader_.prepare(missing, held);
+}
+
 TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
-  const uint32_t index = static_cast<uint32_t>(row) * grid().columns() + column;
-  const TileKey key{image_, level_, index};
+  const TileKey key = keyOf(column, row);
   TileCache& cache = TileCache::shared();
   if (TilePtr found = cache.find(key)) return found;
-  const std::lock_guard<std::mutex> lock(decoding_[index % decoding_.size()]);
+  const std::lock_guard<std::mutex> lock(decoding_[key.index % decoding_.size()]);
   // Another thread may have decoded it while this one waited.
   if (TilePtr found = cache.find(key)) return found;
   auto decoded = std::make_shared<Tile>();
@@ -34,6 +49,8 @@ bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
   room.allocate(patch.width, patch.height + behind, g.channels);
   patch.pixels = std::move(room.pixels);
   std::memset(patch.pixels.get() + patch.stride() * patch.height, 0, patch.stride() * behind);
+  std::shared_ptr<const void> held;
+  if (!prepare(patch, held)) return false;
   bool keysNear = false;
   for (int row = patch.y / g.tileHeight; row * g.tileHeight < patch.y + patch.height; ++row) {
     const int top = row * g.tileHeight;

@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "components/raster/tile.h"
+#include "components/raster/tilecache.h"
 
 namespace tarn::raster {
 
@@ -42,6 +43,9 @@ class CachedLevel {
 
  private:
   TilePtr tile(int column, int row, uint64_t& bytesRead) const;
+  TileKey keyOf(int column, int row) const;
+  /// Gets what the patch needs of the reader ready; as TileReader::prepare.
+  bool prepare(const PixelPatch& patch, std::shared_ptr<const void>& held) const;
 
   const TileReader& reader_;
   uint64_t image_;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <utility>
 
 #include "base/path.h"
 #include "base/text.h"
@@ -108,9 +109,16 @@ void DatasetCloser::operator()(GDALDataset* dataset) const {
   GDALClose(GDALDataset::ToHandle(dataset));
 }
 
-GuardedImage::GuardedImage(const std::string& path) : path_(path) {
+GuardedImage::GuardedImage(const std::string& path) : path_(path), name_(nameOf(path)) {
   prepareGdal();
   id_ = openGuardedFolder(path);
+  prefix_ = guardedPrefix(id_);
+}
+
+GuardedImage::GuardedImage(std::shared_ptr<const RemoteBytes> bytes)
+    : path_(bytes->name()), name_(kRemoteName), isRemote_(true) {
+  prepareGdal();
+  id_ = openGuardedBytes(std::move(bytes));
   prefix_ = guardedPrefix(id_);
 }
 
@@ -119,7 +127,7 @@ GuardedImage::~GuardedImage() {
 }
 
 std::string GuardedImage::cleaned(const std::string& gdalText) const {
-  std::string text = replaceAll(gdalText, prefix_ + nameOf(path_) + ": ", "");
+  std::string text = replaceAll(gdalText, prefix_ + name_ + ": ", "");
   text = replaceAll(text, prefix_, "");
   // Damaged files put any bytes into GDAL's words.
   std::wstring shown = toWide(text);
@@ -135,8 +143,8 @@ Result<DatasetPtr> GuardedImage::open(const char* georeferencing) const {
   // holds for every driver.
   const std::string source = std::string("GEOREF_SOURCES=") + georeferencing;
   const char* options[] = {source.c_str(), nullptr};
-  const char* drivers[] = {"GTiff", "HFA", "JPEG", nullptr};
-  const std::string name = prefix_ + nameOf(path_);
+  const char* drivers[] = {"GTiff", isRemote_ ? nullptr : "HFA", "JPEG", nullptr};
+  const std::string name = prefix_ + name_;
   DatasetPtr dataset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers,
                                        options, nullptr));
   if (dataset) return dataset;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/result.h"
+#include "components/raster/remotebytes.h"
 
 class GDALDataset;
 
@@ -53,11 +54,14 @@ using DatasetPtr = std::unique_ptr<GDALDataset, DatasetCloser>;
 class GuardedImage {
  public:
   explicit GuardedImage(const std::string& path);
+  /// An image from far away, TIFF only, without side files.
+  explicit GuardedImage(std::shared_ptr<const RemoteBytes> bytes);
   ~GuardedImage();
   GuardedImage(const GuardedImage&) = delete;
   GuardedImage& operator=(const GuardedImage&) = delete;
 
   const std::string& path() const { return path_; }
+  bool isRemote() const { return isRemote_; }
   /// Opens the image for reading, by the allowed drivers only. The reason of a failure names the
   /// file.
   Result<DatasetPtr> open() const { return open("INTERNAL"); }
@@ -69,8 +73,11 @@ class GuardedImage {
 
  private:
   std::string path_;
+  /// How GDAL knows it.
+  std::string name_;
   std::string prefix_;
   int id_ = 0;
+  bool isRemote_ = false;
 };
 
 /// Bytes that GDAL has read from guarded files on this thread so far.

@@ -59,10 +59,14 @@ void add(const std::string& name, const std::optional<GeoTransform>& transform,
 }  // namespace
 
 GeoreferenceFound findGeoreference(const GuardedImage& image, const ImageFacts& facts) {
+  GeoreferenceFound found;
+  if (image.isRemote()) {
+    add(kInside, facts.innerGeoTransform, facts.innerControlPoints, -1, found.candidates);
+    return found;
+  }
   const std::string folder = folderOf(image.path()), name = nameOf(image.path());
   const std::string auxName = name + ".aux.xml";
   const AuxFacts aux = readAux(image, joinPath(folder, auxName), facts);
-  GeoreferenceFound found;
   found.namesOverviewFile = aux.namesOverviewFile;
   found.coordinateSystem = aux.coordinateSystem;
   add(auxName, aux.transform, aux.points, aux.coordinateSystem, found.candidates);

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "base/file.h"
 #include "base/path.h"
@@ -20,9 +21,15 @@ constexpr const char* kRoot = "/vsitarn/";
 // GDAL takes in whole what is of this kind.
 constexpr const char* kTextEnding = ".xml";
 
+/// One of the two.
+struct GuardedFolder {
+  std::string image;
+  std::shared_ptr<const RemoteBytes> bytes;
+};
+
 struct Folders {
   std::mutex mutex;
-  std::map<int, std::string> images;
+  std::map<int, GuardedFolder> images;
   int next = 1;
 };
 
@@ -33,38 +40,48 @@ Folders& folders() {
 
 thread_local uint64_t t_bytesRead = 0;
 
-/// The real path of "<id>/<name>", or empty when that image may not see that file.
-std::string realPath(const char* virtualName) {
+/// What stands behind "<id>/<name>": the real path of a file, or an image's bytes; neither when
+/// that image may not see that file.
+GuardedFolder behind(const char* virtualName) {
   std::string name = virtualName;
   if (name.compare(0, std::strlen(kRoot), kRoot) == 0) name.erase(0, std::strlen(kRoot));
   const size_t slash = name.find('/');
   int id = 0;
   if (slash == std::string::npos || !parseInt(name.substr(0, slash), id)) return {};
-  std::string image;
+  GuardedFolder folder;
   {
     const std::lock_guard<std::mutex> lock(folders().mutex);
     const auto found = folders().images.find(id);
     if (found == folders().images.end()) return {};
-    image = found->second;
+    folder = found->second;
   }
   const std::string wanted = name.substr(slash + 1);
+  if (folder.bytes) return wanted == kRemoteName ? folder : GuardedFolder{};
+  const std::string& image = folder.image;
   if (!isSideFileName(nameOf(image), wanted)) return {};
   const std::string path = joinPath(folderOf(image), wanted);
   const bool isText = equalsIgnoreCase(extensionOf(wanted), kTextEnding);
-  return isText && fileTimes(path).size > kMostSideFileBytes ? std::string() : path;
+  if (isText && fileTimes(path).size > kMostSideFileBytes) return {};
+  return {path, nullptr};
 }
 
 struct OpenFile {
-  RandomFile file;
+  std::shared_ptr<const RandomBytes> bytes;
   uint64_t size = 0;
   uint64_t position = 0;
   bool atEnd = false;
 };
 
 int statFile(void*, const char* name, VSIStatBufL* out, int) {
-  const std::string path = realPath(name);
-  if (path.empty() || fileKind(path) != FileKind::kRegular) return -1;
-  const FileTimes times = fileTimes(path);
+  const GuardedFolder found = behind(name);
+  FileTimes times;
+  if (found.bytes) {
+    times.size = found.bytes->size();
+  } else if (!found.image.empty() && fileKind(found.image) == FileKind::kRegular) {
+    times = fileTimes(found.image);
+  } else {
+    return -1;
+  }
   std::memset(out, 0, sizeof *out);
   out->st_size = static_cast<decltype(out->st_size)>(times.size);
   out->st_mode = S_IFREG;
@@ -74,11 +91,17 @@ int statFile(void*, const char* name, VSIStatBufL* out, int) {
 
 void* openFile(void*, const char* name, const char* access) {
   if (std::strpbrk(access, "wa+")) return nullptr;
-  const std::string path = realPath(name);
-  if (path.empty()) return nullptr;
+  const GuardedFolder found = behind(name);
   auto opened = std::make_unique<OpenFile>();
-  if (!opened->file.open(path)) return nullptr;
-  opened->size = fileTimes(path).size;
+  if (found.bytes) {
+    opened->bytes = found.bytes;
+    opened->size = found.bytes->size();
+    return opened.release();
+  }
+  auto file = std::make_shared<RandomFile>();
+  if (found.image.empty() || !file->open(found.image)) return nullptr;
+  opened->bytes = std::move(file);
+  opened->size = fileTimes(found.image).size;
   return opened.release();
 }
 
@@ -103,7 +126,7 @@ size_t readFileBytes(void* file, void* buffer, size_t size, size_t count) {
   const uint64_t wanted = static_cast<uint64_t>(size) * count;
   const uint64_t bytes = std::min(left, wanted);
   opened->atEnd = bytes < wanted;
-  if (bytes > 0 && !opened->file.readAt(opened->position, buffer, bytes)) {
+  if (bytes > 0 && !opened->bytes->readAt(opened->position, buffer, bytes)) {
     opened->atEnd = true;
     return 0;
   }
@@ -137,7 +160,14 @@ bool isSideFileName(const std::string& imageName, const std::string& name) {
 int openGuardedFolder(const std::string& imagePath) {
   const std::lock_guard<std::mutex> lock(folders().mutex);
   const int id = folders().next++;
-  folders().images[id] = imagePath;
+  folders().images[id] = {imagePath, nullptr};
+  return id;
+}
+
+int openGuardedBytes(std::shared_ptr<const RemoteBytes> bytes) {
+  const std::lock_guard<std::mutex> lock(folders().mutex);
+  const int id = folders().next++;
+  folders().images[id] = {{}, std::move(bytes)};
   return id;
 }
 

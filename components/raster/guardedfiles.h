@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+
+#include "components/raster/remotebytes.h"
 
 namespace tarn::raster {
 
@@ -14,6 +17,9 @@ void installGuardedFiles();
 
 /// Opens a virtual folder for one image and returns its number; closeGuardedFolder ends it.
 int openGuardedFolder(const std::string& imagePath);
+/// The same for an image from far away, the only file in its folder.
+int openGuardedBytes(std::shared_ptr<const RemoteBytes> bytes);
+constexpr const char* kRemoteName = "image.tif";
 void closeGuardedFolder(int id);
 
 /// "/vsitarn/<id>/".

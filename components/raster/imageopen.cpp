@@ -40,7 +40,7 @@ Status checkPath(const std::string& path) {
 /// A JPG that was written to its end has at least a bit for each of its squares of eight pixels,
 /// and an end marker near its end, or before the mask that GDAL appends, whose last four bytes say
 /// where it begins.
-bool hasJpegEnd(const RandomFile& file, uint64_t size, const ImageFacts& facts) {
+bool hasJpegEnd(const RandomBytes& file, uint64_t size, const ImageFacts& facts) {
   if (size < static_cast<uint64_t>(facts.width) * static_cast<uint64_t>(facts.height) / 512)
     return false;
   std::vector<uint8_t> tail(std::min<uint64_t>(size, 65536));
@@ -99,17 +99,24 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   guarded_ = std::make_shared<GuardedImage>(path);
   if (Status status = loadFullSize(options); !status) return status;
   loadPlacement();
-  if (!presentation_.note.empty()) notes_.push_back(presentation_.note);
-  if (presentation_.conversion == Conversion::kScaled)
-    notes_.push_back(scaleNote(facts_, presentation_));
-  notes_.insert(notes_.end(), placement_.notes.begin(), placement_.notes.end());
+  describeNotes();
   if (options.usePyramid) {
     loadOwnOverviews();
     if (!hasOwnOverviews_) loadPyramid(options.places);
   }
-  if (!placement_.isAsStored())
-    presented_ = presentLevels(levels_, ownTilesId_, placement_, facts_.width, facts_.height);
+  if (!placement_.isAsStored()) presentOwnLevels();
   return Status::ok();
+}
+
+void RasterImage::describeNotes() {
+  if (!presentation_.note.empty()) notes_.push_back(presentation_.note);
+  if (presentation_.conversion == Conversion::kScaled)
+    notes_.push_back(scaleNote(facts_, presentation_));
+  notes_.insert(notes_.end(), placement_.notes.begin(), placement_.notes.end());
+}
+
+void RasterImage::presentOwnLevels() {
+  presented_ = presentLevels(levels_, ownTilesId_, placement_, facts_.width, facts_.height);
 }
 
 Status RasterImage::loadFullSize(const OpenOptions& options) {
@@ -121,9 +128,11 @@ Status RasterImage::loadFullSize(const OpenOptions& options) {
   if (Status wanted = wantBands(options.bands, facts_); !wanted)
     return Status::error(path_ + ": " + wanted.message());
   if (facts_.driver == "GTiff") {
-    auto directories = readTiffDirectories(*file_, times_.size);
-    if (!directories) return Status::error(path_ + ": " + directories.message());
-    directories_ = directories.take();
+    if (directories_.empty()) {
+      auto directories = readTiffDirectories(*file_, times_.size);
+      if (!directories) return Status::error(path_ + ": " + directories.message());
+      directories_ = directories.take();
+    }
     facts_.alphaMultiplied = directories_[0].alphaMultiplied;
   }
   Result<Presentation> presentation = decidePresentation(facts_);
@@ -137,7 +146,7 @@ Status RasterImage::loadFullSize(const OpenOptions& options) {
               presentation_.channels,
               static_cast<int>(facts_.bands.size()),
               presentation_.plain ? "" : formOf(presentation_)};
-  if (presentation_.hasMask) {
+  if (presentation_.hasMask && !remote_) {
     const FileTimes mask = fileTimes(path_ + ".msk");
     subject_.form += " m" + std::to_string(mask.size) + ' ' + std::to_string(mask.modifiedNs);
   }
@@ -180,9 +189,10 @@ Status RasterImage::checkWhole() const {
   const Status cut =
       Status::error(path_ + ": is cut short or damaged: its last pixels are missing");
   if (facts_.driver == "JPEG") return hasJpegEnd(*file_, times_.size, facts_) ? Status::ok() : cut;
-  // What is read straight from the file was checked with its directory.
+  // What is read straight from the file was checked with its directory; a tile from far away costs
+  // more than it tells.
   const TileReader& reader = *levels_[0].reader;
-  if (reader.cheap()) return Status::ok();
+  if (reader.cheap() || remote_) return Status::ok();
   // One tile tells whether the pixels can be decoded at all; an IMG may end early.
   const TileGrid& grid = reader.grid();
   const bool last = facts_.driver == "HFA";
@@ -209,7 +219,7 @@ void RasterImage::loadPlacement() {
 }
 
 bool RasterImage::addLevel(const TiffDirectory& directory, int index, bool ours,
-                           const std::shared_ptr<const RandomFile>& file,
+                           const std::shared_ptr<const RandomBytes>& file,
                            const std::shared_ptr<GuardedImage>& guarded) {
   Level level;
   if (directory.samples == presentation_.channels) {

@@ -198,6 +198,10 @@ bool Reading::fetchTiles(const Level& level, TileBlock& block) {
   }
   if (!missing.empty() && level.reader->sequential())
     readOnTheWay(level, block, rowOf(missing.front()));
+  std::vector<TilePlace> places;
+  for (const size_t i : missing) places.push_back({columnOf(i), rowOf(i)});
+  std::shared_ptr<const void> held;
+  if (!places.empty() && !level.reader->prepare(places, held)) return false;
   std::atomic<uint64_t> bytes{0};
   std::atomic<bool> failed{false};
   const auto decode = [&](size_t n) {

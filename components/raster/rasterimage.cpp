@@ -14,6 +14,7 @@ RasterImage::~RasterImage() {
 }
 
 Status RasterImage::checkUnchanged() const {
+  if (remote_) return Status::ok();
   const FileTimes now = fileTimes(path_);
   if (now.size == times_.size && now.modifiedNs == times_.modifiedNs) return Status::ok();
   return Status::error(path_ + (fileKind(path_) == FileKind::kMissing
@@ -46,14 +47,15 @@ void RasterImage::stretch(StretchMode mode, uint8_t* cells, size_t pixels) const
 }
 
 bool RasterImage::hasPyramid(const PyramidPlaces& places) const {
-  if (pyramidLevels(facts_.width, facts_.height).empty() || hasOwnOverviews_) return true;
+  if (remote_ || pyramidLevels(facts_.width, facts_.height).empty() || hasOwnOverviews_)
+    return true;
   return findPyramid(subject_, places).state != PyramidState::kMissing;
 }
 
 Status RasterImage::buildPyramid(const PyramidPlaces& places, const Progress& progress,
                                  std::string& note) const {
   if (Status unchanged = checkUnchanged(); !unchanged) return unchanged;
-  if (pyramidLevels(facts_.width, facts_.height).empty()) return Status::ok();
+  if (remote_ || pyramidLevels(facts_.width, facts_.height).empty()) return Status::ok();
   const bool stale = findPyramid(subject_, places).stale;
   PyramidSource source{subject_, levels_.front().reader.get(), std::nullopt,
                        presentation_.thinLines, presentation_.lossy};

@@ -19,6 +19,7 @@
 #include "components/raster/presentation.h"
 #include "components/raster/pyramidbuilder.h"
 #include "components/raster/pyramidfile.h"
+#include "components/raster/remotebytes.h"
 #include "components/raster/stretch.h"
 #include "components/raster/tiffdirectory.h"
 #include "components/raster/tile.h"
@@ -40,6 +41,9 @@ class RasterImage {
   /// Opens an image file. The reason of a failure names the file.
   static Result<std::shared_ptr<RasterImage>> open(const std::string& path,
                                                    const OpenOptions& options);
+  /// Opens a tiled TIFF with reduced levels whose bytes come from far away. It has no side files
+  /// and no pyramid but what is in it. The reason of a failure names it.
+  static Result<std::shared_ptr<RasterImage>> open(std::shared_ptr<const RemoteBytes> bytes);
   ~RasterImage();
   RasterImage(const RasterImage&) = delete;
   RasterImage& operator=(const RasterImage&) = delete;
@@ -95,12 +99,18 @@ class RasterImage {
   const std::vector<Level>& ownLevels() const { return levels_; }
   /// Their number in the tile cache.
   uint64_t ownTiles() const { return placement_.isAsStored() ? id_ : ownTilesId_; }
-  /// Fails, with the reason, when the file is not the one that was opened any more.
+  /// Fails, with the reason, when the file is not the one that was opened any more. Remote bytes
+  /// judge that themselves.
   Status checkUnchanged() const;
 
  private:
   RasterImage() = default;
   Status load(const std::string& path, const OpenOptions& options);
+  Status loadRemote(std::shared_ptr<const RemoteBytes> bytes);
+  void describeNotes();
+  void presentOwnLevels();
+  /// Makes the levels of remote bytes fetch the tiles of a view together.
+  void fetchTogether();
   Status loadFullSize(const OpenOptions& options);
   void chooseScale(GDALDataset& dataset, const OpenOptions& options);
   Status addFullSize(DatasetPtr dataset);
@@ -110,7 +120,7 @@ class RasterImage {
   void loadPyramid(const PyramidPlaces& places);
   void addPyramidLevels(const std::string& path, bool ours);
   bool addLevel(const TiffDirectory& directory, int index, bool ours,
-                const std::shared_ptr<const RandomFile>& file,
+                const std::shared_ptr<const RandomBytes>& file,
                 const std::shared_ptr<GuardedImage>& guarded);
   void loadPlacement();
   Status checkWhole() const;
@@ -134,7 +144,9 @@ class RasterImage {
   Placement placement_;
   std::vector<std::string> notes_;
   std::shared_ptr<GuardedImage> guarded_;
-  std::shared_ptr<const RandomFile> file_;
+  std::shared_ptr<const RandomBytes> file_;
+  /// The same as file_ where it comes from far away; else null.
+  std::shared_ptr<const RemoteBytes> remote_;
   std::vector<TiffDirectory> directories_;
   bool hasOwnOverviews_ = false;
   /// The image's own pixels, and what is presented where that is not the same.

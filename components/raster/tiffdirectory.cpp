@@ -43,7 +43,7 @@ using Fields = std::map<uint16_t, Field>;
 
 class Parser {
  public:
-  Parser(const RandomFile& file, uint64_t size) : file_(file), size_(size) {}
+  Parser(const RandomBytes& file, uint64_t size) : file_(file), size_(size) {}
 
   Status run(std::vector<TiffDirectory>& out) {
     uint64_t at = 0;
@@ -218,7 +218,7 @@ class Parser {
     return true;
   }
 
-  const RandomFile& file_;
+  const RandomBytes& file_;
   uint64_t size_;
   bool little_ = true;
   bool big_ = false;
@@ -243,11 +243,11 @@ bool TiffDirectory::isPlainPicture() const {
   return plainBytes && (gray || colour);
 }
 
-bool hasMorePicturesThan(const RandomFile& file, uint64_t fileSize, size_t most) {
+bool hasMorePicturesThan(const RandomBytes& file, uint64_t fileSize, size_t most) {
   return Parser(file, fileSize).hasMoreThan(most);
 }
 
-Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomFile& file, uint64_t fileSize) {
+Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomBytes& file, uint64_t fileSize) {
   std::vector<TiffDirectory> directories;
   Parser parser(file, fileSize);
   if (Status status = parser.run(directories); !status) return status;

@@ -45,11 +45,11 @@ struct TiffDirectory {
 };
 
 /// True for a TIFF with more pictures than `most` in its main chain.
-bool hasMorePicturesThan(const RandomFile& file, uint64_t fileSize, size_t most);
+bool hasMorePicturesThan(const RandomBytes& file, uint64_t fileSize, size_t most);
 
 /// Reads the directories of the file's main chain, up to the first damaged one and as many as
 /// overviews can need. Fails on what is no TIFF, on a damaged first directory, and when a block of
 /// the first picture lies behind the end of the file.
-Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomFile& file, uint64_t fileSize);
+Result<std::vector<TiffDirectory>> readTiffDirectories(const RandomBytes& file, uint64_t fileSize);
 
 }  // namespace tarn::raster

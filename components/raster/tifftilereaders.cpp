@@ -29,7 +29,7 @@ TileGrid blockGrid(const TiffDirectory& directory) {
 /// Uncompressed tiles: one read a tile.
 class RawTileReader : public TileReader {
  public:
-  RawTileReader(std::shared_ptr<const RandomFile> file, TiffDirectory directory)
+  RawTileReader(std::shared_ptr<const RandomBytes> file, TiffDirectory directory)
       : file_(std::move(file)), directory_(std::move(directory)), grid_(blockGrid(directory_)) {}
 
   const TileGrid& grid() const override { return grid_; }
@@ -58,7 +58,7 @@ class RawTileReader : public TileReader {
   }
 
  private:
-  std::shared_ptr<const RandomFile> file_;
+  std::shared_ptr<const RandomBytes> file_;
   TiffDirectory directory_;
   TileGrid grid_;
 };
@@ -66,7 +66,7 @@ class RawTileReader : public TileReader {
 /// Uncompressed strips: one read a row of a tile, rows that follow one another in the file in one.
 class RawStripReader : public TileReader {
  public:
-  RawStripReader(std::shared_ptr<const RandomFile> file, TiffDirectory directory)
+  RawStripReader(std::shared_ptr<const RandomBytes> file, TiffDirectory directory)
       : file_(std::move(file)),
         directory_(std::move(directory)),
         grid_(gridOf(directory_, kStripTileWidth, kStripTileHeight)) {}
@@ -117,14 +117,14 @@ class RawStripReader : public TileReader {
     return file_->readAt(offset, target, bytes);
   }
 
-  std::shared_ptr<const RandomFile> file_;
+  std::shared_ptr<const RandomBytes> file_;
   TiffDirectory directory_;
   TileGrid grid_;
 };
 
 class JpegTiffReader : public TileReader {
  public:
-  JpegTiffReader(std::shared_ptr<const RandomFile> file, TiffDirectory directory)
+  JpegTiffReader(std::shared_ptr<const RandomBytes> file, TiffDirectory directory)
       : file_(std::move(file)), directory_(std::move(directory)), grid_(blockGrid(directory_)) {}
 
   const TileGrid& grid() const override { return grid_; }
@@ -149,7 +149,7 @@ class JpegTiffReader : public TileReader {
   }
 
  private:
-  std::shared_ptr<const RandomFile> file_;
+  std::shared_ptr<const RandomBytes> file_;
   TiffDirectory directory_;
   TileGrid grid_;
 };
@@ -164,7 +164,7 @@ uint64_t blockBytes(const TiffDirectory& directory) {
 
 }  // namespace
 
-std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomFile> file,
+std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomBytes> file,
                                               TiffDirectory directory) {
   if (!directory.isPlainPicture() || directory.compression != tiff::kNone) return nullptr;
   if (!directory.tiled)
@@ -174,7 +174,7 @@ std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomFile> 
   return std::make_unique<RawTileReader>(std::move(file), std::move(directory));
 }
 
-std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomFile> file,
+std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomBytes> file,
                                                TiffDirectory directory) {
   if (!directory.isPlainPicture() || directory.compression != tiff::kJpeg) return nullptr;
   if (blockBytes(directory) > kMostBlockBytes || areTooSmall(directory)) return nullptr;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace tarn::raster {
 
@@ -50,6 +51,12 @@ struct TileGrid {
   int heightOf(int row) const;
 };
 
+/// Where a tile stands in its grid.
+struct TilePlace {
+  int column = 0;
+  int row = 0;
+};
+
 /// Decodes tiles of one level. Every operation may be called from several threads at once.
 class TileReader {
  public:
@@ -59,6 +66,12 @@ class TileReader {
   TileReader& operator=(const TileReader&) = delete;
 
   virtual const TileGrid& grid() const = 0;
+  /// Gets ready what the tiles are decoded from, where that is better done for several at once; it
+  /// stays so as long as `held` lives. False when it cannot be had.
+  virtual bool prepare(const std::vector<TilePlace>& /*places*/,
+                       std::shared_ptr<const void>& /*held*/) const {
+    return true;
+  }
   /// Decodes one tile into `out` (hasKeys is left to the caller) and adds the bytes read from the
   /// file to `bytesRead`. False when the file does not hold it whole.
   virtual bool read(int column, int row, Tile& out, uint64_t& bytesRead) const = 0;

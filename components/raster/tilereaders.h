@@ -14,11 +14,11 @@ namespace tarn::raster {
 
 /// Uncompressed blocks read by their offsets, only the bytes needed. Strips are presented as tiles.
 /// Null when the directory is not of this form.
-std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomFile> file,
+std::unique_ptr<TileReader> makeRawTiffReader(std::shared_ptr<const RandomBytes> file,
                                               TiffDirectory directory);
 
 /// JPEG blocks. Null when the directory is not of this form.
-std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomFile> file,
+std::unique_ptr<TileReader> makeJpegTiffReader(std::shared_ptr<const RandomBytes> file,
                                                TiffDirectory directory);
 
 /// Which picture of a GDAL dataset: the image, or one of its overviews (-1: none).

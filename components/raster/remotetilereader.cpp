@@ -1,0 +1,73 @@
+#include "components/raster/remotetilereader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarn::raster {
+namespace {
+
+class RemoteTileReader final : public TileReader {
+ public:
+  RemoteTileReader(std::unique_ptr<TileReader> inner, std::vector<const TiffDirectory*> pictures,
+                   std::shared_ptr<const RemoteBytes> bytes)
+      : inner_(std::move(inner)), pictures_(std::move(pictures)), bytes_(std::move(bytes)) {}
+
+  const TileGrid& grid() const override { return inner_->grid(); }
+
+  bool prepare(const std::vector<TilePlace>& places,
+               std::shared_ptr<const void>& held) const override {
+    const TileGrid& g = grid();
+    std::vector<ByteRange> ranges;
+    for (const TiffDirectory* picture : pictures_) {
+      for (const TilePlace& place : places) {
+        const auto blocks = rangesOf(*picture, place.column * g.tileWidth, place.row * g.tileHeight,
+                                     g.widthOf(place.column), g.heightOf(place.row));
+        ranges.insert(ranges.end(), blocks.begin(), blocks.end());
+      }
+    }
+    return bytes_->fetch(ranges, held);
+  }
+
+  bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
+    return inner_->read(column, row, out, bytesRead);
+  }
+
+ private:
+  std::unique_ptr<TileReader> inner_;
+  std::vector<const TiffDirectory*> pictures_;
+  std::shared_ptr<const RemoteBytes> bytes_;
+};
+
+}  // namespace
+
+std::vector<ByteRange> rangesOf(const TiffDirectory& picture, int x, int y, int width, int height) {
+  std::vector<ByteRange> ranges;
+  const uint64_t across = picture.blocksAcross(), plane = across * picture.blocksDown();
+  const auto blockWidth = static_cast<uint64_t>(picture.blockWidth),
+             blockHeight = static_cast<uint64_t>(picture.blockHeight);
+  const uint64_t planes = picture.planar ? std::max<uint64_t>(1, picture.samples) : 1;
+  if (picture.offsets.size() < plane * planes || picture.byteCounts.size() < plane * planes)
+    return ranges;
+  const uint64_t lastColumn = std::min((x + uint64_t(width) - 1) / blockWidth, across - 1);
+  const uint64_t lastRow = std::min((y + uint64_t(height) - 1) / blockHeight, plane / across - 1);
+  for (uint64_t p = 0; p < planes; ++p) {
+    for (uint64_t row = y / blockHeight; row <= lastRow; ++row) {
+      for (uint64_t column = x / blockWidth; column <= lastColumn; ++column) {
+        const uint64_t block = p * plane + row * across + column;
+        const uint64_t bytes = picture.byteCounts[block];
+        if (bytes > 0 && bytes <= kMostBlockBytes)
+          ranges.push_back({picture.offsets[block], bytes});
+      }
+    }
+  }
+  return ranges;
+}
+
+std::unique_ptr<TileReader> makeRemoteReader(std::unique_ptr<TileReader> inner,
+                                             std::vector<const TiffDirectory*> pictures,
+                                             std::shared_ptr<const RemoteBytes> bytes) {
+  return std::make_unique<RemoteTileReader>(std::move(inner), std::move(pictures),
+                                            std::move(bytes));
+}
+
+}  // namespace tarn::raster

@@ -1,0 +1,22 @@
+// Tiles of a picture whose bytes come from far away: those of a view are fetched together.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "components/raster/remotebytes.h"
+#include "components/raster/tiffdirectory.h"
+#include "components/raster/tile.h"
+
+namespace tarn::raster {
+
+/// Reads as `inner` does. `pictures` are the directories whose blocks `inner` decodes (the picture
+/// and its mask), all of the inner grid's size; they must live as long.
+std::unique_ptr<TileReader> makeRemoteReader(std::unique_ptr<TileReader> inner,
+                                             std::vector<const TiffDirectory*> pictures,
+                                             std::shared_ptr<const RemoteBytes> bytes);
+
+/// The file's ranges that hold a rectangle inside a picture, one a block.
+std::vector<ByteRange> rangesOf(const TiffDirectory& picture, int x, int y, int width, int height);
+
+}  // namespace tarn::raster

@@ -1,0 +1,73 @@
+// The bytes of one file on a server, fetched by ranges and kept for a while.
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "base/result.h"
+#include "components/raster/remotebytes.h"
+#include "imageclient/http.h"
+#include "imageclient/rangecache.h"
+
+namespace tarn::client {
+
+/// What is wanted of a file, put together to few requests: sorted by offset, those that lie close
+/// together merged.
+std::vector<raster::ByteRange> mergeRanges(std::vector<raster::ByteRange> ranges);
+
+/// One state of a file: as soon as the server has another, nothing can be read any more.
+class HttpSource final : public raster::RemoteBytes {
+ public:
+  /// Fetches the start of the file, which says what it is. The reason of a failure is a sentence
+  /// that names it.
+  static Result<std::shared_ptr<HttpSource>> open(const ServerPlace& place, const std::string& path,
+                                                  const std::shared_ptr<Operation>& operation);
+
+  const std::string& name() const override { return name_; }
+  uint64_t size() const override { return version_.size; }
+  bool readAt(uint64_t offset, void* out, size_t size) const override;
+  bool fetch(const std::vector<raster::ByteRange>& ranges,
+             std::shared_ptr<const void>& held) const override;
+
+  /// Reads are part of this operation from now on.
+  void setOperation(std::shared_ptr<Operation> operation);
+  /// Asks the server whether the file is still the same; hasChanged() then tells.
+  void checkVersion();
+  bool hasChanged() const { return changed_; }
+  /// When the server last said that the file is as it was.
+  Operation::Clock::time_point confirmed() const;
+  /// Why the last read failed; its failure is empty when none has.
+  HttpAnswer failure() const;
+  /// Forgets the last failure.
+  void clearFailure();
+
+ private:
+  HttpSource(const ServerPlace& place, const std::string& path);
+  Status load();
+  bool request(const std::vector<raster::ByteRange>& ranges, std::vector<PiecePtr>& pieces) const;
+  bool accept(const HttpAnswer& answer, const raster::ByteRange& range) const;
+  PiecePtr find(uint64_t offset, uint64_t size) const;
+  void keep(const PiecePtr& piece) const;
+  void fail(const HttpAnswer& answer) const;
+  std::string condition() const;
+  uint64_t readAhead(uint64_t offset, uint64_t size) const;
+  std::shared_ptr<Operation> operation() const;
+
+  ServerPlace place_;
+  std::string path_;
+  std::string name_;
+  FileVersion version_;
+  mutable std::atomic<bool> changed_{false};
+  mutable std::mutex mutex_;
+  mutable std::multimap<uint64_t, std::weak_ptr<const Piece>> pieces_;
+  mutable uint64_t headEnd_ = 0;
+  mutable HttpAnswer failure_;
+  mutable Operation::Clock::time_point confirmed_;
+  std::shared_ptr<Operation> operation_;
+};
+
+}  // namespace tarn::client

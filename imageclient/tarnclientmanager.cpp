@@ -1,0 +1,290 @@
+#include "imageclient/tarnclientmanager.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "components/raster/rasterimage.h"
+#include "imageclient/clientservices.h"
+#include "imageclient/httpsource.h"
+#include "imageclient/serverhealth.h"
+
+using tarn::Status;
+using tarn::client::Breaker;
+using tarn::client::HttpAnswer;
+using tarn::client::HttpSource;
+using tarn::client::Operation;
+using tarn::client::ServerPlace;
+using tarn::raster::RasterImage;
+using tarn::raster::ReadCounts;
+using tarn::raster::StretchMode;
+using tarn::raster::Window;
+
+namespace {
+
+constexpr int kMostCells = 8200;
+
+ClientTimes& currentTimes() {
+  static ClientTimes instance;
+  return instance;
+}
+
+}  // namespace
+
+struct TarnClientManager::State {
+  ClientTimes times = currentTimes();
+  bool isServe = false;
+  std::string host;
+  std::string port;
+  std::string path;
+  std::shared_ptr<HttpSource> source;
+  std::shared_ptr<RasterImage> image;
+  double transform[6] = {1, 0, 0, -1, 0, 0};
+  std::vector<unsigned char> pixels;
+  std::optional<Window> announced;
+  Breaker breaker;
+  std::string error;
+  std::string reported;
+  int (*updated)(void*) = nullptr;
+  void* updatedName = nullptr;
+  bool antiAliasing = false;
+  StretchMode stretch = StretchMode::kNone;
+
+  std::shared_ptr<Operation> begin() const {
+    return std::make_shared<Operation>(times, &tarn::client::userWantsToStop);
+  }
+
+  std::optional<ServerPlace> place() {
+    auto parsed = tarn::client::parsePlace(host, port);
+    if (parsed) return tarn::client::withConfiguration(parsed.take());
+    error = parsed.message();
+    return std::nullopt;
+  }
+
+  /// A fault is told once, until something has succeeded.
+  bool fail(const std::string& message, bool cancelled) {
+    error = message;
+    if (cancelled) return false;
+    breaker.failed(times);
+    if (message != reported) tarn::client::tellUser(message);
+    reported = message;
+    return false;
+  }
+
+  void succeed() {
+    breaker.succeeded();
+    error.clear();
+    reported.clear();
+  }
+
+  bool open(const std::shared_ptr<Operation>& operation);
+  bool openIfPossible(const std::shared_ptr<Operation>& operation);
+  bool isStale() const;
+  bool readPixels(const Window& window);
+  bool readCurrent(const Window& window, const std::shared_ptr<Operation>& operation,
+                   bool& changed);
+};
+
+bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation) {
+  image.reset();
+  source.reset();
+  const auto where = place();
+  if (!where) return fail(error, false);
+  if (Status usable = tarn::client::checkImagePath(path); !usable)
+    return fail(usable.message(), false);
+  auto opened = HttpSource::open(*where, path, operation);
+  if (!opened) return fail(opened.message(), operation->isCancelled());
+  source = opened.take();
+  auto loaded = RasterImage::open(source);
+  if (!loaded) {
+    const HttpAnswer failure = source->failure();
+    const std::string message = failure.failure.empty()
+                                    ? loaded.message()
+                                    : source->name() + ": " + failure.failure;
+    source.reset();
+    return fail(message, failure.isCancelled);
+  }
+  image = loaded.take();
+  const tarn::raster::GeoTransform& t = image->geoTransform();
+  const double numbers[6] = {t.a, 0, 0, t.e, t.x0, t.y0};
+  std::copy(numbers, numbers + 6, transform);
+  succeed();
+  return true;
+}
+
+bool TarnClientManager::State::openIfPossible(const std::shared_ptr<Operation>& operation) {
+  if (image) return true;
+  if (!isServe || path.empty() || breaker.isOpen()) return false;
+  return open(operation);
+}
+
+bool TarnClientManager::State::isStale() const {
+  return Operation::Clock::now() - source->confirmed() > std::chrono::milliseconds(times.believed);
+}
+
+bool TarnClientManager::State::readPixels(const Window& window) {
+  std::vector<unsigned char> fresh(static_cast<size_t>(window.columns) * window.rows * 3);
+  ReadCounts counts;
+  const uint64_t before = tarn::client::httpTotals().bytes;
+  const Status read = image->read(window, antiAliasing, fresh.data(), counts);
+  tarn::client::countForUser("windows", 1);
+  tarn::client::countForUser("pixels", static_cast<long long>(counts.pixels));
+  tarn::client::countForUser("bytes",
+                             static_cast<long long>(tarn::client::httpTotals().bytes - before));
+  tarn::client::countForUser("tiles_read", static_cast<long long>(counts.tilesRead));
+  tarn::client::countForUser("tiles_cached", static_cast<long long>(counts.tilesCached));
+  if (!read || source->hasChanged()) return false;
+  image->stretch(stretch, fresh.data(), fresh.size() / 3);
+  pixels = std::move(fresh);
+  return true;
+}
+
+bool TarnClientManager::State::readCurrent(const Window& window,
+                                           const std::shared_ptr<Operation>& operation,
+                                           bool& changed) {
+  source->setOperation(operation);
+  source->clearFailure();
+  if (isStale()) source->checkVersion();
+  if (!source->hasChanged() && source->failure().failure.empty() && readPixels(window)) return true;
+  if (!source->hasChanged()) return false;
+  // Nothing of the old file may be seen beside the new one, so all of it is read again.
+  changed = true;
+  const int width = image->width(), height = image->height();
+  const std::vector<double> place(transform, transform + 6);
+  if (!open(operation)) return false;
+  // The window counts pixels of the old image.
+  const bool same = width == image->width() && height == image->height() &&
+                    std::equal(place.begin(), place.end(), transform);
+  return same && readPixels(window);
+}
+
+TarnClientManager::TarnClientManager() : state_(std::make_unique<State>()) {}
+TarnClientManager::~TarnClientManager() = default;
+
+void TarnClientManager::setTimes(const ClientTimes& times) {
+  currentTimes() = times;
+}
+
+void TarnClientManager::setIsServe(bool isServe) {
+  state_->isServe = isServe;
+}
+
+void TarnClientManager::setServeIp(const kel::DString& address) {
+  state_->host = address.str();
+}
+
+void TarnClientManager::setPort(const kel::DString& port) {
+  state_->port = port.str();
+}
+
+bool TarnClientManager::connectServe() {
+  if (!state_->isServe || state_->breaker.isOpen()) return false;
+  const auto where = state_->place();
+  if (!where) return state_->fail(state_->error, false);
+  tarn::client::HttpRequest request;
+  request.headOnly = true;
+  const auto operation = state_->begin();
+  const HttpAnswer answer = tarn::client::runRequests(*where, {request}, *operation).front();
+  // Any answer shows that there is a server.
+  if (answer.status != 0) {
+    state_->error.clear();
+    return true;
+  }
+  return state_->fail(where->text() + ": " + answer.failure, answer.isCancelled);
+}
+
+bool TarnClientManager::setCurImg(const kel::DString& path) {
+  state_->image.reset();
+  state_->source.reset();
+  state_->pixels.clear();
+  state_->path = path.str();
+  return state_->openIfPossible(state_->begin());
+}
+
+bool TarnClientManager::isReady() {
+  return state_->openIfPossible(state_->begin());
+}
+
+void TarnClientManager::setUpdFunc(int (*callback)(void*)) {
+  state_->updated = callback;
+}
+
+void TarnClientManager::setAds_name(void* name) {
+  state_->updatedName = name;
+}
+
+int TarnClientManager::imgWei() {
+  return state_->image ? state_->image->width() : 0;
+}
+
+int TarnClientManager::imgHei() {
+  return state_->image ? state_->image->height() : 0;
+}
+
+double* TarnClientManager::getTfwData() {
+  return state_->transform;
+}
+
+void TarnClientManager::announceWindow(double x, double y, double cellX, double cellY) {
+  state_->announced = Window{x, y, cellX, cellY, 0, 0};
+}
+
+bool TarnClientManager::updateImage(int x, int y, int w, int h, double reductionX,
+                                    double reductionY, unsigned char** buffer) {
+  if (buffer) *buffer = nullptr;
+  Window window{static_cast<double>(x), static_cast<double>(y), std::fabs(reductionX),
+                std::fabs(reductionY), w, h};
+  if (state_->announced) {
+    window = *state_->announced;
+    window.columns = w;
+    window.rows = h;
+    state_->announced.reset();
+  }
+  if (w < 1 || h < 1 || w > kMostCells || h > kMostCells) return false;
+  if (state_->breaker.isOpen()) return false;
+  const auto operation = state_->begin();
+  if (!state_->openIfPossible(operation)) return false;
+  bool changed = false;
+  const bool read = state_->readCurrent(window, operation, changed);
+  if (read) {
+    state_->succeed();
+  } else if (state_->source && !changed) {
+    const HttpAnswer failure = state_->source->failure();
+    state_->fail(state_->source->name() + ": " +
+                     (failure.failure.empty() ? "some of its pixels cannot be read"
+                                              : failure.failure),
+                 failure.isCancelled);
+  }
+  if (changed && state_->updated) state_->updated(state_->updatedName);
+  if (read && buffer) {
+    *buffer = new unsigned char[state_->pixels.size()];
+    std::memcpy(*buffer, state_->pixels.data(), state_->pixels.size());
+  }
+  return read;
+}
+
+const unsigned char* TarnClientManager::getMaybeImgData() {
+  return state_->pixels.empty() ? nullptr : state_->pixels.data();
+}
+
+void TarnClientManager::close() {
+  state_->image.reset();
+  state_->source.reset();
+  state_->pixels = {};
+  state_->path.clear();
+}
+
+kel::DString TarnClientManager::error() {
+  return state_->error;
+}
+
+void TarnClientManager::setAntiAliasing(bool on) {
+  state_->antiAliasing = on;
+}
+
+void TarnClientManager::setStretchMode(int mode) {
+  const bool known = mode == 1 || mode == 2;
+  state_->stretch = known ? static_cast<StretchMode>(mode) : StretchMode::kNone;
+}
