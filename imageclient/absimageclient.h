@@ -26,10 +26,10 @@ class AbsImageClient {
   /// upper-left corner), valid while the client lives.
   virtual double* getTfwData() = 0;
   /// Fetches `w * h` cells of `reductionX * reductionY` image pixels, the first with its upper left
-  /// corner at image pixel (x, y): R, G, B, rows without gaps, row 0 on top. Cells outside the image
-  /// are (0, 0, 0). Sets `*buffer` to memory of w * h * 3 bytes that the caller gives back to
-  /// freeBuffer(); `buffer` may be null, the pixels are then only in getMaybeImgData(). False, after
-  /// one message a fault, when some pixels cannot be had; `*buffer` is then null.
+  /// corner at image pixel (x, y): R, G, B, rows without gaps, row 0 on top. Cells outside the
+  /// image are (0, 0, 0). Sets `*buffer` to memory of w * h * 3 bytes that the caller gives back to
+  /// freeBuffer(); `buffer` may be null, the pixels are then only in getMaybeImgData(). False,
+  /// after one message a fault, when some pixels cannot be had; `*buffer` is then null.
   virtual bool updateImage(int x, int y, int w, int h, double reductionX, double reductionY,
                            unsigned char** buffer) = 0;
   /// Ends the connection; the image is not open afterwards.

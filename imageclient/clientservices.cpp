@@ -1,7 +1,9 @@
 #include "imageclient/clientservices.h"
 
+#include "base/text.h"
 #include "inc/iconfigmanager.h"
 #include "inc/iuserinterface.h"
+#include "inc/kimageservers.h"
 
 namespace tarn::client {
 namespace {
@@ -36,7 +38,18 @@ std::string configured(const char* key) {
   return configuration.isNull() ? std::string() : configuration->getValue(key).toString().str();
 }
 
+kel::StringList chooseFromListing(const kel::Listing& listing) {
+  const auto user = find<IUserInterface>();
+  return user.isNull() ? kel::StringList() : user->chooseFromListing(listing);
+}
+
 ServerPlace withConfiguration(ServerPlace place) {
+  for (const kel::ImageServer& server : kel::imageServersOf(configured(kel::kImageServersKey))) {
+    if (server.port != place.port || !equalsIgnoreCase(server.host.str(), place.host)) continue;
+    place.https = server.isHttps;
+    place.caFile = server.caFile.str();
+    break;
+  }
   return place;
 }
 

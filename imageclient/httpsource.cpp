@@ -26,8 +26,7 @@ std::vector<raster::ByteRange> mergeRanges(std::vector<raster::ByteRange> ranges
       raster::ByteRange& last = merged.back();
       const uint64_t lastEnd = last.offset + last.size, end = range.offset + range.size;
       const bool inside = end <= lastEnd;
-      if (inside ||
-          (range.offset <= lastEnd + kGap && end - last.offset <= kLongestRequest)) {
+      if (inside || (range.offset <= lastEnd + kGap && end - last.offset <= kLongestRequest)) {
         last.size = std::max(lastEnd, end) - last.offset;
         continue;
       }
@@ -168,8 +167,7 @@ bool HttpSource::request(const std::vector<raster::ByteRange>& ranges,
   for (size_t i = 0; i < answers.size(); ++i) whole = accept(answers[i], ranges[i]) && whole;
   if (!whole) return false;
   for (size_t i = 0; i < answers.size(); ++i) {
-    pieces.push_back(
-        std::make_shared<Piece>(Piece{ranges[i].offset, std::move(answers[i].body)}));
+    pieces.push_back(std::make_shared<Piece>(Piece{ranges[i].offset, std::move(answers[i].body)}));
     keep(pieces.back());
   }
   const std::lock_guard<std::mutex> lock(mutex_);

@@ -5,9 +5,10 @@
 
 enum class LOADWAY { kServer = 1, kLocal = 2 };
 
-/// An image on a server is named by its specification "HOST:PORT/DIR:DIR:FILE.tif", which a display
-/// name may precede: "NAME%$#@HOST:PORT/DIR:DIR:FILE.tif". Names are as the server's files have them
-/// (UTF-8, not percent-encoded).
+/// The servers stand in the configuration (inc/kimageservers.h). An image on one is named by its
+/// specification "HOST:PORT/DIR:DIR:FILE.tif", which a display name may precede:
+/// "NAME%$#@HOST:PORT/DIR:DIR:FILE.tif". Names are as the server's files have them (UTF-8, not
+/// percent-encoded).
 class QFileFind {
  public:
   /// Told of each fault of a listing, one sentence; without one the user interface is.

@@ -44,9 +44,8 @@ Result<ServerPlace> parsePlace(const std::string& host, const std::string& port)
   ServerPlace place;
   if (!isHostName(host)) return Status::error("\"" + host + "\" is no name of a server");
   place.host = host;
-  const bool digits = !port.empty() && std::all_of(port.begin(), port.end(), [](char c) {
-    return c >= '0' && c <= '9';
-  });
+  const bool digits = !port.empty() && std::all_of(port.begin(), port.end(),
+                                                   [](char c) { return c >= '0' && c <= '9'; });
   if (!port.empty() && (!digits || port.size() > 5 || !parseInt(port, place.port) ||
                         place.port < 1 || place.port > 65535))
     return Status::error(host + ": \"" + port + "\" is no port of a server");

@@ -100,9 +100,8 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
   auto loaded = RasterImage::open(source);
   if (!loaded) {
     const HttpAnswer failure = source->failure();
-    const std::string message = failure.failure.empty()
-                                    ? loaded.message()
-                                    : source->name() + ": " + failure.failure;
+    const std::string message =
+        failure.failure.empty() ? loaded.message() : source->name() + ": " + failure.failure;
     source.reset();
     return fail(message, failure.isCancelled);
   }
@@ -165,6 +164,10 @@ TarnClientManager::~TarnClientManager() = default;
 
 void TarnClientManager::setTimes(const ClientTimes& times) {
   currentTimes() = times;
+}
+
+const ClientTimes& TarnClientManager::times() {
+  return currentTimes();
 }
 
 void TarnClientManager::setIsServe(bool isServe) {
@@ -234,8 +237,12 @@ void TarnClientManager::announceWindow(double x, double y, double cellX, double 
 bool TarnClientManager::updateImage(int x, int y, int w, int h, double reductionX,
                                     double reductionY, unsigned char** buffer) {
   if (buffer) *buffer = nullptr;
-  Window window{static_cast<double>(x), static_cast<double>(y), std::fabs(reductionX),
-                std::fabs(reductionY), w, h};
+  Window window{static_cast<double>(x),
+                static_cast<double>(y),
+                std::fabs(reductionX),
+                std::fabs(reductionY),
+                w,
+                h};
   if (state_->announced) {
     window = *state_->announced;
     window.columns = w;
@@ -252,10 +259,10 @@ bool TarnClientManager::updateImage(int x, int y, int w, int h, double reduction
     state_->succeed();
   } else if (state_->source && !changed) {
     const HttpAnswer failure = state_->source->failure();
-    state_->fail(state_->source->name() + ": " +
-                     (failure.failure.empty() ? "some of its pixels cannot be read"
-                                              : failure.failure),
-                 failure.isCancelled);
+    state_->fail(
+        state_->source->name() + ": " +
+            (failure.failure.empty() ? "some of its pixels cannot be read" : failure.failure),
+        failure.isCancelled);
   }
   if (changed && state_->updated) state_->updated(state_->updatedName);
   if (read && buffer) {

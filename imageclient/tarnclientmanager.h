@@ -6,8 +6,8 @@
 #include "imageclient/absimageclient.h"
 #include "imageclient/clienttimes.h"
 
-/// Opened by setIsServe(true), setServeIp, setPort, connectServe, setCurImg. Once it has an image it
-/// finds its way back by itself: an image that could not be opened, or whose server was away, is
+/// Opened by setIsServe(true), setServeIp, setPort, connectServe, setCurImg. Once it has an image
+/// it finds its way back by itself: an image that could not be opened, or whose server was away, is
 /// tried again by isReady() and updateImage() after ClientTimes::pause.
 class TarnClientManager final : public AbsImageClient {
  public:
@@ -54,6 +54,7 @@ class TarnClientManager final : public AbsImageClient {
 
   /// The limits of managers and listings made from now on; for tests.
   static void setTimes(const ClientTimes& times);
+  static const ClientTimes& times();
 
  private:
   struct State;

@@ -91,11 +91,12 @@ Outcome failed(CURLcode code) {
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CONNECT_ERROR:
     case CURLE_SSL_CACERT_BADFILE:
-      return {Outcome::Next::kDone, "the certificate of its server is not to be believed", true,
-              {}};
+      return {
+          Outcome::Next::kDone, "the certificate of its server is not to be believed", true, {}};
     default:
       return {Outcome::Next::kDone,
-              std::string("its server gave no usable answer: ") + curl_easy_strerror(code), true,
+              std::string("its server gave no usable answer: ") + curl_easy_strerror(code),
+              true,
               {}};
   }
   outcome.next = Outcome::Next::kTryAgain;
@@ -152,8 +153,8 @@ void Transfer::setRequest(const ServerPlace& place) {
   if (!place.caFile.empty()) curl_easy_setopt(easy_, CURLOPT_CAINFO, place.caFile.c_str());
   if (request_.headOnly) curl_easy_setopt(easy_, CURLOPT_NOBODY, 1L);
   if (request_.count > 0) {
-    const std::string range = std::to_string(request_.first) + '-' +
-                              std::to_string(request_.first + request_.count - 1);
+    const std::string range =
+        std::to_string(request_.first) + '-' + std::to_string(request_.first + request_.count - 1);
     curl_easy_setopt(easy_, CURLOPT_RANGE, range.c_str());
   }
   if (!request_.condition.empty()) {
@@ -214,8 +215,7 @@ bool Transfer::bodyIsWelcome() {
   looked_ = true;
   long status = 0;
   curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-  if (status == 200 && request_.count > 0)
-    refusal_ = "its server does not give out parts of files";
+  if (status == 200 && request_.count > 0) refusal_ = "its server does not give out parts of files";
   if (status == 206 && (!answer_.isPart || answer_.first != request_.first))
     refusal_ = "its server answers with other bytes than it was asked for";
   return refusal_.empty();

@@ -1,0 +1,62 @@
+#include "imageclient/qfilefind.h"
+
+#include <memory>
+#include <string>
+
+#include "imageclient/clientservices.h"
+#include "imageclient/serverfolders.h"
+#include "imageclient/tarnclientmanager.h"
+#include "inc/iuserinterface.h"
+#include "inc/kimageservers.h"
+
+namespace {
+
+using tarn::client::ServerFolders;
+
+/// The configured servers that a specification can name.
+std::vector<ServerFolders::Server> servers() {
+  std::vector<ServerFolders::Server> out;
+  for (const kel::ImageServer& server :
+       kel::imageServersOf(tarn::client::configured(kel::kImageServersKey))) {
+    auto place = tarn::client::parsePlace(server.host.str(), std::to_string(server.port));
+    if (!place) continue;
+    place.value().https = server.isHttps;
+    place.value().caFile = server.caFile.str();
+    out.push_back({server.name.str(), place.take(), server.folder.str()});
+  }
+  return out;
+}
+
+}  // namespace
+
+QFileFind& QFileFind::Instance(Callback callback) {
+  static QFileFind instance;
+  if (callback) instance.callback_ = callback;
+  return instance;
+}
+
+LOADWAY QFileFind::loadImgWay() {
+  return tarn::client::configured(kel::kLoadWayKey) == "1" ? LOADWAY::kServer : LOADWAY::kLocal;
+}
+
+kel::StringList QFileFind::getImgInfo(kel::DString& specification) {
+  specification = {};
+  const auto tell = [this](const std::string& message) {
+    callback_ ? callback_(message.c_str()) : tarn::client::tellUser(message);
+  };
+  const auto folders = std::make_shared<ServerFolders>(servers(), TarnClientManager::times());
+  if (folders->isEmpty()) {
+    tell("No image server is configured; IMAGESERVER does that.");
+    return {};
+  }
+  kel::Listing listing;
+  listing.title = "影像服务器";
+  listing.accept = "添加";
+  listing.read = [folders](const kel::DString& folder, kel::List<kel::ListingEntry>& entries) {
+    return kel::DString(folders->read(folder.str(), entries));
+  };
+  listing.preview = [folders](const kel::DString& image) { return folders->preview(image.str()); };
+  const kel::StringList chosen = tarn::client::chooseFromListing(listing);
+  if (!chosen.empty()) specification = chosen.front();
+  return chosen;
+}
