@@ -167,14 +167,14 @@ Result<Plan> planConversion(const ImageFacts& facts, const Presentation& present
   plan.cloudOptimised = options.format == Format::kCloudTiff;
   plan.sideFiles = options.sideFiles || options.format == Format::kJpeg;
   // What the tile readers deliver is what is to be written.
-  const bool inTiles =
-      plan.shown || (presentation.plain && plan.bands.size() == facts.bands.size() &&
-                     plan.bands == presentation.bands);
+  plan.inTiles = plan.shown || (presentation.plain && plan.bands.size() == facts.bands.size() &&
+                                plan.bands == presentation.bands);
   const bool ownTiff = isTiff(options) && options.compression != Compression::kLzw;
   const int64_t bytes = int64_t{facts.width} * facts.height * presentation.channels;
-  if (inTiles && ownTiff) plan.writer = Writer::kTiles;
-  if (inTiles && options.format == Format::kImg && bytes < kLargestImg)
+  if (plan.inTiles && ownTiff) plan.writer = Writer::kTiles;
+  if (plan.inTiles && options.format == Format::kImg && bytes < kLargestImg)
     plan.writer = Writer::kBlocks;
+  if (options.format == Format::kJpeg && plan.alphaToMask == 0) plan.writer = Writer::kRows;
   planDriver(facts, options, plan);
   plan.pyramidInside = plan.cloudOptimised || (options.pyramids && plan.writer == Writer::kTiles);
   plan.pyramidBeside = options.pyramids && !plan.pyramidInside;

@@ -12,12 +12,14 @@
 
 namespace tarn::convert {
 
-/// Who writes the pixels: tiles and blocks of 8 bits are written here, by all processors; the rest
-/// is a driver's.
-enum class Writer { kTiles, kBlocks, kDriver };
+/// Who writes the pixels: tiles, blocks and rows of 8 bits are written here, by all processors; the
+/// rest is a driver's, and so is what holds a mask.
+enum class Writer { kTiles, kBlocks, kRows, kDriver };
 
 struct Plan {
   Writer writer = Writer::kDriver;
+  /// The pixels are those that the image's tile reader delivers.
+  bool inTiles = false;
   /// The pixels are those of the screen.
   bool shown = false;
   /// Of the image as it is stored: numbers of its bands; alpha not among them when it becomes a

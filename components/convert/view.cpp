@@ -279,6 +279,10 @@ std::unique_ptr<GDALDataset> makeShownView(const Source& source, const std::stri
   return std::make_unique<ShownView>(source, mark);
 }
 
+bool hasMask(GDALDataset& view) {
+  return (view.GetRasterBand(1)->GetMaskFlags() & GMF_PER_DATASET) != 0;
+}
+
 void describeLike(GDALDataset& view, GDALDataset& target) {
   double transform[6] = {};
   if (view.GetSpatialRef()) target.SetSpatialRef(view.GetSpatialRef());

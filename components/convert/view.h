@@ -25,4 +25,7 @@ std::unique_ptr<GDALDataset> makeShownView(const Source& source, const std::stri
 /// Gives a new file of a driver all that the view says, but no pixels.
 void describeLike(GDALDataset& view, GDALDataset& target);
 
+/// True when a mask says for all bands where the image is; pixels behind it may be anything.
+bool hasMask(GDALDataset& view);
+
 }  // namespace tarn::convert

@@ -9,6 +9,8 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "components/convert/imgblocks.h"
+#include "components/convert/jpegrows.h"
+#include "components/convert/miniature.h"
 #include "components/convert/view.h"
 #include "components/convert/waiting.h"
 #include "components/raster/tilecascade.h"
@@ -119,6 +121,75 @@ Status writeBlocks(GDALDataset& view, const raster::RasterImage& image, const st
   return runWaiting([&](Waiting&) { return writer.finish(); }, stepOf(progress, kPixelShare, 1));
 }
 
+/// What the driver says about the picture inside a JPEG file. The .aux.xml that it writes goes
+/// beside `path`.
+Result<std::vector<uint8_t>> describingJpeg(GDALDataset& view, const std::string& path) {
+  constexpr uint64_t kMostBytes = 16ULL << 20;
+  const std::string folder = path + ".tags", sample = joinPath(folder, nameOf(path));
+  if (Status made = makeFolders(folder); !made) return made;
+  const std::unique_ptr<GDALDataset> miniature = makeMiniature(view);
+  {
+    const GdalErrors errors;
+    GDALDataset* made = driverNamed("JPEG")->CreateCopy(sample.c_str(), miniature.get(), FALSE,
+                                                        nullptr, nullptr, nullptr);
+    if (Status closed = closeWritten(made, errors, sample); !closed) return closed;
+  }
+  Result<std::string> stream = readFile(sample, kMostBytes);
+  if (!stream) return stream.status();
+  const std::string beside = ".aux.xml";
+  if (fileKind(sample + beside) == FileKind::kRegular) {
+    if (Status moved = replaceFile(sample + beside, path + beside); !moved) return moved;
+  }
+  if (Status removed = removeAll(folder); !removed) return removed;
+  return describingSegments({stream.value().begin(), stream.value().end()});
+}
+
+/// Pixels that are not those of the tiles: chosen bands of a file.
+Status copyRows(GDALDataset& view, JpegRowWriter& writer, const std::string& path,
+                const raster::Progress& progress) {
+  const int width = view.GetRasterXSize(), height = view.GetRasterYSize();
+  const int channels = view.GetRasterCount();
+  constexpr int kRows = raster::kPyramidTile;
+  std::vector<uint8_t> pixels(static_cast<size_t>(width) * channels * kRows);
+  for (int top = 0; top < height; top += kRows) {
+    const int rows = std::min(kRows, height - top);
+    const GdalErrors errors;
+    if (view.RasterIO(GF_Read, 0, top, width, rows, pixels.data(), width, rows, GDT_Byte, channels,
+                      nullptr, channels, static_cast<GSpacing>(width) * channels, 1,
+                      nullptr) != CE_None)
+      return Status::error(path + ": cannot be written: " + errors.text());
+    if (Status written = writer.writeRows(top, rows, pixels.data()); !written) return written;
+    if (progress && !progress((top + rows) / static_cast<double>(height)))
+      return Status::error("was stopped");
+  }
+  return Status::ok();
+}
+
+Status writeRows(const Plan& plan, GDALDataset& view, const raster::RasterImage& image,
+                 const std::string& path, const raster::Progress& progress) {
+  Result<std::vector<uint8_t>> description = describingJpeg(view, path);
+  if (!description) return description.status();
+  JpegRowWriter writer;
+  if (Status created =
+          writer.create(path, {view.GetRasterXSize(), view.GetRasterYSize(), view.GetRasterCount(),
+                               plan.coding.quality, description.take()});
+      !created)
+    return created;
+  raster::CascadeForm cascade;
+  cascade.withImage = true;
+  cascade.withHalves = false;
+  const raster::Progress pixels = stepOf(progress, 0, kPixelShare);
+  const Status done = plan.inTiles ? cascadeTiles(image.storedPixels(), cascade, writer, pixels)
+                                   : copyRows(view, writer, path, pixels);
+  if (!done) return done;
+  return runWaiting(
+      [&](Waiting&) {
+        Status finished = writer.finish();
+        return finished ? writer.check() : finished;
+      },
+      stepOf(progress, kPixelShare, 1));
+}
+
 int CPL_STDCALL tellDriverProgress(double part, const char*, void* shared) {
   auto* waiting = static_cast<Waiting*>(shared);
   waiting->part = part * kPixelShare;
@@ -165,6 +236,10 @@ Status writeConverted(const Plan& plan, GDALDataset& view, const raster::RasterI
       return writeTiles(plan, view, image, path, progress);
     case Writer::kBlocks:
       return writeBlocks(view, image, path, progress);
+    case Writer::kRows:
+      // The driver's own way to keep a mask in such a file.
+      if (hasMask(view)) break;
+      return writeRows(plan, view, image, path, progress);
     case Writer::kDriver:
       break;
   }

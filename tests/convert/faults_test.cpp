@@ -24,7 +24,7 @@ const Way kWays[] = {{"tiles", Format::kGeoTiff, Compression::kNone},
                      {"spooled tiles", Format::kCloudTiff, Compression::kZstd},
                      {"blocks", Format::kImg, Compression::kNone},
                      {"driver", Format::kGeoTiff, Compression::kLzw},
-                     {"driver of JPEG", Format::kJpeg, Compression::kNone}};
+                     {"rows", Format::kJpeg, Compression::kNone}};
 
 class ConversionFaults : public ::testing::TestWithParam<Way> {
  protected:
