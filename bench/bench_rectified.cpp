@@ -1,6 +1,8 @@
 // Views of a rectified image beside plain views of the same image, and its export.
 // bench_rectified IMAGE [WINDOWS]: medians in milliseconds for orders 1, 2 and 3.
 // bench_rectified IMAGE ORDER nearest|bilinear TARGET: exports, through the points of rectify.sh.
+#include <ctime>
+
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -52,23 +54,72 @@ raster::WarpGrid gridOf(const Chain& chain) {
           std::make_shared<DrawnMapping>(chain, frame.transform)};
 }
 
-template <typename Image>
-void show(const Image& image, const char* name, double reduction, int windows) {
-  bench::Random random;
-  bench::Times times;
-  std::vector<uint8_t> out(static_cast<size_t>(bench::kWidth) * bench::kHeight * 3);
-  raster::ReadCounts counts;
-  for (int i = 0; i < windows; ++i) {
-    // The middle of the image: a view of a turned one is full there, too.
-    Window w = bench::somewhere(random, reduction, image.width(), image.height());
-    w.x = image.width() * 0.25 + w.x / 2;
-    w.y = image.height() * 0.25 + w.y / 2;
-    times.measure(
-        w, image.width(), [] { raster::TileCache::shared().clear(); },
-        [&](const Window& window) { return image.read(window, false, out.data(), counts).isOk(); });
+/// Medians of the times that passed and of the processor's, of all threads, in milliseconds.
+struct Series {
+  std::vector<double> passed, processor;
+
+  void measure(const std::function<bool()>& work) {
+    timespec from{}, to{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &from);
+    passed.push_back(bench::milliseconds(work));
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &to);
+    processor.push_back(1e3 * static_cast<double>(to.tv_sec - from.tv_sec) +
+                        1e-6 * static_cast<double>(to.tv_nsec - from.tv_nsec));
   }
-  std::printf("  %-8s cold %6.2f  pan %6.2f  again %6.2f\n", name, median(times.cold),
-              median(times.pan), median(times.again));
+};
+
+/// One way to see the image: cold (nothing decoded or warped), moved by a tenth of the screen, and
+/// the moved window once more.
+struct Way {
+  std::string name;
+  std::function<bool(const Window&, uint8_t*)> read;
+  double width = 0;
+  double height = 0;
+  Series cold, pan, again;
+};
+
+/// Each window with all ways in turn, so that what else runs on the machine meets all alike.
+void compare(std::vector<Way>& ways, double reduction, int windows) {
+  bench::Random random;
+  std::vector<uint8_t> out(static_cast<size_t>(bench::kWidth) * bench::kHeight * 3);
+  for (int i = 0; i < windows; ++i) {
+    const double u = random.next(), v = random.next();
+    for (Way& way : ways) {
+      // The middle half of the image: a view of a turned one is full there, too.
+      Window w{0, 0, reduction, reduction, bench::kWidth, bench::kHeight};
+      w.x = way.width * 0.25 + u * (way.width / 2 - w.columns * reduction);
+      w.y = way.height * 0.25 + v * (way.height / 2 - w.rows * reduction);
+      raster::TileCache::shared().clear();
+      way.cold.measure([&] { return way.read(w, out.data()); });
+      w.x += (u < 0.5 ? 0.1 : -0.1) * w.columns * reduction;
+      way.pan.measure([&] { return way.read(w, out.data()); });
+      way.again.measure([&] { return way.read(w, out.data()); });
+    }
+  }
+  std::printf(
+      "reduction %g    passed: cold    pan  again   processor: cold    pan  again   ratio cold\n",
+      reduction);
+  const double plain = median(ways[0].cold.passed), plainUsed = median(ways[0].cold.processor);
+  for (const Way& way : ways) {
+    std::printf("  %-17s %9.2f %6.2f %6.2f %17.2f %6.2f %6.2f   %5.2f (processor %.2f)\n",
+                way.name.c_str(), median(way.cold.passed), median(way.pan.passed),
+                median(way.again.passed), median(way.cold.processor), median(way.pan.processor),
+                median(way.again.processor), median(way.cold.passed) / plain,
+                median(way.cold.processor) / plainUsed);
+  }
+}
+
+template <typename Image>
+Way wayOf(const std::string& name, std::shared_ptr<Image> image) {
+  Way way;
+  way.name = name;
+  way.width = image->width();
+  way.height = image->height();
+  way.read = [image](const Window& w, uint8_t* out) {
+    raster::ReadCounts counts;
+    return image->read(w, false, out, counts).isOk();
+  };
+  return way;
 }
 
 int exportTo(const RasterImage& image, const char* order, const char* resampling,
@@ -111,13 +162,11 @@ int main(int count, char** arguments) {
   }
   const int windows = count > 2 ? std::atoi(arguments[2]) : 15;
   for (const double reduction : {1.0, 2.0, 3.7}) {
-    std::printf("reduction %g\n", reduction);
-    show(*image, "plain", reduction, windows);
-    for (const int order : {1, 2, 3}) {
-      const Chain chain = chainOf(*image, order);
-      show(*WarpedImage::warp(image, gridOf(chain)), ("order " + std::to_string(order)).c_str(),
-           reduction, windows);
-    }
+    std::vector<Way> ways{wayOf("plain", image)};
+    for (const int order : {1, 2, 3})
+      ways.push_back(wayOf("order " + std::to_string(order),
+                           WarpedImage::warp(image, gridOf(chainOf(*image, order)))));
+    compare(ways, reduction, windows);
   }
   return 0;
 }

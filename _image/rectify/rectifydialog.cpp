@@ -85,7 +85,7 @@ void rectifyDialog::connectWidgets() {
           &rectifyDialog::on_out_rectify_image_clicked);
   connect(m_form->pointsTable, &QTableWidget::itemDoubleClicked, this,
           &rectifyDialog::on_table_item_double_clicked);
-  for (QRadioButton* mode : {m_form->radioButton_by_control_point, m_form->radioButton_moveImage,
+  for (QRadioButton* mode : {m_form->radioButton_by_control_point, m_form->radioButton_moveImgage,
                              m_form->radioButton_zoom_image, m_form->radioButton_rotate_image,
                              m_form->radioButton_mirror}) {
     connect(mode, &QRadioButton::toggled, this, &rectifyDialog::handleRadioButtonToggle);
@@ -201,7 +201,7 @@ void rectifyDialog::setLayoutAllWidgetsEnabled(QLayout* layout, bool enabled) {
 void rectifyDialog::handleRadioButtonToggle(bool checked) {
   if (!checked) return;
   QRadioButton* const modes[] = {m_form->radioButton_by_control_point,
-                                 m_form->radioButton_moveImage, m_form->radioButton_zoom_image,
+                                 m_form->radioButton_moveImgage, m_form->radioButton_zoom_image,
                                  m_form->radioButton_rotate_image, m_form->radioButton_mirror};
   auto* chosen = qobject_cast<QRadioButton*>(sender());
   if (!chosen) chosen = m_form->radioButton_by_control_point;

@@ -21,7 +21,7 @@ bool isNumberOrEmpty(const QLineEdit* edit) {
 }  // namespace
 
 rectifyDialog::PlacementChange rectifyDialog::typedChange() {
-  if (m_form->radioButton_moveImage->isChecked()) return typedMove();
+  if (m_form->radioButton_moveImgage->isChecked()) return typedMove();
   if (m_form->radioButton_zoom_image->isChecked()) return typedScale();
   if (m_form->radioButton_rotate_image->isChecked()) return typedRotation();
   if (m_form->radioButton_mirror->isChecked()) return typedMirror();

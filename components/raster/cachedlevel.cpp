@@ -34,6 +34,7 @@ TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
   auto decoded = std::make_shared<Tile>();
   if (!reader_.read(column, row, *decoded, bytesRead)) return nullptr;
   decoded->hasKeys =
+      decoded->hasKeys &&
       findKeys(decoded->pixels.get(), static_cast<size_t>(decoded->width) * decoded->height,
                decoded->channels);
   cache.insert(key, decoded);

@@ -166,6 +166,7 @@ TilePtr Reading::readTile(const Level& level, int column, int row, uint64_t& byt
   auto tile = std::make_shared<Tile>();
   if (!level.reader->read(column, row, *tile, bytes)) return nullptr;
   tile->hasKeys =
+      tile->hasKeys &&
       findKeys(tile->pixels.get(), static_cast<size_t>(tile->width) * tile->height, tile->channels);
   TileCache::shared().insert(keyOf(level, column, row), tile);
   return tile;

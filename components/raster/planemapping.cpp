@@ -62,6 +62,20 @@ bool PlaneMapping::isAffine() const {
          std::all_of(v_.begin() + 3, v_.end(), [](double c) { return c == 0; });
 }
 
+bool PlaneMapping::keepsSide(PlanePoint low, PlanePoint high, double orientation) const {
+  const Slope middle = slopeAt((low.x + high.x) / 2, (low.y + high.y) / 2);
+  const double w = std::fabs(high.x - low.x) / 2, h = std::fabs(high.y - low.y) / 2;
+  // How far each derivative may be from the one in the middle.
+  const auto far = [&](double square, double mixed, double along, double other) {
+    return 2 * std::fabs(square) * along + std::fabs(mixed) * other;
+  };
+  const double ux = far(u_[3], u_[4], w, h), uy = far(u_[5], u_[4], h, w);
+  const double vx = far(v_[3], v_[4], w, h), vy = far(v_[5], v_[4], h, w);
+  const double change = ux * (std::fabs(middle.vy) + vy) + vy * std::fabs(middle.ux) +
+                        uy * (std::fabs(middle.vx) + vx) + vx * std::fabs(middle.uy);
+  return middle.determinant() * orientation > change;
+}
+
 std::optional<PlanePoint> PlaneMapping::invert(PlanePoint target) const {
   // Newton; an affine mapping is there after one step.
   constexpr int kMostSteps = 40;

@@ -45,6 +45,9 @@ class PlaneMapping {
   PlanePoint at(double x, double y) const;
   Slope slopeAt(double x, double y) const;
   bool isAffine() const;
+  /// True when the determinant of its slope has the sign of `orientation` in the whole rectangle.
+  /// May say false without need.
+  bool keepsSide(PlanePoint low, PlanePoint high, double orientation) const;
 
   /// The point that maps to `target`, searched from the centre. Empty when there is none near.
   std::optional<PlanePoint> invert(PlanePoint target) const;

@@ -66,6 +66,7 @@ class ResampledReader : public TileReader {
 
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
+    out.hasKeys = false;
     const Part tile{column * grid_.tileWidth, row * grid_.tileHeight, out.width, out.height};
     return fill(tile, tile, out, bytesRead);
   }
@@ -89,6 +90,7 @@ class ResampledReader : public TileReader {
   }
 
   static void clear(const Part& part, const Part& tile, Tile& out) {
+    out.hasKeys = true;
     for (int y = 0; y < part.height; ++y)
       std::memset(pixelAt(part.x, part.y + y, tile, out), 0,
                   static_cast<size_t>(part.width) * out.channels);
@@ -116,18 +118,33 @@ class ResampledReader : public TileReader {
     const int n = pointsAcross(mapping, part), count = n * part.width;
     std::vector<int32_t> offset(count), share(count), inside(count);
     std::vector<uint8_t> points(n > 1 ? static_cast<size_t>(n) * count * out.channels : 0);
-    const RowSources sources{offset.data(), share.data(), inside.data()};
+    const bool whole = liesInside(mapping, patch, part);
+    out.hasKeys = out.hasKeys || patch.hasKeys || !whole;
+    const RowSources sources{offset.data(), share.data(), whole ? nullptr : inside.data()};
     for (int row = 0; row < part.height; ++row) {
       uint8_t* target = pixelAt(part.x, part.y + row, tile, out);
       for (int k = 0; k < n; ++k) {
         const auto line = mapping.row(part.y + row + (k + 0.5) / n);
-        locateRow(line, part.x + 0.5 / n, 1.0 / n, count, extent_, patch, sources);
+        if (whole) {
+          locateInside(line, part.x + 0.5 / n, 1.0 / n, count, patch, sources);
+        } else {
+          locateRow(line, part.x + 0.5 / n, 1.0 / n, count, extent_, patch, sources);
+        }
         uint8_t* to =
             n == 1 ? target : points.data() + static_cast<size_t>(k) * count * out.channels;
         sampleRow(patch, sources, count, to);
       }
       if (n > 1) averageRows(points.data(), n, part.width, out.channels, target);
     }
+  }
+
+  /// True when all of the part shows the image: its patch has a rim on every side of it.
+  bool liesInside(const PlaneMapping& mapping, const PixelPatch& patch, const Part& part) const {
+    const PlanePoint low{static_cast<double>(part.x), static_cast<double>(part.y)};
+    return patch.x > 0 && patch.y > 0 && patch.x + patch.width < extent_.width &&
+           patch.y + patch.height < extent_.height && patch.width <= kLongestInside &&
+           patch.height <= kLongestInside &&
+           mapping.keepsSide(low, {low.x + part.width, low.y + part.height}, extent_.orientation);
   }
 
   static uint8_t* pixelAt(int x, int y, const Part& tile, Tile& out) {
@@ -219,6 +236,7 @@ class CurvedReader final : public ResampledReader {
           part, [&](const Part& quarter) { return fillByPoints(quarter, tile, out, bytesRead); });
     }
     if (!source_->copy(patch, bytesRead)) return false;
+    out.hasKeys = true;
     std::vector<int32_t> offset(part.width), share(part.width), inside(part.width);
     const RowSources sources{offset.data(), share.data(), inside.data()};
     for (int y = 0; y < part.height; ++y) {

@@ -24,8 +24,9 @@ struct Tile {
   int width = 0;
   int height = 0;
   int channels = 0;
-  /// Some pixel is pure black or pure white, and so means "nothing here".
-  bool hasKeys = false;
+  /// Some pixel is pure black or pure white, and so means "nothing here". A reader that knows that
+  /// none is says false; who keeps the tile looks where it did not.
+  bool hasKeys = true;
   PixelMemory pixels;
 
   size_t bytes() const { return static_cast<size_t>(width) * height * channels; }
@@ -72,8 +73,9 @@ class TileReader {
                        std::shared_ptr<const void>& /*held*/) const {
     return true;
   }
-  /// Decodes one tile into `out` (hasKeys is left to the caller) and adds the bytes read from the
-  /// file to `bytesRead`. False when the file does not hold it whole.
+  /// Decodes one tile into `out` and adds the bytes read from the file to `bytesRead`. Leaves
+  /// hasKeys as it is, or false when it knows that there are none. False when the file does not
+  /// hold it whole.
   virtual bool read(int column, int row, Tile& out, uint64_t& bytesRead) const = 0;
   /// True when reading a tile costs little more than copying its pixels.
   virtual bool cheap() const { return false; }

@@ -63,6 +63,7 @@ class TurnedReader : public TileReader {
       down = -down;
     }
     if (turn_.transposed) std::swap(right, down);
+    out.hasKeys = patch.hasKeys;
     (grid_.channels == 1 ? copyTurned<1> : copyTurned<3>)(first, right, down, out);
     return true;
   }

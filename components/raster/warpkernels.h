@@ -11,7 +11,8 @@ namespace tarn::raster {
 
 /// Where the pixels of one row come from: for each the byte in the patch at which the upper left of
 /// the four pixels around it begins, how far it lies between them (256ths to the right, and to the
-/// bottom times 256), and -1 where there is an image, else 0.
+/// bottom times 256), and -1 where there is an image, else 0. Without `inside` there is one
+/// everywhere.
 struct RowSources {
   int32_t* offset = nullptr;
   int32_t* share = nullptr;
@@ -29,6 +30,12 @@ struct LevelExtent {
 /// stay in the patch.
 void locateRow(const PlaneMapping::Row& row, double first, double step, int count,
                const LevelExtent& extent, const PixelPatch& patch, const RowSources& out);
+
+/// Longest side of a patch in which locateInside finds positions to a 256th of a pixel.
+constexpr int kLongestInside = 4096;
+/// The same where every position lies in the image and in the patch; leaves `inside` alone.
+void locateInside(const PlaneMapping::Row& row, double first, double step, int count,
+                  const PixelPatch& patch, const RowSources& out);
 
 /// The same for `count` given positions in the level; those outside of it are not inside.
 void locatePoints(const PlanePoint* points, int count, const LevelExtent& extent,

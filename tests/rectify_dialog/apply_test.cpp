@@ -203,7 +203,7 @@ TEST_F(Apply, ASecondRectificationGoesOnTopOfAFirstAndOfAMove) {
   addCorners(0, 0, 0.8);
   method(kHelmert);
   press("calRectify");
-  choose("radioButton_moveImage");
+  choose("radioButton_moveImgage");
   type("lineEdit_X_move", "30");
   type("lineEdit_Y_move", "-20");
   press("calRectify");

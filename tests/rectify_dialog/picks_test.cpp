@@ -43,7 +43,7 @@ TEST_F(Picks, FillSourceAndTarget) {
 }
 
 TEST_F(Picks, OfAMoveNeedBothPoints) {
-  choose("radioButton_moveImage");
+  choose("radioButton_moveImgage");
   EXPECT_EQ(pick("pushButton_MovePoint", {"10,20", "13.5,18"}), "\n拾取点:\n拾取点:\n");
   EXPECT_THAT(host_->ui.boxes, ElementsAre("请选择平移基点", "请选择平移到的点"));
   EXPECT_EQ(text("lineEdit_X_move"), "3.500000");

@@ -29,7 +29,7 @@ class Placement : public tarn::test::DialogTest {
     press(button);
   }
   void move(const QString& x, const QString& y) {
-    choose("radioButton_moveImage");
+    choose("radioButton_moveImgage");
     type("lineEdit_X_move", x);
     type("lineEdit_Y_move", y);
     press("calRectify");
