@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 #include <QToolBar>
 #include <optional>
 
@@ -28,7 +29,11 @@ class Builder {
 
   QAction& add(const char* text, const std::function<void()>& act, const QKeySequence& keys = {},
                std::optional<IconKind> icon = {}) {
-    QAction* action = menu_->addAction(text, &window_, act);
+    QAction* action = menu_->addAction(text, &window_, [window = &window_, act, keys] {
+      // Keys of entries overtake what the mouse did before them and is not heard yet.
+      if (keys.isEmpty()) return act();
+      QTimer::singleShot(0, window, act);
+    });
     action->setShortcut(keys);
     if (icon) {
       action->setIcon(makeIcon(*icon, window_.palette().color(QPalette::ButtonText)));

@@ -108,7 +108,11 @@ class Desk:
         self.environment.pop("WAYLAND_DISPLAY", None)
         self.children.append(subprocess.Popen(["openbox", "--sm-disable"], env=self.environment,
                                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
-        wait_until("window manager", lambda: self.run(["xdotool", "get_num_desktops"]).strip())
+        try:
+            wait_until("window manager", lambda: self.run(["xdotool", "get_num_desktops"]).strip())
+        except Failure:
+            self.__exit__(None, None, None)
+            raise
         return self
 
     def __exit__(self, kind, fault, trace):
@@ -136,17 +140,31 @@ class Desk:
 
     def start(self, *files):
         """Starts the program and waits until it awaits a command; measures where its canvas is."""
-        self.mark = os.path.getsize(self.log_path) if os.path.exists(self.log_path) else 0
+        open(self.log_path, "ab").close()
+        self.mark = os.path.getsize(self.log_path)
         self.program = subprocess.Popen(
             [os.path.join(self.bin, "cadhost"), "--profile", self.path("profile"), "--log", self.log_path,
              "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files], env=self.environment, cwd=self.folder)
         self.children.append(self.program)
-        self.window = wait_until("window", lambda: self.run(
-            ["xdotool", "search", "--onlyvisible", "--name", "^Tarn Image"]).split())[0]
+        self.window = self.wait_window()
         self.wait_prompt("Command:")
         self.run(["xdotool", "windowactivate", "--sync", self.window])
         if self.middle is None:
             self.calibrate()
+
+    def wait_window(self):
+        """The first start reads all the fonts of the machine; whoever ended before is named."""
+        def look():
+            ended = [f"{child.args[0]} ({child.returncode})" for child in self.children[:2] if child.poll() is not None]
+            check(not ended, "ended: " + ", ".join(ended))
+            check(self.program.poll() is None, f"the program ended with {self.program.returncode}")
+            return self.run(["xdotool", "search", "--onlyvisible", "--name", "^Tarn Image"]).split()
+        try:
+            return wait_until("window", look, 3 * LONGEST)[0]
+        except Failure as fault:
+            hidden = self.run(["xdotool", "search", "--name", "^Tarn Image"]).split()
+            raise Failure(f"{fault}; windows that are not shown: {hidden}; the log says:\n"
+                          + self.log().decode("utf-8", "replace")[-1500:]) from None
 
     def calibrate(self):
         """Where the canvas stands: the program itself names the ground under two places."""
