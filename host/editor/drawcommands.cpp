@@ -143,16 +143,25 @@ void circleCommand() {
   ads_point center = {0, 0, 0};
   acedInitGet(RSG_NONULL, nullptr);
   if (acedGetPoint(nullptr, ACRX_T("\nCenter point: "), center) != RTNORM) return;
-  acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, ACRX_T("Diameter"));
-  ads_real radius = 0;
-  const int answer = acedGetDist(center, ACRX_T("\nRadius or [Diameter]: "), &radius);
+  // That of the last circle is offered again.
+  ads_real radius = std::get<double>(*app().variables().get("CIRCLERAD"));
+  const auto ask = [&](const char* what, const ACHAR* keywords, double& value) {
+    const bool hasLast = radius > 0;
+    const std::string offered = hasLast ? " <" + formatDouble(value) + ">: " : ": ";
+    acedInitGet((hasLast ? 0 : RSG_NONULL) | RSG_NOZERO | RSG_NONEG, keywords);
+    return acedGetDist(center, toWide(what + offered).c_str(), &value);
+  };
+  const int answer = ask("\nRadius or [Diameter]", ACRX_T("Diameter"), radius);
   if (answer == RTKWORD) {
-    acedInitGet(RSG_NONULL | RSG_NOZERO | RSG_NONEG, nullptr);
-    if (acedGetDist(center, ACRX_T("\nDiameter: "), &radius) != RTNORM) return;
-    radius /= 2;
-  } else if (answer != RTNORM) {
+    double diameter = radius * 2;
+    const int second = ask("\nDiameter", nullptr, diameter);
+    if (second != RTNORM && second != RTNONE) return;
+    radius = diameter / 2;
+  } else if (answer != RTNORM && answer != RTNONE) {
     return;
   }
+  if (!(radius > 0)) return failCommand(app(), "A circle needs a radius above zero.");
+  app().variables().set("CIRCLERAD", radius);
   appendEntity(app(), new AcDbCircle(pointOf(center), AcGeVector3d::kZAxis, radius));
 }
 

@@ -50,7 +50,8 @@ OpeningState stateToSave(const HostDocument& document) {
   return {DrawingView{view.centerX, view.centerY, view.height, view.twist},
           space.isTiled(),
           {limits.minX, limits.minY},
-          {limits.maxX, limits.maxY}};
+          {limits.maxX, limits.maxY},
+          space.isTiled() ? AcDbObjectId() : space.sheet().block};
 }
 
 /// Offers a later version to a drawing that its own one cannot hold.

@@ -128,9 +128,7 @@ void mviewCommand() {
     return failCommand(app(), "A viewport needs a width and a height.");
   }
   const GroundBox model = app().regenerator().extentsOf(space.modelBlock());
-  ViewState all;
-  all = fittedTo(all, model, 0);
-  if (appendViewport(space.shownBlock(), *box, 0, all).isNull()) {
+  if (appendViewport(space.shownBlock(), *box, 0, {model}).isNull()) {
     return failCommand(app(), "The viewport cannot be added.");
   }
   app().regenerate();

@@ -92,6 +92,7 @@ const std::vector<Rule>& rules() {
        std::string()},
       {"ACADVER", T::kString, true, nullptr, std::string("23.1s (LMS Tech)")},
       {"BACKZ", T::kReal, true, nullptr, 0.0},
+      {"CIRCLERAD", T::kReal, false, nullptr, 0.0},
       {"CLAYER", T::kString, false,
        [](HostApp& a) -> VariableValue { return document(a).currentLayer(); }, std::string(),
        writeLayer},

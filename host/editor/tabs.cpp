@@ -1,4 +1,7 @@
 // The tabs of a drawing as the front ends use them.
+#include <algorithm>
+#include <cmath>
+
 #include "dbents.h"
 #include "dblayout.h"
 #include "dbobjptr.h"
@@ -17,6 +20,8 @@ namespace {
 /// Part of the printable area that the first viewport of a new sheet leaves free on each side.
 constexpr double kFirstWindowInset = 0.03;
 constexpr double kModelMargin = 0.02;
+/// The shape of a viewport in whole numbers.
+constexpr int kFineness = 100000;
 
 }  // namespace
 
@@ -46,8 +51,7 @@ Status HostApp::showTab(const std::string& name) {
     space.showModel();
   } else {
     const GroundBox model = regenerator().extentsOf(space.modelBlock());
-    const ViewState wanted =
-        fittedTo(space.isTiled() ? document.view() : ViewState(), model, kModelMargin);
+    const FirstSight wanted{model, kModelMargin, space.modelView().twist};
     space.showSheet(entry);
     if (!prepareSheet(*document.database(), entry, wanted)) {
       return Status::error("The layout \"" + name + "\" cannot get its first viewport.");
@@ -75,7 +79,7 @@ bool HostApp::workAt(PixelPoint pixel) {
 }
 
 AcDbObjectId appendViewport(AcDbObjectId block, const GroundBox& place, short number,
-                            const ViewState& shown) {
+                            const FirstSight& shown) {
   const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForWrite);
   if (record.openStatus() != Acad::eOk) return {};
   auto* viewport = new AcDbViewport;
@@ -85,10 +89,13 @@ AcDbObjectId appendViewport(AcDbObjectId block, const GroundBox& place, short nu
   viewport->setWidth(place.maxX - place.minX);
   viewport->setHeight(place.maxY - place.minY);
   viewport->setNumber(number);
-  // The whole of what was shown stays in sight, whatever the shape of the viewport.
-  const double wide = shown.height * shown.pixelWidth / shown.pixelHeight;
-  const double height = std::max(shown.height, wide * viewport->height() / viewport->width());
-  showInViewport(*viewport, {shown.centerX, shown.centerY}, height, shown.twist);
+  ViewState view;
+  view.twist = shown.twist;
+  view.pixelHeight = kFineness;
+  const double wide = kFineness * viewport->width() / viewport->height();
+  view.pixelWidth = static_cast<int>(std::clamp(std::round(wide), 1.0, 1e9));
+  view = fittedTo(view, shown.box, shown.margin);
+  showInViewport(*viewport, {view.centerX, view.centerY}, view.height, view.twist);
   AcDbObjectId id;
   if (record->appendAcDbEntity(id, viewport) != Acad::eOk) {
     delete viewport;
@@ -98,7 +105,7 @@ AcDbObjectId appendViewport(AcDbObjectId block, const GroundBox& place, short nu
   return id;
 }
 
-bool prepareSheet(AcDbDatabase& database, const LayoutEntry& sheet, const ViewState& model) {
+bool prepareSheet(AcDbDatabase& database, const LayoutEntry& sheet, const FirstSight& model) {
   const LayoutViewports present = viewportsOf(sheet.block);
   if (!present.sheet.isNull() || !present.views.empty() || sheet.id.database() != &database) {
     return true;
@@ -115,11 +122,7 @@ bool prepareSheet(AcDbDatabase& database, const LayoutEntry& sheet, const ViewSt
   const double dx = (inner.maxX - inner.minX) * kFirstWindowInset;
   const double dy = (inner.maxY - inner.minY) * kFirstWindowInset;
   const GroundBox first{inner.minX + dx, inner.minY + dy, inner.maxX - dx, inner.maxY - dy};
-  ViewState own;
-  own.centerX = (paper.minX + paper.maxX) / 2;
-  own.centerY = (paper.minY + paper.maxY) / 2;
-  own.height = paper.maxY - paper.minY;
-  return !appendViewport(sheet.block, paper, kPaperViewport, own).isNull() &&
+  return !appendViewport(sheet.block, paper, kPaperViewport, {paper}).isNull() &&
          !appendViewport(sheet.block, first, 0, model).isNull();
 }
 

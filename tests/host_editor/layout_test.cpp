@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 
 #include "aced.h"
 #include "base/text.h"
@@ -206,6 +207,42 @@ TEST_F(Layouts, EntitiesGoToTheCurrentSpaceAndADoubleClickChangesIt) {
   host_.run({"LINE 0,0 10,10", ""});
   EXPECT_EQ(document().scene().size(), 4U);
   EXPECT_EQ(document().windowScenes().begin()->second.size(), 2U);
+}
+
+TEST_F(Layouts, ANewViewportIsFilledByTheModelWhateverItsShape) {
+  // The model is 100 wide and 80 high; a twist is the viewport's own matter.
+  const struct {
+    const char* corners;
+    const char* size;
+  } cases[] = {
+      {"MVIEW 10,10 210,110", "80"}, {"MVIEW 10,10 60,110", "200"}, {"MVIEW 10,10 60,50", "80"}};
+  for (const char* window : {"800x600", "300x900"}) {
+    int width = 0;
+    int height = 0;
+    ASSERT_EQ(std::sscanf(window, "%dx%d", &width, &height), 2);
+    app().resizeView(width, height);
+    for (const auto& each : cases) {
+      host_.run({"LAYOUT Set", "Layout1", "ERASE ALL", "", each.corners, "MSPACE"});
+      EXPECT_TRUE(host_.good());
+      EXPECT_NEAR(app().view().height, std::stod(each.size), 1e-2) << each.corners << window;
+      EXPECT_NEAR(app().view().centerX, 40500050, 1e-6);
+      host_.run({"PSPACE"});
+    }
+  }
+}
+
+TEST_F(Layouts, TheSheetItselfIsNotTwisted) {
+  makeSheet();
+  for (const char* line : {"DVIEW TW", "TWIST"}) {
+    const std::string printed = host_.run({line});
+    EXPECT_FALSE(host_.good());
+    EXPECT_NE(printed.find("A sheet cannot be twisted; enter a viewport first (MSPACE)."),
+              std::string::npos)
+        << printed;
+    EXPECT_EQ(app().screenView().twist, 0);
+  }
+  host_.run({"MSPACE", "DVIEW TW 15"});
+  EXPECT_NEAR(app().view().twist, M_PI / 12, 1e-12);
 }
 
 TEST_F(Layouts, ASheetWithoutAViewportThatIsOnHasNoModel) {

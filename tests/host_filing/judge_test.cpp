@@ -58,7 +58,13 @@ TEST_F(Judge, newDrawingsAreWithoutErrors) {
   appendToModel(database, note);
   ASSERT_TRUE(addLayout(database, "Sheet 7"));
   const std::string full = write("full.dxf", file->bytes().take());
-  const test::Outcome audit = judge({"audit", empty, full});
+  OpeningState state = file->state();
+  state.isTiled = false;
+  state.frontSheet = layoutNamed(database, "Sheet 7").block;
+  const std::string other = write("front.dxf", file->bytes(state).take());
+  ASSERT_TRUE(deleteLayout(database, "Layout1"));
+  const std::string fewer = write("fewer.dxf", file->bytes().take());
+  const test::Outcome audit = judge({"audit", empty, full, other, fewer});
   EXPECT_EQ(audit.exitCode, 0);
   EXPECT_EQ(audit.output, "");
 }

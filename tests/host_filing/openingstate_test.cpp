@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
+#include "dbents.h"
 #include "dbmain.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
 #include "host/database/layouts.h"
 #include "host/filing/drawingfile.h"
 #include "tests/host_filing/drawingfixture.h"
@@ -56,6 +59,87 @@ TEST(OpeningState, layoutsAreRenamedAndAddedInTheFile) {
   };
   const auto again = opened(file->bytes().take());
   EXPECT_EQ(names(*again), "Model|图纸 one|two|third|");
+}
+
+/// The sheets of a drawing in the order of their tabs, the one in front in brackets, each with how
+/// many entities it has.
+std::string sheetsOf(DrawingFile& file) {
+  std::string all;
+  for (const LayoutEntry& entry : layoutsOf(file.database())) {
+    if (entry.isModel) continue;
+    const AcDbObjectPointer<AcDbBlockTableRecord> block(entry.block, AcDb::kForRead);
+    const ACHAR* name = L"";
+    block->getName(name);
+    const bool front = equalsIgnoreCase(std::wstring_view(name), ACDB_PAPER_SPACE);
+    all += (front ? "[" : "") + entry.name + (front ? "]" : "") + " " +
+           std::to_string(block->entityIds().length()) + "|";
+  }
+  return all;
+}
+
+/// Three sheets with one, two and three lines, saved and opened again.
+std::unique_ptr<DrawingFile> withSheets() {
+  const auto file = opened(newDrawingBytes("AC1015"));
+  int lines = 0;
+  for (const char* name : {"Layout1", "two", "three"}) {
+    if (lines > 0) {
+      EXPECT_TRUE(addLayout(file->database(), name));
+    }
+    const AcDbObjectPointer<AcDbBlockTableRecord> block(layoutNamed(file->database(), name).block,
+                                                        AcDb::kForWrite);
+    for (int i = 0; i <= lines; ++i) {
+      auto* line = new AcDbLine({0, 1.0 * i, 0}, {5, 1.0 * i, 0});
+      EXPECT_EQ(block->appendAcDbEntity(line), Acad::eOk);
+      line->close();
+    }
+    ++lines;
+  }
+  return opened(file->bytes().take());
+}
+
+TEST(OpeningState, theSheetThatWasCurrentIsInFront) {
+  auto file = withSheets();
+  ASSERT_EQ(sheetsOf(*file), "[Layout1] 1|two 2|three 3|");
+  const std::string before = file->bytes().take();
+  OpeningState state = file->state();
+  state.isTiled = false;
+  state.frontSheet = layoutNamed(file->database(), "three").block;
+  for (const char* found : {"Layout1 1|two 2|[three] 3|", "[Layout1] 1|two 2|three 3|"}) {
+    file = opened(file->bytes(state).take());
+    EXPECT_EQ(sheetsOf(*file), found);
+    EXPECT_FALSE(file->state().isTiled);
+    state.frontSheet = layoutNamed(file->database(), "Layout1").block;
+  }
+  // There and back again everything stands where it stood.
+  state.isTiled = true;
+  EXPECT_EQ(file->bytes(state).take(), before);
+}
+
+TEST(OpeningState, deletedLayoutsStayDeleted) {
+  const auto file = withSheets();
+  struct Case {
+    std::vector<const char*> gone;
+    const char* left;
+  };
+  for (const Case& each : {Case{{"two"}, "[Layout1] 1|three 3|"},
+                           {{"Layout1"}, "[two] 2|three 3|"},
+                           {{"Layout1", "two"}, "[three] 3|"}}) {
+    // Something in each sheet that nobody here knows.
+    const std::string strange = "  0\nSTRANGE\n100\nAcDbEntity\n 67\n1\n  8\n0\n";
+    std::string bytes = file->bytes().take();
+    for (const char* place : {"  0\nENDBLK\n", "  0\nLINE\n"}) {
+      for (size_t at = bytes.find(place); at != std::string::npos;
+           at = bytes.find(place, at + strange.size() + 1)) {
+        bytes.insert(at, strange);
+      }
+    }
+    const auto changed = opened(bytes);
+    for (const char* name : each.gone) EXPECT_TRUE(deleteLayout(changed->database(), name));
+    const auto again = opened(changed->bytes().take());
+    EXPECT_EQ(sheetsOf(*again), each.left);
+    EXPECT_EQ(again->notes().size(), 1U);
+    EXPECT_EQ(opened(again->bytes().take())->notes(), again->notes());
+  }
 }
 
 }  // namespace
