@@ -45,6 +45,7 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   state_->layerTable = addOwn(*this, new AcDbLayerTable);
   state_->linetypeTable = addOwn(*this, new AcDbLinetypeTable);
   state_->textStyleTable = addOwn(*this, new AcDbTextStyleTable);
+  state_->regAppTable = addOwn(*this, new AcDbRegAppTable);
   state_->viewTable = addOwn(*this, new AcDbViewTable);
   state_->namedObjects = addOwn(*this, new AcDbDictionary);
   state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
@@ -90,6 +91,9 @@ AcDbObjectId AcDbDatabase::linetypeTableId() const {
 }
 AcDbObjectId AcDbDatabase::textStyleTableId() const {
   return state_->textStyleTable;
+}
+AcDbObjectId AcDbDatabase::regAppTableId() const {
+  return state_->regAppTable;
 }
 AcDbObjectId AcDbDatabase::namedObjectsDictionaryId() const {
   return state_->namedObjects;

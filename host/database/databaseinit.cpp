@@ -42,6 +42,8 @@ void registerDatabaseClasses() {
   AcDbLinetypeTable::rxInit();
   AcDbTextStyleTableRecord::rxInit();
   AcDbTextStyleTable::rxInit();
+  AcDbRegAppTableRecord::rxInit();
+  AcDbRegAppTable::rxInit();
   AcDbViewTableRecord::rxInit();
   AcDbViewTable::rxInit();
   AcDbDictionary::rxInit();

@@ -68,6 +68,7 @@ Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 color, Adesk::Boolean 
   assertWriteEnabled();
   if (color > kByLayer) return Acad::eInvalidInput;
   color_ = color;
+  properties_.trueColor = -1;
   recordGraphicsModified();
   return Acad::eOk;
 }
@@ -90,6 +91,7 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
   if (database == nullptr) database = databaseFor(*this);
   if (database != nullptr) layerId_ = database->clayer();
   color_ = kByLayer;
+  properties_ = Properties();
 }
 
 Adesk::Boolean AcDbEntity::worldDraw(AcGiWorldDraw* draw) {
@@ -151,6 +153,12 @@ Acad::ErrorStatus AcDbEntity::dwgOutFields(AcDbDwgFiler* filer) const {
   filer->writeHardPointerId(layerId_);
   filer->writeUInt16(color_);
   filer->writeUInt8(static_cast<Adesk::UInt8>(visibility_));
+  filer->writeHardPointerId(properties_.linetype);
+  filer->writeDouble(properties_.linetypeScale);
+  filer->writeDouble(properties_.thickness);
+  filer->writeInt32(properties_.trueColor);
+  filer->writeUInt32(properties_.transparency.serializeOut());
+  filer->writeInt16(properties_.lineWeight);
   return filer->filerStatus();
 }
 
@@ -160,12 +168,22 @@ Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
   AcDbObjectId layer;
   Adesk::UInt16 color = 0;
   Adesk::UInt8 visibility = 0;
+  Properties properties;
+  Adesk::UInt32 transparency = 0;
   filer->readHardPointerId(&layer);
   filer->readUInt16(&color);
-  if (filer->readUInt8(&visibility) != Acad::eOk) return filer->filerStatus();
+  filer->readUInt8(&visibility);
+  filer->readHardPointerId(&properties.linetype);
+  filer->readDouble(&properties.linetypeScale);
+  filer->readDouble(&properties.thickness);
+  filer->readInt32(&properties.trueColor);
+  filer->readUInt32(&transparency);
+  if (filer->readInt16(&properties.lineWeight) != Acad::eOk) return filer->filerStatus();
+  properties.transparency.serializeIn(transparency);
   layerId_ = layer;
   color_ = color;
   visibility_ = visibility == AcDb::kInvisible ? AcDb::kInvisible : AcDb::kVisible;
+  setProperties(properties);
   recordGraphicsModified();
   return filer->filerStatus();
 }

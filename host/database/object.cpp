@@ -4,6 +4,7 @@
 
 #include "dbfiler.h"
 #include "dbmain.h"
+#include "host/database/extendeddata.h"
 #include "host/database/objectaccess.h"
 #include "host/database/observer.h"
 #include "rxregsvc.h"
@@ -174,13 +175,16 @@ Acad::ErrorStatus AcDbObject::dwgIn(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
   assertReadEnabled();
   filer->writeSoftPointerId(ownerId_);
-  return filer->filerStatus();
+  return tarn::host::writeItems(*filer, tarn::host::ObjectAccess::extendedData(*this));
 }
 
 Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
   assertWriteEnabled();
   filer->readSoftPointerId(&ownerId_);
-  return filer->filerStatus();
+  tarn::host::ResbufItems items;
+  if (tarn::host::readItems(*filer, items) != Acad::eOk) return filer->filerStatus();
+  tarn::host::ObjectAccess::setExtendedData(*this, std::move(items));
+  return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbObject::subOpen(AcDb::OpenMode) {

@@ -13,10 +13,13 @@
 class AcDbBlockTableRecord;
 class AcDbDictionary;
 class AcDbSymbolTable;
+class AcDbSymbolTableRecord;
 
 namespace tarn::host {
 class DatabaseObserver;
-}
+struct ResbufItem;
+using ResbufItems = std::vector<ResbufItem>;
+}  // namespace tarn::host
 
 /// What an id points to. Never destroyed, so that an id kept too long stays harmless; without a
 /// database once the drawing was closed.
@@ -37,6 +40,7 @@ struct DatabaseState {
   AcDbObjectId layerTable;
   AcDbObjectId linetypeTable;
   AcDbObjectId textStyleTable;
+  AcDbObjectId regAppTable;
   AcDbObjectId viewTable;
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
@@ -68,6 +72,13 @@ class ObjectAccess {
   static void beginWrite(AcDbObject& object);
   static void setOwner(AcDbObject& object, AcDbObjectId owner) { object.ownerId_ = owner; }
 
+  /// Of all applications, each behind its name.
+  static const ResbufItems& extendedData(const AcDbObject& object);
+  static void setExtendedData(AcDbObject& object, ResbufItems items);
+  /// What a line type or a style of texts says in the file beyond its name.
+  static const ResbufItems& definition(const AcDbSymbolTableRecord& record);
+  static void setDefinition(AcDbSymbolTableRecord& record, ResbufItems items);
+
   static bool isOpen(const AcDbObject& object) {
     return object.readers_ > 0 || object.writing_ || object.notifying_;
   }
@@ -94,5 +105,8 @@ class ObjectAccess {
 
 /// The object of a valid id, open or not, for the host's own look at its tables; else null.
 AcDbObject* peek(AcDbObjectId id);
+
+/// Makes the name known to the drawing when it is not. False when its table cannot be changed.
+bool registerApplication(AcDbDatabase& database, const ACHAR* application);
 
 }  // namespace tarn::host

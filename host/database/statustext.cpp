@@ -172,6 +172,8 @@ const ACHAR* acadErrorStatusText(Acad::ErrorStatus status) {
       return L"eWasNotErased";
     case Acad::eNoDatabase:
       return L"eNoDatabase";
+    case Acad::eRegappIdNotFound:
+      return L"eRegappIdNotFound";
     case Acad::eMakeMeProxy:
       return L"eMakeMeProxy";
   }

@@ -4,6 +4,7 @@
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
 #include "host/database/recordfiling.h"
+#include "host/database/resbufitems.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSymbolTableRecord, AcDbObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSymbolTable, AcDbObject)
@@ -11,6 +12,30 @@ ACRX_CONS_DEFINE_MEMBERS(AcDbLinetypeTableRecord, AcDbSymbolTableRecord, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbLinetypeTable, AcDbSymbolTable, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbTextStyleTableRecord, AcDbSymbolTableRecord, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbTextStyleTable, AcDbSymbolTable, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTableRecord, AcDbSymbolTableRecord, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTable, AcDbSymbolTable, 0)
+
+struct AcDbSymbolTableRecord::Definition {
+  tarn::host::ResbufItems items;
+};
+
+AcDbSymbolTableRecord::AcDbSymbolTableRecord() = default;
+AcDbSymbolTableRecord::~AcDbSymbolTableRecord() = default;
+
+namespace tarn::host {
+
+const ResbufItems& ObjectAccess::definition(const AcDbSymbolTableRecord& record) {
+  static const ResbufItems kNone;
+  return record.definition_ != nullptr ? record.definition_->items : kNone;
+}
+
+void ObjectAccess::setDefinition(AcDbSymbolTableRecord& record, ResbufItems items) {
+  record.definition_ = items.empty() ? nullptr
+                                     : std::make_unique<AcDbSymbolTableRecord::Definition>(
+                                           AcDbSymbolTableRecord::Definition{std::move(items)});
+}
+
+}  // namespace tarn::host
 
 // The two name look-ups do not assert: the host itself looks here while a table is being changed.
 
@@ -37,12 +62,21 @@ Acad::ErrorStatus AcDbSymbolTableRecord::setName(const ACHAR* name) {
 
 Acad::ErrorStatus AcDbSymbolTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
   const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer);
-  return status == Acad::eOk ? filer->writeString(name_.c_str()) : status;
+  if (status != Acad::eOk) return status;
+  filer->writeString(name_.c_str());
+  return tarn::host::writeItems(*filer, tarn::host::ObjectAccess::definition(*this));
 }
 
 Acad::ErrorStatus AcDbSymbolTableRecord::dwgInFields(AcDbDwgFiler* filer) {
   const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer);
-  return status == Acad::eOk ? tarn::host::readText(*filer, name_) : status;
+  if (status != Acad::eOk) return status;
+  tarn::host::ResbufItems items;
+  if (tarn::host::readText(*filer, name_) != Acad::eOk ||
+      tarn::host::readItems(*filer, items) != Acad::eOk) {
+    return filer->filerStatus();
+  }
+  tarn::host::ObjectAccess::setDefinition(*this, std::move(items));
+  return Acad::eOk;
 }
 
 AcDbSymbolTableIterator::AcDbSymbolTableIterator(const AcDbSymbolTable& table) {

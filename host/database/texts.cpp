@@ -38,6 +38,7 @@ void AcDbTextLine::write(AcDbDwgFiler& filer) const {
   filer.writeVector3d(normal);
   for (const double value : {height, rotation, widthFactor, oblique}) filer.writeDouble(value);
   for (const short value : {horizontal, vertical, generation}) filer.writeInt16(value);
+  filer.writeHardPointerId(style);
   filer.writeString(text.c_str());
 }
 
@@ -47,6 +48,7 @@ void AcDbTextLine::read(AcDbDwgFiler& filer) {
   filer.readVector3d(&normal);
   for (double* value : {&height, &rotation, &widthFactor, &oblique}) filer.readDouble(value);
   for (short* value : {&horizontal, &vertical, &generation}) filer.readInt16(value);
+  filer.readHardPointerId(&style);
   tarn::host::readText(filer, text);
 }
 
@@ -177,6 +179,16 @@ Acad::ErrorStatus AcDbMText::setAttachment(short attachment) {
   recordGraphicsModified();
   return Acad::eOk;
 }
+AcDbObjectId AcDbMText::textStyle() const {
+  assertReadEnabled();
+  return style_;
+}
+Acad::ErrorStatus AcDbMText::setTextStyle(AcDbObjectId style) {
+  assertWriteEnabled();
+  style_ = style;
+  recordGraphicsModified();
+  return Acad::eOk;
+}
 Acad::ErrorStatus AcDbMText::setLineSpacingFactor(double factor) {
   assertWriteEnabled();
   spacing_ = factor;
@@ -193,6 +205,7 @@ Acad::ErrorStatus AcDbMText::dwgOutFields(AcDbDwgFiler* filer) const {
   filer->writeDouble(height_);
   filer->writeDouble(spacing_);
   filer->writeInt16(attachment_);
+  filer->writeHardPointerId(style_);
   return filer->writeString(contents_.c_str());
 }
 
@@ -205,6 +218,7 @@ Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
   filer->readDouble(&height_);
   filer->readDouble(&spacing_);
   filer->readInt16(&attachment_);
+  filer->readHardPointerId(&style_);
   return tarn::host::readText(*filer, contents_);
 }
 

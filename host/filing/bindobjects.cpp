@@ -1,11 +1,7 @@
 // Dictionaries and extended records.
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <set>
 
-#include "acutads.h"
-#include "acutmem.h"
 #include "dbdict.h"
 #include "dblayout.h"
 #include "dbproxy.h"
@@ -14,103 +10,29 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/tagvalues.h"
 #include "host/rx/resbuf_kind.h"
 
 namespace tarn::host {
 
 namespace {
 
-struct ReleaseChain {
-  void operator()(resbuf* chain) const { acutRelRb(chain); }
-};
-using Chain = std::unique_ptr<resbuf, ReleaseChain>;
-
-void setBinary(resbuf& item, std::string_view digits) {
-  const size_t count = std::min<size_t>(digits.size() / 2, 32767);
-  item.resval.rbinary.buf = static_cast<char*>(std::malloc(count + 1));
-  if (item.resval.rbinary.buf == nullptr) return;
-  item.resval.rbinary.clen = static_cast<short>(count);
-  for (size_t i = 0; i < count; ++i) {
-    unsigned byte = 0;
-    std::from_chars(digits.data() + 2 * i, digits.data() + 2 * i + 2, byte, 16);
-    item.resval.rbinary.buf[i] = static_cast<char>(byte);
-  }
-}
-
-long long wholeOf(std::string_view word) {
-  long long value = 0;
-  std::from_chars(word.data(), word.data() + word.size(), value);
-  return value;
-}
-
-/// One value; the coordinates behind the first of a point are added by the caller.
-resbuf* itemOf(const DrawingBinding& binding, const TagView& tags, const Tag& tag,
-               ResbufKind kind) {
-  resbuf* item = acutNewRb(tag.code);
-  const std::string_view word = binding.document.word(tag);
-  switch (kind) {
-    case ResbufKind::kText:
-      acutNewString(tags.textOf(tag).c_str(), item->resval.rstring);
-      break;
-    case ResbufKind::kPoint:
-    case ResbufKind::kReal:
-      item->resval.rreal = tags.realOf(tag);
-      break;
-    case ResbufKind::kInt16:
-      item->resval.rint = static_cast<short>(wholeOf(word));
-      break;
-    case ResbufKind::kInt32:
-      item->resval.rlong = static_cast<Adesk::Int32>(wholeOf(word));
-      break;
-    case ResbufKind::kInt64:
-      item->resval.mnInt64 = wholeOf(word);
-      break;
-    case ResbufKind::kName:
-      item->resval.rlname[0] = binding.find(parseHandle(word)).asOldId();
-      break;
-    case ResbufKind::kBinary:
-      setBinary(*item, word);
-      break;
-    case ResbufKind::kUnknown:
-    case ResbufKind::kNothing:
-      break;
-  }
-  return item;
-}
-
 /// The values behind the mark and the cloning flag.
-Chain valuesOf(const DrawingBinding& binding, const TagView& tags) {
-  Chain chain;
-  resbuf* last = nullptr;
+ResbufChain valuesOf(const DrawingBinding& binding, const TagView& tags) {
   bool inside = false;
   bool flagSeen = false;
-  resbuf* point = nullptr;
-  tags.forEach([&](const Tag& tag) {
+  bool first = true;
+  return chainOf(binding, tags, [&](const Tag& tag) {
     if (tag.code == 100 && !inside) {
       inside = binding.document.word(tag) == "AcDbXrecord";
-      return;
+      return false;
     }
-    if (!inside || tag.code >= 999) return;
-    if (tag.code == 280 && !flagSeen && chain == nullptr) {
-      flagSeen = true;
-      return;
-    }
-    if (point != nullptr && (tag.code == point->restype + 10 || tag.code == point->restype + 20)) {
-      point->resval.rpoint[tag.code == point->restype + 10 ? 1 : 2] = tags.realOf(tag);
-      return;
-    }
-    const ResbufKind kind = resbufKindOf(tag.code);
-    if (kind == ResbufKind::kUnknown || tag.code < 1) return;
-    resbuf* item = itemOf(binding, tags, tag, kind);
-    point = kind == ResbufKind::kPoint ? item : nullptr;
-    if (last == nullptr) {
-      chain.reset(item);
-    } else {
-      last->rbnext = item;
-    }
-    last = item;
+    if (!inside || tag.code >= 999) return false;
+    const bool isFlag = tag.code == 280 && !flagSeen && first;
+    flagSeen = flagSeen || isFlag;
+    first = first && isFlag;
+    return !isFlag;
   });
-  return chain;
 }
 
 /// False when something stands in the record that none here can hold; it is kept as it is then.
@@ -207,7 +129,7 @@ void bindDictionaries(DrawingBinding& binding) {
     linkDictionary(binding, bound);
     auto* record = AcDbXrecord::cast(peek(bound.id));
     if (record == nullptr) continue;
-    const Chain chain = valuesOf(binding, binding.view(bound.first));
+    const ResbufChain chain = valuesOf(binding, binding.view(bound.first));
     if (chain == nullptr) continue;
     ObjectAccess::beginRestore(*record);
     record->setFromRbChain(*chain);

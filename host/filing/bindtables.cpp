@@ -4,10 +4,12 @@
 #include "host/filing/drawingbinding.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/tagvalues.h"
 
 namespace tarn::host {
 
 AcDbObjectId DrawingBinding::add(AcDbObject* object, std::uint32_t first, std::uint32_t count) {
+  readExtendedData(*this, view(first), *object);
   const AcDbObjectId id = ObjectAccess::adopt(*database, object, document.handleOf(first));
   ObjectAccess::finishReading(*object);
   bound.push_back({id, first, count});
@@ -42,6 +44,31 @@ AcDbObjectId DrawingBinding::layerOf(std::string_view name) {
     ObjectAccess::addRecordRead(table, id);
   }
   layers.emplace(name, id);
+  return id;
+}
+
+AcDbObjectId DrawingBinding::linetypeOf(std::string_view name) {
+  const auto known = linetypes.find(std::string(name));
+  if (known != linetypes.end()) return known->second;
+  const std::wstring text = encoding.decode(name);
+  AcDbObjectId id;
+  if (!text.empty() && !equalsIgnoreCase(std::wstring_view(text), L"ByLayer")) {
+    auto& table = *static_cast<AcDbLinetypeTable*>(peek(database->linetypeTableId()));
+    if (table.getIdAt(text.c_str(), id) != Acad::eOk) {
+      auto* record = new AcDbLinetypeTableRecord;
+      record->setName(text.c_str());
+      id = addImplied(record);
+      ObjectAccess::addRecordRead(table, id);
+    }
+  }
+  linetypes.emplace(name, id);
+  return id;
+}
+
+AcDbObjectId DrawingBinding::styleOf(const std::wstring& name) const {
+  const auto& table = *static_cast<const AcDbTextStyleTable*>(peek(database->textStyleTableId()));
+  AcDbObjectId id;
+  if (!name.empty()) table.getIdAt(name.c_str(), id);
   return id;
 }
 
@@ -86,6 +113,9 @@ const TableKind kTables[] = {
      [](const TagView&) {
        return static_cast<AcDbSymbolTableRecord*>(new AcDbTextStyleTableRecord);
      }},
+    {"APPID", &DatabaseState::regAppTable,
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbRegAppTable); },
+     [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbRegAppTableRecord); }},
     {"VIEW", &DatabaseState::viewTable,
      [] { return static_cast<AcDbSymbolTable*>(new AcDbViewTable); }, readViewRecord},
     {"BLOCK_RECORD", &DatabaseState::blockTable,
@@ -179,6 +209,7 @@ void bindTables(DrawingBinding& binding) {
     }
   }
   for (const TableKind& each : kTables) tableOf(binding, each, 0);
+  readDefinitions(binding);
   DatabaseState& state = ObjectAccess::state(*binding.database);
   state.layerZero = binding.layerOf("0");
   state.currentLayer = state.layerZero;

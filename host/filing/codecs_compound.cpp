@@ -201,7 +201,8 @@ AcDbEntity* readInsert(const EntityTags& tags) {
   insert->setPlacement(placement);
   std::vector<AcDbTextLine> attributes;
   for (std::uint32_t i = 0; i < tags.partCount(); ++i) {
-    if (tags.part(i).type() == "ATTRIB") attributes.push_back(readTextLine(tags.part(i)));
+    if (tags.part(i).type() == "ATTRIB")
+      attributes.push_back(readTextLine(tags.binding, tags.part(i)));
   }
   insert->setAttributes(std::move(attributes));
   return insert;
@@ -282,8 +283,9 @@ void writeViewport(const AcDbEntity& entity, EntityOutput& output) {
 
 const std::vector<EntityCodec>& compoundCodecs() {
   static const std::vector<EntityCodec> codecs = {
-      {"LWPOLYLINE", "AcDbPolyline", &AcDbPolyline::desc, readLight, writeLight, false, true},
-      {"POLYLINE", nullptr, &AcDbPolyline::desc, readHeavy, writeHeavy, true, true},
+      {"LWPOLYLINE", "AcDbPolyline", &AcDbPolyline::desc, readLight, writeLight, false, true, false,
+       true},
+      {"POLYLINE", nullptr, &AcDbPolyline::desc, readHeavy, writeHeavy, true, true, false, true},
       {"INSERT", "AcDbBlockReference", &AcDbBlockReference::desc, readInsert, writeInsert, true,
        true},
       {"VIEWPORT", "AcDbViewport", &AcDbViewport::desc, readViewport, writeViewport, true, true},

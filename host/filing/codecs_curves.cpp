@@ -79,10 +79,10 @@ void writeEllipse(const AcDbEntity& entity, EntityOutput& output) {
 
 const std::vector<EntityCodec>& curveCodecs() {
   static const std::vector<EntityCodec> codecs = {
-      {"LINE", "AcDbLine", &AcDbLine::desc, readLine, writeLine, true, true},
-      {"POINT", "AcDbPoint", &AcDbPoint::desc, readPoint, writePoint, true, true},
-      {"CIRCLE", "AcDbCircle", &AcDbCircle::desc, readCircle, writeCircle, true, true},
-      {"ARC", "AcDbCircle", &AcDbArc::desc, readArc, writeArc, true, true},
+      {"LINE", "AcDbLine", &AcDbLine::desc, readLine, writeLine, true, true, false, true},
+      {"POINT", "AcDbPoint", &AcDbPoint::desc, readPoint, writePoint, true, true, false, true},
+      {"CIRCLE", "AcDbCircle", &AcDbCircle::desc, readCircle, writeCircle, true, true, false, true},
+      {"ARC", "AcDbCircle", &AcDbArc::desc, readArc, writeArc, true, true, false, true},
       {"ELLIPSE", "AcDbEllipse", &AcDbEllipse::desc, readEllipse, writeEllipse, false, true},
   };
   return codecs;

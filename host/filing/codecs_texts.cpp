@@ -14,7 +14,7 @@ constexpr size_t kPiece = 250;
 
 AcDbEntity* readText(const EntityTags& tags) {
   auto* text = new AcDbText;
-  text->setLine(readTextLine(tags.head));
+  text->setLine(readTextLine(tags.binding, tags.head));
   return text;
 }
 
@@ -52,6 +52,7 @@ AcDbEntity* readMText(const EntityTags& tags) {
   text->setAttachment(attachment >= 1 && attachment <= 9 ? static_cast<short>(attachment)
                                                          : short{1});
   text->setLineSpacingFactor(head.real(44, 1));
+  text->setTextStyle(tags.binding.styleOf(head.text(7)));
   text->setContents(contentsOf(head).c_str());
   return text;
 }
@@ -75,6 +76,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
     return value == text.attachment() || (text.attachment() == 1 && (value < 1 || value > 9));
   });
   writeContents(text.contents(), output);
+  if (!text.textStyle().isNull()) head.setName(7, recordName(text.textStyle()));
   head.setNormal(text.normal());
   const AcGeVector3d now = text.direction();
   const AcGeVector3d before =
@@ -88,7 +90,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
 
 }  // namespace
 
-AcDbTextLine readTextLine(const TagView& tags) {
+AcDbTextLine readTextLine(const DrawingBinding& binding, const TagView& tags) {
   AcDbTextLine line;
   line.position = tags.point(10);
   line.alignment = tags.has(11) ? tags.point(11) : line.position;
@@ -100,6 +102,7 @@ AcDbTextLine readTextLine(const TagView& tags) {
   line.horizontal = static_cast<short>(tags.integer(72));
   line.vertical = static_cast<short>(tags.integer(verticalCodeOf(tags)));
   line.generation = static_cast<short>(tags.integer(71));
+  line.style = binding.styleOf(tags.text(7));
   line.text = tags.text(1);
   return line;
 }
@@ -114,6 +117,7 @@ void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* last
   editor.setReal(40, line.height);
   editor.setText(1, line.text);
   editor.setAngle(50, line.rotation, 0);
+  if (!line.style.isNull()) editor.setName(7, recordName(line.style));
   editor.setReal(41, line.widthFactor, 1);
   editor.setAngle(51, line.oblique, 0);
   editor.setInteger(71, line.generation, 0);
@@ -128,7 +132,7 @@ void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* last
 
 const std::vector<EntityCodec>& textCodecs() {
   static const std::vector<EntityCodec> codecs = {
-      {"TEXT", "AcDbText", &AcDbText::desc, readText, writeText, true, true},
+      {"TEXT", "AcDbText", &AcDbText::desc, readText, writeText, true, true, false, true},
       {"MTEXT", "AcDbMText", &AcDbMText::desc, readMText, writeMText, false, true},
   };
   return codecs;

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "dbtext.h"
+#include "host/filing/drawingbinding.h"
 #include "host/filing/tageditor.h"
 #include "host/filing/tagview.h"
 
 namespace tarn::host {
 
-AcDbTextLine readTextLine(const TagView& tags);
+AcDbTextLine readTextLine(const DrawingBinding& binding, const TagView& tags);
 /// The code of the vertical alignment, which TEXT and ATTRIB have at different places.
 int verticalCodeOf(const TagView& tags);
 /// `editor` has entered the first mark of the text; the vertical alignment stands behind the last.

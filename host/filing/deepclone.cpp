@@ -5,11 +5,14 @@
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
+#include "host/database/resbufitems.h"
 #include "host/filing/memoryfiler.h"
 
 namespace tarn::host {
 
 namespace {
+
+constexpr short kApplication = 1001;
 
 /// Gives every id that is read to the cloner first.
 class TranslatingFiler : public MemoryFiler {
@@ -50,6 +53,10 @@ AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
   if (copy == nullptr || object.dwgOut(&out) != Acad::eOk) return nullptr;
   TranslatingFiler in(out.bytes(), *this);
   if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
+  for (const ResbufItem& item : ObjectAccess::extendedData(*copy)) {
+    if (item.code != kApplication) continue;
+    registerApplication(target_, std::get<std::wstring>(item.value).c_str());
+  }
   return AcDbObject::cast(made.release());
 }
 

@@ -32,7 +32,8 @@ struct DrawingBinding {
   std::vector<BoundObject> bound;  ///< in the order of the file
   /// Objects that the file takes for granted without naming them; written only once they change.
   std::set<AcDbStub*> implied;
-  std::unordered_map<std::string, AcDbObjectId> layers;    ///< by the bytes of the name
+  std::unordered_map<std::string, AcDbObjectId> layers;  ///< by the bytes of the name
+  std::unordered_map<std::string, AcDbObjectId> linetypes;
   std::map<std::wstring, AcDbObjectId> blocks;             ///< by the name in lower case
   std::unordered_map<AcDbStub*, std::uint32_t> blockEnds;  ///< the ENDBLK of a block's definition
   std::map<std::string, size_t> kept;  ///< kinds of entities that are not drawn, and how many
@@ -55,6 +56,10 @@ struct DrawingBinding {
   AcDbObjectId find(std::uint64_t handle) const;
   /// The layer of a name as it stands in the file, made when the file has none of it.
   AcDbObjectId layerOf(std::string_view name);
+  /// The same of a line type; null for the layer's own.
+  AcDbObjectId linetypeOf(std::string_view name);
+  /// The style of texts of a name; null when there is none.
+  AcDbObjectId styleOf(const std::wstring& name) const;
   /// The block of a name; null when there is none.
   AcDbObjectId blockOf(const std::wstring& name) const;
 };

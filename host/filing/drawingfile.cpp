@@ -6,6 +6,7 @@
 #include "base/path.h"
 #include "base/text.h"
 #include "host/database/databaseinit.h"
+#include "host/database/layouts.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/binarydrawing.h"
 #include "host/filing/drawingbinding.h"
@@ -38,6 +39,13 @@ std::uint64_t firstFreeHandle(const TagDocument& document) {
     if (handle < kHighestHandle) highest = std::max(highest, handle);
   }
   return std::max(highest + 1, seed < kHighestHandle ? seed : 0);
+}
+
+AcDbObjectId firstSheet(AcDbDatabase& database) {
+  for (const LayoutEntry& entry : layoutsOf(database)) {
+    if (!entry.isModel) return entry.block;
+  }
+  return {};
 }
 
 bool usesHandles(const TagDocument& document) {
@@ -152,7 +160,12 @@ size_t DrawingFile::bindRegisteredClasses() {
 Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
   const std::string reason = reasonAgainstVersion();
   if (!reason.empty()) return Status::error(reason + " Nothing was saved.");
-  return writeDrawing(*binding_, state);
+  std::string saved = writeDrawing(*binding_, state);
+  AcDbObjectId front = binding_->paperSpace;
+  if (state && !state->frontSheet.isNull()) front = state->frontSheet;
+  if (front.isErased()) front = firstSheet(database());
+  if (front == binding_->paperSpace || front.isNull()) return saved;
+  return withFrontSheet(std::move(saved), front.handle().value());
 }
 
 }  // namespace tarn::host

@@ -10,6 +10,7 @@
 
 #include "adesk.h"
 #include "base/result.h"
+#include "dbid.h"
 #include "gepnt2d.h"
 
 class AcDbDatabase;
@@ -32,6 +33,8 @@ struct OpeningState {
   bool isTiled = true;              ///< the model's tab is shown, not a sheet
   AcGePoint2d lowerLimit;           ///< of the model
   AcGePoint2d upperLimit{420, 297};
+  /// Block of the sheet that the file is to have in front; null for the one that it has there.
+  AcDbObjectId frontSheet;
 };
 
 /// What is not understood stays as it is, to the byte; only objects that were changed in the
@@ -79,6 +82,11 @@ class ACADHOST_EXPORT DrawingFile {
 std::string reasonAgainstOld(const DrawingBinding& binding);
 /// The file with all changes; see DrawingFile::bytes().
 std::string writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state);
+/// The drawing with another sheet in front: its block is the one of the name *Paper_Space and its
+/// entities stand among those of the model, as programs expect of the sheet that they open with.
+/// What was in front before, if it is still there, takes the other's place. Blocks by the handles
+/// of their records; the bytes as they are when there is no such sheet.
+std::string withFrontSheet(std::string bytes, std::uint64_t block);
 OpeningState drawingState(const DrawingBinding& binding);
 /// The bytes of an empty drawing of a version from R2000 on ("AC1015"). Its handles are below 40.
 ACADHOST_EXPORT std::string newDrawingBytes(std::string_view version);

@@ -14,6 +14,7 @@
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/tagvalues.h"
 #include "rxclass.h"
 
 namespace tarn::host {
@@ -89,6 +90,7 @@ class DrawingWriter {
     if (object == nullptr || object->isKindOf(AcDbSymbolTable::desc())) return;
     if (object->isErased()) {
       edits_.replace(bound.first, bound.count, {});
+      if (object->isKindOf(AcDbBlockTableRecord::desc())) removeDefinition(bound.id);
       return;
     }
     const bool isDictionary = object->isKindOf(AcDbDictionary::desc());
@@ -113,6 +115,26 @@ class DrawingWriter {
     edits_.replace(bound.first, bound.count, std::move(bytes));
   }
 
+  /// What stood in an erased block goes with it, also what nobody here understands.
+  void removeDefinition(AcDbObjectId block) {
+    const auto end = binding_.blockEnds.find(block);
+    if (end != binding_.blockEnds.end()) {
+      std::uint32_t begin = end->second;
+      while (begin > 0 && document_.typeOf(begin) != "BLOCK") --begin;
+      edits_.replace(begin, end->second - begin + 1, {});
+    }
+    if (block != binding_.paperSpace) return;
+    const DrawingSection* entities = document_.section("ENTITIES");
+    bool onPaper = false;
+    for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
+         entities != nullptr && i < entities->endObject; ++i) {
+      const std::string_view type = document_.typeOf(i);
+      const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
+      if (!isPart) onPaper = binding_.view(i).integer(67) == 1;
+      if (onPaper) edits_.replace(i, 1, {});
+    }
+  }
+
   std::string entityBytes(const AcDbEntity& entity, const BoundObject* old) {
     const EntityCodec* codec = old != nullptr ? codecOf(document_.typeOf(old->first))
                                               : codecFor(entity, document_.isOld());
@@ -130,9 +152,14 @@ class DrawingWriter {
       if (!document_.isOld() && owner != 0) editor.setHandle(330, owner);
     }
     writeCommon(binding_, entity, editor);
+    writeProperties(binding_, entity, old, editor);
     if (old == nullptr && (codec == nullptr || codec->isOwn)) classes_.insert(description);
-    if (codec == nullptr) return editor.bytes();
+    if (codec == nullptr) {
+      writeExtendedData(binding_, entity, old, editor);
+      return editor.bytes();
+    }
     if (codec->subclass != nullptr) editor.enter(codec->subclass);
+    if (codec->hasThickness) writeThickness(binding_, entity, old, editor);
     std::unique_ptr<EntityTags> tags;
     if (old != nullptr) {
       tags = std::make_unique<EntityTags>(
@@ -140,6 +167,7 @@ class DrawingWriter {
     }
     EntityOutput output{binding_, editor, tags.get(), {}};
     codec->write(entity, output);
+    writeExtendedData(binding_, entity, old, editor);
     return editor.bytes() + output.parts;
   }
 
@@ -181,6 +209,7 @@ class DrawingWriter {
     std::string views;
     std::string blockRecords;
     std::string objects;
+    std::map<std::string, std::string> defined;  // by table
     std::vector<const AcDbBlockTableRecord*> blocks;
     std::map<AcDbStub*, std::string> byBlock;
     for (const auto& [handle, stub] : ObjectAccess::state(*binding_.database).stubs) {
@@ -195,6 +224,9 @@ class DrawingWriter {
       } else if (const auto* view = AcDbViewTableRecord::cast(object)) {
         views += writeViewRecord(binding_, *view, nullptr,
                                  handleInFile(binding_.database->viewTableId()));
+      } else if (const char* table = definedTableOf(*object)) {
+        defined[table] += writeDefinedRecord(binding_, *AcDbSymbolTableRecord::cast(object),
+                                             handleInFile(object->ownerId()));
       } else if (const auto* block = AcDbBlockTableRecord::cast(object)) {
         if (binding_.implied.count(stub) > 0) continue;
         blocks.push_back(block);
@@ -203,6 +235,9 @@ class DrawingWriter {
       } else {
         objects += objectBytes(*object);
       }
+    }
+    for (const auto& [table, bytes] : defined) {
+      if (!bytes.empty()) insertRecords(table.c_str(), bytes);
     }
     if (!layers.empty()) insertRecords("LAYER", layers);
     if (!views.empty()) insertRecords("VIEW", views);
@@ -378,7 +413,8 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
     const auto* dictionary = AcDbDictionary::cast(object);
     if (dictionary != nullptr && dictionary->numEntries() == 0) continue;
     const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
-                                        : object->isKindOf(AcDbLayerTableRecord::desc());
+                                        : object->isKindOf(AcDbLayerTableRecord::desc()) ||
+                                              definedTableOf(*object) != nullptr;
     if (!fits) {
       return "A drawing of R12 cannot keep images and settings.";
     }

@@ -55,8 +55,14 @@ void writeCommon(const DrawingBinding& binding, const AcDbEntity& entity, TagEdi
   // Some programs put the colour behind the mark of the entity's own class.
   editor.enter("AcDbEntity");
   editor.leave();
-  const bool onPaper = entity.blockId() == binding.paperSpace;
-  editor.setInteger(67, onPaper ? 1 : 0, 0);
+  const bool onFrontSheet = entity.blockId() == binding.paperSpace;
+  const auto* block = AcDbBlockTableRecord::cast(peek(entity.blockId()));
+  const bool onOtherSheet = !onFrontSheet && block != nullptr && block->isLayout() &&
+                            entity.blockId() != binding.modelSpace;
+  // Entities in the blocks of the other sheets say it or not, both is usual.
+  if (editor.isNew() || !onOtherSheet) {
+    editor.setInteger(67, onFrontSheet || onOtherSheet ? 1 : 0, 0);
+  }
   const std::wstring layer = recordName(entity.layerId());
   editor.setText(8, layer.empty() ? L"0" : layer,
                  editor.isNew() ? std::nullopt : std::optional<std::wstring_view>(L"0"));

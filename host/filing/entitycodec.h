@@ -43,6 +43,7 @@ struct EntityCodec {
   bool inNew;
   /// The class is the host's own: the drawing lists it, for the programs that do not know it.
   bool isOwn = false;
+  bool hasThickness = false;
 };
 
 const std::vector<EntityCodec>& cloudCodecs();
@@ -62,6 +63,13 @@ std::uint32_t readEntity(DrawingBinding& binding, std::uint32_t object, std::uin
 /// Layer, colour and visibility.
 void readCommon(DrawingBinding& binding, const TagView& tags, AcDbEntity& entity);
 void writeCommon(const DrawingBinding& binding, const AcDbEntity& entity, TagEditor& editor);
+/// Line type, line weight, true colour, transparency, thickness. Only what differs from the file's
+/// (`old`) is written, and only what a drawing of its version can hold.
+void readProperties(DrawingBinding& binding, const TagView& tags, AcDbEntity& entity);
+void writeProperties(DrawingBinding& binding, const AcDbEntity& entity, const BoundObject* old,
+                     TagEditor& editor);
+void writeThickness(const DrawingBinding& binding, const AcDbEntity& entity, const BoundObject* old,
+                    TagEditor& editor);
 
 /// A colour index of the file as the database has it.
 Adesk::UInt16 entityColor(int inFile);

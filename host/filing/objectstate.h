@@ -11,6 +11,6 @@ namespace tarn::host {
 ACADHOST_EXPORT Bytes objectBytes(AcDbObject& object);
 
 /// Reads the bytes back into the object, which must be open for write. False when they do not fit.
-bool readObjectBytes(AcDbObject& object, const Bytes& bytes);
+ACADHOST_EXPORT bool readObjectBytes(AcDbObject& object, const Bytes& bytes);
 
 }  // namespace tarn::host

@@ -74,6 +74,7 @@ void readCommon(DrawingBinding& binding, const TagView& tags, AcDbEntity& entity
   entity.setLayer(binding.layerOf(layer != nullptr ? tags.document().text(*layer) : "0"));
   entity.setColorIndex(entityColor(tags.integer(62, kByLayer)));
   entity.setVisibility(tags.integer(60) == 1 ? AcDb::kInvisible : AcDb::kVisible);
+  readProperties(binding, tags, entity);
 }
 
 std::uint32_t readEntity(DrawingBinding& binding, std::uint32_t object, std::uint32_t end,

@@ -216,6 +216,13 @@ void TagEditor::setText(int code, std::wstring_view value,
       [&](std::string_view text) { return encoding_.decode(text) == value; });
 }
 
+void TagEditor::setName(int code, std::wstring_view value,
+                        std::optional<std::wstring_view> standard) {
+  set(code, encoding_.encode(value), standard == value, [&](std::string_view text) {
+    return equalsIgnoreCase(std::wstring_view(encoding_.decode(trim(text))), value);
+  });
+}
+
 void TagEditor::setWord(int code, std::string_view value) {
   set(code, std::string(value), false, [&](std::string_view text) { return trim(text) == value; });
 }
@@ -315,6 +322,11 @@ void TagEditor::removeRest() {
   while (end < items_.size() && items_[end].code < kFirstExtended) ++end;
   items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(cursor_),
                items_.begin() + static_cast<std::ptrdiff_t>(end));
+}
+
+void TagEditor::removeExtended() {
+  toEnd();
+  items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(cursor_), items_.end());
 }
 
 void TagEditor::removeAt(size_t place, size_t count) {

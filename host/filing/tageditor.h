@@ -51,6 +51,9 @@ class ACADHOST_EXPORT TagEditor {
   void setAngle(int code, double radians, std::optional<double> standard = std::nullopt);
   void setText(int code, std::wstring_view value,
                std::optional<std::wstring_view> standard = std::nullopt);
+  /// A name, which is the same whatever its case.
+  void setName(int code, std::wstring_view value,
+               std::optional<std::wstring_view> standard = std::nullopt);
   /// Type names, handles, marks: as they are.
   void setWord(int code, std::string_view value);
   void setHandle(int code, std::uint64_t handle) { setWord(code, formatHandle(handle)); }
@@ -77,6 +80,8 @@ class ACADHOST_EXPORT TagEditor {
   bool isNext(int code) const;
   /// Takes away everything behind the tag set last, up to extended data.
   void removeRest();
+  /// Takes away the extended data; what is added next comes in its place.
+  void removeExtended();
   /// Takes away `count` tags by their place in the object; for an object in which nothing was
   /// added.
   void removeAt(size_t place, size_t count);

@@ -9,7 +9,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
-#include "host/rx/resbuf_kind.h"
+#include "host/filing/tagvalues.h"
 #include "rxclass.h"
 
 namespace tarn::host {
@@ -28,50 +28,6 @@ TagEditor editorOf(const DrawingBinding& binding, const BoundObject* old, const 
 void beginNew(TagEditor& editor, const AcDbObject& object) {
   editor.setHandle(5, object.handle().value());
   editor.setHandle(330, object.ownerId().handle().value());
-}
-
-std::string hexOf(const ads_binary& binary) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string out;
-  for (int i = 0; i < binary.clen; ++i) {
-    const auto byte = static_cast<unsigned char>(binary.buf[i]);
-    out += kDigits[byte >> 4];
-    out += kDigits[byte & 15];
-  }
-  return out;
-}
-
-void putItem(const resbuf& item, TagEditor& editor) {
-  const int code = item.restype;
-  switch (resbufKindOf(code)) {
-    case ResbufKind::kText:
-      editor.putText(code, item.resval.rstring != nullptr ? item.resval.rstring : L"");
-      break;
-    case ResbufKind::kReal:
-      editor.putReal(code, item.resval.rreal);
-      break;
-    case ResbufKind::kPoint:
-      for (int i = 0; i < 3; ++i) editor.putReal(code + 10 * i, item.resval.rpoint[i]);
-      break;
-    case ResbufKind::kInt16:
-      editor.putInteger(code, item.resval.rint);
-      break;
-    case ResbufKind::kInt32:
-      editor.putInteger(code, item.resval.rlong);
-      break;
-    case ResbufKind::kInt64:
-      editor.putInteger(code, item.resval.mnInt64);
-      break;
-    case ResbufKind::kName:
-      editor.putHandle(code, AcDbObjectId().setFromOldId(item.resval.rlname[0]).handle().value());
-      break;
-    case ResbufKind::kBinary:
-      editor.putWord(code, hexOf(item.resval.rbinary));
-      break;
-    case ResbufKind::kUnknown:
-    case ResbufKind::kNothing:
-      break;
-  }
 }
 
 /// An object that is not in the file and will not be.
@@ -124,6 +80,7 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
     editor.addText(3, iterator->name());
     editor.addWord(ownerCode, formatHandle(iterator->objectId().handle().value()));
   }
+  writeExtendedData(binding, dictionary, old, editor);
   return editor.bytes();
 }
 
@@ -136,9 +93,10 @@ std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record
   if (old == nullptr || editor.isNext(280)) editor.putInteger(280, record.mergeStyle());
   resbuf* chain = nullptr;
   if (record.rbChain(&chain) != Acad::eOk) return editor.bytes();
-  for (const resbuf* item = chain; item != nullptr; item = item->rbnext) putItem(*item, editor);
+  for (const resbuf* item = chain; item != nullptr; item = item->rbnext) putValue(*item, editor);
   acutRelRb(chain);
   editor.removeRest();
+  writeExtendedData(binding, record, old, editor);
   return editor.bytes();
 }
 
@@ -163,6 +121,7 @@ std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTable
            (inFile < 0) == layer.isOff();
   });
   if (old == nullptr) editor.setWord(6, "CONTINUOUS");
+  writeExtendedData(binding, layer, old, editor);
   return editor.bytes();
 }
 

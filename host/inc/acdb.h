@@ -91,6 +91,7 @@ enum ErrorStatus : int {
   eWasNotOpenForWrite = 98,
   eWasNotErased = 105,
   eNoDatabase = 111,
+  eRegappIdNotFound = 139,
   eMakeMeProxy = 301,
 };
 
@@ -116,6 +117,18 @@ enum OsnapMode {
 };
 
 enum Visibility { kVisible = 0, kInvisible = 1 };
+
+/// Hundredths of a millimetre; the named values below zero are no widths.
+enum LineWeight : short {
+  kLnWt000 = 0,
+  kLnWt025 = 25,
+  kLnWt050 = 50,
+  kLnWt100 = 100,
+  kLnWt211 = 211,
+  kLnWtByLayer = -1,
+  kLnWtByBlock = -2,
+  kLnWtByLwDefault = -3,
+};
 
 enum AcDbDwgVersion {
   kDHL_1015 = 23,

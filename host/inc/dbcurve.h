@@ -12,6 +12,8 @@ class ACADHOST_EXPORT AcDbPoint : public AcDbEntity {
 
   AcGePoint3d position() const;
   Acad::ErrorStatus setPosition(const AcGePoint3d& position);
+  using AcDbEntity::setThickness;
+  using AcDbEntity::thickness;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -45,6 +47,8 @@ class ACADHOST_EXPORT AcDbCircle : public AcDbEntity {
   /// The centre in the entity's own system, and all three at once.
   AcGePoint3d ownCenter() const;
   void setOwn(const AcGePoint3d& ownCenter, const AcGeVector3d& normal, double radius);
+  using AcDbEntity::setThickness;
+  using AcDbEntity::thickness;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;

@@ -1,6 +1,7 @@
 // Entities: objects that are seen in the drawing.
 #pragma once
 
+#include "dbcolor.h"
 #include "dbextents.h"
 #include "dbmain.h"
 #include "geintarr.h"
@@ -11,6 +12,10 @@
 class AcGiDrawableTraits;
 class AcGiViewportDraw;
 class AcGiWorldDraw;
+
+namespace tarn::host {
+class EntityAccess;
+}
 
 /// Coordinates are drawing units in the world system.
 class ACADHOST_EXPORT AcDbEntity : public AcDbObject {
@@ -31,6 +36,24 @@ class ACADHOST_EXPORT AcDbEntity : public AcDbObject {
   Adesk::UInt16 colorIndex() const;
   /// eInvalidInput above 256.
   Acad::ErrorStatus setColorIndex(Adesk::UInt16 color, Adesk::Boolean doSubents = Adesk::kTrue);
+  AcCmColor color() const;
+  Acad::ErrorStatus setColor(const AcCmColor& color, Adesk::Boolean doSubents = Adesk::kTrue,
+                             AcDbDatabase* database = nullptr);
+  AcCmTransparency transparency() const;
+  Acad::ErrorStatus setTransparency(const AcCmTransparency& transparency,
+                                    Adesk::Boolean doSubents = Adesk::kTrue);
+  /// Null for an entity whose layer says it.
+  AcDbObjectId linetypeId() const;
+  /// The name of the line type; freed by the caller with acutDelString.
+  ACHAR* linetype() const;
+  /// eKeyNotFound when the drawing (or the working one) has no such line type.
+  Acad::ErrorStatus setLinetype(const ACHAR* name, Adesk::Boolean doSubents = Adesk::kTrue);
+  Acad::ErrorStatus setLinetype(AcDbObjectId id, Adesk::Boolean doSubents = Adesk::kTrue);
+  double linetypeScale() const;
+  /// eInvalidInput unless above 0.
+  Acad::ErrorStatus setLinetypeScale(double scale, Adesk::Boolean doSubents = Adesk::kTrue);
+  AcDb::LineWeight lineWeight() const;
+  Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight, Adesk::Boolean doSubents = Adesk::kTrue);
   AcDb::Visibility visibility() const;
   Acad::ErrorStatus setVisibility(AcDb::Visibility visibility,
                                   Adesk::Boolean doSubents = Adesk::kTrue);
@@ -81,8 +104,24 @@ class ACADHOST_EXPORT AcDbEntity : public AcDbObject {
   virtual Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform,
                                                   AcDbEntity*& copy) const;
 
+  /// How far the entity reaches along its normal, for the classes that have such a thing.
+  double thickness() const;
+  Acad::ErrorStatus setThickness(double thickness);
+
  private:
+  friend class tarn::host::EntityAccess;
+  struct Properties {
+    AcDbObjectId linetype;  ///< null by layer
+    double linetypeScale = 1;
+    double thickness = 0;
+    Adesk::Int32 trueColor = -1;  ///< 0xRRGGBB; negative for an index
+    AcCmTransparency transparency;
+    Adesk::Int16 lineWeight = AcDb::kLnWtByLayer;
+  };
+  void setProperties(const Properties& properties);
+
   AcDbObjectId layerId_;
+  Properties properties_;
   Adesk::UInt16 color_ = 256;
   AcDb::Visibility visibility_ = AcDb::kVisible;
 };
@@ -98,6 +137,8 @@ class ACADHOST_EXPORT AcDbLine : public AcDbEntity {
   AcGePoint3d endPoint() const;
   Acad::ErrorStatus setStartPoint(const AcGePoint3d& point);
   Acad::ErrorStatus setEndPoint(const AcGePoint3d& point);
+  using AcDbEntity::setThickness;
+  using AcDbEntity::thickness;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "acdb.h"
+#include "acutads.h"
 #include "dbapserv.h"
 #include "dbextents.h"
 #include "dbid.h"
@@ -82,6 +83,15 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
                           Adesk::Boolean recordModified = Adesk::kTrue);
   void assertNotifyEnabled() const;
 
+  /// Extended data of one application, its name first (code 1001), or of all of them; null when
+  /// there is none. The chain is the caller's, released with acutRelRb.
+  resbuf* xData(const ACHAR* application = nullptr) const;
+  /// Puts the data of each application named in the chain in the place of what it had; a name with
+  /// nothing behind it takes that away. eInvalidResBuf for other codes than 1000 to 1071 and for a
+  /// chain that does not begin with a name, eRegappIdNotFound for a name that the drawing does not
+  /// know (see acdbRegApp()).
+  Acad::ErrorStatus setXData(const resbuf* chain);
+
   /// Transient reactors; not owned.
   void addReactor(AcDbObjectReactor* reactor) const;
   void removeReactor(AcDbObjectReactor* reactor) const;
@@ -117,6 +127,8 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   bool appended_ = false;
   struct Reactors;
   mutable std::unique_ptr<Reactors> reactors_;
+  struct ExtendedData;
+  std::unique_ptr<ExtendedData> extendedData_;
 };
 
 /// One drawing. A new one has the layer "0", the blocks *Model_Space and *Paper_Space and their
@@ -135,6 +147,7 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   AcDbObjectId layerTableId() const;
   AcDbObjectId linetypeTableId() const;
   AcDbObjectId textStyleTableId() const;
+  AcDbObjectId regAppTableId() const;
   AcDbObjectId namedObjectsDictionaryId() const;
   Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode);
   Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode);
@@ -175,6 +188,10 @@ ACADHOST_EXPORT Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbOb
 /// eNotAnEntity for other objects.
 ACADHOST_EXPORT Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id,
                                                      AcDb::OpenMode mode, bool openErased = false);
+
+/// Makes the name of an application known to the working drawing, for extended data. RTNORM, also
+/// for a name that it knows already; RTERROR without a drawing or for an empty name.
+ACADHOST_EXPORT int acdbRegApp(const ACHAR* application);
 
 /// Opens an object of one class; eNotThatKindOfClass for others, which are not opened then.
 template <class T>

@@ -35,6 +35,8 @@ class ACADHOST_EXPORT AcDbPolyline : public AcDbEntity {
   Acad::ErrorStatus setElevation(double elevation);
   AcGeVector3d normal() const;
   Acad::ErrorStatus setNormal(const AcGeVector3d& normal);
+  using AcDbEntity::setThickness;
+  using AcDbEntity::thickness;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;

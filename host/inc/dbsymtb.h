@@ -21,9 +21,16 @@ class ACADHOST_EXPORT AcDbSymbolTableRecord : public AcDbObject {
   Acad::ErrorStatus setName(const ACHAR* name);
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+  ~AcDbSymbolTableRecord() override;
+
+ protected:
+  AcDbSymbolTableRecord();
 
  private:
+  friend class tarn::host::ObjectAccess;
+  struct Definition;
   std::wstring name_;
+  std::unique_ptr<Definition> definition_;
 };
 
 class AcDbSymbolTable;
@@ -119,8 +126,8 @@ class ACADHOST_EXPORT AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTabl
   ACRX_DECLARE_MEMBERS(AcDbLayerTable);
 };
 
-/// A pattern of lines, a style of texts: by name. What they say beyond that stays in the drawing
-/// file.
+/// A pattern of lines, a style of texts, an application with extended data: by name. What they say
+/// beyond that is kept as the drawing file has it.
 class ACADHOST_EXPORT AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbLinetypeTableRecord);
@@ -136,6 +143,15 @@ class ACADHOST_EXPORT AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
 class ACADHOST_EXPORT AcDbTextStyleTable : public AcDbTypedSymbolTable<AcDbTextStyleTableRecord> {
  public:
   ACRX_DECLARE_MEMBERS(AcDbTextStyleTable);
+};
+
+class ACADHOST_EXPORT AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbRegAppTableRecord);
+};
+class ACADHOST_EXPORT AcDbRegAppTable : public AcDbTypedSymbolTable<AcDbRegAppTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbRegAppTable);
 };
 
 class AcDbBlockTableRecordIterator;

@@ -18,6 +18,7 @@ struct ACADHOST_EXPORT AcDbTextLine {
   short horizontal = 0;  ///< 0 left, 1 centre, 2 right, 3 aligned, 4 middle, 5 fit
   short vertical = 0;    ///< 0 base line, 1 bottom, 2 middle, 3 top
   short generation = 0;  ///< 2 backward, 4 upside down
+  AcDbObjectId style;    ///< null for the drawing's standard one
   std::wstring text;
 
   void draw(AcGiWorldDraw& draw) const;
@@ -37,6 +38,8 @@ class ACADHOST_EXPORT AcDbText : public AcDbEntity {
   Acad::ErrorStatus setLine(const AcDbTextLine& line);
   const ACHAR* textString() const { return line().text.c_str(); }
   Acad::ErrorStatus setTextString(const ACHAR* text);
+  using AcDbEntity::setThickness;
+  using AcDbEntity::thickness;
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -72,6 +75,9 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   /// 1 top left to 9 bottom right, by rows.
   short attachment() const;
   Acad::ErrorStatus setAttachment(short attachment);
+  /// Null for the drawing's standard one.
+  AcDbObjectId textStyle() const;
+  Acad::ErrorStatus setTextStyle(AcDbObjectId style);
   /// 1 is the usual distance of lines, 5/3 of the height.
   double lineSpacingFactor() const;
   Acad::ErrorStatus setLineSpacingFactor(double factor);
@@ -93,5 +99,6 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   double height_ = 1;
   double spacing_ = 1;
   short attachment_ = 1;
+  AcDbObjectId style_;
   std::wstring contents_;
 };

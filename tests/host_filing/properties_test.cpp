@@ -1,0 +1,203 @@
+// Line types, weights, colours, transparency, thickness, styles and extended data of objects: what
+// a copy keeps, what is written, what undo brings back.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "acutads.h"
+#include "adscodes.h"
+#include "base/text.h"
+#include "dbapserv.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "dbtext.h"
+#include "host/filing/deepclone.h"
+#include "host/filing/drawingfile.h"
+#include "host/filing/objectstate.h"
+#include "tests/host_filing/drawingfixture.h"
+
+namespace tarn::host {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kTables[] =
+    "0\nSECTION\n2\nTABLES\n"
+    "0\nTABLE\n2\nLTYPE\n5\n2\n70\n1\n"
+    "0\nLTYPE\n5\nA1\n330\n2\n100\nAcDbSymbolTableRecord\n100\nAcDbLinetypeTableRecord\n2\nFENCE\n"
+    "70\n0\n3\nFence __ x\n72\n65\n73\n2\n40\n12.5\n49\n7.5\n74\n0\n49\n-5.0\n74\n2\n75\n0\n340\n"
+    "A2\n46\n1.5\n50\n0.0\n44\n-1.0\n45\n-0.5\n9\nx\n0\nENDTAB\n"
+    "0\nTABLE\n2\nSTYLE\n5\n3\n70\n1\n"
+    "0\nSTYLE\n5\nA2\n330\n3\n100\nAcDbSymbolTableRecord\n100\nAcDbTextStyleTableRecord\n2\n"
+    "Kataster\n70\n0\n40\n0.0\n41\n0.75\n50\n0.0\n71\n0\n42\n2.5\n3\nromans.shx\n4\nhztxt.shx\n"
+    "0\nENDTAB\n"
+    "0\nTABLE\n2\nAPPID\n5\n4\n70\n1\n"
+    "0\nAPPID\n5\nA3\n330\n4\n100\nAcDbSymbolTableRecord\n100\nAcDbRegAppTableRecord\n2\nPARCELS\n"
+    "70\n0\n0\nENDTAB\n0\nENDSEC\n";
+
+constexpr char kEntities[] =
+    "0\nSECTION\n2\nENTITIES\n"
+    "0\nLINE\n5\nB1\n100\nAcDbEntity\n8\n0\n6\nfence\n62\n5\n48\n2.50\n370\n50\n420\n1122867\n430\n"
+    "BOOK$Tan\n440\n33554559\n100\nAcDbLine\n39\n3.5\n10\n1.0\n20\n2.0\n30\n0.0\n11\n3.0\n21\n4.0\n"
+    "31\n0.0\n1001\nPARCELS\n1000\n地块 "
+    "7\n1002\n{\n1010\n40500000.125\n1020\n2.0\n1030\n3.0\n1040\n"
+    "1.50\n1070\n7\n1071\n70000\n1004\n0AFF\n1005\nB1\n1002\n}\n"
+    "0\nTEXT\n5\nB2\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n0.0\n20\n0.0\n40\n2.0\n1\nabc\n7\n"
+    "KATASTER\n100\nAcDbText\n0\nENDSEC\n0\nEOF\n";
+
+std::string source(const std::string& version = "AC1021") {
+  return "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n" + version +
+         "\n9\n$HANDSEED\n5\nFF\n0\nENDSEC\n" + kTables + kEntities;
+}
+
+std::unique_ptr<DrawingFile> opened(const std::string& bytes) {
+  auto file = DrawingFile::fromBytes(bytes, "test.dxf");
+  EXPECT_TRUE(file) << file.message();
+  return file.take();
+}
+
+/// The lines of a file without the blanks around codes.
+std::string bare(const std::string& bytes) {
+  std::string out;
+  for (const std::string& line : split(bytes, '\n')) out += std::string(trim(line)) + "\n";
+  return out;
+}
+
+/// Copies of all entities of one drawing in another, or in itself.
+void copyAll(DrawingFile& from, DrawingFile& to) {
+  DeepCloner cloner(to.database());
+  for (const AcDbObjectId& id : modelEntities(from.database())) {
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    AcDbEntity* copy = cloner.clone(*entity.object());
+    ASSERT_NE(copy, nullptr);
+    appendToModel(to.database(), copy);
+  }
+}
+
+/// Everything that the line of the source has beside its place.
+void expectLine(const AcDbObjectId& id) {
+  const AcDbObjectPointer<AcDbLine> line(id, AcDb::kForRead);
+  ASSERT_EQ(line.openStatus(), Acad::eOk);
+  ACHAR* linetype = line->linetype();
+  EXPECT_STREQ(linetype, L"FENCE");
+  acutDelString(linetype);
+  EXPECT_EQ(line->linetypeScale(), 2.5);
+  EXPECT_EQ(line->lineWeight(), AcDb::kLnWt050);
+  EXPECT_TRUE(line->color().isByColor());
+  EXPECT_EQ(line->color().green(), 0x22);
+  EXPECT_EQ(line->colorIndex(), 5);
+  EXPECT_EQ(line->transparency().alpha(), 127);
+  EXPECT_EQ(line->thickness(), 3.5);
+  resbuf* data = line->xData(L"parcels");
+  ASSERT_NE(data, nullptr);
+  EXPECT_STREQ(data->rbnext->resval.rstring, L"地块 7");
+  EXPECT_EQ(data->rbnext->rbnext->rbnext->resval.rpoint[0], 40500000.125);
+  acutRelRb(data);
+  EXPECT_EQ(line->xData(L"OTHER"), nullptr);
+}
+
+TEST(Properties, AreCopiedWithinADrawingAndIntoAnother) {
+  const auto from = opened(source());
+  expectLine(modelEntities(from->database())[0]);
+  const auto fresh = DrawingFile::createNew();
+  for (DrawingFile* target : {from.get(), fresh.get()}) {
+    copyAll(*from, *target);
+    const auto again = opened(target->bytes().take());
+    const AcDbObjectIdArray ids = modelEntities(again->database());
+    expectLine(ids[ids.length() - 2]);
+    const AcDbObjectPointer<AcDbText> text(ids[ids.length() - 1], AcDb::kForRead);
+    const AcDbObjectPointer<AcDbTextStyleTableRecord> style(text->line().style, AcDb::kForRead);
+    ASSERT_EQ(style.openStatus(), Acad::eOk);
+    const std::string bytes = bare(target->bytes().take());
+    // What a new drawing is given of the tables is all that the old one says.
+    EXPECT_THAT(bytes,
+                HasSubstr("\n73\n2\n40\n12.5\n49\n7.5\n74\n0\n49\n-5.0\n74\n2\n75\n0\n340\n"));
+    EXPECT_THAT(bytes, HasSubstr("\n3\nromans.shx\n4\nhztxt.shx\n"));
+    EXPECT_THAT(bytes, HasSubstr("AcDbRegAppTableRecord\n2\nPARCELS\n"));
+  }
+}
+
+TEST(Properties, OnlyWhatChangesIsWrittenAnew) {
+  const std::string before = source();
+  const auto file = opened(before);
+  touchEverything(file->database(), before);
+  EXPECT_EQ(file->bytes().take(), before);
+  const AcDbObjectId id = modelEntities(file->database())[0];
+  Bytes state;
+  {
+    const AcDbObjectPointer<AcDbLine> line(id, AcDb::kForWrite);
+    state = objectBytes(*line.object());
+    line->setColorIndex(3);
+    line->setLineWeight(AcDb::kLnWtByLayer);
+    line->setThickness(0);
+    line->setLinetype(L"ByLayer");
+    EXPECT_EQ(line->setLinetype(L"NOWHERE"), Acad::eKeyNotFound);
+    resbuf* none = acutBuildList(1001, L"PARCELS", 0);
+    EXPECT_EQ(line->setXData(none), Acad::eOk);
+    acutRelRb(none);
+  }
+  const std::string changed = file->bytes().take();
+  EXPECT_THAT(changed, HasSubstr("8\n0\n6\nByLayer\n62\n3\n48\n2.50\n370\n-1\n440\n33554559\n"
+                                 "100\nAcDbLine\n39\n0.0\n10\n"));
+  EXPECT_THAT(changed, Not(HasSubstr("1122867")));
+  EXPECT_THAT(changed, Not(HasSubstr("1001\nPARCELS")));
+  // As undo does it.
+  {
+    const AcDbObjectPointer<AcDbLine> line(id, AcDb::kForWrite);
+    EXPECT_TRUE(readObjectBytes(*line.object(), state));
+  }
+  expectLine(id);
+  EXPECT_EQ(file->bytes().take(), before);
+}
+
+TEST(Properties, ExtendedDataIsReplacedByApplication) {
+  const auto file = opened(source());
+  AcDbObjectPointer<AcDbLine> line(modelEntities(file->database())[0], AcDb::kForWrite);
+  struct Case {
+    resbuf* chain;
+    Acad::ErrorStatus status;
+  };
+  const Case cases[] = {
+      {acutBuildList(1001, L"NOBODY", 1070, 1, 0), Acad::eRegappIdNotFound},
+      {acutBuildList(1070, 1, 0), Acad::eInvalidResBuf},
+      {acutBuildList(1001, L"PARCELS", 70, 1, 0), Acad::eInvalidResBuf},
+      {acutBuildList(1001, L"ACAD", 1070, 1, 1001, L"parcels", 1070, 2, 0), Acad::eOk},
+  };
+  acdbHostApplicationServices()->setWorkingDatabase(&file->database());
+  EXPECT_EQ(acdbRegApp(L"ACAD"), RTNORM);
+  EXPECT_EQ(acdbRegApp(L""), RTERROR);
+  for (const Case& each : cases) {
+    EXPECT_EQ(line->setXData(each.chain), each.status);
+    acutRelRb(each.chain);
+  }
+  EXPECT_EQ(line->setXData(nullptr), Acad::eInvalidInput);
+  line.close();
+  const std::string bytes = bare(file->bytes().take());
+  EXPECT_THAT(bytes, HasSubstr("\n1001\nACAD\n1070\n1\n1001\nparcels\n1070\n2\n0\nTEXT\n"));
+  EXPECT_THAT(bytes, HasSubstr("AcDbRegAppTableRecord\n2\nACAD\n"));
+}
+
+TEST(Properties, OlderVersionsGetWhatTheyCanHold) {
+  struct Case {
+    const char* version;
+    bool weight;
+    bool color;
+  };
+  for (const Case& each :
+       {Case{"AC1012", false, false}, {"AC1015", true, false}, {"AC1018", true, true}}) {
+    const auto from = opened(source());
+    const auto target = opened("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n" +
+                               std::string(each.version) + "\n9\n$HANDSEED\n5\nFF\n0\nENDSEC\n" +
+                               kTables + "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    copyAll(*from, *target);
+    const std::string bytes = bare(target->bytes().take());
+    SCOPED_TRACE(each.version);
+    EXPECT_EQ(bytes.find("\n370\n50\n") != std::string::npos, each.weight);
+    EXPECT_EQ(bytes.find("\n420\n1122867\n") != std::string::npos, each.color);
+    EXPECT_EQ(bytes.find("\n440\n33554559\n") != std::string::npos, each.color);
+    EXPECT_THAT(bytes, HasSubstr("\n6\nFENCE\n"));
+  }
+}
+
+}  // namespace
+}  // namespace tarn::host
