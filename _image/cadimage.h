@@ -20,6 +20,7 @@
 #include "gept3dar.h"
 #include "inc/iimagedivision.h"
 
+class CDocData;
 class AcGiDrawableTraits;
 class AcGiViewportDraw;
 class AcGiWorldDraw;
@@ -157,7 +158,14 @@ class CCadImage : public AcDbEntity {
   /// What the plot shows of the model, through the current viewport when a sheet is plotted.
   std::optional<tarn::image::ViewState> plottedView() const;
   void drawShownImages(AcGiWorldDraw* worldDraw, const tarn::image::ViewState& view) const;
-  void drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
+  /// A local image that is shown: where it is and who reads it. The path is the list's.
+  struct ShownImage {
+    const std::wstring* path;
+    IImageDivision* source;
+    tarn::image::ImageExtent extent;
+  };
+  const std::vector<ShownImage>& shownImages(const CDocData& record) const;
+  void drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw,
                       const tarn::image::ViewState& view) const;
 
   std::wstring m_strImagePath;
@@ -170,6 +178,10 @@ class CCadImage : public AcDbEntity {
     const double* georef;
   };
   std::unordered_map<std::wstring, LocalImage> m_localImages;
+  /// What the list said last, so that a redraw need not ask every image where it lies.
+  mutable std::vector<ShownImage> m_shownImages;
+  /// Of the list; 0 when the sources have changed since.
+  mutable uint64_t m_shownRevision = 0;
   std::map<std::wstring, Corners> m_mapImageCorners;
   std::map<std::wstring, TarnClientManager*> m_mapImageClient;
   std::wstring m_strCurImage;

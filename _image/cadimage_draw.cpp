@@ -45,15 +45,25 @@ void CCadImage::drawShownImages(AcGiWorldDraw* worldDraw, const ViewState& view)
   const AcDbDatabase* database = acdbHostApplicationServices()->workingDatabase();
   const CDocData* record = g_dataMap ? g_dataMap->ofDatabase(database) : nullptr;
   if (!record) return;
-  for (const CDocData::Image& image : record->images()) {
-    if (image.isDisplayed) drawLocalImage(image.path, worldDraw, view);
-  }
+  for (const ShownImage& shown : shownImages(*record)) drawLocalImage(shown, worldDraw, view);
 }
 
-void CCadImage::drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
+const std::vector<CCadImage::ShownImage>& CCadImage::shownImages(const CDocData& record) const {
+  if (m_shownRevision == record.listRevision()) return m_shownImages;
+  m_shownImages.clear();
+  for (const CDocData::Image& image : record.images()) {
+    const auto local = image.isDisplayed ? m_localImages.find(image.path) : m_localImages.end();
+    ImageExtent extent;
+    if (local != m_localImages.end() && extentOf(image.path, extent))
+      m_shownImages.push_back({&image.path, local->second.source->get(), extent});
+  }
+  m_shownRevision = record.listRevision();
+  return m_shownImages;
+}
+
+void CCadImage::drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw,
                                const ViewState& view) const {
-  ImageExtent extent;
-  if (!extentOf(path, extent)) return;
+  const ImageExtent& extent = shown.extent;
   DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
   if (tarn::image::g_suppressPixels) return;
 
@@ -61,12 +71,12 @@ void CCadImage::drawLocalImage(const std::wstring& path, AcGiWorldDraw* worldDra
   if (!request) return;
   const AcGiContext* context = worldDraw->context();
   if (context && context->isPlotGeneration() && request->coarserBy < 1) {
-    tarn::cad::printMessage(L"\n%1选择范围过大！", path);
+    tarn::cad::printMessage(L"\n%1选择范围过大！", *shown.path);
     request =
         tarn::image::planPixelRequest(tarn::image::coarserView(view, request->coarserBy), extent);
     if (!request) return;
   }
-  IImageDivision& source = *m_mapImageDivision.find(path)->second.get();
+  IImageDivision& source = *shown.source;
   const PixelBuffer pixels = tarn::image::readPixels(source, *request, view.clarity);
   if (!pixels) return;
   DrawImage(request->columns, request->rows, request->columns + 1, request->rows + 1,

@@ -78,6 +78,7 @@ void CCadImage::setImageFileNameMapIO(const std::wstring& path, const Division& 
   Division& held = m_mapImageDivision[path];
   held = division.share();
   m_localImages[path] = {&held, georef};
+  m_shownRevision = 0;
 }
 
 void CCadImage::setImgInfoMap(const std::wstring& path, TarnClientManager* client) {
@@ -126,6 +127,7 @@ bool CCadImage::releaseImage(const std::wstring& path) {
   found->second->close();
   // The six numbers belong to the source, so they go first.
   m_localImages.erase(path);
+  m_shownRevision = 0;
   m_mapImageGeoref.erase(path);
   m_mapImageCorners.erase(path);
   m_mapImageDivision.erase(found);

@@ -38,7 +38,9 @@ AcDbObjectId firstImageEntity(AcDbDatabase* database) {
 
 }  // namespace
 
-CDocData::CDocData(AcApDocument* document) : m_database(document->database()) {}
+CDocData::CDocData(AcApDocument* document) : m_database(document->database()) {
+  changed();
+}
 CDocData::~CDocData() = default;
 
 const CDocData::Image* CDocData::find(const std::wstring& path) const {
@@ -50,7 +52,13 @@ CDocData::Image* CDocData::find(const std::wstring& path) {
   return const_cast<Image*>(std::as_const(*this).find(path));
 }
 
+void CDocData::changed() {
+  static uint64_t last = 0;
+  m_listRevision = ++last;
+}
+
 void CDocData::numberImages() {
+  changed();
   m_places.clear();
   for (size_t i = 0; i < m_images.size(); ++i) m_places[m_images[i].path] = i;
 }
@@ -67,14 +75,19 @@ bool CDocData::isDisplayed(const std::wstring& path) const {
 void CDocData::addDisplayed(const std::wstring& path) {
   if (Image* image = find(path)) {
     image->isDisplayed = true;
+    changed();
     return;
   }
+  changed();
   m_places[path] = m_images.size();
   m_images.push_back({path, true});
 }
 
 void CDocData::setDisplayed(const std::wstring& path, bool isDisplayed) {
-  if (Image* image = find(path)) image->isDisplayed = isDisplayed;
+  Image* image = find(path);
+  if (!image || image->isDisplayed == isDisplayed) return;
+  image->isDisplayed = isDisplayed;
+  changed();
 }
 
 bool CDocData::remove(const std::wstring& path) {

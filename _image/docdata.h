@@ -1,6 +1,7 @@
 // What the module keeps for one open document: its image entity and the list of its images.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -36,6 +37,8 @@ class CDocData {
   /// The images in their order, which list, drawing and stored record follow. Paths are full and
   /// compared case-sensitively.
   const std::vector<Image>& images() const { return m_images; }
+  /// A number that no list of any document had before its last change.
+  uint64_t listRevision() const { return m_listRevision; }
   bool contains(const std::wstring& path) const;
   bool isDisplayed(const std::wstring& path) const;
   /// Enters a path at the end, or switches on one that is there.
@@ -72,12 +75,14 @@ class CDocData {
   const Image* find(const std::wstring& path) const;
   Image* find(const std::wstring& path);
   void numberImages();
+  void changed();
 
   AcDbDatabase* m_database;
   std::unique_ptr<CCadImage> m_pending;
   AcDbObjectId m_residentId;
   std::vector<Image> m_images;
   std::unordered_map<std::wstring, size_t> m_places;  ///< of each path in m_images
+  uint64_t m_listRevision = 0;
   std::vector<PointCloud> m_pointClouds;
   bool m_isRestored = false;
 };

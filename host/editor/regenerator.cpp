@@ -78,6 +78,7 @@ void Regenerator::draw(Scene& scene, AcDbEntity& entity, bool plots) const {
     return;
   }
   DisplayList list;
+  if (const DisplayList* before = scene.find(key)) list.reserve(before->size());
   WorldDrawRecorder recorder(list, entity.database(), layer.color, entity.colorIndex(),
                              &abortWanted, plots);
   entity.worldDraw(&recorder);
