@@ -24,31 +24,31 @@ constexpr TarnControlResource kControls[] = {
 };
 
 constexpr TarnMenuItem kChineseMenu[] = {
-    {0, L"影像弹出菜单", 0},
-    {ID_ADD_IMAGE, L"添加影像", 1},
-    {ID_RECTIFY_IMAGE, L"纠正影像", 1},
-    {ID_ANTI_ALIASING, L"抗锯齿", 1},
-    {0, L"拉伸方式", 1},
-    {ID_STRETCH_EQUALISE, L"均衡化", 2},
-    {ID_STRETCH_DEVIATION, L"标准偏差", 2},
-    {ID_STRETCH_NONE, L"恢复", 2},
-    {ID_REMOVE_IMAGE, L"删除影像", 1},
-    {ID_REMOVE_ALL, L"删除所有影像", 1},
-    {ID_MOVE_UP, L"上移", 1},
-    {ID_MOVE_DOWN, L"下移", 1},
+    {0, 0, L"影像弹出菜单"},
+    {ID_ADD_IMAGE, 1, L"添加影像"},
+    {ID_RECTIFY_IMAGE, 1, L"纠正影像"},
+    {ID_ANTI_ALIASING, 1, L"抗锯齿"},
+    {0, 1, L"拉伸方式"},
+    {ID_STRETCH_EQUALISE, 2, L"均衡化"},
+    {ID_STRETCH_DEVIATION, 2, L"标准偏差"},
+    {ID_STRETCH_NONE, 2, L"恢复"},
+    {ID_REMOVE_IMAGE, 1, L"删除影像"},
+    {ID_REMOVE_ALL, 1, L"删除所有影像"},
+    {ID_MOVE_UP, 1, L"上移"},
+    {ID_MOVE_DOWN, 1, L"下移"},
 };
 
 constexpr TarnMenuItem kEnglishMenu[] = {
-    {0, L"image pop-up menu", 0},
-    {ID_ADD_IMAGE, L"Add image", 1},
-    {ID_RECTIFY_IMAGE, L"Rectify image", 1},
-    {ID_ANTI_ALIASING, L"Anti aliasing", 1},
-    {0, L"Stretching method", 1},
-    {ID_STRETCH_EQUALISE, L"Equalization", 2},
-    {ID_STRETCH_DEVIATION, L"Standard deviation", 2},
-    {ID_STRETCH_NONE, L"Restore", 2},
-    {ID_REMOVE_IMAGE, L"Remove image", 1},
-    {ID_REMOVE_ALL, L"Remove all images", 1},
+    {0, 0, L"image pop-up menu"},
+    {ID_ADD_IMAGE, 1, L"Add image"},
+    {ID_RECTIFY_IMAGE, 1, L"Rectify image"},
+    {ID_ANTI_ALIASING, 1, L"Anti aliasing"},
+    {0, 1, L"Stretching method"},
+    {ID_STRETCH_EQUALISE, 2, L"Equalization"},
+    {ID_STRETCH_DEVIATION, 2, L"Standard deviation"},
+    {ID_STRETCH_NONE, 2, L"Restore"},
+    {ID_REMOVE_IMAGE, 1, L"Remove image"},
+    {ID_REMOVE_ALL, 1, L"Remove all images"},
 };
 
 constexpr TarnDialogResource kDialogs[] = {

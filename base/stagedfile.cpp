@@ -32,7 +32,7 @@ Status StagedFile::commit() {
     if (Status status = file_.nameIt(temporary_); !status) return status;
     isNamed_ = true;
   }
-  const Status status = replaceFile(temporary_, target_);
+  Status status = replaceFile(temporary_, target_);
   // Renamed, even when the folder could not be synced afterwards.
   isInPlace_ = status.isOk() || fileKind(temporary_) == FileKind::kMissing;
   isNamed_ = !isInPlace_;

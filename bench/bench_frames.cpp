@@ -93,7 +93,7 @@ void sendMouse(Canvas& canvas, QEvent::Type type, QPoint at, Qt::MouseButton but
 std::vector<Took> pan(Canvas& canvas, int frames) {
   QPoint at = canvas.rect().center();
   sendMouse(canvas, QEvent::MouseButtonPress, at, Qt::MiddleButton);
-  const auto all = timed(canvas, frames, [&](int i) {
+  auto all = timed(canvas, frames, [&](int i) {
     const QPoint along = i / 25 % 2 == 0 ? QPoint(11, 2) : QPoint(-3, 7);
     at += i / 25 % 4 < 2 ? along : -along;
     sendMouse(canvas, QEvent::MouseMove, at, Qt::NoButton);

@@ -1,6 +1,7 @@
 #include "_image/rectify/pairmarkers.h"
 
 #include <cmath>
+#include <utility>
 
 #include "_image/rectify/pairsketch.h"
 #include "acedads.h"
@@ -33,10 +34,10 @@ void draw(const AcGePoint2dArray& nodes, size_t index, const SketchView& view) {
 
 }  // namespace
 
-void PairMarkers::add(const AcGePoint2dArray& nodes) {
+void PairMarkers::add(AcGePoint2dArray nodes) {
   if (nodes.length() != 2) return;
-  pairs_.push_back(nodes);
-  draw(nodes, pairs_.size() - 1, currentView());
+  pairs_.push_back(std::move(nodes));
+  draw(pairs_.back(), pairs_.size() - 1, currentView());
 }
 
 bool PairMarkers::remove(size_t index) {

@@ -12,7 +12,7 @@ namespace tarn::image {
 class PairMarkers {
  public:
   /// Shows one more pair: the source point, then the target point.
-  void add(const AcGePoint2dArray& nodes);
+  void add(AcGePoint2dArray nodes);
   /// Takes one away and paints the rest; false when there is none at that place.
   bool remove(size_t index);
   /// Takes all away, also from the drawing.

@@ -7,8 +7,6 @@
 #include "_image/rectify/rectifydialog.h"
 #include "ui_rectifydialog.h"
 
-using tarn::image::coordinateText;
-
 namespace {
 
 constexpr int kMostSuggested = 3;

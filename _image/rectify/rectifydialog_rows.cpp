@@ -211,7 +211,7 @@ void rectifyDialog::recoverRows() {
 }
 
 void rectifyDialog::DrawPointPair(AcGePoint2dArray nodes) {
-  m_markers.add(nodes);
+  m_markers.add(std::move(nodes));
 }
 
 void rectifyDialog::ClearPointPair() {

@@ -43,7 +43,7 @@ Result<PointFile> load(const std::string& path) {
   auto parsed = parsePoints(bytes.value());
   if (!parsed) return Status::error(path + ": " + parsed.message());
   for (const std::string& note : parsed.value().notes)
-    static_cast<void>(complain(path + ": " + note));
+    static_cast<void>(complain(std::string(path).append(": ").append(note)));
   return parsed;
 }
 

@@ -133,7 +133,7 @@ Status verifyConverted(const Plan& plan, GDALDataset& view, const std::string& p
   if (!opened) return opened.status();
   const GdalErrors errors;
   GDALDataset& made = *opened.value();
-  const Status damaged = Status::error(path + ": cannot be read back as it was written");
+  Status damaged = Status::error(path + ": cannot be read back as it was written");
   if (made.GetRasterXSize() != view.GetRasterXSize() ||
       made.GetRasterYSize() != view.GetRasterYSize() ||
       made.GetRasterCount() != view.GetRasterCount() ||

@@ -170,6 +170,7 @@ class StoredView final : public View {
                    int rows, GDALDataType type, int count, int* bands, GSpacing pixel,
                    GSpacing line, GSpacing band, GDALRasterIOExtraArg* extra) override {
     std::vector<int> own;
+    own.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) own.push_back(numbers_[bands ? bands[i] - 1 : i]);
     return source_.dataset().RasterIO(flag, x, y, width, height, out, columns, rows, type, count,
                                       own.data(), pixel, line, band, extra);
@@ -233,7 +234,7 @@ ShownBand::ShownBand(ShownView& view, int number)
   nBlockXSize = grid.tileWidth;
   nBlockYSize = grid.tileHeight;
   constexpr GDALColorInterp kColours[] = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand};
-  colour_ = grid.channels == 1 ? GCI_GrayIndex : kColours[number - 1];
+  colour_ = grid.channels == 1 ? GCI_GrayIndex : kColours[(number - 1) % 3];
 }
 
 CPLErr ShownBand::IReadBlock(int column, int row, void* out) {

@@ -179,8 +179,8 @@ Status writeRows(const Plan& plan, GDALDataset& view, const raster::RasterImage&
   cascade.withImage = true;
   cascade.withHalves = false;
   const raster::Progress pixels = stepOf(progress, 0, kPixelShare);
-  const Status done = plan.inTiles ? cascadeTiles(image.storedPixels(), cascade, writer, pixels)
-                                   : copyRows(view, writer, path, pixels);
+  Status done = plan.inTiles ? cascadeTiles(image.storedPixels(), cascade, writer, pixels)
+                             : copyRows(view, writer, path, pixels);
   if (!done) return done;
   return runWaiting(
       [&](Waiting&) {

@@ -200,6 +200,7 @@ bool Reading::fetchTiles(const Level& level, TileBlock& block) {
   if (!missing.empty() && level.reader->sequential())
     readOnTheWay(level, block, rowOf(missing.front()));
   std::vector<TilePlace> places;
+  places.reserve(missing.size());
   for (const size_t i : missing) places.push_back({columnOf(i), rowOf(i)});
   std::shared_ptr<const void> held;
   if (!places.empty() && !level.reader->prepare(places, held)) return false;

@@ -25,10 +25,9 @@ std::string worldFileText(const double* t) {
 }
 
 std::string esriText(const OGRSpatialReference& system) {
-  OGRSpatialReference copy(system);
   char* text = nullptr;
   const char* options[] = {"FORMAT=WKT1_ESRI", nullptr};
-  const bool done = copy.exportToWkt(&text, options) == OGRERR_NONE && text;
+  const bool done = system.exportToWkt(&text, options) == OGRERR_NONE && text;
   std::string result = done ? text : "";
   CPLFree(text);
   return result;

@@ -53,8 +53,8 @@ WarpedImage::~WarpedImage() {
   TileCache::shared().removeImage(id_);
 }
 
-std::shared_ptr<const WarpedImage> WarpedImage::place(std::shared_ptr<const RasterImage> image,
-                                                      const GeoTransform& ground) {
+std::shared_ptr<const WarpedImage> WarpedImage::place(
+    const std::shared_ptr<const RasterImage>& image, const GeoTransform& ground) {
   const OwnPlace own = image->ownPlace();
   if (own.placement.resampling && !own.placement.resampling->isAffine()) return nullptr;
   // Own pixels to presented ones, back from where three presented points come from.
@@ -79,8 +79,8 @@ std::shared_ptr<const WarpedImage> WarpedImage::place(std::shared_ptr<const Rast
   return warped;
 }
 
-std::shared_ptr<const WarpedImage> WarpedImage::warp(std::shared_ptr<const RasterImage> image,
-                                                     const WarpGrid& grid) {
+std::shared_ptr<const WarpedImage> WarpedImage::warp(
+    const std::shared_ptr<const RasterImage>& image, const WarpGrid& grid) {
   const OwnPlace own = image->ownPlace();
   Placement placement;
   placement.transform = grid.transform;

@@ -27,9 +27,9 @@ class WarpedImage {
  public:
   /// Presented pixels of the image lie on the ground as the transform says. Null when the image's
   /// own presentation is no affine one, or the transform distorts it beyond measure.
-  static std::shared_ptr<const WarpedImage> place(std::shared_ptr<const RasterImage> image,
+  static std::shared_ptr<const WarpedImage> place(const std::shared_ptr<const RasterImage>& image,
                                                   const GeoTransform& ground);
-  static std::shared_ptr<const WarpedImage> warp(std::shared_ptr<const RasterImage> image,
+  static std::shared_ptr<const WarpedImage> warp(const std::shared_ptr<const RasterImage>& image,
                                                  const WarpGrid& grid);
   ~WarpedImage();
   WarpedImage(const WarpedImage&) = delete;

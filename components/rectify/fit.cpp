@@ -168,6 +168,7 @@ double conditionOf(Method method, const std::vector<PlanePoint>& sources) {
   const Normaliser normaliser = normaliserOf(sources, [](const PlanePoint& p) { return p; });
   if (!(normaliser.scale > 0)) return kInfinite;
   std::vector<PlanePoint> points;
+  points.reserve(sources.size());
   for (const PlanePoint& p : sources) points.push_back(normaliser.to(p));
   if (isClosed(method)) {
     const Sums s = sumsOf(points, points);

@@ -65,6 +65,7 @@ void explainUnsolved(Method method, const std::vector<PointPair>& pairs, Rectify
     return;
   }
   std::vector<PlanePoint> sources;
+  sources.reserve(pairs.size());
   for (const PointPair& pair : pairs) sources.push_back(pair.source);
   const PlaceFault places = explainSources(method, sources);
   if (places.fault != RectifyFault::kNone && quality.condition > kWeakCondition) {
@@ -145,6 +146,7 @@ void measure(const Solution& solution, const std::vector<PointPair>& pairs,
 void judgeStrength(Method method, const std::vector<PointPair>& pairs, const Shape& shape,
                    RectifyQuality& quality) {
   std::vector<PlanePoint> sources;
+  sources.reserve(pairs.size());
   for (const PointPair& pair : pairs) sources.push_back(pair.source);
   if (quality.condition > kWeakCondition) {
     const PlaceFault places = explainSources(method, sources);

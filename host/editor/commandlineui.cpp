@@ -67,10 +67,12 @@ void addLines(const MenuModel& menu, const std::string& indent, std::string& lin
   for (const MenuItem& item : menu.items) {
     const std::string text = toUtf8(item.text);
     if (item.sub) {
-      lines += indent + text + "\n";
+      lines += indent;
+      lines += text + "\n";
       addLines(*item.sub, indent + "  ", lines);
     } else if (!text.empty()) {
-      lines += indent + std::to_string(item.id) + (item.checked ? " √ " : " ") + text + "\n";
+      lines += indent;
+      lines += std::to_string(item.id) + (item.checked ? " √ " : " ") + text + "\n";
     }
   }
 }
@@ -103,6 +105,7 @@ int CommandLineUi::messageBox(const std::string& text, const std::string&, unsig
     return buttons.front().id;
   }
   std::vector<std::string> keywords;
+  keywords.reserve(buttons.size());
   for (const Button& button : buttons) keywords.emplace_back(button.keyword);
   return buttons[choose(text, keywords, 0)].id;
 }

@@ -266,7 +266,7 @@ Status runPlot(HostApp& app, const PlotJob& job) {
   const PlottedTab tab(app.documents().current().space(), job.layout);
   PlotNotice notice(job);
   notice.begin(app.documentTitle(), job.target.path);
-  const Status status = plotPage(app, job, plan.value());
+  Status status = plotPage(app, job, plan.value());
   notice.end(!status && status.message().empty());
   return status;
 }

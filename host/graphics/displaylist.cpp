@@ -33,7 +33,7 @@ class Bounds {
   void operator()(const ImageItem& item) {
     for (const int corner : {0, 1, 2, 3}) {
       const double u = corner % 2;
-      const double v = corner / 2;
+      const double v = corner < 2 ? 0 : 1;
       add(item.origin.x + u * item.u.x + v * item.v.x, item.origin.y + u * item.u.y + v * item.v.y);
     }
   }

@@ -27,8 +27,8 @@ struct TarnDialogResource {
 
 struct TarnMenuItem {
   UINT id;            ///< 0 for a sub-menu
-  const ACHAR* text;  ///< null: a separator
   int depth;          ///< 0: a pop-up of the menu bar; deeper ones stand in the last item above
+  const ACHAR* text;  ///< null: a separator
 };
 
 struct TarnMenuResource {

@@ -6,7 +6,6 @@
 #include "host/ui/windowstate.h"
 
 using tarn::host::TreeModel;
-using tarn::host::TreeNode;
 using tarn::host::TreeView;
 using tarn::host::WindowAccess;
 

@@ -8,7 +8,6 @@
 #include "host/ui/windowinput.h"
 #include "host/ui/windowstate.h"
 
-using tarn::host::WindowAccess;
 using tarn::host::WindowState;
 
 namespace tarn::host {

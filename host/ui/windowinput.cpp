@@ -93,6 +93,7 @@ void listGesture(CCheckListBox& list, Gesture gesture, int row) {
 
 void dropFiles(CWnd& window, const std::vector<std::string>& files) {
   std::vector<std::wstring> paths;
+  paths.reserve(files.size());
   for (const std::string& file : files) paths.push_back(toWide(file));
   window.SendMessage(WM_DROPFILES, reinterpret_cast<WPARAM>(&paths));
 }
