@@ -41,10 +41,14 @@ HttpSource::HttpSource(const ServerPlace& place, const std::string& path)
 
 Result<std::shared_ptr<HttpSource>> HttpSource::open(const ServerPlace& place,
                                                      const std::string& path,
-                                                     const std::shared_ptr<Operation>& operation) {
+                                                     const std::shared_ptr<Operation>& operation,
+                                                     HttpAnswer& refusal) {
   std::shared_ptr<HttpSource> source(new HttpSource(place, path));
   source->operation_ = operation;
-  if (Status loaded = source->load(); !loaded) return loaded;
+  if (Status loaded = source->load(); !loaded) {
+    refusal = source->failure();
+    return loaded;
+  }
   return source;
 }
 
@@ -67,7 +71,8 @@ Status HttpSource::load() {
   version_ = answer.version;
   headEnd_ = answer.body.size();
   confirmed_ = Operation::Clock::now();
-  keep(std::make_shared<Piece>(Piece{0, std::move(answer.body)}));
+  head_ = {std::make_shared<Piece>(Piece{0, std::move(answer.body)})};
+  keep(head_.front());
   return Status::ok();
 }
 
@@ -193,15 +198,24 @@ bool HttpSource::fetch(const std::vector<raster::ByteRange>& ranges,
   return true;
 }
 
-uint64_t HttpSource::readAhead(uint64_t offset, uint64_t size) const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+PiecePtr HttpSource::readOn(uint64_t offset, uint64_t size) const {
   uint64_t step = size;
-  // The directories follow one another at the start of a well-made file.
-  if (offset <= headEnd_) {
-    step = std::max(size, std::min(headEnd_, kLongestStep));
-    headEnd_ = std::max(headEnd_, std::min(version_.size, offset + step));
+  bool isHead = false;
+  {
+    // The directories follow one another at the start of a well-made file.
+    const std::lock_guard<std::mutex> lock(mutex_);
+    isHead = offset <= headEnd_;
+    if (isHead) step = std::max(size, std::min(headEnd_, kLongestStep));
   }
-  return std::min(step, version_.size - offset);
+  step = std::min(step, version_.size - offset);
+  std::vector<PiecePtr> fetched;
+  if (!request({{offset, step}}, fetched)) return nullptr;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (isHead && offset <= headEnd_) {
+    head_.push_back(fetched.front());
+    headEnd_ = std::max(headEnd_, offset + step);
+  }
+  return fetched.front();
 }
 
 bool HttpSource::readAt(uint64_t offset, void* out, size_t size) const {
@@ -209,11 +223,8 @@ bool HttpSource::readAt(uint64_t offset, void* out, size_t size) const {
   auto* bytes = static_cast<char*>(out);
   while (size > 0) {
     PiecePtr piece = find(offset, 1);
-    if (!piece) {
-      std::vector<PiecePtr> fetched;
-      if (!request({{offset, readAhead(offset, size)}}, fetched)) return false;
-      piece = fetched.front();
-    }
+    if (!piece) piece = readOn(offset, size);
+    if (!piece) return false;
     const uint64_t from = offset - piece->offset;
     const size_t part = std::min<uint64_t>(size, piece->bytes.size() - from);
     std::memcpy(bytes, piece->bytes.data() + from, part);
@@ -231,11 +242,11 @@ void HttpSource::checkVersion() {
   request.path = path_;
   request.headOnly = true;
   const HttpAnswer answer = runRequests(place_, {request}, *current).front();
-  if (!answer.failure.empty()) {
+  if (!answer.failure.empty() && !answer.isUnreachable) {
     fail(answer);
     return;
   }
-  if (!version_.agreesWith(answer.version)) changed_ = true;
+  if (answer.failure.empty() && !version_.agreesWith(answer.version)) changed_ = true;
   const std::lock_guard<std::mutex> lock(mutex_);
   confirmed_ = Operation::Clock::now();
 }

@@ -23,9 +23,10 @@ std::vector<raster::ByteRange> mergeRanges(std::vector<raster::ByteRange> ranges
 class HttpSource final : public raster::RemoteBytes {
  public:
   /// Fetches the start of the file, which says what it is. The reason of a failure is a sentence
-  /// that names it.
+  /// that names it; `refusal` then tells more.
   static Result<std::shared_ptr<HttpSource>> open(const ServerPlace& place, const std::string& path,
-                                                  const std::shared_ptr<Operation>& operation);
+                                                  const std::shared_ptr<Operation>& operation,
+                                                  HttpAnswer& refusal);
 
   const std::string& name() const override { return name_; }
   uint64_t size() const override { return version_.size; }
@@ -35,7 +36,8 @@ class HttpSource final : public raster::RemoteBytes {
 
   /// Reads are part of this operation from now on.
   void setOperation(std::shared_ptr<Operation> operation);
-  /// Asks the server whether the file is still the same; hasChanged() then tells.
+  /// Asks the server whether the file is still the same; hasChanged() then tells. A server that
+  /// cannot be reached is believed to have it still.
   void checkVersion();
   bool hasChanged() const { return changed_; }
   /// When the server last said that the file is as it was.
@@ -54,7 +56,7 @@ class HttpSource final : public raster::RemoteBytes {
   void keep(const PiecePtr& piece) const;
   void fail(const HttpAnswer& answer) const;
   std::string condition() const;
-  uint64_t readAhead(uint64_t offset, uint64_t size) const;
+  PiecePtr readOn(uint64_t offset, uint64_t size) const;
   std::shared_ptr<Operation> operation() const;
 
   ServerPlace place_;
@@ -64,6 +66,8 @@ class HttpSource final : public raster::RemoteBytes {
   mutable std::atomic<bool> changed_{false};
   mutable std::mutex mutex_;
   mutable std::multimap<uint64_t, std::weak_ptr<const Piece>> pieces_;
+  /// The directories, which are read again with every handle of a decoder, stay as long as this.
+  mutable std::vector<PiecePtr> head_;
   mutable uint64_t headEnd_ = 0;
   mutable HttpAnswer failure_;
   mutable Operation::Clock::time_point confirmed_;

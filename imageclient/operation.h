@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <thread>
+#include <utility>
 
 #include "imageclient/clienttimes.h"
 
@@ -28,8 +29,12 @@ class Operation {
   }
   /// Asks the user's side, on the operation's own thread only: the user interface lives there.
   bool isCancelled() {
-    if (!cancelled_ && cancelWanted_ && std::this_thread::get_id() == owner_ && cancelWanted_())
-      cancelled_ = true;
+    if (cancelled_ || !cancelWanted_ || std::this_thread::get_id() != owner_) return cancelled_;
+    // The user interface may have more to do than to answer.
+    const auto now = Clock::now();
+    if (now < nextQuestion_) return false;
+    cancelled_ = cancelWanted_();
+    nextQuestion_ = now + std::chrono::milliseconds(30);
     return cancelled_;
   }
 
@@ -38,6 +43,7 @@ class Operation {
   Clock::time_point end_;
   std::function<bool()> cancelWanted_;
   std::thread::id owner_ = std::this_thread::get_id();
+  Clock::time_point nextQuestion_{};
   std::atomic<bool> cancelled_{false};
 };
 

@@ -53,7 +53,8 @@ Result<std::vector<FolderItem>> readServerFolder(const ServerPlace& place,
 
 std::string previewOf(const ServerPlace& place, const std::string& path,
                       const std::shared_ptr<Operation>& operation) {
-  auto source = HttpSource::open(place, path, operation);
+  HttpAnswer refusal;
+  auto source = HttpSource::open(place, path, operation, refusal);
   if (!source) return {};
   auto image = raster::RasterImage::open(source.value());
   if (!image) return {};

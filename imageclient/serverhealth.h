@@ -1,22 +1,28 @@
-// Which images are left alone for a while because they keep failing.
+// Which images and servers are left alone for a while because they keep failing.
 #pragma once
 
 #include <chrono>
+#include <string>
 
 #include "imageclient/operation.h"
+#include "imageclient/serveraddress.h"
 
 namespace tarn::client {
 
-/// Counts failures in a row of one image; belongs to one thread.
+/// Counts failures in a row; belongs to one thread. After a pause one more failure is enough for
+/// the next.
 class Breaker {
  public:
   using Clock = Operation::Clock;
 
   bool isOpen() const { return Clock::now() < until_; }
-  void succeeded() { failures_ = 0; }
+  void succeeded() {
+    failures_ = 0;
+    until_ = {};
+  }
   void failed(const ClientTimes& times) {
     if (++failures_ < times.failures) return;
-    failures_ = 0;
+    failures_ = times.failures - 1;
     until_ = Clock::now() + std::chrono::milliseconds(times.pause);
   }
 
@@ -24,5 +30,14 @@ class Breaker {
   int failures_ = 0;
   Clock::time_point until_{};
 };
+
+/// What all images of a server have in common: one that does not answer is left alone as a whole,
+/// so that a drawing with many of its images does not wait for each. Any thread may call.
+void serverAnswered(const ServerPlace& place);
+void serverFailed(const ServerPlace& place, const std::string& reason, const ClientTimes& times);
+/// Why the server is left alone now; empty when it is not.
+std::string serverPause(const ServerPlace& place);
+/// Whether it has answered within the time for which servers are left alone.
+bool hasAnsweredLately(const ServerPlace& place, const ClientTimes& times);
 
 }  // namespace tarn::client

@@ -64,10 +64,12 @@ struct TarnClientManager::State {
   }
 
   /// A fault is told once, until something has succeeded.
-  bool fail(const std::string& message, bool cancelled) {
+  bool fail(const std::string& message, const HttpAnswer& failure) {
     error = message;
-    if (cancelled) return false;
+    if (failure.isCancelled) return false;
     breaker.failed(times);
+    if (const auto where = failure.isUnreachable ? place() : std::nullopt)
+      tarn::client::serverFailed(*where, message, times);
     if (message != reported) tarn::client::tellUser(message);
     reported = message;
     return false;
@@ -75,12 +77,14 @@ struct TarnClientManager::State {
 
   void succeed() {
     breaker.succeeded();
+    if (const auto where = place()) tarn::client::serverAnswered(*where);
     error.clear();
     reported.clear();
   }
 
   bool open(const std::shared_ptr<Operation>& operation);
   bool openIfPossible(const std::shared_ptr<Operation>& operation);
+  bool isPaused();
   bool isStale() const;
   bool readPixels(const Window& window);
   bool readCurrent(const Window& window, const std::shared_ptr<Operation>& operation,
@@ -91,11 +95,12 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
   image.reset();
   source.reset();
   const auto where = place();
-  if (!where) return fail(error, false);
+  if (!where) return fail(error, {});
   if (Status usable = tarn::client::checkImagePath(path); !usable)
-    return fail(usable.message(), false);
-  auto opened = HttpSource::open(*where, path, operation);
-  if (!opened) return fail(opened.message(), operation->isCancelled());
+    return fail(usable.message(), {});
+  HttpAnswer refusal;
+  auto opened = HttpSource::open(*where, path, operation, refusal);
+  if (!opened) return fail(opened.message(), refusal);
   source = opened.take();
   auto loaded = RasterImage::open(source);
   if (!loaded) {
@@ -103,7 +108,7 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
     const std::string message =
         failure.failure.empty() ? loaded.message() : source->name() + ": " + failure.failure;
     source.reset();
-    return fail(message, failure.isCancelled);
+    return fail(message, failure);
   }
   image = loaded.take();
   const tarn::raster::GeoTransform& t = image->geoTransform();
@@ -115,12 +120,26 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
 
 bool TarnClientManager::State::openIfPossible(const std::shared_ptr<Operation>& operation) {
   if (image) return true;
-  if (!isServe || path.empty() || breaker.isOpen()) return false;
+  if (!isServe || path.empty() || isPaused()) return false;
   return open(operation);
 }
 
+bool TarnClientManager::State::isPaused() {
+  if (breaker.isOpen()) return true;
+  const auto where = place();
+  const std::string reason = where ? tarn::client::serverPause(*where) : std::string();
+  if (!reason.empty()) error = reason;
+  return !reason.empty();
+}
+
 bool TarnClientManager::State::isStale() const {
-  return Operation::Clock::now() - source->confirmed() > std::chrono::milliseconds(times.believed);
+  // The images of a drawing take turns: asking about all of them at once would be felt.
+  static Operation::Clock::time_point nextTurn{};
+  const auto now = Operation::Clock::now();
+  if (now < nextTurn || now - source->confirmed() <= std::chrono::milliseconds(times.believed))
+    return false;
+  nextTurn = now + std::chrono::milliseconds(times.believed / 200);
+  return true;
 }
 
 bool TarnClientManager::State::readPixels(const Window& window) {
@@ -183,9 +202,10 @@ void TarnClientManager::setPort(const kel::DString& port) {
 }
 
 bool TarnClientManager::connectServe() {
-  if (!state_->isServe || state_->breaker.isOpen()) return false;
+  if (!state_->isServe || state_->isPaused()) return false;
   const auto where = state_->place();
-  if (!where) return state_->fail(state_->error, false);
+  if (!where) return state_->fail(state_->error, {});
+  if (tarn::client::hasAnsweredLately(*where, state_->times)) return true;
   tarn::client::HttpRequest request;
   request.headOnly = true;
   const auto operation = state_->begin();
@@ -193,9 +213,10 @@ bool TarnClientManager::connectServe() {
   // Any answer shows that there is a server.
   if (answer.status != 0) {
     state_->error.clear();
+    tarn::client::serverAnswered(*where);
     return true;
   }
-  return state_->fail(where->text() + ": " + answer.failure, answer.isCancelled);
+  return state_->fail(where->text() + ": " + answer.failure, answer);
 }
 
 bool TarnClientManager::setCurImg(const kel::DString& path) {
@@ -250,7 +271,7 @@ bool TarnClientManager::updateImage(int x, int y, int w, int h, double reduction
     state_->announced.reset();
   }
   if (w < 1 || h < 1 || w > kMostCells || h > kMostCells) return false;
-  if (state_->breaker.isOpen()) return false;
+  if (state_->isPaused()) return false;
   const auto operation = state_->begin();
   if (!state_->openIfPossible(operation)) return false;
   bool changed = false;
@@ -262,7 +283,7 @@ bool TarnClientManager::updateImage(int x, int y, int w, int h, double reduction
     state_->fail(
         state_->source->name() + ": " +
             (failure.failure.empty() ? "some of its pixels cannot be read" : failure.failure),
-        failure.isCancelled);
+        failure);
   }
   if (changed && state_->updated) state_->updated(state_->updatedName);
   if (read && buffer) {

@@ -144,6 +144,7 @@ void Transfer::setLimits(const ClientTimes& times, int left) {
   option(CURLOPT_LOW_SPEED_LIMIT, times.slowBytes);
   option(CURLOPT_LOW_SPEED_TIME, std::max(1, times.slow / 1000));
   option(CURLOPT_TCP_KEEPALIVE, 1);
+  option(CURLOPT_BUFFERSIZE, 256 << 10);
 }
 
 void Transfer::setRequest(const ServerPlace& place) {

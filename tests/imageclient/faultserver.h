@@ -1,0 +1,78 @@
+// A server of one file that misbehaves on demand.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tarn::test {
+
+enum class Fault {
+  kNone,
+  kReset,       // the connection is reset before an answer
+  kStalled,     // no answer ever
+  kDripping,    // one byte now and then
+  kHalfBody,    // the connection ends in the middle
+  kWrongRange,  // other bytes than were asked for
+  kWholeFile,   // the file instead of a range of it
+  kGarbage,     // no HTTP
+  kEndless,     // more than was said, without end
+  kLoop,        // redirects to itself
+  kElsewhere,   // redirects to another host
+  kToFile,      // redirects to a file of this computer
+  kGone,        // 404
+  kBusy,        // 503
+  kBusyOnce,    // 503, then as it should be
+  kShortRange,  // fewer bytes than were asked for, and says so
+  kDamaged,     // the right number of wrong bytes
+};
+
+/// Listens on a free port of 127.0.0.1 until it is destroyed. Every path is the file.
+class FaultServer {
+ public:
+  explicit FaultServer(std::string file);
+  ~FaultServer();
+  FaultServer(const FaultServer&) = delete;
+  FaultServer& operator=(const FaultServer&) = delete;
+
+  std::string port() const { return std::to_string(port_); }
+  void setFault(Fault fault) { fault_ = fault; }
+  /// Another file under the same name, told apart by its tag.
+  void setFile(std::string file);
+  int requests() const { return requests_; }
+  int connections() const { return connections_; }
+  /// Longest time, in milliseconds, that a request waits for its answer.
+  void setDelay(int ms) { delayMs_ = ms; }
+
+ private:
+  struct Reply {
+    std::string bytes;
+    enum class After { kKeep, kClose, kReset, kStall, kDrip, kEndless };
+    After after = After::kKeep;
+  };
+  void listen();
+  void serve(int connection);
+  Reply replyTo(const std::string& request);
+  Reply properReply(const std::string& request, Fault fault);
+  void send(int connection, const std::string& bytes) const;
+  void afterwards(int connection, Reply::After after) const;
+
+  mutable std::mutex mutex_;
+  std::string file_;
+  int version_ = 1;
+  int listener_ = -1;
+  int port_ = 0;
+  std::atomic<Fault> fault_{Fault::kNone};
+  std::atomic<bool> ending_{false};
+  std::atomic<int> requests_{0};
+  std::atomic<int> connections_{0};
+  std::atomic<int> delayMs_{0};
+  std::list<std::thread> threads_;
+  std::thread acceptor_;
+};
+
+}  // namespace tarn::test
