@@ -33,6 +33,13 @@ bool isTiff(const std::string& path) {
   return equalsIgnoreCase(extension, ".tif") || equalsIgnoreCase(extension, ".tiff");
 }
 
+/// -1 for what is no size of a file.
+int64_t sizeOf(const QJsonValue& value) {
+  constexpr double kMost = 1e15;
+  const double bytes = value.toDouble(-1);
+  return bytes >= 0 && bytes < kMost ? static_cast<int64_t>(bytes) : -1;
+}
+
 std::optional<Footprint> footprintOf(const QJsonValue& box) {
   const QJsonArray numbers = box.toArray();
   // Six numbers when there are heights.
@@ -55,7 +62,7 @@ std::optional<FolderItem> imageOf(const QJsonObject& feature) {
     FolderItem item;
     item.path = pathBelow(textOf(asset["href"]));
     if (item.path.empty() || !isTiff(item.path)) continue;
-    item.bytes = static_cast<int64_t>(asset["file:size"].toDouble(-1));
+    item.bytes = sizeOf(asset["file:size"]);
     const QJsonValue box =
         asset.contains("proj:bbox") ? asset["proj:bbox"] : properties["proj:bbox"];
     item.footprint = footprintOf(box);

@@ -53,7 +53,9 @@ kel::StringList QFileFind::getImgInfo(kel::DString& specification) {
   listing.title = "影像服务器";
   listing.accept = "添加";
   listing.read = [folders](const kel::DString& folder, kel::List<kel::ListingEntry>& entries) {
-    return kel::DString(folders->read(folder.str(), entries));
+    // The key may stand in the entries that are about to go.
+    const std::string key = folder.str();
+    return kel::DString(folders->read(key, entries));
   };
   listing.preview = [folders](const kel::DString& image) { return folders->preview(image.str()); };
   const kel::StringList chosen = tarn::client::chooseFromListing(listing);

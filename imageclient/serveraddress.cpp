@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "base/encoding.h"
 #include "base/text.h"
 
 namespace tarn::client {
@@ -66,19 +67,7 @@ Status checkImagePath(const std::string& path) {
 }
 
 std::string encodedPath(const std::string& path) {
-  constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string out = "/";
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (isAsciiWordByte(byte) || c == '-' || c == '.' || c == '_' || c == '~' || c == '/') {
-      out += c;
-    } else {
-      out += '%';
-      out += kDigits[byte >> 4];
-      out += kDigits[byte & 15];
-    }
-  }
-  return out;
+  return '/' + percentEncoded(path);
 }
 
 std::string decodedText(const std::string& text) {

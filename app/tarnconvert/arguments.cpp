@@ -53,6 +53,9 @@ const char* const kUsage =
     "  --existing WORD        skip (leave what is there), overwrite, rename (write NAME_2)\n"
     "  --shard I/N            only the I-th of N parts of the list; an image's part depends on\n"
     "                         its path alone\n"
+    "  --catalog              converts nothing: makes or refreshes catalog.json in the folders "
+    "named\n"
+    "                         and those below, for image servers\n"
     "Outputs that are whole and made from the image as it is now are left alone by all of these.\n"
     "Exit status: 0 done, 1 some image failed, 2 wrong usage.\n";
 
@@ -80,6 +83,11 @@ Result<Arguments> parseArguments(const std::vector<std::string>& words) {
       out.help = true;
       continue;
     }
+    if (named.name == "catalog") {
+      out.catalogue = true;
+      if (named.hasValue) out.names.push_back(named.value);
+      continue;
+    }
     if (!named.hasValue) {
       if (i + 1 == words.size()) return Status::error(word + " needs a value");
       named.value = words[++i];
@@ -87,6 +95,8 @@ Result<Arguments> parseArguments(const std::vector<std::string>& words) {
     if (Status set = setNamed(named.name, named.value, out); !set) return set;
   }
   if (Status fits = convert::checkOptions(out.options); !fits) return fits;
+  if (out.catalogue && (out.names.empty() || out.listOnInput))
+    return Status::error("--catalog wants the names of folders");
   if (!out.help && out.names.empty() && !out.listOnInput) return Status::error("no image is named");
   return out;
 }

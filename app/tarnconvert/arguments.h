@@ -17,6 +17,8 @@ struct Arguments {
   /// The part, 1 to `parts`, that this process converts.
   unsigned part = 1;
   unsigned parts = 1;
+  /// The names are folders whose images are to be listed for a server.
+  bool catalogue = false;
   bool help = false;
 };
 

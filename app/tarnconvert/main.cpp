@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "app/tarnconvert/arguments.h"
+#include "base/encoding.h"
 #include "base/file.h"
-#include "base/text.h"
 #include "components/convert/batch.h"
+#include "components/convert/catalogue.h"
 
 namespace {
 
@@ -28,32 +29,18 @@ extern "C" void onStop(int) {
   g_stop = 1;
 }
 
-/// A text as a JSON string; names that are no UTF-8 get replacement characters.
-std::string quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : tarn::toUtf8(tarn::toWide(text))) {
-    if (c == '"' || c == '\\') out += '\\';
-    if (static_cast<unsigned char>(c) < ' ') {
-      char code[8];
-      std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned char>(c));
-      out += code;
-    } else {
-      out += c;
-    }
-  }
-  return out + '"';
-}
-
 std::string jsonLine(const Item& item, const ItemResult& result) {
   std::string notes;
-  for (const std::string& note : result.notes) notes += (notes.empty() ? "" : ",") + quoted(note);
+  for (const std::string& note : result.notes)
+    notes += (notes.empty() ? "" : ",") + tarn::quotedJson(note);
   char seconds[32];
   std::snprintf(seconds, sizeof seconds, "%.3f", result.seconds);
-  std::string line = "{\"input\":" + quoted(item.input) + ",\"output\":" + quoted(result.output) +
-                     ",\"state\":\"" + wordOf(result.state) + "\"";
+  std::string line = "{\"input\":" + tarn::quotedJson(item.input) +
+                     ",\"output\":" + tarn::quotedJson(result.output) + ",\"state\":\"" +
+                     wordOf(result.state) + "\"";
   if (result.state == State::kConverted)
     line += ",\"bytes\":" + std::to_string(result.bytes) + ",\"seconds\":" + seconds;
-  if (!result.message.empty()) line += ",\"message\":" + quoted(result.message);
+  if (!result.message.empty()) line += ",\"message\":" + tarn::quotedJson(result.message);
   if (!notes.empty()) line += ",\"notes\":[" + notes + "]";
   return line + "}";
 }
@@ -91,6 +78,23 @@ std::vector<Item> ownPart(const std::vector<Item>& items, const Arguments& argum
   return own;
 }
 
+/// One line of JSON a folder; what cannot be listed goes to standard error.
+int writeCatalogues(const std::vector<std::string>& folders) {
+  bool whole = true;
+  for (const std::string& folder : folders) {
+    tarn::convert::CatalogueReport report;
+    const tarn::Status written = tarn::convert::writeCatalogues(folder, report);
+    if (!written) std::cerr << "tarnconvert: " << written.message() << "\n";
+    for (const std::string& problem : report.problems)
+      std::cerr << "tarnconvert: " << problem << "\n";
+    std::cout << "{\"folder\":" << tarn::quotedJson(folder)
+              << ",\"catalogues\":" << report.catalogues << ",\"images\":" << report.images
+              << "}\n";
+    whole = whole && written.isOk() && report.problems.empty();
+  }
+  return whole && std::cout.good() ? kDone : kFailed;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -106,6 +110,7 @@ int main(int argc, char** argv) {
     return kDone;
   }
   tarn::makeWriteFailuresErrors();
+  if (arguments.catalogue) return writeCatalogues(arguments.names);
   std::signal(SIGINT, onStop);
   std::signal(SIGTERM, onStop);
   if (arguments.listOnInput) addListOnInput(arguments.names);

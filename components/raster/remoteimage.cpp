@@ -9,22 +9,7 @@
 namespace tarn::raster {
 namespace {
 
-// A picture of this size can be read whole.
-constexpr uint32_t kNeedsOverviews = 2048;
 constexpr size_t kMostRemotePictures = 64;
-
-/// Why the file cannot be read in pieces, or empty.
-std::string hindranceOf(const std::vector<TiffDirectory>& directories) {
-  const TiffDirectory& image = directories.front();
-  if (!image.tiled) return "has no tiles";
-  if (image.offsets.empty() || image.byteCounts.size() < image.offsets.size())
-    return "has a damaged list of tiles";
-  const bool large = std::max(image.width, image.height) > kNeedsOverviews;
-  const bool reduced = std::any_of(directories.begin() + 1, directories.end(), [](const auto& d) {
-    return (d.subfileType & tiff::kReducedImage) != 0 && (d.subfileType & tiff::kMask) == 0;
-  });
-  return large && !reduced ? "has no reduced levels" : std::string();
-}
 
 }  // namespace
 
@@ -47,7 +32,7 @@ Status RasterImage::loadRemote(std::shared_ptr<const RemoteBytes> bytes) {
                          " pictures in it" + advice);
   auto directories = readTiffDirectories(*file_, times_.size);
   if (!directories) return Status::error(path_ + ": " + directories.message() + advice);
-  const std::string hindrance = hindranceOf(directories.value());
+  const std::string hindrance = hindranceToPieces(directories.value());
   if (!hindrance.empty()) return Status::error(path_ + ": " + hindrance + advice);
   directories_ = directories.take();
   guarded_ = std::make_shared<GuardedImage>(bytes);

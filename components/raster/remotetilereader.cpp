@@ -40,6 +40,20 @@ class RemoteTileReader final : public TileReader {
 
 }  // namespace
 
+std::string hindranceToPieces(const std::vector<TiffDirectory>& directories) {
+  // A picture of this size can be read whole.
+  constexpr uint32_t kNeedsOverviews = 2048;
+  const TiffDirectory& image = directories.front();
+  if (!image.tiled) return "has no tiles";
+  if (image.offsets.empty() || image.byteCounts.size() < image.offsets.size())
+    return "has a damaged list of tiles";
+  const bool large = std::max(image.width, image.height) > kNeedsOverviews;
+  const bool reduced = std::any_of(directories.begin() + 1, directories.end(), [](const auto& d) {
+    return (d.subfileType & tiff::kReducedImage) != 0 && (d.subfileType & tiff::kMask) == 0;
+  });
+  return large && !reduced ? "has no reduced levels" : std::string();
+}
+
 std::vector<ByteRange> rangesOf(const TiffDirectory& picture, int x, int y, int width, int height) {
   std::vector<ByteRange> ranges;
   const uint64_t across = picture.blocksAcross(), plane = across * picture.blocksDown();

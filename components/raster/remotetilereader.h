@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "components/raster/remotebytes.h"
@@ -15,6 +16,9 @@ namespace tarn::raster {
 std::unique_ptr<TileReader> makeRemoteReader(std::unique_ptr<TileReader> inner,
                                              std::vector<const TiffDirectory*> pictures,
                                              std::shared_ptr<const RemoteBytes> bytes);
+
+/// Why a file with these directories cannot be read in pieces, without its name; empty when it can.
+std::string hindranceToPieces(const std::vector<TiffDirectory>& directories);
 
 /// The file's ranges that hold a rectangle inside a picture, one a block.
 std::vector<ByteRange> rangesOf(const TiffDirectory& picture, int x, int y, int width, int height);
