@@ -1,5 +1,6 @@
 #include "host/filing/deepclone.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "dbobjptr.h"
@@ -12,7 +13,9 @@ namespace tarn::host {
 
 namespace {
 
+constexpr short kText = 1000;
 constexpr short kApplication = 1001;
+constexpr short kHandle = 1005;
 
 /// Gives every id that is read to the cloner first.
 class TranslatingFiler : public MemoryFiler {
@@ -40,6 +43,39 @@ class TranslatingFiler : public MemoryFiler {
   DeepCloner& cloner_;
 };
 
+const std::wstring& textOf(const ResbufItem& item) {
+  static const std::wstring kNone;
+  const auto* text = std::get_if<std::wstring>(&item.value);
+  return text != nullptr ? *text : kNone;
+}
+
+/// The columns of a text are texts of their own, which belong to one text only.
+void dropColumns(ResbufItems& items) {
+  for (const wchar_t* part : {L"ACAD_MTEXT_COLUMN_INFO_", L"ACAD_MTEXT_COLUMNS_"}) {
+    const auto mark = [&](const wchar_t* which) {
+      return std::find_if(items.begin(), items.end(), [&](const ResbufItem& item) {
+        return item.code == kText && textOf(item) == std::wstring(part) + which;
+      });
+    };
+    const auto begin = mark(L"BEGIN");
+    const auto end = mark(L"END");
+    if (begin < end && end != items.end()) items.erase(begin, end + 1);
+  }
+}
+
+/// Extended data of a copy: the target knows the applications, and what only the other drawing has
+/// is no longer referred to.
+void settleExtendedData(AcDbObject& copy, AcDbDatabase& target, bool isElsewhere) {
+  ResbufItems items = ObjectAccess::extendedData(copy);
+  if (items.empty()) return;
+  dropColumns(items);
+  for (ResbufItem& item : items) {
+    if (item.code == kApplication) registerApplication(target, textOf(item).c_str());
+    if (item.code == kHandle && isElsewhere) item.value = std::wstring(L"0");
+  }
+  ObjectAccess::setExtendedData(copy, std::move(items));
+}
+
 using TableOf = AcDbObjectId (AcDbDatabase::*)() const;
 constexpr TableOf kTables[] = {&AcDbDatabase::layerTableId, &AcDbDatabase::blockTableId,
                                &AcDbDatabase::linetypeTableId, &AcDbDatabase::textStyleTableId};
@@ -53,10 +89,7 @@ AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
   if (copy == nullptr || object.dwgOut(&out) != Acad::eOk) return nullptr;
   TranslatingFiler in(out.bytes(), *this);
   if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
-  for (const ResbufItem& item : ObjectAccess::extendedData(*copy)) {
-    if (item.code != kApplication) continue;
-    registerApplication(target_, std::get<std::wstring>(item.value).c_str());
-  }
+  settleExtendedData(*copy, target_, object.database() != &target_);
   return AcDbObject::cast(made.release());
 }
 

@@ -415,9 +415,11 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
     const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
                                         : object->isKindOf(AcDbLayerTableRecord::desc()) ||
                                               definedTableOf(*object) != nullptr;
-    if (!fits) {
+    if (fits) continue;
+    const EntityCodec* newer = entity != nullptr ? codecFor(*entity, false) : nullptr;
+    if (newer == nullptr || newer->isOwn)
       return "A drawing of R12 cannot keep images and settings.";
-    }
+    return "A drawing of R12 cannot keep objects of kind " + std::string(newer->type) + ".";
   }
   return {};
 }
