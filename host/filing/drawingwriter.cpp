@@ -124,14 +124,8 @@ class DrawingWriter {
       edits_.replace(begin, end->second - begin + 1, {});
     }
     if (block != binding_.paperSpace) return;
-    const DrawingSection* entities = document_.section("ENTITIES");
-    bool onPaper = false;
-    for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
-         entities != nullptr && i < entities->endObject; ++i) {
-      const std::string_view type = document_.typeOf(i);
-      const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
-      if (!isPart) onPaper = binding_.view(i).integer(67) == 1;
-      if (onPaper) edits_.replace(i, 1, {});
+    for (const std::uint32_t object : frontSheetObjects(document_, binding_.encoding)) {
+      edits_.replace(object, 1, {});
     }
   }
 

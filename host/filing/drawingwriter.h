@@ -13,6 +13,11 @@ struct DrawingBinding;
 struct OpeningState;
 struct DrawingView;
 class TagEditor;
+class TextEncoding;
+
+/// What stands on the sheet in front, among the entities of the model: entities and their parts.
+std::vector<std::uint32_t> frontSheetObjects(const TagDocument& document,
+                                             const TextEncoding& encoding);
 
 class DrawingEdits {
  public:

@@ -1,5 +1,6 @@
 // Which of the sheets a drawing file has in front.
 #include <optional>
+#include <vector>
 
 #include "base/text.h"
 #include "host/filing/drawingfile.h"
@@ -36,7 +37,7 @@ class FrontSheet {
     const auto front = find([](const SheetBlock& sheet) { return isFrontName(sheet.name); });
     const DrawingSection* entities = document_.section("ENTITIES");
     if (!wanted || isFrontName(wanted->name) || entities == nullptr) return std::nullopt;
-    const std::string onPaper = front ? takePaperEntities(*entities) : std::string();
+    const std::string onPaper = front ? takePaperEntities() : std::string();
     if (front) {
       rename(*front, wanted->name);
       edits_.insertBefore(front->end, onPaper);
@@ -49,11 +50,10 @@ class FrontSheet {
  private:
   TagView view(std::uint32_t object) const { return {document_, encoding_, object}; }
 
-  std::string bytesOf(std::uint32_t first, std::uint32_t count) const {
-    if (count == 0) return {};
-    const size_t begin = document_.startOf(document_.tagsOf(first).begin);
-    const size_t end = document_.startOf(document_.tagsOf(first + count - 1).end);
-    return document_.bytes().substr(begin, end - begin);
+  std::string bytesOf(std::uint32_t object) const {
+    const TagRange tags = document_.tagsOf(object);
+    const size_t begin = document_.startOf(tags.begin);
+    return document_.bytes().substr(begin, document_.startOf(tags.end) - begin);
   }
 
   template <typename Test>
@@ -100,16 +100,11 @@ class FrontSheet {
   }
 
   /// Takes the entities of the sheet out of those of the model, with their parts.
-  std::string takePaperEntities(const DrawingSection& entities) {
+  std::string takePaperEntities() {
     std::string bytes;
-    bool taken = false;
-    for (std::uint32_t i = entities.firstObject + 1; i < entities.endObject; ++i) {
-      const std::string_view type = document_.typeOf(i);
-      const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
-      if (!isPart) taken = view(i).integer(67) == 1;
-      if (!taken) continue;
-      bytes += bytesOf(i, 1);
-      edits_.replace(i, 1, {});
+    for (const std::uint32_t object : frontSheetObjects(document_, encoding_)) {
+      bytes += bytesOf(object);
+      edits_.replace(object, 1, {});
     }
     return bytes;
   }
@@ -132,6 +127,22 @@ class FrontSheet {
 };
 
 }  // namespace
+
+std::vector<std::uint32_t> frontSheetObjects(const TagDocument& document,
+                                             const TextEncoding& encoding) {
+  std::vector<std::uint32_t> found;
+  const DrawingSection* entities = document.section("ENTITIES");
+  bool onPaper = false;
+  for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
+       entities != nullptr && i < entities->endObject; ++i) {
+    const std::string_view type = document.typeOf(i);
+    // Parts go with their entity, whether they say so or not.
+    const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
+    if (!isPart) onPaper = TagView(document, encoding, i).integer(67) == 1;
+    if (onPaper) found.push_back(i);
+  }
+  return found;
+}
 
 std::string withFrontSheet(std::string bytes, std::uint64_t block) {
   auto document = TagDocument::parse(bytes, "drawing");

@@ -54,11 +54,26 @@ def dialog(desk, title):
 
 
 def answer_dialog(desk, title, text, prompt="Command:"):
-    """Waits for a file dialog, types the name and Enter."""
-    window = dialog(desk, title)
-    desk.run(["xdotool", "windowactivate", "--sync", window])
-    desk.type(text)
-    desk.key("Return")
+    """Waits for a file dialog, types the name and Enter.
+
+    The dialog completes what is typed; on a busy machine its list may come just before Enter and put a folder in the
+    place of the name. Then the name is typed once more.
+    """
+    def visible():
+        return desk.run(["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split()
+
+    for attempt in (1, 2, 3):
+        window = dialog(desk, title)
+        desk.run(["xdotool", "windowactivate", "--sync", window])
+        desk.key("ctrl+a")
+        desk.type(text)
+        desk.key("Return")
+        try:
+            wait_until(f"end of {title!r}", lambda closing=window: closing not in visible(), 20)
+            break
+        except Failure:
+            if attempt == 3:
+                raise
     if prompt:
         desk.wait_prompt(prompt)
 
