@@ -7,6 +7,7 @@
 #include "_image/commands.h"
 #include "_image/docdata.h"
 #include "_image/imagedockbar.h"
+#include "_image/imageedit.h"
 #include "_image/imagerestore.h"
 #include "_image/inputwatch.h"
 #include "_image/moduleglobals.h"
@@ -47,6 +48,7 @@ void setUpCurrentDocument() {
   } else {
     g_dataMap->attach();
   }
+  tarn::image::setImageReleaser();
   if (acDocManager) tarn::image::restoreImages(acDocManager->curDocument());
 }
 

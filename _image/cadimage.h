@@ -9,6 +9,7 @@
 
 #include <array>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -26,8 +27,9 @@ class AcGiViewportDraw;
 class AcGiWorldDraw;
 class TarnClientManager;
 
-/// Paths are full paths of image files and the keys of every map. Sources are counted; the entity
-/// keeps a count of its own for each.
+/// Paths are full paths of image files, or names of images on servers, and the keys of every map.
+/// Local sources are counted; the entity keeps a count of its own for each. Clients of servers
+/// belong to the document's record.
 class CCadImage : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(CCadImage);
@@ -55,6 +57,8 @@ class CCadImage : public AcDbEntity {
   /// Binds the entity to an image whose source is open.
   // Deliberate: the footprint follows the drawing scale, not the image's pixel size.
   void SetImageInfo(const std::wstring& path, const Division& division);
+  /// The same for an image of a server; the client must live until releaseImage().
+  void SetServerImageInfo(const std::wstring& path, TarnClientManager* client);
   /// The image that pAnalyser speaks of.
   void SetCurrentImage(const std::wstring& path);
   const std::wstring& currentImage() const { return m_strCurImage; }
@@ -75,6 +79,11 @@ class CCadImage : public AcDbEntity {
   IImageDivision* sourceOf(const std::wstring& path) const;
   /// The local sources by path.
   const std::map<std::wstring, Division>& localSources() const { return m_mapImageDivision; }
+  /// The client of an image of a server, or null; all of them by path.
+  TarnClientManager* clientOf(const std::wstring& path) const;
+  const std::map<std::wstring, TarnClientManager*>& serverSources() const {
+    return m_mapImageClient;
+  }
   /// Closes the source of one image and forgets it; false when there was none.
   bool releaseImage(const std::wstring& path);
 
@@ -114,6 +123,22 @@ class CCadImage : public AcDbEntity {
   // Deliberate: nothing.
   void GetImageFillBlankPixels(double x, double y) const;
 
+  // ---- Images of servers (cadimage_server.cpp) -----------------------------------------------
+  /// Lets the user choose a local file or an image of a server, as the configuration says; the
+  /// image becomes the current one. `isNetwork` says which way was taken: then `client` is set and
+  /// the caller's, else `division` is open.
+  bool GetImageDataFile(TarnClientManager*& client, Division& division, bool& isNetwork);
+  /// Opens an image of a server by its name ("HOST:PORT/DIR:FILE.tif"). The client is the
+  /// caller's. False, after a message, when it is loaded already or cannot be reached.
+  bool GetImageDataFile(const std::wstring& specification, TarnClientManager*& client,
+                        bool isServer) const;
+  /// The same without messages. False without a client when the name is none; with one, which may
+  /// be ready later, when the image cannot be reached.
+  static bool openServerImage(const std::wstring& specification, bool isServer,
+                              std::unique_ptr<TarnClientManager>& manager);
+  bool GetImageData(TarnClientManager* client, int& width, int& height, double& a, double& e,
+                    double& y0, double& x0, double& right, double& bottom) const;
+
   // ---- Editing (cadimage_edit.cpp) -----------------------------------------------------------
   /// Erases every image entity of the current drawing that holds no image; returns how many.
   static int EraseInvalidImage();
@@ -123,7 +148,11 @@ class CCadImage : public AcDbEntity {
   void GetImageFileList(std::vector<CString>& files, bool isLocal) const;
   /// In spite of its name the two opposite corners of the image.
   void GetImageCenterPt(const Division& division, double upperLeft[2], double lowerRight[2]) const;
-  /// The middle of a local image; false when it is not held.
+  void GetImageCenterPt(TarnClientManager* client, double upperLeft[2], double lowerRight[2]) const;
+  /// The two corners of an image of either kind; false when it is not held, or is of a server that
+  /// could not be reached yet.
+  bool cornersOf(const std::wstring& path, double upperLeft[2], double lowerRight[2]) const;
+  /// The middle of an image; false as for cornersOf().
   bool GetImageCenterPt(const std::wstring& path, double& x, double& y) const;
 
  protected:
@@ -152,7 +181,9 @@ class CCadImage : public AcDbEntity {
   void setImgInfoMap(const std::wstring& path, TarnClientManager* client);
 
  private:
-  /// The whole extent of a local image, or false.
+  static Corners footprintOf(double width, double height, const double* georef);
+  std::vector<Corners> serverFootprints() const;
+  /// The whole extent of an image, or false.
   bool extentOf(const std::wstring& path, tarn::image::ImageExtent& extent) const;
   tarn::image::ViewState currentView();
   /// What the plot shows of the model, through the current viewport when a sheet is plotted.
@@ -167,6 +198,8 @@ class CCadImage : public AcDbEntity {
   const std::vector<ShownImage>& shownImages(const CDocData& record) const;
   void drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw,
                       const tarn::image::ViewState& view) const;
+  bool drawServerImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
+                       const tarn::image::ViewState& view) const;
 
   std::wstring m_strImagePath;
   std::map<std::wstring, Division> m_mapImageDivision;

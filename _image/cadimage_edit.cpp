@@ -7,6 +7,8 @@
 #include "_image/moduleglobals.h"
 #include "acedads.h"
 
+using tarn::image::ImageExtent;
+
 Acad::ErrorStatus CCadImage::subGetOsnapPoints(AcDb::OsnapMode osnapMode,
                                                Adesk::GsMarker /*gsSelectionMark*/,
                                                const AcGePoint3d& /*pickPoint*/,
@@ -19,6 +21,9 @@ Acad::ErrorStatus CCadImage::subGetOsnapPoints(AcDb::OsnapMode osnapMode,
   for (const auto& [path, corners] : m_mapImageCorners) {
     for (const AcGePoint3d& corner : corners) snapPoints.append(corner);
   }
+  for (const Corners& corners : serverFootprints()) {
+    for (const AcGePoint3d& corner : corners) snapPoints.append(corner);
+  }
   return Acad::eOk;
 }
 
@@ -26,6 +31,9 @@ Acad::ErrorStatus CCadImage::subGetGripPoints(AcGePoint3dArray& gripPoints,
                                               AcDbIntArray& osnapModes,
                                               AcDbIntArray& geomIds) const {
   for (const auto& [path, corners] : m_mapImageCorners) {
+    for (const AcGePoint3d& corner : corners) gripPoints.append(corner);
+  }
+  for (const Corners& corners : serverFootprints()) {
     for (const AcGePoint3d& corner : corners) gripPoints.append(corner);
   }
   return AcDbEntity::subGetGripPoints(gripPoints, osnapModes, geomIds);
@@ -79,12 +87,23 @@ void CCadImage::GetImageCenterPt(const Division& division, double upperLeft[2],
   lowerRight[1] = georef[5] - division->height() * std::fabs(georef[3]);
 }
 
-bool CCadImage::GetImageCenterPt(const std::wstring& path, double& x, double& y) const {
+bool CCadImage::cornersOf(const std::wstring& path, double upperLeft[2],
+                          double lowerRight[2]) const {
   const auto found = m_mapImageDivision.find(path);
-  if (found == m_mapImageDivision.end()) return false;
+  if (found != m_mapImageDivision.end()) {
+    GetImageCenterPt(found->second, upperLeft, lowerRight);
+    return true;
+  }
+  ImageExtent extent;
+  if (!extentOf(path, extent)) return false;
+  GetImageCenterPt(clientOf(path), upperLeft, lowerRight);
+  return true;
+}
+
+bool CCadImage::GetImageCenterPt(const std::wstring& path, double& x, double& y) const {
   double upperLeft[2];
   double lowerRight[2];
-  GetImageCenterPt(found->second, upperLeft, lowerRight);
+  if (!cornersOf(path, upperLeft, lowerRight)) return false;
   x = (upperLeft[0] + lowerRight[0]) / 2;
   y = (upperLeft[1] + lowerRight[1]) / 2;
   return true;
@@ -94,12 +113,14 @@ bool CCadImage::GetImageCenterPt(const std::wstring& path, double& x, double& y)
 Acad::ErrorStatus CCadImage::subGetGeomExtents(AcDbExtents& extents) const {
   assertReadEnabled();
   bool isEmpty = true;
-  for (const auto& [path, division] : m_mapImageDivision) {
-    tarn::image::ImageExtent extent;
-    if (!isShowThisImage(path) || !extentOf(path, extent)) continue;
+  const auto add = [&](const std::wstring& path) {
+    ImageExtent extent;
+    if (!isShowThisImage(path) || !extentOf(path, extent)) return;
     extents.addPoint(AcGePoint3d(extent.left, extent.bottom, 0));
     extents.addPoint(AcGePoint3d(extent.right, extent.top, 0));
     isEmpty = false;
-  }
+  };
+  for (const auto& [path, division] : m_mapImageDivision) add(path);
+  for (const auto& [path, client] : m_mapImageClient) add(path);
   return isEmpty ? Acad::eInvalidExtents : Acad::eOk;
 }

@@ -1,10 +1,12 @@
 // Class description, filing, cloning, binding to images.
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_spec.h"
 #include "acedads.h"
 #include "commoncode/cadutil/drawingscale.h"
 #include "dbfiler.h"
 #include "dbproxy.h"
+#include "imageclient/tarnclientmanager.h"
 
 // clang-format off
 ACRX_DXF_DEFINE_MEMBERS(CCadImage, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
@@ -44,8 +46,9 @@ Acad::ErrorStatus CCadImage::dwgInFields(AcDbDwgFiler* filer) {
 
 AcRxObject* CCadImage::clone() const {
   auto* copy = new CCadImage();
-  Division division = tarn::image::makeObject<IImageDivision>(tarn::image::kCloneDivisionSite);
   const std::wstring path = m_strImagePath;
+  if (tarn::image::isServerImage(path)) return copy;
+  Division division = tarn::image::makeObject<IImageDivision>(tarn::image::kCloneDivisionSite);
   if (copy->GetimageDivision(division, path)) copy->SetImageInfo(path, division);
   return copy;
 }
@@ -54,10 +57,7 @@ Acad::ErrorStatus CCadImage::erase(bool erasing) {
   return AcDbObject::erase(erasing);
 }
 
-void CCadImage::SetImageInfo(const std::wstring& path, const Division& division) {
-  double* georef = division->geoTransform();
-  const double width = division->width();
-  const double height = division->height();
+CCadImage::Corners CCadImage::footprintOf(double width, double height, const double* georef) {
   double scale = 0.5;
   tarn::cad::drawingScale(scale);
   const double unit = scale / 1000.0;
@@ -65,8 +65,13 @@ void CCadImage::SetImageInfo(const std::wstring& path, const Division& division)
   const double top = georef[5];
   const double right = left + width * unit;
   const double bottom = top - height * unit;
-  m_footprint = {AcGePoint3d(left, top, 0), AcGePoint3d(right, top, 0),
-                 AcGePoint3d(right, bottom, 0), AcGePoint3d(left, bottom, 0)};
+  return {AcGePoint3d(left, top, 0), AcGePoint3d(right, top, 0), AcGePoint3d(right, bottom, 0),
+          AcGePoint3d(left, bottom, 0)};
+}
+
+void CCadImage::SetImageInfo(const std::wstring& path, const Division& division) {
+  double* georef = division->geoTransform();
+  m_footprint = footprintOf(division->width(), division->height(), georef);
   m_mapImageCorners[path] = m_footprint;
   setImageFileNameMapIO(path, division, georef);
   m_strImagePath = path;
@@ -79,10 +84,6 @@ void CCadImage::setImageFileNameMapIO(const std::wstring& path, const Division& 
   held = division.share();
   m_localImages[path] = {&held, georef};
   m_shownRevision = 0;
-}
-
-void CCadImage::setImgInfoMap(const std::wstring& path, TarnClientManager* client) {
-  m_mapImageClient[path] = client;
 }
 
 void CCadImage::SetCurrentImage(const std::wstring& path) {
@@ -122,6 +123,11 @@ IImageDivision* CCadImage::sourceOf(const std::wstring& path) const {
 }
 
 bool CCadImage::releaseImage(const std::wstring& path) {
+  if (TarnClientManager* client = clientOf(path)) {
+    client->close();
+    m_mapImageClient.erase(path);
+    return true;
+  }
   const auto found = m_mapImageDivision.find(path);
   if (found == m_mapImageDivision.end()) return false;
   found->second->close();

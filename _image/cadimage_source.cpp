@@ -119,7 +119,10 @@ bool CCadImage::GetImageData(const Division& division, const double* georef, int
 
 bool CCadImage::extentOf(const std::wstring& path, tarn::image::ImageExtent& extent) const {
   const auto found = m_localImages.find(path);
-  if (found == m_localImages.end()) return false;
+  if (found == m_localImages.end()) {
+    return GetImageData(clientOf(path), extent.width, extent.height, extent.pixelWidth,
+                        extent.pixelHeight, extent.top, extent.left, extent.right, extent.bottom);
+  }
   const auto& [source, georef] = found->second;
   return GetImageData(*source, georef, extent.width, extent.height, extent.pixelWidth,
                       extent.pixelHeight, extent.top, extent.left, extent.right, extent.bottom);

@@ -12,6 +12,7 @@
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
 #include "_image/imagedockbar.h"
+#include "_image/imageserver.h"
 #include "_image/settarnprogress.h"
 #include "accmd.h"
 #include "acdocman.h"
@@ -62,17 +63,22 @@ void drawChosenImage(CDocData& record) {
   auto division = makeObject<IImageDivision>(kCommandsSite);
   acutPrintf(L"%d", static_cast<int>(record.images().size()));
   if (division.isNull()) printMessage(L"null0");
+  TarnClientManager* client = nullptr;
+  bool isNetwork = false;
   std::wstring path;
   {
     const OpenedImage image(record, AcDb::kForRead);
-    if (!image || !image->GetImageDataFile(division)) {
+    if (!image || !image->GetImageDataFile(client, division, isNetwork)) {
       printMessage(L"获取数据失败");
       return;
     }
     path = image->currentImage();
   }
   AcApDocument* document = acDocManager->curDocument();
-  if (!addOpenedImage(document, record, path, division)) return;
+  const bool isAdded =
+      isNetwork ? addServerImage(document, record, path, std::unique_ptr<TarnClientManager>(client))
+                : addOpenedImage(document, record, path, division);
+  if (!isAdded) return;
   storeImagePath(document, record, path);
   sendCommandToHost(L"regen");
 }

@@ -4,8 +4,11 @@
 #include <utility>
 
 #include "_image/cadimage.h"
+#include "_image/hostcommand.h"
 #include "acdocman.h"
+#include "acedads.h"
 #include "dbsymtb.h"
+#include "imageclient/tarnclientmanager.h"
 
 namespace {
 
@@ -34,6 +37,17 @@ AcDbObjectId firstImageEntity(AcDbDatabase* database) {
   }
   space->close();
   return found;
+}
+
+/// An image of a server has changed that the entity of this name shows.
+int redrawChangedImage(void* entityName) {
+  const AcApDocument* document = acDocManager ? acDocManager->curDocument() : nullptr;
+  AcDbObjectId id;
+  if (document && acdbGetObjectId(id, *static_cast<ads_name*>(entityName)) == Acad::eOk &&
+      id.database() == document->database()) {
+    tarn::image::sendCommandToHost(L"regen");
+  }
+  return 0;
 }
 
 }  // namespace
@@ -112,7 +126,7 @@ void CDocData::reorder(const std::vector<std::wstring>& paths) {
 
 AcDbObjectId CDocData::residentImage() {
   if (m_residentId.isNull() || m_residentId.isErased()) {
-    m_residentId = firstImageEntity(m_database);
+    setResident(firstImageEntity(m_database));
   }
   return m_residentId;
 }
@@ -121,13 +135,36 @@ void CDocData::ensureImage() {
   if (!hasImage()) m_pending = std::make_unique<CCadImage>();
 }
 
-void CDocData::becameResident(AcDbObjectId id) {
+void CDocData::setResident(AcDbObjectId id) {
   m_residentId = id;
+  if (!id.isNull()) acdbGetAdsName(m_entityName, id);
+}
+
+void CDocData::becameResident(AcDbObjectId id) {
+  setResident(id);
   m_pending.release();  // NOLINT(bugprone-unused-return-value): the database owns it now.
 }
 
 void CDocData::forgetPending() {
   m_pending.reset();
+}
+
+TarnClientManager* CDocData::keepClient(std::unique_ptr<TarnClientManager> client) {
+  client->setUpdFunc(&redrawChangedImage);
+  client->setAds_name(&m_entityName);
+  m_clients.push_back(std::move(client));
+  return m_clients.back().get();
+}
+
+bool CDocData::closeImage(const std::wstring& path) {
+  const OpenedImage image(*this, AcDb::kForWrite);
+  if (!image) return false;
+  const TarnClientManager* client = image->clientOf(path);
+  if (!image->releaseImage(path)) return false;
+  m_clients.erase(std::remove_if(m_clients.begin(), m_clients.end(),
+                                 [&](const auto& one) { return one.get() == client; }),
+                  m_clients.end());
+  return true;
 }
 
 OpenedImage::OpenedImage(CDocData& record, AcDb::OpenMode mode) {

@@ -8,11 +8,13 @@
 #include <vector>
 
 #include "acdb.h"
+#include "adsdef.h"
 #include "dbid.h"
 
 class AcApDocument;
 class AcDbDatabase;
 class CCadImage;
+class TarnClientManager;
 
 class CDocData {
  public:
@@ -67,6 +69,13 @@ class CDocData {
     m_pointClouds.push_back({path, id});
   }
 
+  /// Takes over the client of an image of a server. It tells when the image has changed, and lives
+  /// until closeImage() or the record's end.
+  TarnClientManager* keepClient(std::unique_ptr<TarnClientManager> client);
+  /// Closes the source of an image, of either kind, and takes it out of the entity. The list stays
+  /// as it is. False when there was none.
+  bool closeImage(const std::wstring& path);
+
   /// True once the drawing's stored images have been bound.
   bool isRestored() const { return m_isRestored; }
   void setRestored() { m_isRestored = true; }
@@ -76,6 +85,7 @@ class CDocData {
   Image* find(const std::wstring& path);
   void numberImages();
   void changed();
+  void setResident(AcDbObjectId id);
 
   AcDbDatabase* m_database;
   std::unique_ptr<CCadImage> m_pending;
@@ -84,6 +94,8 @@ class CDocData {
   std::unordered_map<std::wstring, size_t> m_places;  ///< of each path in m_images
   uint64_t m_listRevision = 0;
   std::vector<PointCloud> m_pointClouds;
+  std::vector<std::unique_ptr<TarnClientManager>> m_clients;
+  ads_name m_entityName{};  ///< what clients know the entity by
   bool m_isRestored = false;
 };
 

@@ -6,9 +6,11 @@
 #include "_image/adskdmgr.h"
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_spec.h"
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/imagerelink.h"
+#include "_image/imageserver.h"
 #include "_image/moduleglobals.h"
 #include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
@@ -19,6 +21,8 @@
 #include "commoncode/cadutil/message.h"
 #include "dbapserv.h"
 #include "dbsymtb.h"
+#include "imageclient/qfilefind.h"
+#include "inc/iuserinterface.h"
 
 using tarn::cad::printMessage;
 
@@ -79,12 +83,19 @@ bool isBound(CDocData& record, const std::wstring& path) {
 
 /// Opens the source of one path and adds it; the reason of a failure has been printed.
 bool openAndAdd(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  if (isServerImage(path)) return openAndAddServerImage(document, record, path);
   auto division = makeObject<IImageDivision>(kAddImageSite);
   {
     const OpenedImage image(record, AcDb::kForRead);
     if (!image || !image->GetimageDivision(division, path)) return false;
   }
   return addOpenedImage(document, record, path, division);
+}
+
+/// True when the user has named local files already.
+bool filesAreGiven() {
+  const auto user = makeObject<IUserInterface>(kAddImageSite);
+  return !user.isNull() && user->filesGiven();
 }
 
 std::vector<std::wstring> askForImages() {
@@ -153,6 +164,15 @@ bool storeImagePath(AcApDocument* document, CDocData& record, const std::wstring
   return storeImagePaths(document, record, paths);
 }
 
+bool addBoundImage(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  const bool wasListed = record.contains(path);
+  record.addDisplayed(path);
+  if (appendPendingImage(document, record)) return true;
+  if (!wasListed) record.remove(path);
+  record.closeImage(path);
+  return false;
+}
+
 bool addOpenedImage(AcApDocument* document, CDocData& record, const std::wstring& path,
                     kel::Object<IImageDivision>& division) {
   record.ensureImage();
@@ -164,16 +184,10 @@ bool addOpenedImage(AcApDocument* document, CDocData& record, const std::wstring
     }
     image->SetImageInfo(path, division);
   }
-  const bool wasListed = record.contains(path);
-  record.addDisplayed(path);
-  if (appendPendingImage(document, record)) return true;
-  if (!wasListed) record.remove(path);
-  const OpenedImage image(record, AcDb::kForWrite);
-  if (image) image->releaseImage(path);
-  return false;
+  return addBoundImage(document, record, path);
 }
 
-void addLocalImages() {
+void addImages() {
   AcApDocument* document = acDocManager ? acDocManager->curDocument() : nullptr;
   if (!document) {
     AfxMessageBox(L"必须打开一个dwg文档。");
@@ -181,12 +195,12 @@ void addLocalImages() {
   }
   CDocData* record = currentRecordOrReport();
   if (!record) return;
-  const std::vector<std::wstring> chosen = askForImages();
-  if (!chosen.empty()) addImageFiles(document, *record, chosen);
+  const bool isLocal = filesAreGiven() || QFileFind::Instance().loadImgWay() != LOADWAY::kServer;
+  const std::vector<std::wstring> chosen = isLocal ? askForImages() : askForServerImages();
+  if (!chosen.empty()) addImagesOf(document, *record, chosen);
 }
 
-void addImageFiles(AcApDocument* document, CDocData& record,
-                   const std::vector<std::wstring>& paths) {
+void addImagesOf(AcApDocument* document, CDocData& record, const std::vector<std::wstring>& paths) {
   std::vector<std::wstring> stored = storedImagePaths(record);
   std::unordered_set<std::wstring> known(stored.begin(), stored.end());
   for (const std::wstring& path : paths) {

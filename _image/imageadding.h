@@ -17,18 +17,23 @@ void reportNoRecord();
 /// The record of the current document; null after the message.
 CDocData* currentRecordOrReport();
 
-/// Asks for local image files and adds them, stores the list and redraws.
-void addLocalImages();
+/// Lets the user choose images, local files or those of a server as the configuration says, and
+/// adds them, stores the list and redraws.
+void addImages();
 
-/// The same for files that are known: each is added or leaves a message, the others still are.
-void addImageFiles(AcApDocument* document, CDocData& record,
-                   const std::vector<std::wstring>& paths);
+/// The same for images that are known, by their paths or their names on servers: each is added or
+/// leaves a message, the others still are.
+void addImagesOf(AcApDocument* document, CDocData& record, const std::vector<std::wstring>& paths);
 
 /// Adds one image whose source is open: binds it to the document's image entity, enters it in the
 /// record's list as displayed, appends the entity to the drawing when it is not there yet. False
 /// after a message; the record is then as it was and the source closed.
 bool addOpenedImage(AcApDocument* document, CDocData& record, const std::wstring& path,
                     kel::Object<IImageDivision>& division);
+
+/// The second half of that, for any image that is bound to the record's entity. False after a
+/// message; the source is then closed.
+bool addBoundImage(AcApDocument* document, CDocData& record, const std::wstring& path);
 
 /// The paths stored in a drawing, and storing them. False, after a message, when they cannot be
 /// stored.

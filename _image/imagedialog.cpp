@@ -2,6 +2,7 @@
 
 #include "_image/adskdmgr.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_spec.h"
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
@@ -19,7 +20,8 @@ namespace {
 
 constexpr const ACHAR* kRootText = L"影像列表";
 
-/// Paths stored in the current drawing whose files are there, for a drawing without a record.
+/// Paths stored in the current drawing whose files are there, and images of servers, for a drawing
+/// without a record.
 std::vector<std::wstring> storedFilesOfUnknownDrawing() {
   std::vector<std::wstring> paths;
   AcApDocument* document = acDocManager ? acDocManager->curDocument() : nullptr;
@@ -29,7 +31,9 @@ std::vector<std::wstring> storedFilesOfUnknownDrawing() {
   std::vector<std::wstring> stored;
   tarn::cad::readTexts({L"ImagePath", L"ImagePath", document->database()}, stored);
   for (const std::wstring& path : stored) {
-    if (tarn::fileKind(tarn::toUtf8(path)) == tarn::FileKind::kRegular) paths.push_back(path);
+    if (isServerImage(path) || tarn::fileKind(tarn::toUtf8(path)) == tarn::FileKind::kRegular) {
+      paths.push_back(path);
+    }
   }
   return paths;
 }

@@ -27,7 +27,7 @@ CDocData* currentRecord() {
 }  // namespace
 
 void ImageDialog::OnAddImages() {
-  addLocalImages();
+  addImages();
   CDocData* record = currentRecord();
   if (m_antiAliasing && record) ApplyAntiAliasing(*record, true);
 }
@@ -43,7 +43,7 @@ void ImageDialog::OnDropFiles(HDROP drop) {
     DragQueryFile(drop, i, path.data(), static_cast<UINT>(path.size()));
     paths.emplace_back(path.data());
   }
-  addImageFiles(document, *record, paths);
+  addImagesOf(document, *record, paths);
   if (m_antiAliasing) ApplyAntiAliasing(*record, true);
 }
 

@@ -52,6 +52,9 @@ std::wstring listTip(const CDocData& record) {
 std::wstring imageTip(CDocData& record, const std::wstring& path) {
   const OpenedImage image(record, AcDb::kForRead);
   if (!image) return {};
+  if (TarnClientManager* client = image->clientOf(path)) {
+    return path + L"\n" + joined(describeServerImage(*client));
+  }
   const auto source = image->localSources().find(path);
   if (source == image->localSources().end()) return {};
   return path + L"\n" + joined(describeImage(path, *source->second.get()));

@@ -9,6 +9,7 @@
 #include "_image/moduleglobals.h"
 #include "_image/rectify/rectifyopening.h"
 #include "commoncode/cadutil/message.h"
+#include "imageclient/tarnclientmanager.h"
 
 using namespace tarn::image;
 using tarn::cad::printMessage;
@@ -33,6 +34,7 @@ void ImageDialog::ApplyAntiAliasing(CDocData& record, bool on) {
   const OpenedImage image(record, AcDb::kForRead);
   if (!image) return;
   for (const auto& [path, source] : image->localSources()) source->setAntiAliasing(on);
+  for (const auto& [path, client] : image->serverSources()) client->setAntiAliasing(on);
 }
 
 void ImageDialog::OnAntiAliasing() {
@@ -50,9 +52,11 @@ void ImageDialog::Stretch(int mode) {
   {
     const OpenedImage image(*record, AcDb::kForRead);
     if (!image) return;
-    const auto source = image->localSources().find(path);
-    if (source == image->localSources().end()) return;
-    source->second->setStretchMode(mode);
+    IImageDivision* source = image->sourceOf(path);
+    TarnClientManager* client = image->clientOf(path);
+    if (source) source->setStretchMode(mode);
+    if (client) client->setStretchMode(mode);
+    if (!source && !client) return;
   }
   m_stretchMode = mode;
   sendCommandToHost(L"regen");

@@ -3,19 +3,28 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "_image/cadimage.h"
+#include "_image/adskdmgr.h"
 #include "_image/docdata.h"
 #include "_image/imageadding.h"
 #include "_image/imagerestore.h"
+#include "_image/moduleglobals.h"
 #include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
+#include "base/text.h"
 #include "commoncode/cadutil/documentlock.h"
+#include "imageclient/absimageclient.h"
 
 namespace tarn::image {
 
+void setImageReleaser() {
+  AbsImageClient::setReleaser([](const kel::DString& path) {
+    CDocData* record = g_dataMap ? g_dataMap->current() : nullptr;
+    return record && record->closeImage(toWide(path.str()));
+  });
+}
+
 bool releaseListedImage(CDocData& record, const std::wstring& path) {
-  const OpenedImage image(record, AcDb::kForWrite);
-  if (!image || !image->releaseImage(path)) return false;
+  if (!AbsImageClient::close(kel::DString(toUtf8(path)))) return false;
   record.remove(path);
   return true;
 }

@@ -9,7 +9,11 @@ class CDocData;
 
 namespace tarn::image {
 
-/// Closes the image's source and takes it out of the record's list. False when there was none.
+/// From now on the image client releases images of the current document by path.
+void setImageReleaser();
+
+/// Closes the image's source and takes it out of the list of the current document's record. False
+/// when there was none.
 bool releaseListedImage(CDocData& record, const std::wstring& path);
 
 /// Stores the record's order in the drawing. Stored paths without an image keep their places.

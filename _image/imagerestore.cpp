@@ -7,9 +7,11 @@
 #include "_image/adskdmgr.h"
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_spec.h"
 #include "_image/docdata.h"
 #include "_image/hostcommand.h"
 #include "_image/imageadding.h"
+#include "_image/imageserver.h"
 #include "_image/moduleglobals.h"
 #include "_image/rectify/placementrecord.h"
 #include "acdocman.h"
@@ -37,12 +39,13 @@ std::vector<std::string> endsOf(const std::string& path) {
   return ends;
 }
 
-/// A stored full path that is a file; else the longest end of it that is one in the drawing's
-/// folder or in one of the two above, the nearest first; empty when there is none. A stored path
-/// that is relative belongs to the drawing's folder, never to the one that the program was started
-/// in.
+/// A name of an image on a server as it is. A stored full path that is a file; else the longest end
+/// of it that is one in the drawing's folder or in one of the two above, the nearest first; empty
+/// when there is none. A stored path that is relative belongs to the drawing's folder, never to the
+/// one that the program was started in.
 std::string existingPath(const std::string& stored, const AcApDocument& document) {
   constexpr int kFolders = 3;
+  if (isServerImage(toWide(stored))) return stored;
   if (absolutePath(stored) == stored && fileExists(stored)) return stored;
   const ACHAR* drawing = document.fileName();
   const std::vector<std::string> ends = endsOf(stored);
@@ -57,6 +60,7 @@ std::string existingPath(const std::string& stored, const AcApDocument& document
 }
 
 bool restoreImage(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  if (isServerImage(path)) return restoreServerImage(document, record, path);
   auto division = makeObject<IImageDivision>(kRestoreSite);
   {
     const OpenedImage image(record, AcDb::kForRead);
@@ -79,9 +83,7 @@ std::vector<std::wstring> existingStoredPaths(const CDocData& record,
 /// keeps its sources, so that it is whole when it comes back.
 void forgetImage(CDocData& record, const std::wstring& path) {
   record.remove(path);
-  if (record.residentImage().isNull()) return;
-  const OpenedImage image(record, AcDb::kForWrite);
-  if (image) image->releaseImage(path);
+  if (!record.residentImage().isNull()) record.closeImage(path);
 }
 
 bool bindAgain(AcApDocument* document, CDocData& record, const std::wstring& path) {

@@ -12,7 +12,7 @@ namespace tarn::image {
 void restoreImages(AcApDocument* document);
 
 /// Where an image is that is stored under this path: there, or where the drawing's own folder leads
-/// to; empty when it is missing.
+/// to; empty when it is missing. Images of servers are never missing.
 std::wstring presentImagePath(const std::wstring& stored, const AcApDocument& document);
 
 /// Binds stored images that have been missing until now. True when there were some.

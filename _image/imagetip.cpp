@@ -4,12 +4,19 @@
 
 #include "base/path.h"
 #include "base/text.h"
+#include "imageclient/tarnclientmanager.h"
 
 namespace tarn::image {
 namespace {
 
 std::wstring number(double value) {
   return toWide(formatDouble(value));
+}
+
+std::vector<std::wstring> placeLines(int width, int height, const double* place) {
+  return {L"大小：" + std::to_wstring(width) + L" × " + std::to_wstring(height) + L" 像素",
+          L"像素大小：" + number(std::fabs(place[0])) + L" × " + number(std::fabs(place[3])),
+          L"左上角：" + number(place[4]) + L", " + number(place[5])};
 }
 
 std::wstring coordinateSystemText(IImageDivision& source) {
@@ -22,17 +29,23 @@ std::wstring coordinateSystemText(IImageDivision& source) {
 }  // namespace
 
 std::vector<std::wstring> describeImage(const std::wstring& path, IImageDivision& source) {
-  const double* place = source.geoTransform();
-  std::vector<std::wstring> lines = {
-      L"大小：" + std::to_wstring(source.width()) + L" × " + std::to_wstring(source.height()) +
-          L" 像素",
-      L"像素大小：" + number(std::fabs(place[0])) + L" × " + number(std::fabs(place[3])),
-      L"左上角：" + number(place[4]) + L", " + number(place[5]),
-      L"坐标系：" + coordinateSystemText(source)};
+  std::vector<std::wstring> lines =
+      placeLines(source.width(), source.height(), source.geoTransform());
+  lines.push_back(L"坐标系：" + coordinateSystemText(source));
   if (const int bands = source.bandCount()) lines.push_back(L"波段：" + std::to_wstring(bands));
   const bool hasPyramid = source.hasPyramid(folderOf(toUtf8(path)).c_str());
   lines.emplace_back(hasPyramid ? L"金字塔：有" : L"金字塔：无");
   for (const kel::DString& note : source.notes()) lines.push_back(L"注意：" + toWide(note.str()));
+  return lines;
+}
+
+std::vector<std::wstring> describeServerImage(TarnClientManager& client) {
+  std::vector<std::wstring> lines;
+  if (client.imgWei() > 0) {
+    lines = placeLines(client.imgWei(), client.imgHei(), client.getTfwData());
+  }
+  const std::string reason = client.error().str();
+  if (!reason.empty()) lines.push_back(L"注意：" + toWide(reason));
   return lines;
 }
 

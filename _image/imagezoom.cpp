@@ -41,12 +41,9 @@ AcGeVector3d viewDirection() {
 
 std::optional<ZoomWindow> windowOf(CDocData& record, const std::wstring& path) {
   const OpenedImage image(record, AcDb::kForRead);
-  if (!image) return std::nullopt;
-  const auto source = image->localSources().find(path);
-  if (source == image->localSources().end()) return std::nullopt;
   double upperLeft[2];
   double lowerRight[2];
-  image->GetImageCenterPt(source->second, upperLeft, lowerRight);
+  if (!image || !image->cornersOf(path, upperLeft, lowerRight)) return std::nullopt;
   return zoomWindow(upperLeft, lowerRight, realOf(L"VIEWTWIST"));
 }
 

@@ -42,6 +42,9 @@ class IUserInterface : public kel::IObject {
   virtual void endTasks(const kel::DString& report) = 0;
   /// Lets the user choose images of a listing; their keys, none when the user cancels.
   virtual kel::StringList chooseFromListing(const kel::Listing& listing) = 0;
+  /// True while the file dialogs of the running command are answered with files that the user has
+  /// named already: dropped on the window, say.
+  virtual bool filesGiven() = 0;
 
  protected:
   ~IUserInterface() = default;

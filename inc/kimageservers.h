@@ -14,7 +14,7 @@ constexpr const char* kImageServersKey = "imageServers";
 /// One server: a web server with byte ranges over a folder of images.
 struct ImageServer {
   DString name;  ///< as it is shown; no two servers share one
-  DString host;  ///< a name, an IPv4 address, or an IPv6 address without brackets
+  DString host;  ///< a name or an IPv4 address
   int port = 80;
   bool isHttps = false;
   DString

@@ -23,15 +23,6 @@ bool isHostCharacter(char c) {
          c == '_';
 }
 
-bool isIpv6Character(char c) {
-  return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || c == ':' || c == '.';
-}
-
-bool isIpv6(std::string_view host) {
-  return host.find(':') != std::string_view::npos &&
-         std::all_of(host.begin(), host.end(), isIpv6Character);
-}
-
 bool isHostName(std::string_view host) {
   return !host.empty() && host.size() <= kLongestHost && host.front() != '-' &&
          host.front() != '.' && std::all_of(host.begin(), host.end(), isHostCharacter);
@@ -53,21 +44,11 @@ bool takeProtocol(std::string_view& rest, bool& isHttps) {
   return true;
 }
 
-/// Splits "HOST:PORT" or "[IPV6]:PORT"; false when there is no such form.
+/// Splits "HOST:PORT"; false when there is no such form.
 bool splitPort(std::string_view text, std::string& host, std::string_view& port) {
-  size_t colon = text.find(':');
-  if (!text.empty() && text.front() == '[') {
-    const size_t close = text.find(']');
-    if (close == std::string_view::npos) return false;
-    host = text.substr(1, close - 1);
-    if (!isIpv6(host)) return false;
-    text.remove_prefix(close + 1);
-    if (!text.empty() && text.front() != ':') return false;
-    colon = text.find(':');
-  } else {
-    host = text.substr(0, colon);
-    if (!isHostName(host)) return false;
-  }
+  const size_t colon = text.find(':');
+  host = text.substr(0, colon);
+  if (!isHostName(host)) return false;
   if (colon == std::string_view::npos) return true;
   port = text.substr(colon + 1);
   return !port.empty();
@@ -136,10 +117,9 @@ DString parseImageServer(const DString& name, const DString& address, const DStr
 }
 
 DString addressOf(const ImageServer& server) {
-  const bool isBracketed = server.host.str().find(':') != std::string::npos;
   const bool isUsual = server.port == (server.isHttps ? kHttpsPort : kHttpPort);
   std::string text = server.isHttps ? "https://" : "http://";
-  text += isBracketed ? "[" + server.host.str() + "]" : server.host.str();
+  text += server.host.str();
   if (!isUsual) text += ":" + std::to_string(server.port);
   if (!server.folder.isEmpty()) text += "/" + server.folder.str();
   return text;

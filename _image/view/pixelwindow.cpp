@@ -59,14 +59,14 @@ Cells planAxis(const Axis& axis) {
   return cells;
 }
 
+}  // namespace
+
 bool isUsable(const ImageExtent& image) {
   const double numbers[] = {image.pixelWidth, image.pixelHeight, image.left, image.top};
   return image.width > 0 && image.height > 0 && image.pixelWidth != 0 && image.pixelHeight != 0 &&
          std::all_of(std::begin(numbers), std::end(numbers),
                      [](double number) { return std::isfinite(number); });
 }
-
-}  // namespace
 
 PixelRect pixelRectOf(const GroundRect& ground, const ImageExtent& image) {
   const double a = std::fabs(image.pixelWidth);

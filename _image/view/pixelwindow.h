@@ -70,6 +70,9 @@ struct PixelRequest {
 /// The largest number of cells a side.
 constexpr int kMaxCells = 8192;
 
+/// False for an empty image and for numbers that place it nowhere.
+bool isUsable(const ImageExtent& image);
+
 /// Whole image pixels that the ground rectangle covers: truncated towards zero, limited to the
 /// image.
 PixelRect pixelRectOf(const GroundRect& ground, const ImageExtent& image);

@@ -172,4 +172,8 @@ StringList UserInterface::chooseFromListing(const Listing& listing) {
   return chosen;
 }
 
+bool UserInterface::filesGiven() {
+  return tarnHostFilesGiven();
+}
+
 }  // namespace kel

@@ -26,6 +26,7 @@ class UserInterface final : public Implements<UserInterface, IUserInterface> {
   void setTask(int task, TaskState state, const DString& text) override;
   void endTasks(const DString& report) override;
   StringList chooseFromListing(const Listing& listing) override;
+  bool filesGiven() override;
 };
 
 }  // namespace kel

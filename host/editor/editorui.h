@@ -31,6 +31,7 @@ class EditorUi : public UiBackend {
   /// of them), until forgetAnswers().
   void answerFilesWith(std::vector<std::string> files) { answers_ = std::move(files); }
   void forgetAnswers() { answers_.reset(); }
+  bool hasAnswers() const { return answers_.has_value(); }
 
  private:
   std::vector<std::string> takeAnswers(const FileRequest& request);

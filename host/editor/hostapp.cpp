@@ -117,6 +117,10 @@ bool HostApp::runWithFiles(const std::string& command, const std::vector<std::st
   return done;
 }
 
+bool HostApp::filesGiven() const {
+  return parts_->ui.hasAnswers();
+}
+
 void HostApp::playScript(bool playing) {
   parts_->ui.playScript(playing);
 }
@@ -236,6 +240,8 @@ bool HostApp::zoomPrevious() {
 }
 
 void HostApp::regenerate() {
+  // An earlier wish to stop was not about this one.
+  if (!commandActive()) parts_->frontEnd.cancelHandled();
   viewSettled();
   parts_->documents.current().temporaryVectors().lines.clear();
   parts_->regenerator.regenerate(parts_->documents.current());

@@ -54,6 +54,9 @@ class ACADHOST_EXPORT HostApp {
   /// how files dropped on the window or named at the start are added ("addImage").
   bool runWithFiles(const std::string& command, const std::vector<std::string>& files);
 
+  /// True while such a command has files that no dialog has asked for yet.
+  bool filesGiven() const;
+
   /// While a script plays the user, menus are asked on the command line.
   void playScript(bool playing);
 

@@ -48,6 +48,8 @@ bool tarnHostAskForm(TarnForm& form) {
 std::vector<std::string> tarnHostChooseFromListing(const TarnListing& listing) {
   HostApp* app = HostApp::instance();
   if (app == nullptr) return {};
+  if (view() != nullptr && app->variables().shortOf("FILEDIA") != 0)
+    return view()->chooseFromListing(listing);
   return tarn::host::chooseFromListingOnCommandLine(*app, listing);
 }
 

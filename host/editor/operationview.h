@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tarnform.h"
+#include "tarnlisting.h"
 
 namespace tarn::host {
 
@@ -17,6 +18,7 @@ class OperationView {
   OperationView& operator=(const OperationView&) = delete;
 
   virtual bool askForm(TarnForm& form) = 0;
+  virtual std::vector<std::string> chooseFromListing(const TarnListing& listing) = 0;
   virtual void beginTasks(const std::string& title, const std::vector<std::string>& tasks) = 0;
   virtual void setTask(size_t task, TarnTaskState state, const std::string& text) = 0;
   virtual void endTasks(const std::string& report) = 0;

@@ -20,6 +20,9 @@ ACADHOST_EXPORT std::string tarnHostFolder(TarnFolder which);
 /// True once the user has asked to stop the running operation.
 ACADHOST_EXPORT bool tarnHostCancelWanted();
 
+/// True while the file dialogs of the running command are answered with files named before it.
+ACADHOST_EXPORT bool tarnHostFilesGiven();
+
 /// A yes-or-no question; no when cancelled. UTF-8.
 ACADHOST_EXPORT bool tarnHostQuestion(const std::string& text);
 

@@ -69,6 +69,7 @@ void fillFileMenu(Builder& to, QMainWindow& window, const MenuHooks& hooks) {
   to.separateTools();
   to.add("Add &images...", hooks.addImages, QKeySequence(Qt::CTRL | Qt::Key_I),
          IconKind::kAddImages);
+  to.run("Image ser&vers...", "IMAGESERVER");
   to.run("Save &picture...", "PNGOUT", {}, IconKind::kSavePicture);
   to.run("P&lot...", "PLOT", QKeySequence::Print);
   to.separate();

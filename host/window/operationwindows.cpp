@@ -1,6 +1,11 @@
 #include "host/window/operationwindows.h"
 
+#include <QPainter>
+
+#include "host/editor/hostapp.h"
 #include "host/window/formdialog.h"
+#include "host/window/listingdialog.h"
+#include "host/window/listingmap.h"
 #include "host/window/progresspart.h"
 #include "host/window/progresswindow.h"
 #include "host/window/taskwindow.h"
@@ -11,6 +16,21 @@ namespace {
 
 // What is over sooner gets no window.
 constexpr qint64 kShownAfterMilliseconds = 300;
+
+/// The drawing as the screen shows it, no larger than a map needs.
+void showDrawing(HostApp& app, ListingMap& map) {
+  constexpr int kMostPixels = 1600;
+  const ViewState view = app.mouseView();
+  const QSize whole(view.pixelWidth, view.pixelHeight);
+  const QSize size = whole.boundedTo(whole.scaled(kMostPixels, kMostPixels, Qt::KeepAspectRatio));
+  QImage picture(size, QImage::Format_RGB32);
+  if (picture.isNull()) return;
+  {
+    QPainter painter(&picture);
+    app.renderTo(painter, size.width(), size.height());
+  }
+  map.setDrawing(picture, view);
+}
 
 }  // namespace
 
@@ -24,6 +44,14 @@ OperationWindows::~OperationWindows() {
 bool OperationWindows::askForm(TarnForm& form) {
   FormDialog dialog(hooks_.parent(), form);
   return dialog.exec() == QDialog::Accepted;
+}
+
+std::vector<std::string> OperationWindows::chooseFromListing(const TarnListing& listing) {
+  ListingDialog dialog(hooks_.parent(), listing,
+                       {hooks_.opened, hooks_.cancel, hooks_.forgetCancel, hooks_.cancelWanted});
+  if (HostApp* app = HostApp::instance()) showDrawing(*app, dialog.map());
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.chosen();
 }
 
 void OperationWindows::beginTasks(const std::string& title, const std::vector<std::string>& tasks) {

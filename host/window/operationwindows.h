@@ -17,8 +17,10 @@ class TaskWindow;
 class OperationWindows final : public OperationView {
  public:
   struct Hooks {
-    std::function<QWidget*()> parent;      ///< the window that they stand before
-    std::function<void()> cancel;          ///< the user wants the operation to stop
+    std::function<QWidget*()> parent;  ///< the window that they stand before
+    std::function<void()> cancel;      ///< the user wants the operation to stop
+    std::function<bool()> cancelWanted;
+    std::function<void()> forgetCancel;    ///< what comes next is not to stop
     std::function<void()> pump;            ///< lets the windows paint, when it is time to
     std::function<void(QWidget*)> opened;  ///< takes input while the host computes; null: none
   };
@@ -26,6 +28,7 @@ class OperationWindows final : public OperationView {
   ~OperationWindows() override;
 
   bool askForm(TarnForm& form) override;
+  std::vector<std::string> chooseFromListing(const TarnListing& listing) override;
   void beginTasks(const std::string& title, const std::vector<std::string>& tasks) override;
   void setTask(size_t task, TarnTaskState state, const std::string& text) override;
   void endTasks(const std::string& report) override;

@@ -34,7 +34,8 @@ WindowFrontEnd::WindowFrontEnd()
     : held_(std::make_unique<HeldInput>([this] { cancelWanted_ = true; })),
       operations_(std::make_unique<OperationWindows>(OperationWindows::Hooks{
           [this] { return canvas_ != nullptr ? canvas_->window() : nullptr; },
-          [this] { cancelWanted_ = true; }, [this] { pumpSometimes(); },
+          [this] { cancelWanted_ = true; }, [this] { return cancelWanted(); },
+          [this] { cancelHandled(); }, [this] { pumpSometimes(); },
           [this](QWidget* window) { held_->letThrough(window); }})) {
   sincePump_.start();
   queueTimer_.setSingleShot(true);

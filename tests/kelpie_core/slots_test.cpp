@@ -79,6 +79,7 @@ TEST(Slots, BaseAndSmallInterfaces) {
       SLOT(IUserInterface, setTask, 16),
       SLOT(IUserInterface, endTasks, 17),
       SLOT(IUserInterface, chooseFromListing, 18),
+      SLOT(IUserInterface, filesGiven, 19),
   });
 }
 

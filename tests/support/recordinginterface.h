@@ -63,6 +63,7 @@ class RecordingInterface final : public kel::Implements<RecordingInterface, IUse
   kel::StringList chooseFromListing(const kel::Listing& listing) override {
     return recorded().choose ? recorded().choose(listing) : kel::StringList();
   }
+  bool filesGiven() override { return false; }
 };
 
 }  // namespace tarn::test

@@ -1,0 +1,52 @@
+#include "_image/imageserver.h"
+
+#include "_image/cadimage.h"
+#include "_image/cadimage_spec.h"
+#include "_image/docdata.h"
+#include "_image/imageadding.h"
+#include "base/text.h"
+#include "imageclient/qfilefind.h"
+#include "imageclient/tarnclientmanager.h"
+
+namespace tarn::image {
+
+std::vector<std::wstring> askForServerImages() {
+  kel::DString first;
+  std::vector<std::wstring> names;
+  for (const kel::DString& chosen : QFileFind::Instance().getImgInfo(first)) {
+    names.push_back(withoutDisplayName(toWide(chosen.str())));
+  }
+  return names;
+}
+
+bool addServerImage(AcApDocument* document, CDocData& record, const std::wstring& path,
+                    std::unique_ptr<TarnClientManager> client) {
+  record.ensureImage();
+  {
+    const OpenedImage image(record, AcDb::kForWrite);
+    if (!image) return false;
+    image->SetServerImageInfo(path, record.keepClient(std::move(client)));
+  }
+  return addBoundImage(document, record, path);
+}
+
+bool openAndAddServerImage(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  TarnClientManager* opened = nullptr;
+  {
+    const OpenedImage image(record, AcDb::kForRead);
+    if (!image || !image->GetImageDataFile(path, opened, true)) return false;
+  }
+  return addServerImage(document, record, path, std::unique_ptr<TarnClientManager>(opened));
+}
+
+bool restoreServerImage(AcApDocument* document, CDocData& record, const std::wstring& path) {
+  {
+    const OpenedImage image(record, AcDb::kForRead);
+    if (!image || image->holds(path)) return false;
+  }
+  std::unique_ptr<TarnClientManager> client;
+  CCadImage::openServerImage(path, true, client);
+  return client && addServerImage(document, record, path, std::move(client));
+}
+
+}  // namespace tarn::image
