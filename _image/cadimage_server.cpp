@@ -7,6 +7,7 @@
 #include "_image/cadimage.h"
 #include "_image/cadimage_spec.h"
 #include "_image/moduleglobals.h"
+#include "_image/view/plotvalues.h"
 #include "_image/view/serverwindow.h"
 #include "acgi.h"
 #include "base/text.h"

@@ -20,6 +20,7 @@
 #include "acedads.h"
 #include "commoncode/cadutil/documentlock.h"
 #include "commoncode/cadutil/message.h"
+#include "imageclient/tarnclientmanager.h"
 #include "inc/ibatchimageconversion.h"
 #include "inc/icadadapter.h"
 

@@ -38,6 +38,11 @@ bool tarnHostCancelWanted() {
   return app != nullptr && app->frontEnd().cancelWanted();
 }
 
+bool tarnHostFilesGiven() {
+  HostApp* app = HostApp::instance();
+  return app != nullptr && app->filesGiven();
+}
+
 bool tarnHostQuestion(const std::string& text) {
   HostApp* app = HostApp::instance();
   return app != nullptr && app->ui().messageBox(text, "", MB_YESNO | MB_ICONQUESTION) == IDYES;

@@ -28,7 +28,7 @@ struct SearchResult {
   bool isWhole = true;  ///< false when it was stopped or ended at a limit
 };
 
-class ListingTree {
+class ACADHOST_EXPORT ListingTree {
  public:
   /// `listing` must outlive the tree.
   explicit ListingTree(const TarnListing& listing) : listing_(listing) {}
@@ -50,6 +50,6 @@ class ListingTree {
 };
 
 /// "1.4 GB" and the like; empty when it is not known.
-std::string sizeText(long long bytes);
+ACADHOST_EXPORT std::string sizeText(long long bytes);
 
 }  // namespace tarn::host
