@@ -240,14 +240,14 @@ bool HostApp::zoomPrevious() {
 }
 
 void HostApp::regenerate() {
-  // An earlier wish to stop was not about this one.
-  if (!commandActive()) parts_->frontEnd.cancelHandled();
   viewSettled();
   parts_->documents.current().temporaryVectors().lines.clear();
   parts_->regenerator.regenerate(parts_->documents.current());
   parts_->frontEnd.displayChanged();
   // Whoever draws over the picture draws again.
   if (!parts_->regenerator.isDrawing()) editorObject().notifyViewChanged();
+  // A wish to stop was about this; commands see to theirs.
+  if (!commandActive()) parts_->frontEnd.cancelHandled();
 }
 
 void HostApp::regenerateForView() {
