@@ -35,7 +35,9 @@ class ScriptedFrontEnd final : public host::FrontEnd {
   void progressBegin(const std::string&, int, int) override {}
   void progressMove(int) override {}
   void progressEnd() override {}
-  bool cancelWanted() override { return cancelAfter >= 0 && --cancelAfter < 0; }
+  bool cancelWanted() override {
+    return cancelAfter == 0 || (cancelAfter > 0 && --cancelAfter == 0);
+  }
   void cancelHandled() override {}
   void displayChanged() override {}
   void inputQueued() override {}
@@ -44,7 +46,7 @@ class ScriptedFrontEnd final : public host::FrontEnd {
   void quitWanted() override {}
 
   int focused = 0;
-  /// How often it is asked whether to stop before it says so, once; -1: never.
+  /// How often it is asked whether to stop before it says so; -1: never.
   int cancelAfter = -1;
 };
 
