@@ -3,6 +3,7 @@
 
 #include "dbsymtb.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/tagvalues.h"
 
 namespace tarn::host {
 
@@ -53,6 +54,7 @@ std::string writeViewRecord(const DrawingBinding& binding, const AcDbViewTableRe
   }
   editor.setAngle(50, view.viewTwist());
   if (old == nullptr) editor.setInteger(71, 0);
+  writeExtendedData(binding, view, old, editor);
   return editor.bytes();
 }
 

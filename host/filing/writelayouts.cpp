@@ -5,6 +5,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/tagvalues.h"
 
 namespace tarn::host {
 
@@ -95,6 +96,7 @@ std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
     editor.enter("AcDbLayout");
     editor.setText(1, name);
     editor.setInteger(71, layout.getTabOrder(), 0);
+    writeExtendedData(binding, layout, old, editor);
     return editor.bytes();
   }
   TagEditor editor(binding.document, binding.encoding, "LAYOUT");
@@ -122,6 +124,7 @@ std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
   editor.setPoint(17, {0, 1, 0});
   editor.setInteger(76, 0);
   editor.setHandle(330, layout.getBlockTableRecordId().handle().value());
+  writeExtendedData(binding, layout, nullptr, editor);
   return editor.bytes();
 }
 

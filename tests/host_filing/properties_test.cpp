@@ -10,6 +10,7 @@
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "dbtext.h"
+#include "host/database/layouts.h"
 #include "host/filing/deepclone.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/objectstate.h"
@@ -182,6 +183,33 @@ TEST(Properties, ExtendedDataIsReplacedByApplication) {
   const std::string bytes = bare(file->bytes().take());
   EXPECT_THAT(bytes, HasSubstr("\n1001\nACAD\n1070\n1\n1001\nparcels\n1070\n2\n0\nTEXT\n"));
   EXPECT_THAT(bytes, HasSubstr("AcDbRegAppTableRecord\n2\nACAD\n"));
+}
+
+TEST(Properties, ExtendedDataOfWhatIsNoEntityIsKept) {
+  auto file = DrawingFile::createNew();
+  const auto objects = [&] {
+    AcDbDatabase& database = file->database();
+    return std::vector<AcDbObjectId>{database.layerZero(), database.namedObjectsDictionaryId(),
+                                     layoutNamed(database, "Layout1").id};
+  };
+  const std::vector<resbuf*> chains = {acutBuildList(1001, L"ACAD", 1000, L"note", 0),
+                                       acutBuildList(1001, L"ACAD", 1071, 8, 0),
+                                       acutBuildList(1001, L"ACAD", 0)};
+  for (resbuf* chain : chains) {
+    for (const AcDbObjectId& id : objects()) {
+      const AcDbObjectPointer<AcDbObject> object(id, AcDb::kForWrite);
+      EXPECT_EQ(object->setXData(chain), Acad::eOk);
+    }
+    file = opened(file->bytes().take());
+    for (const AcDbObjectId& id : objects()) {
+      const AcDbObjectPointer<AcDbObject> object(id, AcDb::kForRead);
+      resbuf* found = object->xData();
+      EXPECT_EQ(found != nullptr, chain->rbnext != nullptr);
+      EXPECT_TRUE(found == nullptr || found->rbnext->restype == chain->rbnext->restype);
+      acutRelRb(found);
+    }
+    acutRelRb(chain);
+  }
 }
 
 TEST(Properties, OlderVersionsGetWhatTheyCanHold) {
