@@ -50,8 +50,7 @@ Chain chainOf(const RasterImage& image, int order) {
 
 raster::WarpGrid gridOf(const Chain& chain) {
   const Frame frame = *frameOf(chain);
-  return {frame.transform, frame.width, frame.height,
-          std::make_shared<DrawnMapping>(chain, frame.transform)};
+  return {frame.transform, frame.width, frame.height, std::make_shared<DrawnMapping>(chain, frame)};
 }
 
 /// Medians of the times that passed and of the processor's, of all threads, in milliseconds.

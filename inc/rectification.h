@@ -66,10 +66,14 @@ enum class RectifyFault {
   kTooFew,
   /// A coordinate that is not a finite number, or so large that it cannot be computed with.
   kNotFinite,
-  /// Sources (or targets) are all one point, or give a scale of 0.
+  /// Sources are all one point.
   kNoExtent,
+  /// Targets lie on one point or line, so that the image would have no area.
+  kTargetsFlat,
   /// Sources lie on one line, or nearly.
   kOnLine,
+  /// Sources lie on a line along an axis, which is too little for the linear method.
+  kAlongAxis,
   /// Sources lie on one curve of the second order (a conic, two lines), or nearly.
   kOnConic,
   /// Sources lie on one curve of the third order (three lines, a line and a conic), or nearly.
@@ -84,15 +88,29 @@ enum class RectifyFault {
   kSourceLost
 };
 
+/// What could be better about a good fit.
+enum class RectifyHint {
+  kNone,
+  /// Points further apart would help: picking errors grow much up to an image corner.
+  kSpreadPoints,
+  /// The points are just enough, so nothing is checked.
+  kNoCheck
+};
+
 /// How good the fit of the control points is, in drawing units.
 struct RectifyQuality {
   /// 0 good, 1 not solvable, 2 weak.
   int status = 1;
   RectifyFault fault = RectifyFault::kTooFew;
-  /// A weak or missing fit in words: why, and what helps.
-  DString advice;
+  RectifyHint hint = RectifyHint::kNone;
   /// Rows (from 0) of the points that the fault speaks of.
   List<int> faultPoints;
+  /// The rows on each line, where the fault is that sources lie on so many of them; empty for one
+  /// curve.
+  List<List<int>> lines;
+  /// For too few points or places: how many the method needs, how many there are.
+  int pointsNeeded = 0;
+  int pointsThere = 0;
   /// Source positions where one more point helps most, best first.
   PointList suggested;
 

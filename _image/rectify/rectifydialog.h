@@ -48,10 +48,6 @@ class rectifyDialog : public QDialog {
   void on_deletePoints_clicked();
   void on_calError_clicked();
   void on_calRectify_clicked();
-  void on_abort_clicked();
-  void on_pickOld_clicked();
-  void on_pickNew_clicked();
-  void reject() override;
 
  public:
   void ClearPointPair();
@@ -66,6 +62,13 @@ class rectifyDialog : public QDialog {
   bool GetImageInfo(int& nImageH, int& nImageW, double& dSclx, double& dScly, QPointF& imagePos);
   // Deliberate: false, and nothing changes.
   bool SetImageInfo(int nImageH, int nImageW, double dSclx, double dScly, const QPointF& imagePos);
+
+ public Q_SLOTS:
+  void on_abort_clicked();
+  void on_pickOld_clicked();
+  void on_pickNew_clicked();
+
+ public:
   // Deliberate: nothing; the method is read at each computation.
   void methodChangeSlot();
   void on_input_ponits_clicked();
@@ -80,6 +83,9 @@ class rectifyDialog : public QDialog {
   void setLayoutAllWidgetsEnabled(QLayout* layout, bool enabled);
   void on_pushButton_choose_mirror_point();
   void handleRadioButtonToggle(bool checked);
+
+ public Q_SLOTS:
+  void reject() override;
 
  private:
   rectifyDialog();

@@ -7,6 +7,7 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "components/rectify/advice.h"
 #include "components/rectify/pointfile.h"
 #include "components/rectify/quality.h"
 
@@ -123,7 +124,7 @@ int fit(int method, const std::string& path, const std::vector<PlanePoint>& at) 
       ", \"condition\": " + json(q.condition) + ", \"corner_factor\": " + json(q.cornerFactor) +
       ", \"worst_point\": " + (q.worstPoint < 0 ? "null" : std::to_string(q.worstPoint + 1)) +
       ", \"targets_swapped\": " + (q.targetsSwapped ? "true" : "false") +
-      ", \"advice\": " + json(q.advice.str()) + ", \"at\": " + pointsAt(a, at) + "}\n";
+      ", \"advice\": " + json(adviceOf(q)) + ", \"at\": " + pointsAt(a, at) + "}\n";
   std::fputs(out.c_str(), stdout);
   return q.status == 0 ? kDone : kFailed;
 }

@@ -80,15 +80,28 @@ void chooseNothing(GDALDataset& source, ExportForm& form) {
   if (form.nodata.empty()) form.samples.nothing.assign(form.samples.bands, 0);
 }
 
+/// True when tiles and their tables go beyond what offsets of 32 bits can name.
+bool needsBigTiff(const WarpGrid& grid, int64_t pixelBits) {
+  constexpr int64_t kTile = 256, kTableBytes = 16, kHeadBytes = 1 << 20, kMost = 0xFFFFFFFF;
+  const int64_t tiles = ((grid.width + kTile - 1) / kTile) * ((grid.height + kTile - 1) / kTile);
+  const int64_t tileBytes = kTile * kTile * pixelBits / 8;
+  // Bands apart from one another have a table each; one entry a band is always enough.
+  return tiles > (kMost - kHeadBytes) / (tileBytes + kTableBytes * pixelBits);
+}
+
 void chooseOptions(GDALDataset& source, const ExportRequest& request, ExportForm& form) {
   GDALRasterBand& first = *source.GetRasterBand(1);
   if (request.format == ExportFormat::kImagine) return;
   const char* interleave = source.GetMetadataItem("INTERLEAVE", "IMAGE_STRUCTURE");
-  form.options = {"TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256", "BIGTIFF=IF_NEEDED"};
+  form.options = {"TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"};
   form.options.push_back(interleave && std::strcmp(interleave, "BAND") == 0 ? "INTERLEAVE=BAND"
                                                                             : "INTERLEAVE=PIXEL");
   const std::string bits = imageStructure(first, "NBITS");
   if (!bits.empty()) form.options.push_back("NBITS=" + bits);
+  const int sampleBits = bits.empty() ? 8 * bytesOf(form.samples.type) : std::atoi(bits.c_str());
+  form.options.emplace_back(needsBigTiff(request.grid, int64_t{sampleBits} * form.samples.bands)
+                                ? "BIGTIFF=YES"
+                                : "BIGTIFF=NO");
   if (first.GetColorInterpretation() == GCI_CyanBand) form.options.emplace_back("PHOTOMETRIC=CMYK");
 }
 

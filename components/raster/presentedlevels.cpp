@@ -12,6 +12,8 @@
 namespace tarn::raster {
 namespace {
 
+constexpr double kSameSize = 1 + 1e-6;
+
 /// The origin of a level along an axis that is counted from the other end: what its last pixel
 /// covers beyond the image now lies before the first.
 double mirroredOrigin(double imageSize, double factor, int pixels) {
@@ -63,17 +65,24 @@ std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheIm
 
 std::vector<Level> warpLevels(const std::vector<Level>& own, uint64_t cacheImage,
                               const std::shared_ptr<const CurvedMapping>& mapping,
-                              const PresentedGrid& grid) {
+                              const PresentedGrid& grid, double pixelLength) {
+  const auto factorOf = [](const Level& level) { return std::sqrt(level.factorX * level.factorY); };
   std::vector<Level> warped;
-  for (size_t i = 0; i < own.size(); ++i) {
-    auto cached =
-        std::make_shared<const CachedLevel>(*own[i].reader, cacheImage, static_cast<uint32_t>(i));
+  size_t from = 0;
+  for (const Level& shown : own) {
     Level level;
-    level.factorX = level.factorY = std::sqrt(own[i].factorX * own[i].factorY);
+    level.factorX = level.factorY = factorOf(shown);
+    // Where pixels of the grid are long, a coarser level has all their detail.
+    while (from + 1 < own.size() &&
+           factorOf(own[from + 1]) <= level.factorX * std::max(1.0, pixelLength) * kSameSize)
+      ++from;
+    const Level& source = own[from];
+    auto cached = std::make_shared<const CachedLevel>(*source.reader, cacheImage,
+                                                      static_cast<uint32_t>(from));
     PresentedGrid presented = grid;
     presented.factor = level.factorX;
     level.reader =
-        makeCurvedReader({std::move(cached), own[i].factorX, own[i].factorY}, mapping, presented);
+        makeCurvedReader({std::move(cached), source.factorX, source.factorY}, mapping, presented);
     warped.push_back(std::move(level));
   }
   return warped;

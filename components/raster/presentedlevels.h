@@ -17,9 +17,10 @@ namespace tarn::raster {
 std::vector<Level> presentLevels(const std::vector<Level>& own, uint64_t cacheImage,
                                  const Placement& placement, int width, int height);
 
-/// The same by a curved mapping; in `grid` the factor is not looked at.
+/// The same by a curved mapping; in `grid` the factor is not looked at. `pixelLength` is that of
+/// WarpGrid.
 std::vector<Level> warpLevels(const std::vector<Level>& own, uint64_t cacheImage,
                               const std::shared_ptr<const CurvedMapping>& mapping,
-                              const PresentedGrid& grid);
+                              const PresentedGrid& grid, double pixelLength);
 
 }  // namespace tarn::raster

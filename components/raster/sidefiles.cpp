@@ -46,7 +46,8 @@ Status writeSideFiles(GDALDataset& dataset, const std::string& path) {
   const std::string folder = folderOf(path);
   double transform[6] = {};
   if (dataset.GetGeoTransform(transform) == CE_None) {
-    const std::string name = worldFileNames(nameOf(path)).front();
+    // In small letters, as every program looks for it.
+    const std::string name = worldFileNames(stemOf(path) + toLower(extensionOf(path))).front();
     if (Status written = writeSynced(joinPath(folder, name), worldFileText(transform)); !written)
       return written;
   }

@@ -89,7 +89,7 @@ std::shared_ptr<const WarpedImage> WarpedImage::warp(
   std::shared_ptr<WarpedImage> warped(new WarpedImage(image, std::move(placement)));
   warped->levels_ =
       warpLevels(image->ownLevels(), image->ownTiles(), toOwnPixels(*image, grid.mapping),
-                 {grid.width, grid.height, own.width, own.height, 1});
+                 {grid.width, grid.height, own.width, own.height, 1}, grid.pixelLength);
   return warped;
 }
 

@@ -17,6 +17,8 @@ struct WarpGrid {
   int width = 0;
   int height = 0;
   std::shared_ptr<const CurvedMapping> mapping;
+  /// About how many image pixels a pixel of the grid is long.
+  double pixelLength = 1;
 };
 
 /// The mapping, which leads to presented pixels of the image, on to its own.

@@ -313,7 +313,8 @@ Status exportWarped(const RasterImage& image, const ExportRequest& request,
   const DatasetPtr source = opened.take();
   removeDeadBuild(request.target);
   BuildFolder build;
-  if (Status made = build.make(request.target); !made) return made;
+  if (Status made = build.make(request.target); !made)
+    return Status::error(request.target + ": " + made.message());
   const SmallTileCache smaller;
   const Status written =
       makeFile(image, *source, request, build.file(nameOf(request.target)), progress);

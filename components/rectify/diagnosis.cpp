@@ -25,14 +25,6 @@ double distance(PlanePoint p, PlanePoint q) {
   return std::hypot(p.x - q.x, p.y - q.y);
 }
 
-std::string rowsText(const std::vector<int>& rows) {
-  constexpr size_t kMostNamed = 12;
-  std::string text;
-  for (size_t i = 0; i < rows.size() && i < kMostNamed; ++i)
-    text += (i > 0 ? ", " : "") + std::to_string(rows[i] + 1);
-  return rows.size() > kMostNamed ? text + " ..." : text;
-}
-
 std::vector<int> allRows(size_t count) {
   std::vector<int> rows(count);
   for (size_t i = 0; i < count; ++i) rows[i] = static_cast<int>(i);
@@ -101,13 +93,7 @@ PlaceFault onLines(Method method, const std::vector<PlanePoint>& sources) {
   fault.fault = lines.size() == 1   ? RectifyFault::kOnLine
                 : lines.size() == 2 ? RectifyFault::kOnConic
                                     : RectifyFault::kOnCubic;
-  fault.text = lines.size() == 1 ? "All points lie on one line"
-                                 : "All points lie on " + std::to_string(lines.size()) + " lines";
-  for (size_t i = 0; i < lines.size() && lines.size() > 1; ++i)
-    fault.text += (i == 0 ? " (" : "; ") + rowsText(lines[i]);
-  fault.text += lines.size() > 1 ? "): " : ": ";
-  fault.text +=
-      "a point away from " + std::string(lines.size() > 1 ? "them" : "it") + " is needed.";
+  fault.lines = lines;
   return fault;
 }
 
@@ -171,33 +157,25 @@ PlaceFault explainSources(Method method, const std::vector<PlanePoint>& sources)
   const double extent = spread(sources);
   const std::vector<int> repeated = repeatedRows(sources);
   const int places = static_cast<int>(sources.size() - repeated.size());
-  if (!(extent > 0)) {
-    return {RectifyFault::kNoExtent, allRows(sources.size()),
-            "All points have the same source: points further apart are needed."};
-  }
-  if (places < minimumPointCount(method)) {
-    return {RectifyFault::kTooFewPlaces, repeated,
-            "Points share their places (" + rowsText(repeated) + "): the method needs " +
-                std::to_string(minimumPointCount(method)) + " different ones, there are " +
-                std::to_string(places) + "."};
-  }
+  if (!(extent > 0)) return {RectifyFault::kNoExtent, allRows(sources.size()), {}, 0, 0};
+  if (places < minimumPointCount(method))
+    return {RectifyFault::kTooFewPlaces, repeated, {}, minimumPointCount(method), places};
   if (method == Method::kHelmert) return fault;
+  fault.points = allRows(sources.size());
   if (method == Method::kLinear) {
-    return {RectifyFault::kOnLine, allRows(sources.size()),
-            "All points lie on a line along an axis: a point away from it in the other direction "
-            "is needed."};
+    fault.fault = RectifyFault::kAlongAxis;
+    return fault;
   }
   if (PlaceFault lines = onLines(method, sources); lines.fault != RectifyFault::kNone) return lines;
-  if (method == Method::kAffine) {
-    return {RectifyFault::kOnLine, allRows(sources.size()),
-            "All points lie on one line, or nearly: a point away from it is needed."};
-  }
   constexpr double kConic = 1e3;
-  const bool conic =
-      method == Method::kQuadratic || conditionOf(Method::kQuadratic, sources) > kConic;
-  return {conic ? RectifyFault::kOnConic : RectifyFault::kOnCubic, allRows(sources.size()),
-          std::string("All points lie on one curve of the ") + (conic ? "second" : "third") +
-              " order, or nearly: a point away from it is needed."};
+  if (method == Method::kAffine) {
+    fault.fault = RectifyFault::kOnLine;
+  } else if (method == Method::kQuadratic || conditionOf(Method::kQuadratic, sources) > kConic) {
+    fault.fault = RectifyFault::kOnConic;
+  } else {
+    fault.fault = RectifyFault::kOnCubic;
+  }
+  return fault;
 }
 
 std::vector<PlanePoint> suggestPlaces(Method method, const std::vector<PlanePoint>& sources,

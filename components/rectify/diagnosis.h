@@ -1,7 +1,6 @@
 // Why points determine no transformation or a weak one, and where more of them would help. Pure.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "components/rectify/fit.h"
@@ -15,7 +14,11 @@ namespace tarn::rectify {
 struct PlaceFault {
   kel::RectifyFault fault = kel::RectifyFault::kNone;
   std::vector<int> points;
-  std::string text;
+  /// The rows on each line, when they lie on lines.
+  std::vector<std::vector<int>> lines;
+  /// For too few places: how many the method needs, how many there are.
+  int needed = 0;
+  int there = 0;
 };
 
 /// For sources whose design matrix is singular or nearly (condition above 1e4).

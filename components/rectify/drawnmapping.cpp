@@ -83,11 +83,13 @@ std::optional<Frame> frameOf(const Chain& chain) {
   frame.transform = {low.x, pixel.x, 0, high.y, 0, -pixel.y};
   frame.width = static_cast<int>(columns);
   frame.height = static_cast<int>(rows);
+  frame.pixelLength = larger;
   return frame;
 }
 
-DrawnMapping::DrawnMapping(Chain chain, const raster::GeoTransform& frame)
-    : chain_(std::move(chain)), frame_(frame) {
+DrawnMapping::DrawnMapping(Chain chain, const Frame& frame)
+    : chain_(std::move(chain)), frame_(frame.transform) {
+  if (foldsOver(chain_)) folded_.emplace(chain_, frame.transform, frame.width, frame.height);
   for (int j = 0; j <= kLatticeMeshes; ++j) {
     for (int i = 0; i <= kLatticeMeshes; ++i) {
       const PlanePoint pixel = latticePixel(chain_, i, j, kLatticeMeshes);
@@ -114,6 +116,7 @@ DrawnMapping::DrawnMapping(Chain chain, const raster::GeoTransform& frame)
 }
 
 std::optional<PlanePoint> DrawnMapping::at(double x, double y) const {
+  if (folded_) return folded_->at(chain_, x, y);
   const PlanePoint ground{frame_.x0 + frame_.a * x, frame_.y0 + frame_.e * y};
   if (const auto found = chain_.pixelFromAbout(ground)) return found;
   // Strongly bent images: from the meshes that lie there.

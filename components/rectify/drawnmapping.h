@@ -7,6 +7,7 @@
 #include "components/raster/curvedmapping.h"
 #include "components/raster/georeference.h"
 #include "components/rectify/chain.h"
+#include "components/rectify/foldedplaces.h"
 
 namespace tarn::rectify {
 
@@ -15,6 +16,8 @@ struct Frame {
   raster::GeoTransform transform;
   int width = 0;
   int height = 0;
+  /// How many image pixels one of it is long, 1 or more.
+  double pixelLength = 1;
 };
 
 /// The box of the drawn image, its outline followed closely. A step of one pixel is as long in the
@@ -24,7 +27,7 @@ std::optional<Frame> frameOf(const Chain& chain);
 
 class DrawnMapping final : public raster::CurvedMapping {
  public:
-  DrawnMapping(Chain chain, const raster::GeoTransform& frame);
+  DrawnMapping(Chain chain, const Frame& frame);
 
   std::optional<PlanePoint> at(double x, double y) const override;
   bool mayShow(PlanePoint low, PlanePoint high) const override;
@@ -42,6 +45,8 @@ class DrawnMapping final : public raster::CurvedMapping {
   std::vector<PlanePoint> pixels_;
   std::vector<PlanePoint> places_;
   std::vector<Box> meshes_;
+  /// Of an image that folds.
+  std::optional<FoldedPlaces> folded_;
 };
 
 }  // namespace tarn::rectify

@@ -14,7 +14,7 @@ std::shared_ptr<const Picture> makePicture(std::shared_ptr<const raster::RasterI
     if (const auto frame = frameOf(chain)) {
       picture->drawn = raster::WarpedImage::warp(
           image, {frame->transform, frame->width, frame->height,
-                  std::make_shared<DrawnMapping>(chain, frame->transform)});
+                  std::make_shared<DrawnMapping>(chain, *frame), frame->pixelLength});
     }
   }
   picture->image = std::move(image);

@@ -11,6 +11,7 @@ namespace tarn::rectify {
 namespace {
 
 using kel::RectifyFault;
+using kel::RectifyHint;
 using kel::RectifyQuality;
 
 constexpr int kGood = 0, kUnsolvable = 1, kWeak = 2;
@@ -32,36 +33,34 @@ bool isFinite(const Fit& fit) {
          std::all_of(fit.v.begin(), fit.v.end(), finite);
 }
 
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.3g", value);
-  return text;
-}
-
-void setFault(RectifyQuality& quality, int status, RectifyFault fault, const std::string& text,
+void setFault(RectifyQuality& quality, int status, RectifyFault fault,
               std::vector<int> points = {}) {
   quality.status = status;
   quality.fault = fault;
-  quality.advice = text;
   quality.faultPoints = std::move(points);
+}
+
+void setFault(RectifyQuality& quality, int status, const PlaceFault& places) {
+  setFault(quality, status, places.fault, places.points);
+  quality.lines = places.lines;
+  quality.pointsNeeded = places.needed;
+  quality.pointsThere = places.there;
 }
 
 /// The fault of points that determine no transformation.
 void explainUnsolved(Method method, const std::vector<PointPair>& pairs, RectifyQuality& quality) {
   const int least = minimumPointCount(method);
   if (static_cast<int>(pairs.size()) < least) {
-    setFault(quality, kUnsolvable, RectifyFault::kTooFew,
-             "The method needs " + std::to_string(least) + " points, there are " +
-                 std::to_string(pairs.size()) + ".");
+    setFault(quality, kUnsolvable, RectifyFault::kTooFew);
+    quality.pointsNeeded = least;
+    quality.pointsThere = static_cast<int>(pairs.size());
     return;
   }
   std::vector<int> bad;
   for (size_t i = 0; i < pairs.size(); ++i)
     if (!isFinite(pairs[i])) bad.push_back(static_cast<int>(i));
   if (!bad.empty()) {
-    setFault(quality, kUnsolvable, RectifyFault::kNotFinite,
-             "Point " + std::to_string(bad[0] + 1) + " has a coordinate that is not a number.",
-             bad);
+    setFault(quality, kUnsolvable, RectifyFault::kNotFinite, bad);
     return;
   }
   std::vector<PlanePoint> sources;
@@ -69,11 +68,10 @@ void explainUnsolved(Method method, const std::vector<PointPair>& pairs, Rectify
   for (const PointPair& pair : pairs) sources.push_back(pair.source);
   const PlaceFault places = explainSources(method, sources);
   if (places.fault != RectifyFault::kNone && quality.condition > kWeakCondition) {
-    setFault(quality, kUnsolvable, places.fault, places.text, places.points);
+    setFault(quality, kUnsolvable, places);
     return;
   }
-  setFault(quality, kUnsolvable, RectifyFault::kNoExtent,
-           "The targets lie on one point or line, so the image would have no area.");
+  setFault(quality, kUnsolvable, RectifyFault::kTargetsFlat);
 }
 
 /// Least share of its length that the image keeps as width, at the place where that is most; and
@@ -149,24 +147,17 @@ void judgeStrength(Method method, const std::vector<PointPair>& pairs, const Sha
   sources.reserve(pairs.size());
   for (const PointPair& pair : pairs) sources.push_back(pair.source);
   if (quality.condition > kWeakCondition) {
-    const PlaceFault places = explainSources(method, sources);
-    setFault(quality, kWeak, places.fault, places.text, places.points);
+    setFault(quality, kWeak, explainSources(method, sources));
   } else if (quality.cornerFactor > kWeakFactor) {
-    setFault(
-        quality, kWeak, RectifyFault::kCornerFar,
-        "An error of picking grows " + number(quality.cornerFactor) +
-            " times up to an image corner: the points lie too close together or along a line.");
+    setFault(quality, kWeak, RectifyFault::kCornerFar);
   } else if (shape.folds) {
-    setFault(quality, kWeak, RectifyFault::kFolds,
-             "The image would fold over itself: the points contradict one another.");
+    setFault(quality, kWeak, RectifyFault::kFolds);
   } else {
-    quality.status = kGood;
-    quality.fault = RectifyFault::kNone;
+    setFault(quality, kGood, RectifyFault::kNone);
     if (quality.cornerFactor > kAdviseFactor) {
-      quality.advice = "An error of picking grows " + number(quality.cornerFactor) +
-                       " times up to an image corner; points further apart would help.";
+      quality.hint = RectifyHint::kSpreadPoints;
     } else if (quality.redundancy == 0) {
-      quality.advice = "No check: the points are just enough for the method.";
+      quality.hint = RectifyHint::kNoCheck;
     }
   }
 }

@@ -168,8 +168,9 @@ bool Rectification::exportImage(const kel::DString& path, const kel::DString& fo
   request.resampling = exportResampling_ == 0 ? raster::ExportResampling::kNearest
                                               : raster::ExportResampling::kBilinear;
   const raster::WarpedImage& drawn = *picture->drawn;
-  request.grid = {drawn.geoTransform(), drawn.width(), drawn.height(),
-                  std::make_shared<DrawnMapping>(session_.drawn(), drawn.geoTransform())};
+  const Frame frame{drawn.geoTransform(), drawn.width(), drawn.height()};
+  request.grid = {frame.transform, frame.width, frame.height,
+                  std::make_shared<DrawnMapping>(session_.drawn(), frame)};
   interaction::ProgressScope progress("导出 " + nameOf(path.str()), 0, 100);
   const Status done = raster::exportWarped(*image_, request, [&](double part) {
     progress.move(part);

@@ -156,8 +156,6 @@ void Session::setControlPoints(const kel::PointList& sources, const kel::PointLi
   assessment_ = assess(layer.method, layer.pairs, outlineOf(base));
   if (!lost.empty()) {
     assessment_.quality.fault = kel::RectifyFault::kSourceLost;
-    assessment_.quality.advice = "Point " + std::to_string(lost[0] + 1) +
-                                 " lies where the image as it is drawn now has no pixel.";
     assessment_.quality.faultPoints = lost;
   }
   preview_ = assessment_.solution.fit.has_value();

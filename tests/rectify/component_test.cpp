@@ -270,7 +270,7 @@ TEST_F(Component, SingularAndHostilePointsAreToldAndHarmNothing) {
     Y = y - 1e12;
   });
   image->setControlPoints(away.sources, away.targets);
-  EXPECT_EQ(image->rectifyStatus(), 0) << image->quality().advice.str();
+  EXPECT_EQ(image->rectifyStatus(), 0) << static_cast<int>(image->quality().fault);
 }
 
 TEST_F(Component, ImagesThatCannotBeOpenedOrAreGone) {

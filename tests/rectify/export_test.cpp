@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "base/file.h"
+#include "components/raster/exportform.h"
 #include "components/raster/tilecache.h"
 #include "tests/rectify/fixture.h"
 
@@ -296,6 +297,29 @@ TEST_F(Export, WhatIsRefusedOrFailsLeavesTheOldFile) {
   EXPECT_EQ(raster::TileCache::shared().limit(), cache);
   EXPECT_EQ(fileKind(target + ".ovr"), FileKind::kMissing);
   EXPECT_TRUE(openByGdal(target));
+}
+
+// 37836 squared pixels of three bytes are 148² tiles of 256², that is 4.0 GiB and a little.
+TEST_F(Export, IsABigTiffWhereOffsetsOfThirtyTwoBitsEnd) {
+  const Dataset source = openByGdal(writeKind(scratch_, kKinds[1], 30, 20));
+  const Dataset wide = openByGdal(writeKind(scratch_, kKinds[8], 30, 20));
+  const auto bigOf = [](GDALDataset& d, int side) {
+    raster::ExportRequest request;
+    request.target = "x.tif";
+    request.grid.transform = {0, 1, 0, 0, 0, -1};
+    request.grid.width = request.grid.height = side;
+    auto form = raster::decideExportForm(d, request);
+    EXPECT_TRUE(form) << form.message();
+    for (const std::string& option : form.value().options)
+      if (option.rfind("BIGTIFF=", 0) == 0) return option.substr(8);
+    return std::string();
+  };
+  EXPECT_EQ(bigOf(*source, 147 * 256), "NO");
+  EXPECT_EQ(bigOf(*source, 147 * 256 + 1), "YES");
+  EXPECT_EQ(bigOf(*source, 200000), "YES");
+  // Two bands of eight bytes.
+  EXPECT_EQ(bigOf(*wide, 63 * 256), "NO");
+  EXPECT_EQ(bigOf(*wide, 64 * 256), "YES");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <random>
 #include <sstream>
 
+#include "components/rectify/chain.h"
 #include "components/rectify/quality.h"
 
 namespace {
@@ -135,6 +136,39 @@ TEST(Fit, LinearAffineAndHelmertOfTextbooks) {
   // A mirrored linear fit is one.
   const Fit mirrored = *solve(Method::kLinear, {pair(0, 0, 0, 0), pair(10, 10, 10, -10)}).fit;
   EXPECT_NEAR(mirrored.at({5, 5}).y, -5, 1e-12);
+}
+
+TEST(Fit, IsInvertedToThePixel) {
+  const Pairs four = {pair(288, 1126, 321210, 130280), pair(2352, 716, 322698, 129979),
+                      pair(2067, 2398, 322501, 192061), pair(1102, 2209, 321803, 192198)};
+  struct Row {
+    Method method;
+    Pairs pairs;
+    PlanePoint source;
+    PlanePoint target;
+  };
+  const Row table[] = {
+      {Method::kLinear,
+       {pair(0, 0, 10, 5), pair(10, 0, 16, 5), pair(0, 30, 10, 8), pair(10, 30, 16, 8)},
+       {9, 25},
+       {15.4, 7.5}},
+      {Method::kAffine,
+       {pair(0, 0, 440720, 3751320), pair(0, 20, 440720, 3750120), pair(20, 0, 441920, 3751320),
+        pair(20, 20, 441920, 3750120)},
+       {20, 10},
+       {441920, 3750720}},
+      {Method::kLinear, four, {288, 1000}, {321212.326847, 135047.429532}},
+      {Method::kHelmert, four, {2352, 1150}, {340495.193773, 155540.681928}},
+      {Method::kAffine, four, {2352, 1150}, {322700.263397, 146403.852285}}};
+  for (const Row& row : table) {
+    const Chain chain({0, 1, 0, 0, 0, 1}, 2400, 2400, {},
+                      {{*solve(row.method, row.pairs).fit, {}}});
+    const auto found = chain.pixelOf(row.target);
+    ASSERT_TRUE(found);
+    // Targets are printed to a millionth of ground, where a pixel is hundreds.
+    EXPECT_NEAR(found->x, row.source.x, 1e-6);
+    EXPECT_NEAR(found->y, row.source.y, 1e-6);
+  }
 }
 
 /// Rows of a table with a head: text of each column by its name.

@@ -78,7 +78,7 @@ void rectify(IRectifyDialog& image, int method, const Points& points) {
   image.setRectifyMethod(method);
   image.setControlPoints(points.sources, points.targets);
   image.computeTransform();
-  EXPECT_EQ(image.rectifyStatus(), 0) << image.quality().advice.str();
+  EXPECT_EQ(image.rectifyStatus(), 0) << static_cast<int>(image.quality().fault);
   image.acceptTransform();
 }
 

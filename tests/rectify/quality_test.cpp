@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "components/rectify/advice.h"
 #include "components/rectify/quality.h"
 
 namespace {
@@ -87,7 +88,7 @@ TEST(Quality, LayoutsOfPoints) {
       {"cubic, left half", Method::kCubic, grid(4, 5, {0, 0}, {500, 700}), -1, -1, 0, true}};
   for (const Row& row : table) {
     const Assessment a = assess(row.method, paired(row.points), kImage);
-    EXPECT_EQ(a.quality.status, row.status) << row.name << ' ' << a.quality.advice.str();
+    EXPECT_EQ(a.quality.status, row.status) << row.name << ' ' << adviceOf(a.quality);
     EXPECT_EQ(!a.quality.suggested.empty(), row.advises) << row.name;
     if (row.condition > 0 && std::isfinite(row.condition)) {
       EXPECT_NEAR(a.quality.condition / row.condition, 1, 0.06) << row.name;
@@ -134,10 +135,10 @@ TEST(Quality, FaultsAreNamed) {
       {"not a number", Method::kAffine, notANumber, RectifyFault::kNotFinite, "Point 3"},
       {"one place", Method::kHelmert, paired({{5, 5}, {5, 5}, {5, 5}}), RectifyFault::kNoExtent,
        "same source"},
-      {"flat targets", Method::kAffine, flat, RectifyFault::kNoExtent, "no area"},
+      {"flat targets", Method::kAffine, flat, RectifyFault::kTargetsFlat, "no area"},
       {"line", Method::kAffine, paired(line), RectifyFault::kOnLine, "one line"},
-      {"along an axis", Method::kLinear, paired({{5, 5}, {50, 5}, {500, 5}}), RectifyFault::kOnLine,
-       "along an axis"},
+      {"along an axis", Method::kLinear, paired({{5, 5}, {50, 5}, {500, 5}}),
+       RectifyFault::kAlongAxis, "along an axis"},
       {"repeated", Method::kAffine, paired(repeated), RectifyFault::kTooFewPlaces, "(3, 4)"},
       {"two rows", Method::kQuadratic, paired(grid(3, 2, {0, 0}, {1000, 700})),
        RectifyFault::kOnConic, "2 lines (1, 2, 3; 4, 5, 6)"},
@@ -147,8 +148,8 @@ TEST(Quality, FaultsAreNamed) {
       {"folds", Method::kQuadratic, folded, RectifyFault::kFolds, "fold"}};
   for (const Row& row : table) {
     const Assessment a = assess(row.method, row.pairs, kImage);
-    EXPECT_EQ(a.quality.fault, row.fault) << row.name << ' ' << a.quality.advice.str();
-    EXPECT_THAT(a.quality.advice.str(), HasSubstr(row.text)) << row.name;
+    EXPECT_EQ(a.quality.fault, row.fault) << row.name << ' ' << adviceOf(a.quality);
+    EXPECT_THAT(adviceOf(a.quality), HasSubstr(row.text)) << row.name;
     EXPECT_NE(a.quality.status, 0) << row.name;
   }
 }

@@ -236,6 +236,7 @@ TEST_F(Apply, ComesBackWithTheDrawingAndWithItsPoints) {
   const std::string drawing = tarn::joinPath(tarn::folderOf(host_->folder), "rectified.dxf");
   host_->ui.files = {{drawing}, {drawing}};
   host_->run("SAVEAS");
+  host_->run("CLOSE");
   host_->run("NEW");
   host_->run("OPEN");
   host_->run("ZOOM C 1200,2150 600");

@@ -192,6 +192,7 @@ TEST_F(Placement, ComesBackWithTheDrawing) {
   const std::string drawing = tarn::joinPath(tarn::folderOf(host_->folder), "placed.dxf");
   host_->ui.files = {{drawing}, {drawing}};
   host_->run("SAVEAS");
+  host_->run("CLOSE");
   host_->run("NEW");
   host_->run("OPEN");
   ASSERT_TRUE(rectifyDialog::instance() == nullptr);
