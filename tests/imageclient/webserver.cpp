@@ -99,8 +99,10 @@ bool WebServer::run() {
   process_->setStandardOutputFile(QProcess::nullDevice());
   process_->setStandardErrorFile(QProcess::nullDevice());
   const QString conf = QString::fromStdString(scratch_.at("nginx.conf"));
-  process_->start("/usr/sbin/nginx", {"-c", conf, "-p", QString::fromStdString(scratch_.folder()),
-                                      "-e", QString::fromStdString(scratch_.at("error.log"))});
+  // It must not outlive a test that is killed.
+  process_->start("/usr/bin/setpriv", {"--pdeathsig", "TERM", "/usr/sbin/nginx", "-c", conf, "-p",
+                                       QString::fromStdString(scratch_.folder()), "-e",
+                                       QString::fromStdString(scratch_.at("error.log"))});
   return process_->waitForStarted(5000);
 }
 
