@@ -21,7 +21,7 @@ namespace {
 rectifyDialog* g_dialog = nullptr;
 
 /// Size at the start where the screen has room for it.
-constexpr int kWidth = 980;
+constexpr int kWidth = 1160;
 constexpr int kHeight = 620;
 constexpr int kFrame = 50;  ///< of a window's frame and title
 
@@ -60,7 +60,12 @@ rectifyDialog::rectifyDialog() : m_form(std::make_unique<Ui::rectifyDialog>()) {
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_QuitOnClose, false);
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-  m_form->pointsTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  QHeaderView& header = *m_form->pointsTable->horizontalHeader();
+  header.setSectionResizeMode(QHeaderView::Stretch);
+  // Numbers and residuals are short; coordinates are seen whole in the room that they leave.
+  header.setSectionResizeMode(0, QHeaderView::ResizeToContents);
+  header.setSectionResizeMode(m_form->pointsTable->columnCount() - 1,
+                              QHeaderView::ResizeToContents);
   // It only shows the mode.
   m_form->_is_rectify->setAttribute(Qt::WA_TransparentForMouseEvents);
   m_form->_is_rectify->setFocusPolicy(Qt::NoFocus);
