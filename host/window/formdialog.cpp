@@ -15,6 +15,7 @@
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "base/text.h"
 #include "host/window/filefilters.h"
@@ -36,6 +37,12 @@ void addPath(QListWidget& list, const QString& path) {
   if (!path.isEmpty() && list.findItems(path, Qt::MatchExactly).isEmpty()) list.addItem(path);
 }
 
+QFormLayout* newRows() {
+  auto* rows = new QFormLayout;
+  rows->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+  return rows;
+}
+
 /// Buttons beside a list, none of them that of Enter.
 QVBoxLayout* buttonColumn(std::initializer_list<QPushButton*> buttons) {
   auto* column = new QVBoxLayout;
@@ -54,9 +61,12 @@ FormDialog::FormDialog(QWidget* parent, TarnForm& form)
   setObjectName("form");
   setWindowTitle(qt(form.title));
   auto* column = new QVBoxLayout(this);
-  auto* rows = new QFormLayout;
-  rows->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-  for (const TarnFormField& field : form.fields) addField(field, *column, *rows);
+  QFormLayout* rows = newRows();
+  for (const TarnFormField& field : form.fields) {
+    const bool isList = field.kind == Kind::kFiles || field.kind == Kind::kTable;
+    if (isList && rows->rowCount() > 0) column->addLayout(std::exchange(rows, newRows()));
+    addField(field, *column, *rows);
+  }
   column->addLayout(rows);
   reason_->setObjectName("reason");
   reason_->setWordWrap(true);
@@ -161,6 +171,7 @@ void FormDialog::addTable(const TarnFormField& field, QVBoxLayout& column) {
   table->setHorizontalHeaderLabels(headings);
   table->verticalHeader()->hide();
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  table->setTabKeyNavigation(false);
   table->setSelectionBehavior(QAbstractItemView::SelectRows);
   table->setMinimumHeight(kListHeight);
   const auto addRow = [table, width] {

@@ -35,31 +35,51 @@ ListingMap::ListingMap(QWidget* parent) : QWidget(parent) {
 void ListingMap::setDrawing(const QImage& picture, const ViewState& view) {
   picture_ = picture;
   drawing_ = view;
-  showDrawing();
+  follow();
 }
 
 void ListingMap::setFootprints(std::vector<GroundBox> footprints, std::vector<bool> chosen) {
   footprints_ = std::move(footprints);
   chosen_ = std::move(chosen);
+  follow();
+}
+
+void ListingMap::follow() {
+  if (!isMoved_) {
+    fitDrawing();
+    const GroundBox seen = groundBoxOf(view_);
+    const bool isAnySeen =
+        std::any_of(footprints_.begin(), footprints_.end(), [&](const GroundBox& box) {
+          return !box.isEmpty() && box.maxX > seen.minX && box.minX < seen.maxX &&
+                 box.maxY > seen.minY && box.minY < seen.maxY;
+        });
+    if (!isAnySeen) fitFootprints();
+  }
   update();
 }
 
-bool ListingMap::hasFootprints() const {
-  return std::any_of(footprints_.begin(), footprints_.end(),
-                     [](const GroundBox& box) { return !box.isEmpty(); });
+void ListingMap::showDrawing() {
+  isMoved_ = true;
+  fitDrawing();
+  update();
 }
 
-void ListingMap::showDrawing() {
+void ListingMap::showFootprints() {
+  isMoved_ = true;
+  fitFootprints();
+  update();
+}
+
+void ListingMap::fitDrawing() {
   const double aspect = static_cast<double>(drawing_.pixelWidth) / drawing_.pixelHeight;
   view_ = drawing_;
   view_.pixelWidth = std::max(width(), 1);
   view_.pixelHeight = std::max(height(), 1);
   const double needed = drawing_.height * aspect * view_.pixelHeight / view_.pixelWidth;
   view_.height = std::max(drawing_.height, needed);
-  update();
 }
 
-void ListingMap::showFootprints() {
+void ListingMap::fitFootprints() {
   GroundBox all;
   for (const GroundBox& box : footprints_) {
     if (box.isEmpty()) continue;
@@ -67,7 +87,6 @@ void ListingMap::showFootprints() {
     all.add(box.maxX, box.maxY);
   }
   view_ = fittedTo(view_, all, kFitMargin);
-  update();
 }
 
 QPolygonF ListingMap::outline(const GroundBox& box) const {
@@ -116,9 +135,11 @@ void ListingMap::resizeEvent(QResizeEvent*) {
   view_.height *= std::max(height(), 1) / static_cast<double>(view_.pixelHeight);
   view_.pixelWidth = std::max(width(), 1);
   view_.pixelHeight = std::max(height(), 1);
+  follow();
 }
 
 void ListingMap::wheelEvent(QWheelEvent* event) {
+  isMoved_ = true;
   const double factor = std::pow(kZoomNotch, event->angleDelta().y() / kNotch);
   view_ = zoomedAt(view_, {event->position().x(), event->position().y()}, factor);
   update();
@@ -131,7 +152,7 @@ void ListingMap::mousePressEvent(QMouseEvent* event) {
 
 void ListingMap::mouseMoveEvent(QMouseEvent* event) {
   if ((event->pos() - pressed_).manhattanLength() >= QApplication::startDragDistance())
-    isDragged_ = true;
+    isDragged_ = isMoved_ = true;
   if (!isDragged_) return;
   const QPoint moved = event->pos() - last_;
   last_ = event->pos();

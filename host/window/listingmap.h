@@ -19,9 +19,9 @@ class ListingMap : public QWidget {
   void setDrawing(const QImage& picture, const ViewState& view);
   /// One an image, empty where it is not known. `chosen` says which are; as long as `footprints`.
   void setFootprints(std::vector<GroundBox> footprints, std::vector<bool> chosen);
-  bool hasFootprints() const;
 
-  /// Shows the drawing's view, or all footprints.
+  /// Shows the drawing's view, or all footprints. Until the user has moved the map it shows the
+  /// former, or the latter when the former holds no footprint.
   void showDrawing();
   void showFootprints();
 
@@ -42,6 +42,9 @@ class ListingMap : public QWidget {
  private:
   QPolygonF outline(const GroundBox& box) const;
   void paintDrawing(QPainter& painter) const;
+  void fitDrawing();
+  void fitFootprints();
+  void follow();
 
   QImage picture_;
   ViewState drawing_;  ///< that the picture shows
@@ -51,6 +54,7 @@ class ListingMap : public QWidget {
   QPoint pressed_;
   QPoint last_;
   bool isDragged_ = false;
+  bool isMoved_ = false;  ///< by the user
 };
 
 }  // namespace tarn::host

@@ -9,6 +9,7 @@ import sys
 import time
 
 import rectifying
+import serving
 from desk import CANVAS, Desk, Failure, Picture, View, check, wait_until
 
 WEST, NORTH, UNIT = 40500000.0, 3512600.0, 0.5
@@ -607,9 +608,39 @@ def rectify(desk):
     desk.wait_colors([(view.pixel(at), color) for at, color in moved])
 
 
+def image_server(desk):
+    """An image of a web server: settings, chooser with a search, pan, save, open again."""
+    drawing = desk.path("served.dxf")
+    port = serving.serve(desk, [(make_image(desk, "plain.tif"), serving.FOLDER, serving.NAME)])
+    desk.start()
+    serving.set_server(desk, f"127.0.0.1:{port}")
+    serving.choose(desk, "100%")
+    desk.enter("ZOOM E")
+    view = desk.view()
+    expect_quarters(desk, view)
+    desk.shot("added")
+    start = view.pixel(MIDDLE)
+    desk.skip()
+    desk.drag(start, (start[0] + 60, start[1] - 40), button=2)
+    desk.wait_redraw()
+    expect_quarters(desk, desk.view())
+    desk.key("ctrl+s")
+    answer_dialog(desk, "Save drawing as", drawing)
+    wait_until("title", lambda: desk.title().endswith("served.dxf"))
+    serving.check_stored(drawing, port)
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+    desk.start(drawing)
+    desk.enter("ZOOM E")
+    expect_quarters(desk, desk.view())
+    desk.shot("opened-again")
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+
+
 JOURNEYS = {name: value for name, value in list(globals().items())
             if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot", "rectify",
-                        "image_list")}
+                        "image_list", "image_server")}
 
 
 def main():
@@ -619,6 +650,8 @@ def main():
     parser.add_argument("--keep", required=True)
     options = parser.parse_args()
     missing = [tool for tool in ("Xvfb", "openbox", "xdotool", "import", "gdal_translate", "pdftoppm") if not shutil.which(tool)]
+    if options.name == "image_server" and not os.path.exists("/usr/sbin/nginx"):
+        missing.append("nginx")
     if missing:
         print("skipped: there is no " + ", ".join(missing))
         return 77

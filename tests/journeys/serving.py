@@ -1,0 +1,87 @@
+"""Images of a web server: settings and chooser by keys, with a real nginx over a folder of converted images."""
+import os
+import socket
+import subprocess
+import urllib.request
+
+from desk import check, wait_until
+
+FOLDER, NAME = "east side", "正射 100%.tif"
+CONFIGURATION = """daemon off; master_process off; pid {0}/nginx.pid; error_log {0}/error.log;
+events {{ }}
+http {{
+  access_log off; client_body_temp_path {0}/body; proxy_temp_path {0}/proxy; fastcgi_temp_path {0}/fastcgi;
+  uwsgi_temp_path {0}/uwsgi; scgi_temp_path {0}/scgi; types {{ application/json json; image/tiff tif; }}
+  server {{ listen 127.0.0.1:{1}; root {2}; autoindex on; charset utf-8; }}
+}}
+"""
+
+
+def serve(desk, images):
+    """Starts the server over converted copies of the images, (source, folder, name) each; its port."""
+    root, scratch = desk.path("web"), desk.path("nginx")
+    os.makedirs(scratch)
+    for source, folder, name in images:
+        os.makedirs(os.path.join(root, folder), exist_ok=True)
+        named = desk.path(name)
+        os.rename(source, named)
+        subprocess.run([os.path.join(desk.bin, "tarnconvert"), "--format", "cog", "--out", os.path.join(root, folder),
+                        named], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([os.path.join(desk.bin, "tarnconvert"), "--catalog", root], check=True, stdout=subprocess.DEVNULL)
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        port = probe.getsockname()[1]
+    with open(os.path.join(scratch, "nginx.conf"), "w", encoding="utf-8") as out:
+        out.write(CONFIGURATION.format(scratch, port, root))
+    desk.children.append(subprocess.Popen(
+        ["/usr/sbin/nginx", "-c", os.path.join(scratch, "nginx.conf"), "-p", scratch, "-e",
+         os.path.join(scratch, "error.log")], stderr=subprocess.DEVNULL))
+
+    def answers():
+        try:
+            return urllib.request.urlopen(f"http://127.0.0.1:{port}/", timeout=5).status == 200
+        except OSError:
+            return False
+    wait_until("the web server", answers)
+    return port
+
+
+def dialog(desk, title):
+    found = wait_until(f"dialog {title!r}", lambda: desk.run(
+        ["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split())[0]
+    desk.run(["xdotool", "windowactivate", "--sync", found])
+    return found
+
+
+def set_server(desk, address):
+    """IMAGESERVER by keys: images come from servers, and one of them is listed."""
+    desk.enter("IMAGESERVER", None)
+    dialog(desk, "Image servers")
+    desk.key("Up", "Tab", "Tab", "space")
+    desk.type("office")
+    desk.key("Tab")
+    desk.type(address)
+    desk.shot("settings")
+    desk.key("Return", "Return")
+    desk.wait_prompt("Command:")
+
+
+def choose(desk, text):
+    """addImage: looks for a text in all folders and takes the first image found."""
+    desk.enter("addImage", None)
+    dialog(desk, "影像服务器")
+    desk.type(text)
+    desk.key("Return")
+    desk.shot("chooser")
+    desk.key("Return")
+    desk.wait_prompt("Command:")
+
+
+def stored(drawing):
+    import ezdxf
+    tags = ezdxf.readfile(drawing).rootdict["ImagePath"]["ImagePath"].tags
+    return [tag.value for tag in tags if tag.code == 1]
+
+
+def check_stored(drawing, port):
+    check(stored(drawing) == [f"127.0.0.1:{port}/{FOLDER}:{NAME}"], f"stored {stored(drawing)}")
