@@ -63,17 +63,17 @@ def answer_dialog(desk, title, text, prompt="Command:"):
     def visible():
         return desk.run(["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split()
 
-    for attempt in (1, 2, 3):
+    for attempt in range(5):
         window = dialog(desk, title)
         desk.run(["xdotool", "windowactivate", "--sync", window])
         desk.key("ctrl+a")
         desk.type(text)
         desk.key("Return")
         try:
-            wait_until(f"end of {title!r}", lambda closing=window: closing not in visible(), 20)
+            wait_until(f"end of {title!r}", lambda closing=window: closing not in visible(), 8)
             break
         except Failure:
-            if attempt == 3:
+            if attempt == 4:
                 raise
     if prompt:
         desk.wait_prompt(prompt)
