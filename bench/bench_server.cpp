@@ -147,8 +147,9 @@ class Gdal final : public Way {
 
  private:
   std::unique_ptr<GDALDataset> openLevel(int level) const {
-    const std::string option = "OVERVIEW_LEVEL=" + std::to_string(level);
-    const char* options[] = {level < 0 ? nullptr : option.c_str(), nullptr};
+    const std::string option =
+        "OVERVIEW_LEVEL=" + (level < 0 ? std::string("NONE") : std::to_string(level));
+    const char* options[] = {option.c_str(), nullptr};
     return std::unique_ptr<GDALDataset>(
         GDALDataset::Open(name_.c_str(), GDAL_OF_RASTER, nullptr, options));
   }
