@@ -1,8 +1,11 @@
 #include "host/database/blockdraw.h"
 
+#include <cmath>
+#include <numeric>
 #include <vector>
 
 #include "acgi.h"
+#include "base/text.h"
 #include "dbents.h"
 #include "dbsymtb.h"
 #include "host/database/entitysystem.h"
@@ -49,15 +52,32 @@ class PlacedGeometry : public AcGiWorldGeometry {
     const std::vector<AcGePoint3d> placed = place(count, points);
     return target_.polygon(count, placed.data());
   }
+  Adesk::Boolean polyPolygon(Adesk::UInt32 loops, const Adesk::UInt32* counts,
+                             const AcGePoint3d* points) const override {
+    const Adesk::UInt32 all = std::accumulate(counts, counts + loops, Adesk::UInt32{0});
+    return target_.polyPolygon(loops, counts, place(all, points).data());
+  }
   Adesk::Boolean text(const AcGePoint3d& at, const AcGeVector3d& normal,
                       const AcGeVector3d& direction, double height, double width, double oblique,
                       const ACHAR* message) const override {
+    return styledText(at, normal, direction, height, width, oblique, message, {});
+  }
+  /// A text that is stretched in one direction leans and gets wider; mirrored, its normal turns.
+  Adesk::Boolean styledText(const AcGePoint3d& at, const AcGeVector3d& normal,
+                            const AcGeVector3d& direction, double height, double width,
+                            double oblique, const ACHAR* message,
+                            const AcGiTextStyle& style) const override {
     const AcGeVector3d along = direction.normal();
+    const AcGeVector3d up = normal.crossProduct(along).normal() + along * std::tan(oblique);
     const AcGeVector3d placedAlong = map_ * along;
-    const double up = (map_ * normal.crossProduct(along).normal()).length();
-    if (!(up > 0)) return Adesk::kFalse;
-    return target_.text(map_ * at, normal, placedAlong, height * up,
-                        width * placedAlong.length() / up, oblique, message);
+    const AcGeVector3d placedUp = map_ * up;
+    const AcGeVector3d placedNormal = placedAlong.crossProduct(placedUp);
+    const double length = placedAlong.length();
+    if (!(placedNormal.length() > 0)) return Adesk::kFalse;
+    const double rise = placedNormal.length() / length;
+    const double leaning = placedUp.dotProduct(placedAlong) / length;
+    return target_.styledText(map_ * at, placedNormal.normal(), placedAlong, height * rise,
+                              width * length / rise, std::atan(leaning / rise), message, style);
   }
   Adesk::Boolean image(const AcGiImageBGRA32& source, const AcGePoint3d& at, const AcGeVector3d& u,
                        const AcGeVector3d& v, TransparencyMode mode) const override {
@@ -75,29 +95,48 @@ class PlacedGeometry : public AcGiWorldGeometry {
   const AcGeMatrix3d& map_;
 };
 
+}  // namespace
+
+void setResolvedColor(AcGiSubEntityTraits& traits, Adesk::UInt32 color) {
+  if ((color & AcGiSubEntityTraits::kTrueColor) == AcGiSubEntityTraits::kTrueColor) {
+    traits.setTrueColor(color & 0xFFFFFF);
+  } else {
+    traits.setColor(static_cast<Adesk::UInt16>(color));
+  }
+}
+
+namespace {
+
 /// Colours of one entity inside a block, handed on as fixed ones.
 class PlacedTraits : public AcGiDrawableTraits {
  public:
-  PlacedTraits(AcGiSubEntityTraits& target, Adesk::UInt16 layerColor, Adesk::UInt16 blockColor)
+  PlacedTraits(AcGiSubEntityTraits& target, Adesk::UInt32 layerColor, Adesk::UInt32 blockColor)
       : target_(target), layerColor_(layerColor), blockColor_(blockColor) {}
   void setColor(Adesk::UInt16 color) override {
-    target_.setColor(color == kByLayer ? layerColor_ : color == kByBlock ? blockColor_ : color);
+    if (color != kByLayer && color != kByBlock) return target_.setColor(color);
+    const Adesk::UInt32 resolved = color == kByLayer ? layerColor_ : blockColor_;
+    setResolvedColor(target_, resolved);
   }
   Adesk::UInt16 color() const override { return target_.color(); }
+  void setTrueColor(Adesk::UInt32 rgb) override { target_.setTrueColor(rgb); }
+  Adesk::UInt32 trueColor() const override { return target_.trueColor(); }
+  void setLineType(AcDbObjectId linetype) override { target_.setLineType(linetype); }
+  AcDbObjectId lineTypeId() const override { return target_.lineTypeId(); }
+  void setLineTypeScale(double scale) override { target_.setLineTypeScale(scale); }
   void setFillType(AcGiFillType fill) override { target_.setFillType(fill); }
   AcGiFillType fillType() const override { return target_.fillType(); }
   void setSelectionMarker(Adesk::LongPtr marker) override { target_.setSelectionMarker(marker); }
 
  private:
   AcGiSubEntityTraits& target_;
-  Adesk::UInt16 layerColor_;
-  Adesk::UInt16 blockColor_;
+  Adesk::UInt32 layerColor_;
+  Adesk::UInt32 blockColor_;
 };
 
 class PlacedDraw : public AcGiWorldDraw {
  public:
-  PlacedDraw(AcGiWorldDraw& target, const AcGeMatrix3d& map, Adesk::UInt16 layerColor,
-             Adesk::UInt16 blockColor)
+  PlacedDraw(AcGiWorldDraw& target, const AcGeMatrix3d& map, Adesk::UInt32 layerColor,
+             Adesk::UInt32 blockColor)
       : target_(target),
         geometry_(target.geometry(), map),
         traits_(target.subEntityTraits(), layerColor, blockColor) {}
@@ -115,27 +154,66 @@ class PlacedDraw : public AcGiWorldDraw {
   mutable PlacedTraits traits_;
 };
 
+bool isByBlock(AcDbObjectId linetype) {
+  const auto* record = AcDbLinetypeTableRecord::cast(peek(linetype));
+  const ACHAR* name = L"";
+  return record != nullptr && record->getName(name) == Acad::eOk &&
+         equalsIgnoreCase(std::wstring_view(name), L"ByBlock");
+}
+
 void drawEntity(AcGiWorldDraw& draw, AcDbEntity& entity, const AcGeMatrix3d& toWorld,
-                Adesk::UInt16 insertColor) {
+                const InheritedLook& insertion) {
   const ObjectAccess::Look look(entity);
   auto* layer = AcDbLayerTableRecord::cast(peek(entity.layerId()));
-  Adesk::UInt16 layerColor = insertColor;
+  InheritedLook byLayer = insertion;
   if (layer != nullptr) {
     const ObjectAccess::Look lookAtLayer(*layer);
     if (layer->isFrozen() || layer->isOff()) return;
     const bool isZero = entity.database()->layerZero() == entity.layerId();
-    if (!isZero) layerColor = layer->colorIndex();
+    if (!isZero) byLayer = lookOf(*layer);
   }
   if (entity.visibility() != AcDb::kVisible) return;
-  PlacedDraw placed(draw, toWorld, layerColor, insertColor);
-  placed.subEntityTraits().setColor(entity.colorIndex());
+  PlacedDraw placed(draw, toWorld, byLayer.color, insertion.color);
+  setLook(placed.subEntityTraits(), entity, byLayer, insertion);
   entity.worldDraw(&placed);
 }
 
 }  // namespace
 
+InheritedLook lookOf(const AcGiSubEntityTraits& traits) {
+  return {traits.trueColor(), traits.lineTypeId()};
+}
+
+InheritedLook lookOf(const AcDbLayerTableRecord& layer) {
+  const AcCmColor color = layer.color();
+  const Adesk::UInt32 rgb = static_cast<Adesk::UInt32>(color.red()) << 16 |
+                            static_cast<Adesk::UInt32>(color.green()) << 8 | color.blue();
+  return {color.isByColor() ? AcGiSubEntityTraits::kTrueColor | rgb : color.colorIndex(),
+          layer.linetypeObjectId()};
+}
+
+void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity, const InheritedLook& layer,
+             const InheritedLook& insertion) {
+  const AcCmColor color = entity.color();
+  if (color.isByColor()) {
+    traits.setTrueColor(static_cast<Adesk::UInt32>(color.red()) << 16 |
+                        static_cast<Adesk::UInt32>(color.green()) << 8 | color.blue());
+  } else if (color.colorIndex() == kByLayer || color.colorIndex() == kByBlock) {
+    setResolvedColor(traits, color.colorIndex() == kByLayer ? layer.color : insertion.color);
+  } else {
+    traits.setColor(color.colorIndex());
+  }
+  const AcDbObjectId own = entity.linetypeId();
+  const AcDbObjectId linetype = own.isNull()     ? layer.linetype
+                                : isByBlock(own) ? insertion.linetype
+                                                 : own;
+  if (linetype.isNull() && traits.lineTypeId().isNull()) return;
+  traits.setLineType(linetype);
+  traits.setLineTypeScale(entity.linetypeScale());
+}
+
 void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWorld,
-               Adesk::UInt16 insertColor) {
+               const InheritedLook& insertion) {
   auto* record = AcDbBlockTableRecord::cast(peek(block));
   Nesting& state = nesting();
   if (record == nullptr || state.depth >= kDeepest) return;
@@ -145,7 +223,7 @@ void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWo
     if (++state.entities > kMostEntities || draw.regenAbort()) break;
     auto* entity = AcDbEntity::cast(peek(id));
     if (entity == nullptr || entity->isErased()) continue;
-    drawEntity(draw, *entity, toWorld, insertColor);
+    drawEntity(draw, *entity, toWorld, insertion);
   }
   --state.depth;
 }

@@ -5,14 +5,33 @@
 #include "dbid.h"
 #include "gemat3d.h"
 
+class AcDbEntity;
+class AcDbLayerTableRecord;
+class AcGiSubEntityTraits;
 class AcGiWorldDraw;
 
 namespace tarn::host {
 
+/// What an entity takes over from its layer, or from the insertion that it is part of. The colour
+/// as AcGiSubEntityTraits::trueColor() gives it.
+struct InheritedLook {
+  Adesk::UInt32 color = 7;
+  AcDbObjectId linetype;
+};
+InheritedLook lookOf(const AcGiSubEntityTraits& traits);
+/// The layer must be open.
+ACADHOST_EXPORT InheritedLook lookOf(const AcDbLayerTableRecord& layer);
+/// The colour and the pattern of lines of an open entity, by itself, its layer or its insertion.
+ACADHOST_EXPORT void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity,
+                             const InheritedLook& layer, const InheritedLook& insertion);
+
 /// Draws the entities of a block through `toWorld`. Layers and colours are those of the entities;
-/// what is by block, and what is on layer "0", follows the colour of the insertion. Blocks inside
+/// what is by block, and what is on layer "0", follows the insertion. Blocks inside
 /// one another stop at a depth and at a number of entities that no honest drawing reaches.
 void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWorld,
-               Adesk::UInt16 insertColor);
+               const InheritedLook& insertion);
+
+/// Sets a colour as AcGiSubEntityTraits::trueColor() gives it.
+void setResolvedColor(AcGiSubEntityTraits& traits, Adesk::UInt32 color);
 
 }  // namespace tarn::host

@@ -117,16 +117,17 @@ Adesk::Boolean AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
   const AcGeMatrix3d first = blockTransform();
   const AcGeMatrix3d world = tarn::host::entityToWorld(placement_.normal) *
                              AcGeMatrix3d::rotation(placement_.rotation, AcGeVector3d::kZAxis);
-  const Adesk::UInt16 color = draw->subEntityTraits().color();
+  AcGiSubEntityTraits& traits = draw->subEntityTraits();
+  const tarn::host::InheritedLook look = tarn::host::lookOf(traits);
   for (int row = 0; row < std::max<int>(1, placement_.rows); ++row) {
     for (int column = 0; column < std::max<int>(1, placement_.columns); ++column) {
       if (draw->regenAbort()) return Adesk::kTrue;
       const AcGeVector3d offset =
           world * AcGeVector3d(column * placement_.columnSpacing, row * placement_.rowSpacing, 0);
-      tarn::host::drawBlock(*draw, block_, AcGeMatrix3d::translation(offset) * first, color);
+      tarn::host::drawBlock(*draw, block_, AcGeMatrix3d::translation(offset) * first, look);
     }
   }
-  draw->subEntityTraits().setColor(color);
+  tarn::host::setResolvedColor(traits, look.color);
   for (const AcDbTextLine& line : attributes_) line.draw(*draw);
   return Adesk::kTrue;
 }

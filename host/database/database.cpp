@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include <cmath>
+
 #include "base/text.h"
 #include "dbdict.h"
 #include "dbents.h"
@@ -120,6 +122,14 @@ Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbViewTable*& table, AcDb::Open
   return acdbOpenObject(table, state_->viewTable, mode);
 }
 
+double AcDbDatabase::ltscale() const {
+  return state_->linetypeScale;
+}
+Acad::ErrorStatus AcDbDatabase::setLtscale(double scale) {
+  if (!(scale > 0) || !std::isfinite(scale)) return Acad::eInvalidInput;
+  state_->linetypeScale = scale;
+  return Acad::eOk;
+}
 AcDbObjectId AcDbDatabase::layerZero() const {
   return state_->layerZero;
 }

@@ -3,13 +3,17 @@
 #include "dbblockref.h"
 #include "dbcurve.h"
 #include "dbdict.h"
+#include "dbdim.h"
 #include "dbents.h"
+#include "dbhatch.h"
 #include "dblayout.h"
 #include "dbmain.h"
 #include "dbpl.h"
 #include "dbproxy.h"
+#include "dbspline.h"
 #include "dbsymtb.h"
 #include "dbtext.h"
+#include "dbtrace.h"
 #include "dbxrecrd.h"
 #include "host/rx/rxinit.h"
 
@@ -28,6 +32,13 @@ void registerDatabaseClasses() {
   AcDbEllipse::rxInit();
   AcDbText::rxInit();
   AcDbMText::rxInit();
+  AcDbTrace::rxInit();
+  AcDbSolid::rxInit();
+  AcDbFace::rxInit();
+  AcDbHatch::rxInit();
+  AcDbSpline::rxInit();
+  AcDbDimension::rxInit();
+  AcDbLeader::rxInit();
   AcDbPolyline::rxInit();
   AcDbBlockReference::rxInit();
   AcDbProxyEntity::rxInit();

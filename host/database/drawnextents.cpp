@@ -1,11 +1,12 @@
 #include "host/database/drawnextents.h"
 
 #include <cmath>
-#include <cwchar>
+#include <numeric>
 
 #include "acgi.h"
 #include "dbents.h"
 #include "dbextents.h"
+#include "host/database/textmeasure.h"
 
 namespace tarn::host {
 
@@ -28,17 +29,25 @@ class BoxGeometry : public AcGiWorldGeometry {
     for (Adesk::UInt32 i = 0; i < count; ++i) add(points[i].x, points[i].y, points[i].z);
     return Adesk::kFalse;
   }
-  Adesk::Boolean text(const AcGePoint3d& at, const AcGeVector3d&, const AcGeVector3d& direction,
-                      double height, double width, double, const ACHAR* message) const override {
-    constexpr double kWidthOfLetter = 0.9;
-    const double length =
-        kWidthOfLetter * height * width * static_cast<double>(std::wcslen(message));
-    const AcGeVector3d along = direction.normal() * length;
-    const AcGeVector3d up = AcGeVector3d(-along.y, along.x, 0).normal() * height;
-    for (const AcGePoint3d& corner : {at, at + along, at + up, at + along + up}) {
+  Adesk::Boolean text(const AcGePoint3d& at, const AcGeVector3d& normal,
+                      const AcGeVector3d& direction, double height, double width, double oblique,
+                      const ACHAR* message) const override {
+    return styledText(at, normal, direction, height, width, oblique, message, {});
+  }
+  Adesk::Boolean styledText(const AcGePoint3d& at, const AcGeVector3d& normal,
+                            const AcGeVector3d& direction, double height, double width, double,
+                            const ACHAR* message, const AcGiTextStyle& style) const override {
+    const AcGeVector3d along = direction.normal();
+    const AcGeVector3d up = normal.crossProduct(along).normal() * height;
+    const AcGeVector3d across = along * (textWidth(message, style.fileName()) * height * width);
+    for (const AcGePoint3d& corner : {at, at + across, at + up, at + across + up}) {
       add(corner.x, corner.y, corner.z);
     }
     return Adesk::kFalse;
+  }
+  Adesk::Boolean polyPolygon(Adesk::UInt32 loops, const Adesk::UInt32* counts,
+                             const AcGePoint3d* points) const override {
+    return polygon(std::accumulate(counts, counts + loops, Adesk::UInt32{0}), points);
   }
   Adesk::Boolean image(const AcGiImageBGRA32&, const AcGePoint3d& at, const AcGeVector3d& u,
                        const AcGeVector3d& v, TransparencyMode) const override {

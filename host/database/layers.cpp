@@ -4,16 +4,40 @@
 ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTableRecord, AcDbSymbolTableRecord, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTable, AcDbSymbolTable, 0)
 
+AcDbLayerTableRecord::AcDbLayerTableRecord() {
+  color_.setColorIndex(7);
+}
+
 Adesk::UInt16 AcDbLayerTableRecord::colorIndex() const {
   assertReadEnabled();
-  return color_;
+  return color_.colorIndex();
 }
 
 Acad::ErrorStatus AcDbLayerTableRecord::setColorIndex(Adesk::UInt16 color) {
   assertWriteEnabled();
   if (color < 1 || color > 255) return Acad::eInvalidInput;
-  color_ = color;
-  return Acad::eOk;
+  return color_.setColorIndex(color);
+}
+
+AcCmColor AcDbLayerTableRecord::color() const {
+  assertReadEnabled();
+  return color_;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setColor(const AcCmColor& color) {
+  const Acad::ErrorStatus status = setColorIndex(color.colorIndex());
+  if (status == Acad::eOk) color_ = color;
+  return status;
+}
+
+AcDbObjectId AcDbLayerTableRecord::linetypeObjectId() const {
+  assertReadEnabled();
+  return linetype_;
+}
+
+void AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId linetype) {
+  assertWriteEnabled();
+  linetype_ = linetype;
 }
 
 bool AcDbLayerTableRecord::isOff() const {
@@ -50,7 +74,12 @@ void AcDbLayerTableRecord::setIsLocked(bool locked) {
 Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
   const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgOutFields(filer);
   if (status != Acad::eOk) return status;
-  filer->writeUInt16(color_);
+  filer->writeUInt16(color_.colorIndex());
+  filer->writeBool(color_.isByColor());
+  filer->writeUInt8(color_.red());
+  filer->writeUInt8(color_.green());
+  filer->writeUInt8(color_.blue());
+  filer->writeHardPointerId(linetype_);
   filer->writeBool(off_);
   filer->writeBool(frozen_);
   filer->writeBool(locked_);
@@ -60,7 +89,19 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
 Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
   const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgInFields(filer);
   if (status != Acad::eOk) return status;
-  filer->readUInt16(&color_);
+  Adesk::UInt16 index = 7;
+  bool isTrue = false;
+  Adesk::UInt8 red = 0;
+  Adesk::UInt8 green = 0;
+  Adesk::UInt8 blue = 0;
+  filer->readUInt16(&index);
+  filer->readBool(&isTrue);
+  filer->readUInt8(&red);
+  filer->readUInt8(&green);
+  filer->readUInt8(&blue);
+  filer->readHardPointerId(&linetype_);
+  color_.setColorIndex(index);
+  if (isTrue) color_.setRGB(red, green, blue);
   filer->readBool(&off_);
   filer->readBool(&frozen_);
   filer->readBool(&locked_);

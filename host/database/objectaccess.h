@@ -45,6 +45,7 @@ struct DatabaseState {
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
   AcDbObjectId currentLayer;
+  double linetypeScale = 1;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
 };
@@ -78,6 +79,12 @@ class ObjectAccess {
   /// What a line type or a style of texts says in the file beyond its name.
   static const ResbufItems& definition(const AcDbSymbolTableRecord& record);
   static void setDefinition(AcDbSymbolTableRecord& record, ResbufItems items);
+  /// The object that this one began as a copy of; null for none. What a drawing file says about
+  /// that one beyond what objects know holds for the copy too.
+  static AcDbObjectId copiedFrom(const AcDbObject& object) { return object.copiedFrom_; }
+  static void setCopiedFrom(AcDbObject& object, AcDbObjectId source) {
+    object.copiedFrom_ = source;
+  }
 
   static bool isOpen(const AcDbObject& object) {
     return object.readers_ > 0 || object.writing_ || object.notifying_;

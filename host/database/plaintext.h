@@ -1,4 +1,4 @@
-// Texts of entities as they are read by a person.
+// Texts of one line as they are read by a person.
 #pragma once
 
 #include <string>
@@ -6,14 +6,25 @@
 #include <vector>
 
 #include "adesk.h"
+#include "dbid.h"
 
 namespace tarn::host {
 
-/// A line of text with "%%d", "%%p", "%%c" and "%%123" as their characters, without "%%u" and
-/// "%%o".
+/// A part of a line of text.
+struct TextRun {
+  std::wstring text;
+  bool underlined = false;
+  bool overlined = false;
+};
+
+/// A line of text with "%%d", "%%p", "%%c", "%%123" and "\U+1234" as their characters; "%%u" and
+/// "%%o" switch the lines below and above.
+ACADHOST_EXPORT std::vector<TextRun> textRuns(std::wstring_view text);
+
+/// The characters of all runs.
 ACADHOST_EXPORT std::wstring plainLine(std::wstring_view text);
 
-/// The lines of a text of several, without its formatting.
-ACADHOST_EXPORT std::vector<std::wstring> plainLines(std::wstring_view contents);
+/// The font of a style of texts; empty for none.
+std::wstring fontOfStyle(AcDbObjectId style);
 
 }  // namespace tarn::host

@@ -3,6 +3,7 @@
 #include "dbpl.h"
 #include "host/database/drawnextents.h"
 #include "host/database/entitysystem.h"
+#include "host/database/widelines.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbPolyline, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
                         LWPOLYLINE, ObjectDBX Classes)
@@ -134,30 +135,46 @@ AcGePoint3d AcDbPolyline::worldPoint(const AcDbPolylineVertex& vertex) const {
          AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
 }
 
-Adesk::Boolean AcDbPolyline::subWorldDraw(AcGiWorldDraw* draw) {
-  assertReadEnabled();
-  std::vector<AcGePoint3d> points;
+std::vector<tarn::host::WideSegment> AcDbPolyline::segments() const {
+  std::vector<tarn::host::WideSegment> all;
   const AcDbPolylineVertex* before = nullptr;
   const AcDbPolylineVertex* first = nullptr;
   const auto place = [&](const AcDbPolylineVertex& vertex) {
     return inSpace_ ? vertex.point : AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
   };
+  const auto add = [&](const AcDbPolylineVertex& from, const AcDbPolylineVertex& to) {
+    tarn::host::WideSegment segment{{place(from)}, from.startWidth, from.endWidth};
+    tarn::host::addBulge(segment.points, place(from), place(to), inSpace_ ? 0 : from.bulge);
+    all.push_back(std::move(segment));
+  };
   for (const AcDbPolylineVertex& vertex : vertices_) {
     if ((vertex.flags & kFramePoint) != 0) continue;
-    if (before == nullptr) {
-      points.push_back(place(vertex));
-      first = &vertex;
-    } else {
-      tarn::host::addBulge(points, place(*before), place(vertex), inSpace_ ? 0 : before->bulge);
-    }
+    if (before == nullptr) first = &vertex;
+    if (before != nullptr) add(*before, vertex);
     before = &vertex;
   }
-  if (closed_ && before != first) {
-    tarn::host::addBulge(points, place(*before), place(*first), inSpace_ ? 0 : before->bulge);
+  if (before != nullptr && before == first) all.push_back({{place(*first)}, 0, 0});
+  if (closed_ && before != first) add(*before, *first);
+  return all;
+}
+
+/// A line along the middle, so that it is seen from far away, and areas for what is wide.
+Adesk::Boolean AcDbPolyline::subWorldDraw(AcGiWorldDraw* draw) {
+  assertReadEnabled();
+  const std::vector<tarn::host::WideSegment> all = segments();
+  if (all.empty()) return Adesk::kTrue;
+  const AcGeMatrix3d world = inSpace_ ? AcGeMatrix3d() : tarn::host::entityToWorld(normal_);
+  std::vector<AcGePoint3d> points{all.front().points.front()};
+  for (const tarn::host::WideSegment& segment : all) {
+    points.insert(points.end(), segment.points.begin() + 1, segment.points.end());
   }
-  if (points.empty()) return Adesk::kTrue;
-  if (!inSpace_) tarn::host::transformAll(points, tarn::host::entityToWorld(normal_));
+  tarn::host::transformAll(points, world);
   draw->geometry().polyline(static_cast<Adesk::UInt32>(points.size()), points.data());
+  if (inSpace_) return Adesk::kTrue;
+  for (std::vector<AcGePoint3d>& area : tarn::host::wideAreas(all, closed_)) {
+    tarn::host::transformAll(area, world);
+    draw->geometry().polygon(static_cast<Adesk::UInt32>(area.size()), area.data());
+  }
   return Adesk::kTrue;
 }
 

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <numeric>
 
 #include "acgi.h"
 #include "dbfiler.h"
@@ -7,20 +8,78 @@
 #include "host/database/entitysystem.h"
 #include "host/database/plaintext.h"
 #include "host/database/recordfiling.h"
+#include "host/database/textmeasure.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbText, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, TEXT,
-                        ObjectDBX Classes)
-ACRX_DXF_DEFINE_MEMBERS(AcDbMText, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, MTEXT,
                         ObjectDBX Classes)
 
 using tarn::host::OwnChange;
 
-void AcDbTextLine::draw(AcGiWorldDraw& draw) const {
-  const std::wstring shown = tarn::host::plainLine(text);
-  const AcGeMatrix3d world = tarn::host::entityToWorld(normal);
+namespace {
+
+constexpr double kDescent = 1.0 / 3;  ///< of the height of a capital
+enum Horizontal { kCenter = 1, kRight = 2, kAligned = 3, kMiddle = 4, kFit = 5 };
+enum Vertical { kBottom = 1, kHalf = 2, kTop = 3 };
+enum Generation { kBackward = 2, kUpsideDown = 4 };
+
+double shareToTheLeft(short horizontal) {
+  if (horizontal == kCenter || horizontal == kMiddle) return 0.5;
+  return horizontal == kRight ? 1 : 0;
+}
+
+/// How far the base line lies above the point of alignment, in heights.
+double riseOf(const AcDbTextLine& line) {
+  if (line.horizontal == kMiddle || line.vertical == kHalf) return -0.5;
+  if (line.vertical == kTop) return -1;
+  return line.vertical == kBottom ? kDescent : 0;
+}
+
+/// Between its two points a text gets the angle of the line through them, and is made to fit.
+AcDbTextLine fitted(const AcDbTextLine& line, double width) {
+  AcDbTextLine out = line;
+  const AcGeVector3d across = line.alignment - line.position;
+  const double length = std::hypot(across.x, across.y);
+  if (!(length > 0) || !(width > 0)) return out;
+  out.rotation = std::atan2(across.y, across.x);
+  (line.horizontal == kFit ? out.widthFactor : out.height) *= length / width;
+  return out;
+}
+
+}  // namespace
+
+AcDbTextLine AcDbTextLine::placed(double width) const {
+  const bool isBetween = horizontal == kAligned || horizontal == kFit;
+  AcDbTextLine out = isBetween ? fitted(*this, width) : *this;
+  if (isBetween || (horizontal == 0 && vertical == 0)) return out;
   const AcGeVector3d along(std::cos(rotation), std::sin(rotation), 0);
-  draw.geometry().text(world * position, normal, world * along, height, widthFactor, oblique,
-                       shown.c_str());
+  const double left = shareToTheLeft(horizontal) * width * (generation & kBackward ? -1 : 1);
+  const double rise = riseOf(*this) * height * (generation & kUpsideDown ? -1 : 1);
+  out.position = alignment - along * left + AcGeVector3d(-along.y, along.x, 0) * rise;
+  return out;
+}
+
+void AcDbTextLine::draw(AcGiWorldDraw& draw) const {
+  const std::wstring font = tarn::host::fontOfStyle(style);
+  const std::vector<tarn::host::TextRun> runs = tarn::host::textRuns(text);
+  std::vector<double> widths;  // in heights
+  for (const tarn::host::TextRun& run : runs) {
+    widths.push_back(tarn::host::textWidth(run.text, font) * widthFactor);
+  }
+  const AcDbTextLine at = placed(std::accumulate(widths.begin(), widths.end(), 0.0) * height);
+  const AcGeMatrix3d world = tarn::host::entityToWorld(normal);
+  AcGeVector3d along = world * AcGeVector3d(std::cos(at.rotation), std::sin(at.rotation), 0);
+  if ((generation & kBackward) != 0) along = -along;
+  const bool isTurned = ((generation & kBackward) != 0) != ((generation & kUpsideDown) != 0);
+  const AcGeVector3d facing = isTurned ? -normal : normal;
+  AcGePoint3d start = world * at.position;
+  for (size_t i = 0; i < runs.size(); ++i) {
+    AcGiTextStyle manner(font);
+    manner.setUnderlined(runs[i].underlined);
+    manner.setOverlined(runs[i].overlined);
+    draw.geometry().styledText(start, facing, along, at.height, at.widthFactor, oblique,
+                               runs[i].text.c_str(), manner);
+    start += along * (widths[i] * at.height * at.widthFactor / widthFactor);
+  }
 }
 
 void AcDbTextLine::transformBy(const AcGeMatrix3d& transform) {
@@ -101,6 +160,18 @@ Acad::ErrorStatus AcDbText::subGetGeomExtents(AcDbExtents& extents) const {
   return tarn::host::drawnExtents(*this, extents);
 }
 
+Acad::ErrorStatus AcDbText::subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker,
+                                              const AcGePoint3d&, const AcGePoint3d&,
+                                              const AcGeMatrix3d&, AcGePoint3dArray& snapPoints,
+                                              AcDbIntArray&) const {
+  const bool isAligned = line().horizontal != 0 || line().vertical != 0;
+  if (osnapMode == AcDb::kOsModeIns) {
+    snapPoints.append(tarn::host::entityToWorld(line().normal) *
+                      (isAligned ? line().alignment : line().position));
+  }
+  return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbText::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray&,
                                              AcDbIntArray&) const {
   gripPoints.append(tarn::host::entityToWorld(line().normal) * line().position);
@@ -110,159 +181,6 @@ Acad::ErrorStatus AcDbText::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbI
 Acad::ErrorStatus AcDbText::subTransformBy(const AcGeMatrix3d& transform) {
   assertWriteEnabled();
   line_.transformBy(transform);
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-
-AcGePoint3d AcDbMText::location() const {
-  assertReadEnabled();
-  return location_;
-}
-const std::wstring& AcDbMText::contents() const {
-  assertReadEnabled();
-  return contents_;
-}
-AcGeVector3d AcDbMText::normal() const {
-  assertReadEnabled();
-  return normal_;
-}
-AcGeVector3d AcDbMText::direction() const {
-  assertReadEnabled();
-  return direction_;
-}
-double AcDbMText::textHeight() const {
-  assertReadEnabled();
-  return height_;
-}
-short AcDbMText::attachment() const {
-  assertReadEnabled();
-  return attachment_;
-}
-double AcDbMText::lineSpacingFactor() const {
-  assertReadEnabled();
-  return spacing_;
-}
-
-Acad::ErrorStatus AcDbMText::setLocation(const AcGePoint3d& location) {
-  assertWriteEnabled();
-  location_ = location;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setContents(const ACHAR* contents) {
-  assertWriteEnabled();
-  contents_ = contents != nullptr ? contents : L"";
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setNormal(const AcGeVector3d& normal) {
-  assertWriteEnabled();
-  normal_ = normal;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setDirection(const AcGeVector3d& direction) {
-  assertWriteEnabled();
-  direction_ = direction;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setTextHeight(double height) {
-  assertWriteEnabled();
-  height_ = height;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setAttachment(short attachment) {
-  assertWriteEnabled();
-  attachment_ = attachment;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-AcDbObjectId AcDbMText::textStyle() const {
-  assertReadEnabled();
-  return style_;
-}
-Acad::ErrorStatus AcDbMText::setTextStyle(AcDbObjectId style) {
-  assertWriteEnabled();
-  style_ = style;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-Acad::ErrorStatus AcDbMText::setLineSpacingFactor(double factor) {
-  assertWriteEnabled();
-  spacing_ = factor;
-  recordGraphicsModified();
-  return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDbMText::dwgOutFields(AcDbDwgFiler* filer) const {
-  const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
-  if (status != Acad::eOk) return status;
-  filer->writePoint3d(location_);
-  filer->writeVector3d(normal_);
-  filer->writeVector3d(direction_);
-  filer->writeDouble(height_);
-  filer->writeDouble(spacing_);
-  filer->writeInt16(attachment_);
-  filer->writeHardPointerId(style_);
-  return filer->writeString(contents_.c_str());
-}
-
-Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
-  const Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
-  if (status != Acad::eOk) return status;
-  filer->readPoint3d(&location_);
-  filer->readVector3d(&normal_);
-  filer->readVector3d(&direction_);
-  filer->readDouble(&height_);
-  filer->readDouble(&spacing_);
-  filer->readInt16(&attachment_);
-  filer->readHardPointerId(&style_);
-  return tarn::host::readText(*filer, contents_);
-}
-
-Adesk::Boolean AcDbMText::subWorldDraw(AcGiWorldDraw* draw) {
-  assertReadEnabled();
-  constexpr double kLineDistance = 5.0 / 3;
-  constexpr double kWidthOfLetter = 0.8;  // an estimate; the database knows no fonts
-  const std::vector<std::wstring> lines = tarn::host::plainLines(contents_);
-  const AcGeVector3d along = direction_.normal();
-  const AcGeVector3d up = normal_.crossProduct(along).normal();
-  const double step = kLineDistance * height_ * (spacing_ > 0 ? spacing_ : 1);
-  const double whole = height_ + step * static_cast<double>(lines.size() - 1);
-  const int row = (attachment_ - 1) / 3;
-  const int column = (attachment_ - 1) % 3;
-  double down = height_ - whole * row / 2.0;
-  for (const std::wstring& line : lines) {
-    const double length = kWidthOfLetter * height_ * static_cast<double>(line.size());
-    const AcGePoint3d at = location_ - up * down - along * (length * column / 2.0);
-    draw->geometry().text(at, normal_, along, height_, 1, 0, line.c_str());
-    down += step;
-  }
-  return Adesk::kTrue;
-}
-
-Acad::ErrorStatus AcDbMText::subGetGeomExtents(AcDbExtents& extents) const {
-  return tarn::host::drawnExtents(*this, extents);
-}
-
-Acad::ErrorStatus AcDbMText::subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray&,
-                                              AcDbIntArray&) const {
-  gripPoints.append(location());
-  return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDbMText::subTransformBy(const AcGeMatrix3d& transform) {
-  assertWriteEnabled();
-  const AcGeVector3d up = transform * normal_.crossProduct(direction_);
-  const AcGeVector3d along = transform * direction_;
-  const double scale = direction_.length() > 0 ? along.length() / direction_.length() : 1;
-  const AcGeVector3d normal = along.crossProduct(up);
-  if (normal.length() > 0) normal_ = normal.normal();
-  direction_ = along.length() > 0 ? along / (scale > 0 ? scale : 1) : direction_;
-  height_ *= scale;
-  location_.transformBy(transform);
   recordGraphicsModified();
   return Acad::eOk;
 }

@@ -4,14 +4,11 @@
 #include <cmath>
 #include <limits>
 
+#include "host/graphics/textoutlines.h"
+
 namespace tarn::host {
 
 namespace {
-
-/// Rough width of a letter against the height of capitals; ideographs are wider.
-constexpr double kLetterWidth = 0.9;
-constexpr double kIdeographWidth = 1.4;
-constexpr ushort kFirstIdeograph = 0x2E80;
 
 double segmentDistance(PixelPoint p, PixelPoint a, PixelPoint b) {
   const double dx = b.x - a.x;
@@ -67,33 +64,49 @@ struct Adder {
   const ViewState& view;
 
   void operator()(const LineItem& item) const {
-    outlines.push_back({toPixels(item.points, view, false), false});
+    outlines.push_back({toPixels(item.points, view, false), false, false});
   }
   void operator()(const AreaItem& item) const {
-    outlines.push_back({toPixels(item.points, view, true), item.filled});
+    const size_t first = outlines.size();
+    for (size_t i = 0; i < loopCount(item); ++i) {
+      const auto [begin, end] = loopOf(item, i);
+      outlines.push_back(
+          {toPixels({item.points.begin() + begin, item.points.begin() + end}, view, true),
+           item.filled, false});
+    }
+    for (size_t i = first; i + 1 < outlines.size(); ++i) outlines[i].goesOn = true;
   }
   void operator()(const TextItem& item) const {
-    double width = 0;
-    for (const QChar c : item.text) {
-      width += c.unicode() < kFirstIdeograph ? kLetterWidth : kIdeographWidth;
-    }
-    width *= item.height * item.widthFactor;
+    const double width = measuredTextWidth(item.text.toStdWString(), item.font.toStdWString()) *
+                         item.height * item.widthFactor;
     const double length = std::hypot(item.direction.x, item.direction.y);
     if (!(length > 0)) return;
     const GroundVector along{item.direction.x / length * width, item.direction.y / length * width};
-    const GroundVector up{-item.direction.y / length * item.height,
-                          item.direction.x / length * item.height};
+    const double rise = item.mirrored ? -item.height : item.height;
+    const GroundVector up{-item.direction.y / length * rise, item.direction.x / length * rise};
     const GroundPoint& p = item.position;
     outlines.push_back({toPixels({p,
                                   {p.x + along.x, p.y + along.y},
                                   {p.x + along.x + up.x, p.y + along.y + up.y},
                                   {p.x + up.x, p.y + up.y}},
                                  view, true),
-                        true});
+                        true, false});
   }
   void operator()(const ImageItem&) const {}
   void operator()(const PointsItem&) const {}
 };
+
+/// True in an odd number of the loops of one area.
+bool isInArea(const Outlines& outlines, PixelPoint p) {
+  bool inside = false;
+  for (const Outline& outline : outlines) {
+    if (outline.filled && isInPolygon(outline.points, p)) inside = !inside;
+    if (outline.goesOn) continue;
+    if (inside) return true;
+    inside = false;
+  }
+  return false;
+}
 
 template <typename Test>
 bool anyPart(const Outlines& outlines, Test test) {
@@ -126,14 +139,12 @@ bool hasImages(const DisplayList& list) {
 }
 
 void addFrame(Outlines& outlines, const std::vector<GroundPoint>& corners, const ViewState& view) {
-  outlines.push_back({toPixels(corners, view, true), false});
+  outlines.push_back({toPixels(corners, view, true), false, false});
 }
 
 double distanceTo(const Outlines& outlines, PixelPoint point) {
   double nearest = std::numeric_limits<double>::infinity();
-  for (const Outline& outline : outlines) {
-    if (outline.filled && isInPolygon(outline.points, point)) return 0;
-  }
+  if (isInArea(outlines, point)) return 0;
   anyPart(outlines, [&](PixelPoint a, PixelPoint b) {
     nearest = std::min(nearest, segmentDistance(point, a, b));
     return false;
@@ -154,9 +165,7 @@ bool touches(const Outlines& outlines, const PixelBox& box) {
   if (anyPart(outlines, [&](PixelPoint a, PixelPoint b) { return crosses(box, a, b); })) {
     return true;
   }
-  return std::any_of(outlines.begin(), outlines.end(), [&](const Outline& outline) {
-    return outline.filled && isInPolygon(outline.points, {box.minX, box.minY});
-  });
+  return isInArea(outlines, {box.minX, box.minY});
 }
 
 }  // namespace tarn::host

@@ -13,6 +13,7 @@ namespace tarn::host {
 struct Outline {
   std::vector<PixelPoint> points;
   bool filled = false;
+  bool goesOn = false;  ///< the next outline is another loop of the same area
 };
 using Outlines = std::vector<Outline>;
 

@@ -11,6 +11,7 @@
 #include "accmd.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "host/database/textmeasure.h"
 #include "host/editor/clipboard.h"
 #include "host/editor/commandprocessor.h"
 #include "host/editor/documentpicture.h"
@@ -25,6 +26,7 @@
 #include "host/editor/sysvars.h"
 #include "host/editor/windowmessages.h"
 #include "host/graphics/renderer.h"
+#include "host/graphics/textoutlines.h"
 #include "host/rx/classwatch.h"
 #include "host/rx/message.h"
 #include "host/ui/uiservices.h"
@@ -70,6 +72,7 @@ HostApp::HostApp(FrontEnd& frontEnd, UiBackend& ui, const std::string& profileFo
     : parts_(std::make_unique<Parts>(*this, frontEnd, ui, profileFolder)) {
   current() = this;
   acdbSetHostApplicationServices(&parts_->services);
+  setTextMeasure(&measuredTextWidth);
   enterEditorObject();
   installUiServices({&parts_->ui, [this](const std::wstring& text) { queueInput(toUtf8(text)); },
                      [this] { parts_->frontEnd.focusCommandLine(); },

@@ -39,6 +39,54 @@ void addPictureFrame(Outlines& outlines, const AcDbEntity& entity, const ViewSta
   }
 }
 
+/// Tells by the ground that an entity covers, without a look at its lines, where that is enough.
+class WindowSieve {
+ public:
+  WindowSieve(const ViewState& view, const PixelBox& box) : turned_(view.twist != 0) {
+    for (const PixelPoint corner :
+         {PixelPoint{box.minX, box.minY}, PixelPoint{box.minX, box.maxY},
+          PixelPoint{box.maxX, box.minY}, PixelPoint{box.maxX, box.maxY}}) {
+      const GroundPoint ground = groundFromPixel(view, corner);
+      window_.add(ground.x, ground.y);
+    }
+    // What touches the rim is looked at closely.
+    rim_ = view.unitsPerPixel();
+  }
+
+  bool isOutside(const Drawn& drawn) const {
+    const GroundBox& box = drawn.box;
+    return !drawn.isEverywhere &&
+           (box.minX > window_.maxX + rim_ || box.maxX < window_.minX - rim_ ||
+            box.minY > window_.maxY + rim_ || box.maxY < window_.minY - rim_);
+  }
+  bool isInside(const Drawn& drawn) const {
+    const GroundBox& box = drawn.box;
+    return !turned_ && !drawn.isEverywhere && !drawn.list.empty() && !hasImages(drawn.list) &&
+           box.minX > window_.minX + rim_ && box.maxX < window_.maxX - rim_ &&
+           box.minY > window_.minY + rim_ && box.maxY < window_.maxY - rim_;
+  }
+
+ private:
+  bool turned_;
+  GroundBox window_;
+  double rim_ = 0;
+};
+
+/// Entities of a scene, asked for in their order.
+class DrawnInOrder {
+ public:
+  explicit DrawnInOrder(const Scene& scene) : scene_(scene) {}
+  const Drawn* of(AcDbObjectId id) {
+    const Scene::Key key = id.handle().value();
+    if (next_ < scene_.size() && scene_.order()[next_] == key) return scene_.drawn()[next_++];
+    return scene_.findDrawn(key);
+  }
+
+ private:
+  const Scene& scene_;
+  size_t next_ = 0;
+};
+
 EntityIds fitting(const EntityIds& ids, const resbuf* filter) {
   if (filter == nullptr) return ids;
   EntityIds kept;
@@ -203,8 +251,16 @@ EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPoint b, bool cros
   HostDocument& document = app.documents().current();
   const ViewState view = document.space().mouseView();
   const PixelBox box = boxOf(pixelFromGround(view, a), pixelFromGround(view, b));
+  const WindowSieve sieve(view, box);
+  DrawnInOrder drawn(document.currentScene());
   EntityIds found;
   for (const AcDbObjectId& id : currentSpaceEntities(document)) {
+    const Drawn* seen = drawn.of(id);
+    if (seen == nullptr || sieve.isOutside(*seen)) continue;
+    if (sieve.isInside(*seen)) {
+      found.push_back(id);
+      continue;
+    }
     const Outlines outlines = outlinesOf(document, id);
     if (crossing ? touches(outlines, box) : liesInside(outlines, box)) found.push_back(id);
   }

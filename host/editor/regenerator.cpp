@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cmath>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "host/database/blockdraw.h"
 #include "host/editor/documents.h"
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
@@ -39,22 +41,61 @@ AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
 }
 
 struct LayerState {
-  Adesk::UInt16 color = kForeground;
+  InheritedLook look{kForeground, {}};
   bool shown = true;
 };
 
-LayerState layerOf(const AcDbEntity& entity) {
-  const AcDbObjectPointer<AcDbLayerTableRecord> layer(entity.layerId(), AcDb::kForRead);
+LayerState stateOf(AcDbObjectId id) {
+  const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
   if (layer.openStatus() != Acad::eOk) return {};
-  return {layer->colorIndex(), !layer->isOff() && !layer->isFrozen()};
+  return {lookOf(*layer.object()), !layer->isOff() && !layer->isFrozen()};
+}
+
+LayerState layerOf(const AcDbEntity& entity) {
+  return stateOf(entity.layerId());
 }
 
 bool isShown(const AcDbEntity& entity, const LayerState& layer) {
   return !entity.isErased() && entity.visibility() == AcDb::kVisible && layer.shown;
 }
 
+/// Layers as they are at the beginning of a regeneration, each looked at once.
+class LayerStates {
+ public:
+  const LayerState& of(const AcDbEntity& entity) {
+    const AcDbObjectId id = entity.layerId();
+    if (last_ == nullptr || id != lastId_) {
+      const auto found = known_.find(id);
+      last_ =
+          found != known_.end() ? &found->second : &known_.emplace(id, stateOf(id)).first->second;
+      lastId_ = id;
+    }
+    return *last_;
+  }
+
+ private:
+  std::unordered_map<AcDbStub*, LayerState> known_;
+  AcDbObjectId lastId_;
+  const LayerState* last_ = nullptr;
+};
+
 bool abortWanted() {
   return HostApp::instance()->frontEnd().cancelWanted();
+}
+
+void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool plots) {
+  const Scene::Key key = entity.handle().value();
+  if (!isShown(entity, layer)) {
+    scene.remove(key);
+    return;
+  }
+  DisplayList list;
+  if (const DisplayList* before = scene.find(key)) list.reserve(before->size());
+  WorldDrawRecorder recorder(list, entity.database(), layer.look.color, kForeground, &abortWanted,
+                             plots);
+  setLook(recorder.subEntityTraits(), entity, layer.look, {kForeground, {}});
+  entity.worldDraw(&recorder);
+  scene.set(key, std::move(list));
 }
 
 void countImages(const Scene& scene, long long& images, long long& pixels) {
@@ -71,26 +112,16 @@ void countImages(const Scene& scene, long long& images, long long& pixels) {
 }  // namespace
 
 void Regenerator::draw(Scene& scene, AcDbEntity& entity, bool plots) const {
-  const Scene::Key key = entity.handle().value();
-  const LayerState layer = layerOf(entity);
-  if (!isShown(entity, layer)) {
-    scene.remove(key);
-    return;
-  }
-  DisplayList list;
-  if (const DisplayList* before = scene.find(key)) list.reserve(before->size());
-  WorldDrawRecorder recorder(list, entity.database(), layer.color, entity.colorIndex(),
-                             &abortWanted, plots);
-  entity.worldDraw(&recorder);
-  scene.set(key, std::move(list));
+  drawEntity(scene, entity, layerOf(entity), plots);
 }
 
 size_t Regenerator::drawBlock(Scene& scene, AcDbObjectId block) const {
+  LayerStates layers;
   std::vector<Scene::Key> order;
   for (const AcDbObjectId& id : entitiesOf(block)) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) continue;
-    draw(scene, *entity.object());
+    drawEntity(scene, *entity.object(), layers.of(*entity.object()), false);
     order.push_back(id.handle().value());
   }
   scene.keepInOrder(order);
@@ -176,10 +207,12 @@ GroundBox Regenerator::extents(HostDocument& document) const {
 
 GroundBox Regenerator::extentsOf(AcDbObjectId block) const {
   GroundBox box;
+  LayerStates layers;
   for (const AcDbObjectId& id : entitiesOf(block)) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     AcDbExtents extents;
-    if (entity.openStatus() != Acad::eOk || !isShown(*entity.object(), layerOf(*entity.object())) ||
+    if (entity.openStatus() != Acad::eOk ||
+        !isShown(*entity.object(), layers.of(*entity.object())) ||
         entity->getGeomExtents(extents) != Acad::eOk) {
       continue;
     }

@@ -104,15 +104,9 @@ const TableKind kTables[] = {
     {"LAYER", &DatabaseState::layerTable,
      [] { return static_cast<AcDbSymbolTable*>(new AcDbLayerTable); }, readLayer},
     {"LTYPE", &DatabaseState::linetypeTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbLinetypeTable); },
-     [](const TagView&) {
-       return static_cast<AcDbSymbolTableRecord*>(new AcDbLinetypeTableRecord);
-     }},
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbLinetypeTable); }, readLinetypeRecord},
     {"STYLE", &DatabaseState::textStyleTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbTextStyleTable); },
-     [](const TagView&) {
-       return static_cast<AcDbSymbolTableRecord*>(new AcDbTextStyleTableRecord);
-     }},
+     [] { return static_cast<AcDbSymbolTable*>(new AcDbTextStyleTable); }, readStyleRecord},
     {"APPID", &DatabaseState::regAppTable,
      [] { return static_cast<AcDbSymbolTable*>(new AcDbRegAppTable); },
      [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbRegAppTableRecord); }},
@@ -152,6 +146,29 @@ const TableKind* kindOf(std::string_view name) {
     if (name == kind.name) return &kind;
   }
   return nullptr;
+}
+
+/// What layers say about lines and true colours; the patterns are all there now.
+void bindLayers(DrawingBinding& binding) {
+  const size_t count = binding.bound.size();
+  for (size_t i = 0; i < count; ++i) {
+    auto* layer = AcDbLayerTableRecord::cast(peek(binding.bound[i].id));
+    if (layer == nullptr) continue;
+    const TagView tags = binding.view(binding.bound[i].first);
+    const Tag* linetype = tags.find(6);
+    const int rgb = tags.integer(420, -1);
+    ObjectAccess::beginRestore(*layer);
+    if (linetype != nullptr) {
+      layer->setLinetypeObjectId(binding.linetypeOf(binding.document.text(*linetype)));
+    }
+    AcCmColor color = layer->color();
+    if (rgb >= 0) {
+      color.setRGB(static_cast<Adesk::UInt8>(rgb >> 16 & 255),
+                   static_cast<Adesk::UInt8>(rgb >> 8 & 255), static_cast<Adesk::UInt8>(rgb & 255));
+      layer->setColor(color);
+    }
+    ObjectAccess::finishReading(*layer);
+  }
 }
 
 AcDbObjectId addBlock(DrawingBinding& binding, const std::wstring& name, AcDbObjectId id) {
@@ -213,6 +230,12 @@ void bindTables(DrawingBinding& binding) {
   DatabaseState& state = ObjectAccess::state(*binding.database);
   state.layerZero = binding.layerOf("0");
   state.currentLayer = state.layerZero;
+  bindLayers(binding);
+  const TagRange scale = document.headerVariable("$LTSCALE");
+  double value = 1;
+  if (scale.begin < scale.end && parseDouble(document.word(document.tag(scale.begin)), value)) {
+    binding.database->setLtscale(value);
+  }
   const TagRange current = document.headerVariable("$CLAYER");
   if (current.begin < current.end) {
     state.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));

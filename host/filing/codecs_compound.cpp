@@ -142,7 +142,6 @@ void writeOldVertex(const AcDbPolyline& line, const AcDbPolylineVertex& vertex,
 
 void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
   const auto& line = static_cast<const AcDbPolyline&>(entity);
-  DrawingBinding& binding = output.binding;
   const int flags = (line.isClosed() ? kClosed : 0) | (line.isInSpace() ? kInSpace : 0);
   TagEditor& head = output.head;
   head.leave();
@@ -167,7 +166,7 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
   bool hasEnd = false;
   for (std::uint32_t i = 0; output.old != nullptr && i < output.old->partCount(); ++i) {
     const TagView tags = output.old->part(i);
-    TagEditor part(binding.document, binding.encoding, tags.range());
+    TagEditor part = output.part(tags, entity);
     if (tags.type() == "VERTEX") {
       if (next >= vertices.size()) continue;  // there are fewer now
       writeOldVertex(line, vertices[next++], *output.old, part);
@@ -226,7 +225,7 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
   size_t next = 0;
   for (std::uint32_t i = 0; output.old != nullptr && i < output.old->partCount(); ++i) {
     const TagView tags = output.old->part(i);
-    TagEditor part(output.binding.document, output.binding.encoding, tags.range());
+    TagEditor part = output.part(tags, entity);
     if (tags.type() == "ATTRIB" && next < insert.attributes().size()) {
       part.enter("AcDbText");
       writeTextLine(insert.attributes()[next++], part, "AcDbAttribute", verticalCodeOf(tags));

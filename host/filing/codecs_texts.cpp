@@ -37,7 +37,8 @@ std::wstring contentsOf(const TagView& tags) {
 AcGeVector3d directionOf(const TagView& tags) {
   const AcGeVector3d direction(tags.real(11), tags.real(21), tags.real(31));
   if (tags.has(11) && direction.length() > 0) return direction;
-  const double angle = tags.real(50);
+  // In degrees, whatever is written about it.
+  const double angle = tags.angle(50);
   return {std::cos(angle), std::sin(angle), 0};
 }
 
@@ -52,6 +53,7 @@ AcDbEntity* readMText(const EntityTags& tags) {
   text->setAttachment(attachment >= 1 && attachment <= 9 ? static_cast<short>(attachment)
                                                          : short{1});
   text->setLineSpacingFactor(head.real(44, 1));
+  text->setWidth(head.real(41));
   text->setTextStyle(tags.binding.styleOf(head.text(7)));
   text->setContents(contentsOf(head).c_str());
   return text;
@@ -72,6 +74,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
   TagEditor& head = output.head;
   head.setPoint(10, text.location());
   head.setReal(40, text.textHeight());
+  head.setReal(41, text.width(), 0);
   head.setIntegerUnless(71, text.attachment(), 1, [&](long long value) {
     return value == text.attachment() || (text.attachment() == 1 && (value < 1 || value > 9));
   });

@@ -90,6 +90,8 @@ AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
   TranslatingFiler in(out.bytes(), *this);
   if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
   settleExtendedData(*copy, target_, object.database() != &target_);
+  const AcDbObjectId source = object.objectId();
+  ObjectAccess::setCopiedFrom(*copy, source.isNull() ? ObjectAccess::copiedFrom(object) : source);
   return AcDbObject::cast(made.release());
 }
 

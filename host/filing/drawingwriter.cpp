@@ -65,7 +65,7 @@ class DrawingWriter {
 
   std::string write(const std::optional<OpeningState>& state) {
     for (const BoundObject& bound : binding_.bound) {
-      known_.insert(bound.id);
+      known_.emplace(bound.id, &bound);
       anyErased_ = anyErased_ || bound.id.isErased();
     }
     markNeeded();
@@ -129,39 +129,68 @@ class DrawingWriter {
     }
   }
 
+  /// What an entity that began as a copy was made from, when that stands in the file in the same
+  /// way; else null.
+  const BoundObject* modelOf(const AcDbEntity& entity) const {
+    const AcDbObject* at = &entity;
+    while (at != nullptr) {
+      const AcDbObjectId source = ObjectAccess::copiedFrom(*at);
+      if (source.isNull() || source.database() != binding_.database.get()) return nullptr;
+      const auto found = known_.find(source);
+      if (found != known_.end()) {
+        const EntityCodec* codec = codecOf(document_.typeOf(found->second->first));
+        const bool fits = codec != nullptr && codec->description() == entity.isA();
+        return fits ? found->second : nullptr;
+      }
+      at = peek(source);
+    }
+    return nullptr;
+  }
+
+  TagEditor editorFor(const AcDbEntity& entity, const BoundObject* from, bool isCopy,
+                      const std::string& type) const {
+    TagEditor editor = from != nullptr
+                           ? TagEditor(document_, binding_.encoding, document_.tagsOf(from->first))
+                           : TagEditor(document_, binding_.encoding, type);
+    const std::uint64_t owner = ownerHandle(entity.blockId());
+    const std::uint64_t handle = binding_.hasHandles ? entity.handle().value() : 0;
+    if (isCopy) {
+      editor.renew(handle, owner);
+    } else if (from == nullptr && handle != 0) {
+      editor.setHandle(5, handle);
+      if (!document_.isOld() && owner != 0) editor.setHandle(330, owner);
+    }
+    return editor;
+  }
+
   std::string entityBytes(const AcDbEntity& entity, const BoundObject* old) {
-    const EntityCodec* codec = old != nullptr ? codecOf(document_.typeOf(old->first))
-                                              : codecFor(entity, document_.isOld());
+    const BoundObject* model = old == nullptr ? modelOf(entity) : nullptr;
+    const BoundObject* from = old != nullptr ? old : model;
+    const EntityCodec* codec = from != nullptr ? codecOf(document_.typeOf(from->first))
+                                               : codecFor(entity, document_.isOld());
     const AcRxClass* description = entity.isA();
     const std::wstring dxfName = description->dxfName() != nullptr ? description->dxfName() : L"";
     const std::string type =
         codec != nullptr ? codec->type : std::string(dxfName.begin(), dxfName.end());
     if (type.empty()) return {};
-    TagEditor editor = old != nullptr
-                           ? TagEditor(document_, binding_.encoding, document_.tagsOf(old->first))
-                           : TagEditor(document_, binding_.encoding, type);
-    if (old == nullptr && binding_.hasHandles) {
-      editor.setHandle(5, entity.handle().value());
-      const std::uint64_t owner = ownerHandle(entity.blockId());
-      if (!document_.isOld() && owner != 0) editor.setHandle(330, owner);
-    }
+    TagEditor editor = editorFor(entity, from, model != nullptr, type);
     writeCommon(binding_, entity, editor);
-    writeProperties(binding_, entity, old, editor);
+    writeProperties(binding_, entity, from, editor);
     if (old == nullptr && (codec == nullptr || codec->isOwn)) classes_.insert(description);
     if (codec == nullptr) {
-      writeExtendedData(binding_, entity, old, editor);
+      writeExtendedData(binding_, entity, from, editor);
       return editor.bytes();
     }
     if (codec->subclass != nullptr) editor.enter(codec->subclass);
-    if (codec->hasThickness) writeThickness(binding_, entity, old, editor);
+    if (codec->hasThickness) writeThickness(binding_, entity, from, editor);
     std::unique_ptr<EntityTags> tags;
-    if (old != nullptr) {
+    if (from != nullptr) {
       tags = std::make_unique<EntityTags>(
-          EntityTags{binding_, binding_.view(old->first), old->first, old->count});
+          EntityTags{binding_, binding_.view(from->first), from->first, from->count});
     }
-    EntityOutput output{binding_, editor, tags.get(), {}};
+    EntityOutput output{binding_, editor, tags.get(), {}, model != nullptr};
     codec->write(entity, output);
-    writeExtendedData(binding_, entity, old, editor);
+    writeExtendedData(binding_, entity, from, editor);
     return editor.bytes() + output.parts;
   }
 
@@ -384,7 +413,7 @@ class DrawingWriter {
   const TagDocument& document_;
   std::string lineEnd_;
   DrawingEdits edits_;
-  std::set<AcDbStub*> known_;
+  std::map<AcDbStub*, const BoundObject*> known_;
   std::set<const AcRxClass*> classes_;
   bool anyErased_ = false;
   bool hasNew_ = false;

@@ -15,7 +15,8 @@ constexpr long long kByLayer = 256;
 const std::vector<const EntityCodec*>& allCodecs() {
   static const std::vector<const EntityCodec*> all = [] {
     std::vector<const EntityCodec*> list;
-    for (const auto* some : {&cloudCodecs(), &curveCodecs(), &textCodecs(), &compoundCodecs()}) {
+    for (const auto* some : {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(),
+                             &hatchCodecs(), &annotationCodecs(), &compoundCodecs()}) {
       for (const EntityCodec& codec : *some) list.push_back(&codec);
     }
     return list;
@@ -42,6 +43,15 @@ const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {
     if (codec->description() == entity.isA() && (old ? codec->inOld : codec->inNew)) return codec;
   }
   return nullptr;
+}
+
+TagEditor EntityOutput::part(const TagView& tags, const AcDbEntity& entity) const {
+  TagEditor editor(binding.document, binding.encoding, tags.range());
+  if (isCopy) {
+    editor.renew(binding.hasHandles ? ObjectAccess::takeHandle(*binding.database) : 0,
+                 entity.handle().value());
+  }
+  return editor;
 }
 
 std::wstring recordName(AcDbObjectId record) {

@@ -28,6 +28,11 @@ struct EntityOutput {
   TagEditor& head;
   const EntityTags* old;
   std::string parts;  ///< bytes behind the head
+  /// A new one that began as a copy: `old` is what it was made from.
+  bool isCopy = false;
+
+  /// A part of `old` to be written again; of a copy it gets a handle of its own.
+  TagEditor part(const TagView& tags, const AcDbEntity& entity) const;
 };
 
 /// One kind of entity. `read` makes an object with its own data, or null when this one is not
@@ -49,6 +54,9 @@ struct EntityCodec {
 const std::vector<EntityCodec>& cloudCodecs();
 const std::vector<EntityCodec>& curveCodecs();
 const std::vector<EntityCodec>& textCodecs();
+const std::vector<EntityCodec>& traceCodecs();
+const std::vector<EntityCodec>& hatchCodecs();
+const std::vector<EntityCodec>& annotationCodecs();
 const std::vector<EntityCodec>& compoundCodecs();
 /// Null for a kind that is not drawn.
 const EntityCodec* codecOf(std::string_view type);

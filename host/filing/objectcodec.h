@@ -28,6 +28,8 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
                             const BoundObject* old);
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old);
+AcDbSymbolTableRecord* readLinetypeRecord(const TagView& tags);
+AcDbSymbolTableRecord* readStyleRecord(const TagView& tags);
 AcDbSymbolTableRecord* readViewRecord(const TagView& tags);
 std::string writeViewRecord(const DrawingBinding& binding, const AcDbViewTableRecord& view,
                             const BoundObject* old, std::uint64_t tableHandle);

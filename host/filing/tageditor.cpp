@@ -71,6 +71,19 @@ TagEditor::TagEditor(const TagDocument& document, const TextEncoding& encoding, 
   }
 }
 
+void TagEditor::renew(std::uint64_t handle, std::uint64_t owner) {
+  bool inGroup = false;
+  const auto isOfGroup = [&](const Item& item) {
+    const bool isBracket = item.code == 102;
+    const bool was = inGroup;
+    if (isBracket) inGroup = trim(valueOf(item)).substr(0, 1) == "{";
+    return was || isBracket;
+  };
+  items_.erase(std::remove_if(items_.begin(), items_.end(), isOfGroup), items_.end());
+  if (handle != 0) setHandle(5, handle);
+  if (owner != 0 && !old_) setHandle(330, owner);
+}
+
 std::string_view TagEditor::valueOf(const Item& item) const {
   if (item.changed) return item.value;
   std::string_view line = item.rawValue;
@@ -282,6 +295,20 @@ void TagEditor::remove(const std::vector<int>& codes) {
 
 bool TagEditor::isNext(int code) const {
   return cursor_ < items_.size() && items_[cursor_].code == code;
+}
+
+void TagEditor::setNextAngle(int code, double radians) {
+  floor_ = cursor_;
+  setAngle(code, radians);
+}
+
+bool TagEditor::goTo(int code) {
+  for (size_t i = cursor_; i < endOfPart(); ++i) {
+    if (items_[i].code != code) continue;
+    floor_ = cursor_ = i + 1;
+    return true;
+  }
+  return false;
 }
 
 bool TagEditor::stands(int code) {

@@ -23,6 +23,9 @@ class ACADHOST_EXPORT TagEditor {
   /// An object that stands in `document`.
   TagEditor(const TagDocument& document, const TextEncoding& encoding, TagRange range);
 
+  /// Makes the object one of its own, that began as a copy of this: another handle and owner (0
+  /// for a drawing without), nobody's reactors, no dictionary. To be called first.
+  void renew(std::uint64_t handle, std::uint64_t owner);
   /// True for a drawing of R12 and before: there are no subclass marks and no owners.
   bool isOld() const { return old_; }
   /// True for an object that does not stand in the file.
@@ -78,6 +81,10 @@ class ACADHOST_EXPORT TagEditor {
   /// A handle of 0 leaves what stands there: it names something that is no object here.
   void putHandle(int code, std::uint64_t handle);
   bool isNext(int code) const;
+  /// Radians, for the tag that stands next and is of this code; the very same keeps its text.
+  void setNextAngle(int code, double radians);
+  /// Goes behind the next tag of this code; false, and nothing happens, when there is none.
+  bool goTo(int code);
   /// Takes away everything behind the tag set last, up to extended data.
   void removeRest();
   /// Takes away the extended data; what is added next comes in its place.

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "acgi.h"
+
 namespace tarn::host {
 
 namespace {
@@ -26,6 +28,8 @@ QRgb colorOfIndex(unsigned index, QRgb background) {
                                                   0xff00ffff, 0xff0000ff, 0xffff00ff, 0xffffffff,
                                                   0xff808080, 0xffc0c0c0};
   static constexpr std::array<int, 6> kGrays = {51, 91, 132, 173, 214, 255};
+  constexpr unsigned kTrue = AcGiSubEntityTraits::kTrueColor;
+  if ((index & 0xFF000000u) == kTrue) return 0xFF000000u | (index & 0xFFFFFFu);
   if (index == 0 || index == 7 || index > 255) return foregroundOn(background);
   if (index < kFirst.size()) return kFirst[index];
   if (index >= 250) return qRgb(kGrays[index - 250], kGrays[index - 250], kGrays[index - 250]);

@@ -53,6 +53,15 @@ class Bounds {
 
 }  // namespace
 
+size_t loopCount(const AreaItem& item) {
+  return item.ends.empty() ? 1 : item.ends.size();
+}
+
+std::pair<std::ptrdiff_t, std::ptrdiff_t> loopOf(const AreaItem& item, size_t loop) {
+  if (item.ends.empty()) return {0, static_cast<std::ptrdiff_t>(item.points.size())};
+  return {loop == 0 ? 0 : item.ends[loop - 1], item.ends[loop]};
+}
+
 void Scene::set(Key entity, DisplayList list) {
   const auto [place, isNew] = entities_.try_emplace(entity);
   Drawn& drawn = place->second;
@@ -74,7 +83,8 @@ void Scene::remove(Key entity) {
 }
 
 void Scene::keepInOrder(const std::vector<Key>& entities) {
-  std::map<Key, Drawn> kept;
+  if (entities == order_) return;
+  std::unordered_map<Key, Drawn> kept;
   order_.clear();
   drawn_.clear();
   for (const Key entity : entities) {
@@ -93,8 +103,13 @@ void Scene::clear() {
 }
 
 const DisplayList* Scene::find(Key entity) const {
+  const Drawn* drawn = findDrawn(entity);
+  return drawn != nullptr ? &drawn->list : nullptr;
+}
+
+const Drawn* Scene::findDrawn(Key entity) const {
   const auto found = entities_.find(entity);
-  return found == entities_.end() ? nullptr : &found->second.list;
+  return found == entities_.end() ? nullptr : &found->second;
 }
 
 }  // namespace tarn::host

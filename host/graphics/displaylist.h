@@ -5,8 +5,9 @@
 #include <QImage>
 #include <QString>
 #include <cstdint>
-#include <map>
 #include <memory>
+#include <unordered_map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -21,17 +22,31 @@ struct GroundVector {
   double y = 0;
 };
 
+/// A pattern of lines, in ground units: dashes above 0, gaps below 0, points 0.
+struct DashPattern {
+  std::vector<double> lengths;
+  double period = 0;  ///< of all of them
+};
+
 struct LineItem {
   std::vector<GroundPoint> points;
-  unsigned color = 7;      ///< index 1 to 255
+  unsigned color = 7;      ///< index 1 to 255, or AcGiSubEntityTraits::kTrueColor with the colour
   double longestStep = 0;  ///< from point to point along an axis; known once it is in a scene
+  std::shared_ptr<const DashPattern> dashes{};  ///< none for a line without gaps
 };
 
 struct AreaItem {
   std::vector<GroundPoint> points;
   unsigned color = 7;
   bool filled = true;
+  /// Where each loop ends among the points; none for a single one. An area that lies inside another
+  /// of them is a hole.
+  std::vector<std::uint32_t> ends;
 };
+
+/// The loops of an area, and which of its points they are.
+ACADHOST_EXPORT size_t loopCount(const AreaItem& item);
+ACADHOST_EXPORT std::pair<std::ptrdiff_t, std::ptrdiff_t> loopOf(const AreaItem& item, size_t loop);
 
 struct TextItem {
   GroundPoint position;  ///< left end of the base line
@@ -41,6 +56,10 @@ struct TextItem {
   double oblique = 0;  ///< radians
   QString text;
   unsigned color = 7;
+  QString font{};         ///< as the drawing names it
+  bool mirrored = false;  ///< capitals reach to the right of the direction
+  bool underlined = false;
+  bool overlined = false;
 };
 
 /// A picture: `origin` is the lower left corner, u the whole width, v the whole height; row 0 of
@@ -88,6 +107,7 @@ class ACADHOST_EXPORT Scene {
   size_t size() const { return order_.size(); }
   /// Null when the entity has drawn nothing yet.
   const DisplayList* find(Key entity) const;
+  const Drawn* findDrawn(Key entity) const;
   const std::vector<Key>& order() const { return order_; }
   /// The same order; valid until the scene changes.
   const std::vector<const Drawn*>& drawn() const { return drawn_; }
@@ -95,7 +115,7 @@ class ACADHOST_EXPORT Scene {
  private:
   std::vector<Key> order_;
   std::vector<const Drawn*> drawn_;  ///< points into entities_, whose nodes never move
-  std::map<Key, Drawn> entities_;
+  std::unordered_map<Key, Drawn> entities_;
 };
 
 }  // namespace tarn::host

@@ -1,7 +1,10 @@
 #include "host/graphics/recorder.h"
 
 #include <cmath>
+
 #include <utility>
+#include "dbsymtb.h"
+#include "host/database/objectaccess.h"
 
 namespace tarn::host {
 
@@ -45,12 +48,31 @@ QImage premultipliedImage(const AcGiImageBGRA32& source, AcGiGeometry::Transpare
   return out;
 }
 
+void RecordingTraits::setLineType(AcDbObjectId linetype) {
+  linetype_ = linetype;
+  setLineTypeScale(scale_);
+}
+
+void RecordingTraits::setLineTypeScale(double scale) {
+  scale_ = scale > 0 ? scale : 1;
+  dashes_.reset();
+  const auto* record = AcDbLinetypeTableRecord::cast(peek(linetype_));
+  if (record == nullptr || record->dashes().empty()) return;
+  auto pattern = std::make_shared<DashPattern>();
+  for (const double length : record->dashes()) {
+    pattern->lengths.push_back(length * scale_ * drawingScale_);
+    pattern->period += std::fabs(pattern->lengths.back());
+  }
+  if (pattern->period > 0) dashes_ = std::move(pattern);
+}
+
 Adesk::Boolean RecordingGeometry::circle(const AcGePoint3d& center, double radius,
                                          const AcGeVector3d&) const {
   constexpr int kSides = 128;
   constexpr double kTurn = 6.283185307179586;
   LineItem item;
-  item.color = traits_.color();
+  item.color = traits_.trueColor();
+  item.dashes = traits_.dashes();
   item.points.reserve(kSides + 1);
   for (int i = 0; i <= kSides; ++i) {
     const double angle = kTurn * i / kSides;
@@ -64,29 +86,64 @@ Adesk::Boolean RecordingGeometry::circle(const AcGePoint3d& center, double radiu
 Adesk::Boolean RecordingGeometry::polyline(Adesk::UInt32 count, const AcGePoint3d* points,
                                            const AcGeVector3d*, Adesk::LongPtr) const {
   if (count == 0 || points == nullptr) return Adesk::kFalse;
-  list_.emplace_back(LineItem{groundPoints(count, points), traits_.color()});
+  LineItem item{groundPoints(count, points), traits_.trueColor()};
+  if (count > 1) item.dashes = traits_.dashes();
+  list_.emplace_back(std::move(item));
   return Adesk::kFalse;
 }
 
 Adesk::Boolean RecordingGeometry::polygon(Adesk::UInt32 count, const AcGePoint3d* points) const {
   if (count < 3 || points == nullptr) return Adesk::kFalse;
-  list_.emplace_back(AreaItem{groundPoints(count, points), traits_.color(),
-                              traits_.fillType() == kAcGiFillAlways});
+  list_.emplace_back(AreaItem{
+      groundPoints(count, points), traits_.trueColor(), traits_.fillType() == kAcGiFillAlways, {}});
   return Adesk::kFalse;
 }
 
-Adesk::Boolean RecordingGeometry::text(const AcGePoint3d& position, const AcGeVector3d&,
+Adesk::Boolean RecordingGeometry::polyPolygon(Adesk::UInt32 loops, const Adesk::UInt32* counts,
+                                              const AcGePoint3d* points) const {
+  AreaItem item;
+  Adesk::UInt32 all = 0;
+  for (Adesk::UInt32 i = 0; i < loops; ++i) item.ends.push_back(all += counts[i]);
+  if (all < 3) return Adesk::kFalse;
+  item.points = groundPoints(all, points);
+  item.color = traits_.trueColor();
+  item.filled = traits_.fillType() == kAcGiFillAlways;
+  list_.emplace_back(std::move(item));
+  return Adesk::kFalse;
+}
+
+Adesk::Boolean RecordingGeometry::text(const AcGePoint3d& position, const AcGeVector3d& normal,
                                        const AcGeVector3d& direction, double height, double width,
                                        double oblique, const ACHAR* message) const {
-  if (message == nullptr || *message == 0 || height <= 0) return Adesk::kFalse;
+  return styledText(position, normal, direction, height, width, oblique, message, {});
+}
+
+/// What stands upright in its own plane leans when that plane is seen from above.
+Adesk::Boolean RecordingGeometry::styledText(const AcGePoint3d& position,
+                                             const AcGeVector3d& normal,
+                                             const AcGeVector3d& direction, double height,
+                                             double width, double oblique, const ACHAR* message,
+                                             const AcGiTextStyle& style) const {
+  const AcGeVector3d along = direction.normal();
+  const AcGeVector3d up = normal.crossProduct(along).normal();
+  const double length = std::hypot(along.x, along.y);
+  if (message == nullptr || *message == 0 || !(height > 0) || !(length > 0)) return Adesk::kFalse;
+  const double across = (along.x * up.y - along.y * up.x) / length;
+  const double leaning = (along.x * up.x + along.y * up.y) / length + std::tan(oblique) * length;
+  const double rise = std::fabs(across);
+  if (!(rise > 0)) return Adesk::kFalse;
   TextItem item;
   item.position = {position.x, position.y};
-  item.direction = {direction.x, direction.y};
-  item.height = height;
-  item.widthFactor = width > 0 ? width : 1;
-  item.oblique = oblique;
+  item.direction = {along.x, along.y};
+  item.height = height * rise;
+  item.widthFactor = (width > 0 ? width : 1) * length / rise;
+  item.oblique = std::atan(leaning / rise);
   item.text = QString::fromWCharArray(message);
-  item.color = traits_.color();
+  item.color = traits_.trueColor();
+  item.font = QString::fromStdWString(style.fileName());
+  item.mirrored = across < 0;
+  item.underlined = style.isUnderlined();
+  item.overlined = style.isOverlined();
   list_.emplace_back(std::move(item));
   return Adesk::kFalse;
 }

@@ -4,14 +4,17 @@
 #include <cstdint>
 
 #include "acgi.h"
+#include "dbmain.h"
 #include "host/graphics/displaylist.h"
 
 namespace tarn::host {
 
+class RecordingTraits;
+
 /// A plain geometry that converts and appends. Curves become lines here.
 class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
  public:
-  RecordingGeometry(DisplayList& list, const AcGiSubEntityTraits& traits)
+  RecordingGeometry(DisplayList& list, const RecordingTraits& traits)
       : list_(list), traits_(traits) {}
 
   Adesk::Boolean circle(const AcGePoint3d& center, double radius,
@@ -22,6 +25,12 @@ class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
   Adesk::Boolean text(const AcGePoint3d& position, const AcGeVector3d& normal,
                       const AcGeVector3d& direction, double height, double width, double oblique,
                       const ACHAR* message) const override;
+  Adesk::Boolean polyPolygon(Adesk::UInt32 loops, const Adesk::UInt32* counts,
+                             const AcGePoint3d* points) const override;
+  Adesk::Boolean styledText(const AcGePoint3d& position, const AcGeVector3d& normal,
+                            const AcGeVector3d& direction, double height, double width,
+                            double oblique, const ACHAR* message,
+                            const AcGiTextStyle& style) const override;
   Adesk::Boolean image(const AcGiImageBGRA32& source, const AcGePoint3d& position,
                        const AcGeVector3d& u, const AcGeVector3d& v,
                        TransparencyMode mode) const override;
@@ -31,26 +40,46 @@ class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
 
  private:
   DisplayList& list_;
-  const AcGiSubEntityTraits& traits_;
+  const RecordingTraits& traits_;
 };
 
-/// Colour by layer and by block are resolved with the two colours given at the start.
+/// Colour by layer and by block are resolved with the two colours given at the start. Colours are
+/// indices or true colours as in AcGiSubEntityTraits::trueColor().
 class ACADHOST_EXPORT RecordingTraits : public AcGiDrawableTraits {
  public:
-  RecordingTraits(Adesk::UInt16 layerColor, Adesk::UInt16 entityColor) : layerColor_(layerColor) {
-    RecordingTraits::setColor(entityColor);
+  /// `drawingScale` is that of all patterns of lines.
+  RecordingTraits(Adesk::UInt32 layerColor, Adesk::UInt32 entityColor, double drawingScale = 1)
+      : layerColor_(layerColor), drawingScale_(drawingScale) {
+    if ((entityColor & kTrueColor) == kTrueColor) {
+      color_ = entityColor;
+    } else {
+      RecordingTraits::setColor(static_cast<Adesk::UInt16>(entityColor));
+    }
   }
   void setColor(Adesk::UInt16 color) override {
     color_ = color == 256 ? layerColor_ : (color == 0 || color > 256 ? 7 : color);
   }
-  Adesk::UInt16 color() const override { return color_; }
+  /// 7 for a true colour.
+  Adesk::UInt16 color() const override {
+    return color_ > 255 ? Adesk::UInt16{7} : static_cast<Adesk::UInt16>(color_);
+  }
+  void setTrueColor(Adesk::UInt32 rgb) override { color_ = kTrueColor | (rgb & 0xFFFFFF); }
+  Adesk::UInt32 trueColor() const override { return color_; }
+  void setLineType(AcDbObjectId linetype) override;
+  AcDbObjectId lineTypeId() const override { return linetype_; }
+  void setLineTypeScale(double scale) override;
+  const std::shared_ptr<const DashPattern>& dashes() const { return dashes_; }
   void setFillType(AcGiFillType fill) override { fill_ = fill; }
   AcGiFillType fillType() const override { return fill_; }
   void setSelectionMarker(Adesk::LongPtr) override {}
 
  private:
-  Adesk::UInt16 layerColor_;
-  Adesk::UInt16 color_ = 7;
+  Adesk::UInt32 layerColor_;
+  Adesk::UInt32 color_ = 7;
+  double drawingScale_ = 1;
+  double scale_ = 1;
+  AcDbObjectId linetype_;
+  std::shared_ptr<const DashPattern> dashes_;
   AcGiFillType fill_ = kAcGiFillAlways;
 };
 
@@ -71,10 +100,10 @@ class ACADHOST_EXPORT WorldDrawRecorder : public AcGiWorldDraw {
  public:
   using AbortFunction = bool (*)();
 
-  WorldDrawRecorder(DisplayList& list, AcDbDatabase* database, Adesk::UInt16 layerColor,
-                    Adesk::UInt16 entityColor, AbortFunction abortWanted = nullptr,
+  WorldDrawRecorder(DisplayList& list, AcDbDatabase* database, Adesk::UInt32 layerColor,
+                    Adesk::UInt32 entityColor, AbortFunction abortWanted = nullptr,
                     bool plots = false)
-      : traits_(layerColor, entityColor),
+      : traits_(layerColor, entityColor, database != nullptr ? database->ltscale() : 1),
         geometry_(list, traits_),
         context_(database, plots),
         abortWanted_(abortWanted) {}

@@ -13,6 +13,7 @@
 
 #include "host/graphics/blit.h"
 #include "host/graphics/color.h"
+#include "host/graphics/dashes.h"
 #include "host/graphics/pixellines.h"
 #include "host/graphics/points.h"
 #include "host/graphics/textoutlines.h"
@@ -31,7 +32,10 @@ constexpr int kMostLines = 4096;     ///< gathered before they are painted
 constexpr double kSmallestText = 1.5;
 constexpr double kSmallestTextOnScreen = 4;
 constexpr double kLargestText = 20000;  ///< pixels; above, a text is left out
-constexpr int kBandPixels = 1 << 23;    ///< of points painted at a time
+// Lines along texts, in heights of a capital from the base line down.
+constexpr double kUnderline = 0.22;
+constexpr double kOverline = -1.22;
+constexpr int kBandPixels = 1 << 23;  ///< of points painted at a time
 
 /// Cuts the segment a-b to the box; false when nothing is inside.
 bool clipSegment(const QRectF& box, QPointF& a, QPointF& b) {
@@ -102,6 +106,9 @@ class Painter {
 
   void operator()(const LineItem& item) {
     const QRgb color = colorOfIndex(item.color, style_.background);
+    if (item.dashes != nullptr && item.dashes->period * perUnit_ >= kSmallestPeriod) {
+      return drawDashes(item, color);
+    }
     if (item.points.size() > 1 && style_.lineWidth == 0) return gather(item, color);
     flush();
     painter_.setPen(pen(QColor(color)));
@@ -113,24 +120,15 @@ class Painter {
   }
 
   void operator()(const AreaItem& item) {
-    if (!item.filled) {
-      LineItem outline{item.points, item.color};
-      if (!outline.points.empty()) outline.points.push_back(outline.points.front());
-      (*this)(outline);
-      return;
-    }
+    if (!item.filled) return drawRims(item);
     flush();
-    QPolygonF polygon;
-    for (const GroundPoint& p : item.points) polygon << device(p);
-    polygon = clipSide(polygon, true, clip_.left(), true);
-    polygon = clipSide(polygon, true, clip_.right(), false);
-    polygon = clipSide(polygon, false, clip_.top(), true);
-    polygon = clipSide(polygon, false, clip_.bottom(), false);
-    if (polygon.isEmpty()) return;
-    painter_.setPen(Qt::NoPen);
-    painter_.setBrush(QColor(colorOfIndex(item.color, style_.background)));
-    painter_.drawPolygon(polygon);
-    painter_.setBrush(Qt::NoBrush);
+    QPainterPath area;  // odd and even, as a path is filled by itself
+    for (size_t i = 0; i < loopCount(item); ++i) {
+      const QPolygonF loop = clippedLoop(item, i);
+      if (loop.size() > 2) area.addPolygon(loop);
+    }
+    if (!area.isEmpty())
+      painter_.fillPath(area, QColor(colorOfIndex(item.color, style_.background)));
   }
 
   void operator()(const TextItem& item) {
@@ -175,6 +173,40 @@ class Painter {
   }
 
  private:
+  void drawDashes(const LineItem& item, QRgb color) {
+    std::vector<QPointF> line;
+    line.reserve(item.points.size());
+    for (const GroundPoint& point : item.points) line.push_back(device(point));
+    if (style_.lineWidth == 0) {
+      return forEachDash(line, *item.dashes, perUnit_, clip_,
+                         [&](QPointF a, QPointF b) { gather(a, b, color); });
+    }
+    flush();
+    painter_.setPen(pen(QColor(color)));
+    forEachDash(line, *item.dashes, perUnit_, clip_,
+                [&](QPointF a, QPointF b) { painter_.drawLine(QLineF(a, b)); });
+  }
+
+  void drawRims(const AreaItem& item) {
+    for (size_t i = 0; i < loopCount(item); ++i) {
+      const auto [begin, end] = loopOf(item, i);
+      LineItem rim{{item.points.begin() + begin, item.points.begin() + end}, item.color};
+      if (begin < end) rim.points.push_back(rim.points.front());
+      if (!rim.points.empty()) (*this)(rim);
+    }
+  }
+
+  QPolygonF clippedLoop(const AreaItem& item, size_t loop) const {
+    const auto [begin, end] = loopOf(item, loop);
+    QPolygonF polygon;
+    for (std::ptrdiff_t i = begin; i < end; ++i)
+      polygon << device(item.points[static_cast<size_t>(i)]);
+    polygon = clipSide(polygon, true, clip_.left(), true);
+    polygon = clipSide(polygon, true, clip_.right(), false);
+    polygon = clipSide(polygon, false, clip_.top(), true);
+    return clipSide(polygon, false, clip_.bottom(), false);
+  }
+
   /// The device pixels that are painted at all.
   static QRect wantedPixels(const QPainter& painter, const ViewState& view) {
     const QRect whole(0, 0, view.pixelWidth, view.pixelHeight);
@@ -302,12 +334,19 @@ class Painter {
     QTransform place;
     place.translate(at.x(), at.y());
     place.rotateRadians(-angle);
+    if (item.mirrored) place.scale(1, -1);
     place.shear(-std::tan(item.oblique), 0);
     place.scale(pixels * item.widthFactor, pixels);
-    const QPainterPath path = textOutline(style_.fontFamilies, item.text);
+    const TextOutline& outline = textOutline(item.font, style_.fontFamilies, item.text);
     painter_.setRenderHint(QPainter::Antialiasing, true);
-    painter_.fillPath(place.map(path), color);
+    painter_.fillPath(place.map(outline.path), color);
     painter_.setRenderHint(QPainter::Antialiasing, false);
+    painter_.setPen(pen(color));
+    const auto rule = [&](double y) {
+      painter_.drawLine(QLineF(place.map(QPointF(0, y)), place.map(QPointF(outline.width, y))));
+    };
+    if (item.underlined) rule(kUnderline);
+    if (item.overlined) rule(kOverline);
   }
 
   QPainter& painter_;

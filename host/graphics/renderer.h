@@ -6,6 +6,7 @@
 
 #include "adesk.h"
 #include "host/graphics/displaylist.h"
+#include "host/graphics/fonts.h"
 #include "host/graphics/viewstate.h"
 
 class QPainter;
@@ -19,9 +20,8 @@ struct RenderStyle {
   /// Pictures go to the painter's device whole, with their transformation, instead of being turned
   /// into its pixels: for devices that keep them.
   bool placeImages = false;
-  /// Tried in order for texts; Chinese first, since Latin letters are in those fonts too.
-  QStringList fontFamilies = {"WenQuanYi Micro Hei", "WenQuanYi Zen Hei", "Noto Sans CJK SC",
-                              "Droid Sans Fallback", "DejaVu Sans"};
+  /// Tried in order for texts whose own font is not there.
+  QStringList fontFamilies = usualFamilies();
 };
 
 /// Fills the view's pixels with the background and paints the scene in its order. One painter unit

@@ -2,8 +2,13 @@
 
 #include <QFont>
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QHash>
 #include <QTransform>
+#include <map>
+
+#include "host/database/textmeasure.h"
+#include "host/graphics/fonts.h"
 
 namespace tarn::host {
 
@@ -15,37 +20,46 @@ constexpr int kMostKept = 20000;
 
 class Outlines {
  public:
-  QPainterPath of(const QStringList& families, const QString& text) {
-    if (families != families_) use(families);
-    const auto found = kept_.constFind(text);
-    if (found != kept_.constEnd()) return *found;
-    if (kept_.size() >= kMostKept) kept_.clear();
-    QPainterPath path;
-    path.addText(0, 0, font_, text);
-    return *kept_.insert(text, QTransform::fromScale(scale_, scale_).map(path));
-  }
-
- private:
-  void use(const QStringList& families) {
-    kept_.clear();
-    families_ = families;
-    font_.setFamilies(families);
+  explicit Outlines(const QFont& font) : font_(font) {
     font_.setPixelSize(kDesignSize);
     const double capital = QFontMetricsF(font_).capHeight();
     scale_ = 1 / (capital > 0 ? capital : kDesignSize * kUsualCapital);
   }
+  const TextOutline& of(const QString& text) {
+    const auto found = kept_.constFind(text);
+    if (found != kept_.constEnd()) return *found;
+    if (kept_.size() >= kMostKept) kept_.clear();
+    TextOutline outline;
+    outline.path.addText(0, 0, font_, text);
+    outline.path = QTransform::fromScale(scale_, scale_).map(outline.path);
+    outline.width = QFontMetricsF(font_).horizontalAdvance(text) * scale_;
+    return *kept_.insert(text, outline);
+  }
 
-  QStringList families_;
+ private:
   QFont font_;
   double scale_ = 1;
-  QHash<QString, QPainterPath> kept_;
+  QHash<QString, TextOutline> kept_;
 };
 
 }  // namespace
 
-QPainterPath textOutline(const QStringList& families, const QString& text) {
-  thread_local Outlines outlines;
-  return outlines.of(families, text);
+const TextOutline& textOutline(const QString& font, const QStringList& usual, const QString& text) {
+  thread_local QStringList families;
+  thread_local std::map<QString, Outlines> fonts;
+  if (families != usual) fonts.clear();
+  families = usual;
+  auto found = fonts.find(font);
+  if (found == fonts.end()) found = fonts.emplace(font, Outlines(fontNamed(font, usual))).first;
+  return found->second.of(text);
+}
+
+double measuredTextWidth(const std::wstring& text, const std::wstring& font) {
+  if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
+    return estimatedTextWidth(text);
+  }
+  return textOutline(QString::fromStdWString(font), usualFamilies(), QString::fromStdWString(text))
+      .width;
 }
 
 }  // namespace tarn::host

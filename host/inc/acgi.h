@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "acdb.h"
 #include "adesk.h"
+#include "dbid.h"
 #include "gemat3d.h"
 #include "gepnt2d.h"
 #include "gepnt3d.h"
@@ -15,7 +17,6 @@
 #include "rxobject.h"
 
 class AcDbDatabase;
-class AcDbObjectId;
 class AcGiContext;
 class AcGiGeometry;
 class AcGiPointCloud;
@@ -107,6 +108,15 @@ class AcGiSubEntityTraits {
   /// Colour index: 0 by block, 1 to 255, 256 by layer.
   virtual void setColor(Adesk::UInt16 color) = 0;
   virtual Adesk::UInt16 color() const = 0;
+  /// Red, green and blue in the three lowest bytes, instead of an index.
+  virtual void setTrueColor(Adesk::UInt32 /*rgb*/) {}
+  /// What was set last: an index, or the three bytes with kTrueColor.
+  static constexpr Adesk::UInt32 kTrueColor = 0xC2000000;
+  virtual Adesk::UInt32 trueColor() const { return color(); }
+  /// The pattern of lines; null for lines without gaps. Its lengths are multiplied by the scale.
+  virtual void setLineType(AcDbObjectId /*linetype*/) {}
+  virtual AcDbObjectId lineTypeId() const { return {}; }
+  virtual void setLineTypeScale(double /*scale*/) {}
   virtual void setFillType(AcGiFillType fill) = 0;
   virtual AcGiFillType fillType() const = 0;
   virtual void setSelectionMarker(Adesk::LongPtr marker) = 0;
@@ -121,6 +131,25 @@ class AcGiContext {
   /// True while a plot draws, not the screen.
   virtual bool isPlotGeneration() const = 0;
   virtual AcDbDatabase* database() const = 0;
+};
+
+/// Font and manner of one line of text.
+class AcGiTextStyle {
+ public:
+  AcGiTextStyle() = default;
+  explicit AcGiTextStyle(std::wstring fileName) : fileName_(std::move(fileName)) {}
+  /// A font file ("txt.shx", "arial.ttf") or a family, which may have "|b1" or "|i1" behind it for
+  /// bold and slanted; empty for the usual font.
+  const std::wstring& fileName() const { return fileName_; }
+  bool isUnderlined() const { return underlined_; }
+  void setUnderlined(bool underlined) { underlined_ = underlined; }
+  bool isOverlined() const { return overlined_; }
+  void setOverlined(bool overlined) { overlined_ = overlined; }
+
+ private:
+  std::wstring fileName_;
+  bool underlined_ = false;
+  bool overlined_ = false;
 };
 
 /// The primitives. Each returns 0 to go on, anything else when the drawing was stopped.
@@ -138,6 +167,22 @@ class AcGiGeometry {
                                   Adesk::LongPtr marker = -1) const = 0;
   /// A closed area, filled unless the fill type says never.
   virtual Adesk::Boolean polygon(Adesk::UInt32 count, const AcGePoint3d* points) const = 0;
+  /// Areas inside one another as one: a point is filled when an odd number of the loops is around
+  /// it. `points` has those of the first loop, then those of the second.
+  virtual Adesk::Boolean polyPolygon(Adesk::UInt32 loops, const Adesk::UInt32* counts,
+                                     const AcGePoint3d* points) const {
+    for (Adesk::UInt32 i = 0; i < loops; points += counts[i++]) {
+      if (polygon(counts[i], points) != Adesk::kFalse) return Adesk::kTrue;
+    }
+    return Adesk::kFalse;
+  }
+  /// The same as text(), in a font.
+  virtual Adesk::Boolean styledText(const AcGePoint3d& position, const AcGeVector3d& normal,
+                                    const AcGeVector3d& direction, double height, double width,
+                                    double oblique, const ACHAR* message,
+                                    const AcGiTextStyle& /*style*/) const {
+    return text(position, normal, direction, height, width, oblique, message);
+  }
   /// One line of text; `position` is the left end of its base line, `height` that of capitals.
   virtual Adesk::Boolean text(const AcGePoint3d& position, const AcGeVector3d& normal,
                               const AcGeVector3d& direction, double height, double width,

@@ -117,6 +117,7 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
 
   AcDbObjectId id_;
   AcDbObjectId ownerId_;
+  AcDbObjectId copiedFrom_;
   int readers_ = 0;
   bool writing_ = false;
   bool notifying_ = false;
@@ -162,6 +163,10 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode);
 
   AcDbObjectId layerZero() const;
+  /// The scale of all patterns of lines.
+  double ltscale() const;
+  /// eInvalidInput unless above 0.
+  Acad::ErrorStatus setLtscale(double scale);
   AcDbObjectId clayer() const;
   Acad::ErrorStatus setClayer(AcDbObjectId layer);
 

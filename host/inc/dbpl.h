@@ -5,6 +5,10 @@
 
 #include "dbents.h"
 
+namespace tarn::host {
+struct WideSegment;
+}
+
 /// One vertex. The bulge is the tangent of a quarter of the angle of the arc to the next vertex,
 /// positive counter-clockwise.
 struct AcDbPolylineVertex {
@@ -55,6 +59,8 @@ class ACADHOST_EXPORT AcDbPolyline : public AcDbEntity {
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
  private:
+  /// In the own system, from vertex to vertex; a lone vertex is one of a single point.
+  std::vector<tarn::host::WideSegment> segments() const;
   AcGePoint3d worldPoint(const AcDbPolylineVertex& vertex) const;
 
   std::vector<AcDbPolylineVertex> vertices_;

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "dbents.h"
 #include "dbmain.h"
@@ -102,9 +103,16 @@ class AcDbTypedSymbolTable : public AcDbSymbolTable {
 class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbLayerTableRecord);
+  AcDbLayerTableRecord();
   Adesk::UInt16 colorIndex() const;
   /// eInvalidInput outside 1 to 255.
   Acad::ErrorStatus setColorIndex(Adesk::UInt16 color);
+  AcCmColor color() const;
+  /// eInvalidInput by layer and by block.
+  Acad::ErrorStatus setColor(const AcCmColor& color);
+  /// Null for lines without gaps.
+  AcDbObjectId linetypeObjectId() const;
+  void setLinetypeObjectId(AcDbObjectId linetype);
   bool isOff() const;
   void setIsOff(bool off);
   bool isFrozen() const;
@@ -115,7 +123,8 @@ class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
 
  private:
-  Adesk::UInt16 color_ = 7;
+  AcCmColor color_;
+  AcDbObjectId linetype_;
   bool off_ = false;
   bool frozen_ = false;
   bool locked_ = false;
@@ -126,19 +135,41 @@ class ACADHOST_EXPORT AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTabl
   ACRX_DECLARE_MEMBERS(AcDbLayerTable);
 };
 
-/// A pattern of lines, a style of texts, an application with extended data: by name. What they say
-/// beyond that is kept as the drawing file has it.
+/// A pattern of lines: lengths of dashes above 0, of gaps below 0, points at 0, in drawing units.
 class ACADHOST_EXPORT AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbLinetypeTableRecord);
+  /// Empty for a line without gaps; valid until it is changed.
+  const std::vector<double>& dashes() const { return dashes_; }
+  void setDashes(std::vector<double> dashes);
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ private:
+  std::vector<double> dashes_;
 };
 class ACADHOST_EXPORT AcDbLinetypeTable : public AcDbTypedSymbolTable<AcDbLinetypeTableRecord> {
  public:
   ACRX_DECLARE_MEMBERS(AcDbLinetypeTable);
 };
+/// A style of texts. Width and slant are those that new texts begin with.
 class ACADHOST_EXPORT AcDbTextStyleTableRecord : public AcDbSymbolTableRecord {
  public:
   ACRX_DECLARE_MEMBERS(AcDbTextStyleTableRecord);
+  struct Values {
+    std::wstring font;          ///< file or family, see AcGiTextStyle
+    double textSize = 0;        ///< 0: each text has its own
+    double xScale = 1;          ///< of widths
+    double obliquingAngle = 0;  ///< radians
+  };
+  /// Valid until they are changed.
+  const Values& values() const { return values_; }
+  void setValues(Values values);
+  Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+  Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+
+ private:
+  Values values_;
 };
 class ACADHOST_EXPORT AcDbTextStyleTable : public AcDbTypedSymbolTable<AcDbTextStyleTableRecord> {
  public:

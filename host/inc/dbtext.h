@@ -21,6 +21,8 @@ struct ACADHOST_EXPORT AcDbTextLine {
   AcDbObjectId style;    ///< null for the drawing's standard one
   std::wstring text;
 
+  /// The same text from its left end on, without an alignment; `width` is what it measures.
+  AcDbTextLine placed(double width) const;
   void draw(AcGiWorldDraw& draw) const;
   void transformBy(const AcGeMatrix3d& transform);
   void write(AcDbDwgFiler& filer) const;
@@ -47,6 +49,10 @@ class ACADHOST_EXPORT AcDbText : public AcDbEntity {
  protected:
   Adesk::Boolean subWorldDraw(AcGiWorldDraw* draw) override;
   Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+  Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker gsSelectionMark,
+                                      const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                      const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                      AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
@@ -55,7 +61,7 @@ class ACADHOST_EXPORT AcDbText : public AcDbEntity {
   AcDbTextLine line_;
 };
 
-/// Several lines, in world coordinates. Their formatting is kept and not drawn.
+/// Several lines, in world coordinates.
 class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(AcDbMText);
@@ -75,6 +81,9 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   /// 1 top left to 9 bottom right, by rows.
   short attachment() const;
   Acad::ErrorStatus setAttachment(short attachment);
+  /// Of the lines; longer ones are wrapped. 0 wraps none.
+  double width() const;
+  Acad::ErrorStatus setWidth(double width);
   /// Null for the drawing's standard one.
   AcDbObjectId textStyle() const;
   Acad::ErrorStatus setTextStyle(AcDbObjectId style);
@@ -88,6 +97,10 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
  protected:
   Adesk::Boolean subWorldDraw(AcGiWorldDraw* draw) override;
   Acad::ErrorStatus subGetGeomExtents(AcDbExtents& extents) const override;
+  Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker gsSelectionMark,
+                                      const AcGePoint3d& pickPoint, const AcGePoint3d& lastPoint,
+                                      const AcGeMatrix3d& viewXform, AcGePoint3dArray& snapPoints,
+                                      AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& gripPoints, AcDbIntArray& osnapModes,
                                      AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
@@ -98,7 +111,8 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   AcGeVector3d direction_{1, 0, 0};
   double height_ = 1;
   double spacing_ = 1;
-  short attachment_ = 1;
+  double width_ = 0;
   AcDbObjectId style_;
+  short attachment_ = 1;
   std::wstring contents_;
 };

@@ -1,0 +1,218 @@
+// Splines, dimensions and leaders.
+#include "dbdim.h"
+#include "dbspline.h"
+#include "host/filing/entitycodec.h"
+
+namespace tarn::host {
+
+namespace {
+
+// ---- SPLINE -----------------------------------------------------------------------------------
+
+AcGeVector3d vectorAt(const TagView& tags, int code) {
+  return tags.has(code) ? tags.point(code).asVector() : AcGeVector3d(0, 0, 0);
+}
+
+AcDbEntity* readSpline(const EntityTags& tags) {
+  AcDbSpline::Values values;
+  values.flags = static_cast<short>(tags.head.integer(70));
+  values.degree = static_cast<short>(tags.head.integer(71, 3));
+  values.startTangent = vectorAt(tags.head, 12);
+  values.endTangent = vectorAt(tags.head, 13);
+  std::vector<AcGePoint3d>* points = nullptr;
+  tags.head.forEach([&](const Tag& tag) {
+    const double value = tags.head.realOf(tag);
+    if (tag.code == 40) values.knots.push_back(value);
+    if (tag.code == 41) values.weights.push_back(value);
+    if (tag.code == 10 || tag.code == 11) {
+      points = tag.code == 10 ? &values.control : &values.fit;
+      points->push_back({value, 0, 0});
+    }
+    if (points == nullptr) return;
+    const int first = points == &values.control ? 10 : 11;
+    if (tag.code == first + 10) points->back().y = value;
+    if (tag.code == first + 20) points->back().z = value;
+  });
+  auto* spline = new AcDbSpline;
+  spline->setValues(std::move(values));
+  return spline;
+}
+
+/// Fit points that are gone leave their number behind.
+void writePoints(int code, const std::vector<AcGePoint3d>& points, TagEditor& head) {
+  for (size_t i = 0; i < points.size(); ++i) {
+    if (!head.isNew()) head.nextRun(code);
+    if (head.isNew()) {
+      head.addReal(code, points[i].x);
+      head.addReal(code + 10, points[i].y);
+      head.addReal(code + 20, points[i].z);
+    } else {
+      head.setPoint(code, points[i]);
+    }
+  }
+}
+
+void writeNewSpline(const AcDbSpline::Values& values, TagEditor& head) {
+  head.setInteger(70, values.flags);
+  head.setInteger(71, values.degree);
+  head.setInteger(72, static_cast<long long>(values.knots.size()));
+  head.setInteger(73, static_cast<long long>(values.control.size()));
+  head.setInteger(74, static_cast<long long>(values.fit.size()));
+  const auto addTangent = [&](int code, const AcGeVector3d& tangent) {
+    if (tangent.length() > 0) head.setPoint(code, {tangent.x, tangent.y, tangent.z});
+  };
+  addTangent(12, values.startTangent);
+  addTangent(13, values.endTangent);
+  for (const double knot : values.knots) head.addReal(40, knot);
+  for (const double weight : values.weights) head.addReal(41, weight);
+}
+
+void writeSpline(const AcDbEntity& entity, EntityOutput& output) {
+  const AcDbSpline::Values& values = static_cast<const AcDbSpline&>(entity).values();
+  TagEditor& head = output.head;
+  if (head.isNew()) {
+    writeNewSpline(values, head);
+  } else {
+    if (head.count(11) > 0 && values.fit.empty()) {
+      head.setInteger(74, 0);
+      head.remove({11, 21, 31});
+    }
+    for (const auto& [code, tangent] :
+         {std::pair{12, values.startTangent}, {13, values.endTangent}}) {
+      if (head.count(code) > 0) head.setPoint(code, {tangent.x, tangent.y, tangent.z});
+    }
+  }
+  writePoints(10, values.control, head);
+  if (!head.isNew()) head.enter("AcDbSpline");
+  writePoints(11, values.fit, head);
+}
+
+// ---- DIMENSION --------------------------------------------------------------------------------
+
+constexpr int kKinds = 7;
+constexpr int kAlways = 0x20;  ///< the block belongs to this dimension only
+constexpr int kFirstPoint = 10;
+/// The marks behind AcDbDimension, by kind.
+constexpr const char* kMarks[kKinds] = {"AcDbAlignedDimension",      "AcDbAlignedDimension",
+                                        "AcDb2LineAngularDimension", "AcDbDiametricDimension",
+                                        "AcDbRadialDimension",       "AcDb3PointAngularDimension",
+                                        "AcDbOrdinateDimension"};
+
+/// One without its block stays in the file as it is.
+AcDbEntity* readDimension(const EntityTags& tags) {
+  AcDbDimension::Values values;
+  values.block = tags.binding.blockOf(tags.head.text(2));
+  values.type = static_cast<short>(tags.head.integer(70));
+  if (values.block.isNull() || (values.type & 7) >= kKinds) return nullptr;
+  for (int i = 0; i < kKinds; ++i) {
+    values.points[static_cast<size_t>(i)] = tags.head.point(kFirstPoint + i);
+  }
+  values.normal = tags.head.normal();
+  values.rotation = tags.head.angle(50);
+  values.text = tags.head.text(1);
+  values.style = tags.head.text(3);
+  auto* dimension = new AcDbDimension;
+  dimension->setValues(std::move(values));
+  return dimension;
+}
+
+void writeNewDimension(const AcDbDimension::Values& values, TagEditor& head) {
+  const auto setPoint = [&](int i) {
+    head.setPoint(kFirstPoint + i, values.points[static_cast<size_t>(i)]);
+  };
+  head.setText(2, recordName(values.block));
+  setPoint(0);
+  setPoint(1);
+  setPoint(2);
+  head.setInteger(70, values.type | kAlways);
+  if (!values.text.empty()) head.setText(1, values.text);
+  head.setText(3, values.style.empty() ? L"Standard" : values.style);
+  head.setNormal(values.normal);
+  const int kind = values.type & 7;
+  head.enter(kMarks[kind]);
+  for (const int i : {3, 4, 5, 6}) setPoint(i);
+  if (kind == 0) {
+    head.setAngle(50, values.rotation);
+    head.enter("AcDbRotatedDimension");
+  }
+}
+
+void writeDimension(const AcDbEntity& entity, EntityOutput& output) {
+  const AcDbDimension::Values& values = static_cast<const AcDbDimension&>(entity).values();
+  TagEditor& head = output.head;
+  if (head.isNew()) return writeNewDimension(values, head);
+  head.setText(2, recordName(values.block));
+  head.leave();
+  for (int i = 0; i < kKinds; ++i) {
+    const AcGePoint3d& point = values.points[static_cast<size_t>(i)];
+    const bool isThere = head.count(kFirstPoint + i) > 0;
+    if (isThere || (i == 2 && point.asVector().length() > 0)) head.setPoint(kFirstPoint + i, point);
+  }
+  head.setAngle(50, values.rotation, 0);
+  head.setNormal(values.normal);
+}
+
+// ---- LEADER -----------------------------------------------------------------------------------
+
+/// Length of arrows in a style of dimensions.
+double arrowSizeOf(const DrawingBinding& binding, const std::wstring& style) {
+  constexpr double kUsual = 2.5;
+  const DrawingSection* tables = binding.document.section("TABLES");
+  for (std::uint32_t i = tables != nullptr ? tables->firstObject : 0;
+       tables != nullptr && i < tables->endObject; ++i) {
+    if (binding.document.typeOf(i) != "DIMSTYLE") continue;
+    const TagView tags = binding.view(i);
+    const double scale = tags.real(40, 1);
+    if (tags.text(2) == style) return tags.real(41, kUsual) * (scale > 0 ? scale : 1);
+  }
+  return kUsual;
+}
+
+AcDbEntity* readLeader(const EntityTags& tags) {
+  AcDbLeader::Values values;
+  tags.head.forEach([&](const Tag& tag) {
+    const double value = tags.head.realOf(tag);
+    if (tag.code == 10) values.vertices.push_back({value, 0, 0});
+    if (values.vertices.empty()) return;
+    if (tag.code == 20) values.vertices.back().y = value;
+    if (tag.code == 30) values.vertices.back().z = value;
+  });
+  values.normal = tags.head.normal();
+  values.hasArrow = tags.head.integer(71, 1) != 0;
+  values.isSpline = tags.head.integer(72) == 1;
+  values.style = tags.head.text(3);
+  values.arrowSize = arrowSizeOf(tags.binding, values.style);
+  auto* leader = new AcDbLeader;
+  leader->setValues(std::move(values));
+  return leader;
+}
+
+void writeLeader(const AcDbEntity& entity, EntityOutput& output) {
+  const AcDbLeader::Values& values = static_cast<const AcDbLeader&>(entity).values();
+  TagEditor& head = output.head;
+  if (head.isNew()) {
+    head.setText(3, values.style.empty() ? L"Standard" : values.style);
+    head.setInteger(71, values.hasArrow ? 1 : 0);
+    head.setInteger(72, values.isSpline ? 1 : 0);
+    head.setInteger(73, 3);
+    head.setInteger(76, static_cast<long long>(values.vertices.size()));
+  } else {
+    head.setNormal(values.normal);
+  }
+  writePoints(kFirstPoint, values.vertices, head);
+  if (head.isNew()) head.setNormal(values.normal);
+}
+
+}  // namespace
+
+const std::vector<EntityCodec>& annotationCodecs() {
+  static const std::vector<EntityCodec> codecs = {
+      {"SPLINE", "AcDbSpline", &AcDbSpline::desc, readSpline, writeSpline, false, true},
+      {"DIMENSION", "AcDbDimension", &AcDbDimension::desc, readDimension, writeDimension, false,
+       true},
+      {"LEADER", "AcDbLeader", &AcDbLeader::desc, readLeader, writeLeader, false, true},
+  };
+  return codecs;
+}
+
+}  // namespace tarn::host

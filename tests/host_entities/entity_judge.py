@@ -1,0 +1,195 @@
+"""An independent look at entities.
+
+entity_judge.py make FILE              writes a drawing with entities of every kind that is drawn
+entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
+entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
+                                       leaves different from NEW, one entity a line
+entity_judge.py copies OLD NEW X Y     what differs between entities of OLD, moved, and the new ones
+                                       of NEW, one a line; the number of those compared at the end
+Exit 77 when the reading library is not there.
+"""
+import logging
+import math
+import sys
+
+logging.disable(logging.CRITICAL)
+try:
+    import ezdxf
+    from ezdxf import bbox
+    from ezdxf.lldxf.tagwriter import TagCollector
+except ImportError:
+    sys.exit(77)
+
+CHANGES = {
+    "move": lambda e: e.translate(1000.5, -200.25, 0),
+    "turn": lambda e: e.rotate_z(math.radians(30)),
+    "scale": lambda e: e.scale_uniform(2.5),
+}
+
+
+def add_curves(space):
+    space.add_line((1, 2, 3), (4, 5, 6))
+    space.add_arc((1, 2), 3, 10, 200, dxfattribs={"extrusion": (0, 0, -1)})
+    space.add_ellipse((5, 5), (3, 1), 0.4, 0.3, 4)
+    space.add_lwpolyline([(0, 0, 0.2, 0.4, 0.5), (5, 0, 0.4, 0.4, 0), (5, 5, 0.4, 0.1, -1)], close=True)
+    space.add_polyline2d([(0, 0, 0.5), (1, 0, 0), (1, 1, 0)], format="xyb", close=True)
+    space.add_polyline3d([(0, 0, 1), (1, 0, 2), (1, 1, 3)])
+    spline = space.add_open_spline([(0, 0), (3, 6, 1), (6, -2), (9, 3), (12, 0)])
+    spline.dxf.color = 3
+    space.add_rational_spline([(0, 0), (3, 6), (6, -2), (9, 3)], [1, 2, 0.5, 1])
+    space.add_spline([(0, 0), (2, 3), (5, 1), (7, 4)])
+    for kind in (space.add_solid, space.add_trace):
+        kind([(0, 0), (4, 0), (1, 3), (5, 4)], {"color": 1})
+    space.add_solid([(0, 0), (4, 0), (1, 3)], {"extrusion": (0, 0, -1)})
+    space.add_3dface([(0, 0), (1, 0, 5), (1, 1), (0, 1)], {"invisible": 2})
+
+
+def add_hatches(space):
+    solid = space.add_hatch(color=2)
+    solid.paths.add_polyline_path([(0, 0, 0.3), (10, 0, 0), (10, 8, 0), (0, 8, 0)])
+    solid.paths.add_polyline_path([(2, 2), (4, 2), (4, 4), (2, 4)], flags=16)
+    edges = space.add_hatch(color=4, dxfattribs={"elevation": (0, 0, 2)})
+    path = edges.paths.add_edge_path()
+    path.add_arc((5, 5), 3, 0, 180)
+    path.add_line((2, 5), (2, 0))
+    path.add_ellipse((5, 0), (3, 0), 0.5, 180, 360)
+    path.add_line((8, 0), (8, 5))
+    rounded = space.add_hatch(color=5)
+    path = rounded.paths.add_edge_path()
+    path.add_spline(control_points=[(0, 0), (3, 6), (6, -2), (9, 0)], degree=3, knot_values=[0, 0, 0, 0, 1, 1, 1, 1])
+    path.add_line((9, 0), (0, 0))
+    lines = space.add_hatch(color=6)
+    lines.set_pattern_fill("ANSI31", scale=0.5)
+    lines.paths.add_polyline_path([(0, 0), (20, 0), (20, 10), (0, 10)])
+    other = space.add_hatch(color=6)
+    other.set_pattern_fill("DASH", scale=0.25, angle=20)
+    other.paths.add_polyline_path([(0, 0), (20, 0), (20, 10), (0, 10)])
+
+
+def add_texts(space):
+    at = {"style": "WIDE", "height": 2.5}
+    for horizontal, vertical in ((0, 0), (1, 0), (2, 0), (4, 0), (0, 3), (1, 2), (2, 1)):
+        space.add_text("80%%d \u6d4b\u91cf", dxfattribs=dict(at, rotation=15, insert=(1, 2), align_point=(3, 4),
+                                                             halign=horizontal, valign=vertical))
+    space.add_text("fitted", dxfattribs=dict(at, insert=(0, 0), align_point=(30, 4), halign=5))
+    note = space.add_mtext("one {\\C1;red} two\\Pthree \\S1/2; four five six", {"style": "WIDE"})
+    note.dxf.char_height, note.dxf.width, note.dxf.attachment_point = 2, 15, 5
+    note.dxf.insert = (7, 8)
+
+
+def add_compound(doc, space):
+    tree = doc.blocks.new("TREE", base_point=(1, 1))
+    tree.add_circle((1, 1), 2)
+    tree.add_lwpolyline([(0, 0, 0, 0, 1), (2, 0)])
+    tree.add_attdef("NUMBER", (0, 0), dxfattribs={"height": 1})
+    wood = doc.blocks.new("WOOD")
+    wood.add_blockref("TREE", (0, 0))
+    wood.add_blockref("TREE", (9, 0), {"xscale": -2, "yscale": 1, "rotation": 30})
+    insert = space.add_blockref("TREE", (5, 5), {"xscale": 2, "yscale": 2, "rotation": 10})
+    insert.add_attrib("NUMBER", "17", (5, 5)).dxf.height = 1
+    space.add_blockref("WOOD", (50, 5), {"xscale": 2, "yscale": -1, "extrusion": (0, 0, -1)})
+    space.add_blockref("TREE", (90, 5), {"row_count": 3, "column_count": 2, "row_spacing": 7, "column_spacing": 8})
+    for dimension in (space.add_linear_dim((0, 5), (0, 0), (10, 0), angle=15),
+                      space.add_aligned_dim((0, 0), (10, 3), 2),
+                      space.add_radius_dim((0, 0), radius=5, angle=30),
+                      space.add_angular_dim_2l((0, 9), ((0, 0), (5, 5)), ((0, 0), (5, -5)))):
+        dimension.render()
+    space.add_leader([(0, 0), (10, 10), (15, 10)])
+    definition = doc.add_image_def("there.png", (64, 32))
+    space.add_image(definition, (40, 40), (32, 16), 20)
+
+
+def make(path):
+    doc = ezdxf.new("R2010", setup=True)
+    doc.styles.new("WIDE", dxfattribs={"font": "txt.shx", "bigfont": "hztxt.shx", "width": 0.8})
+    doc.appids.new("SURVEY")
+    space = doc.modelspace()
+    add_curves(space)
+    add_hatches(space)
+    add_texts(space)
+    add_compound(doc, space)
+    for number, entity in enumerate(space):
+        entity.dxf.linetype = "DASHED"
+        entity.set_xdata("SURVEY", [(1000, "parcel"), (1040, 1.5), (1070, number)])
+    doc.saveas(path)
+
+
+NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION"}
+
+
+def boxes(path):
+    for entity in ezdxf.readfile(path).modelspace():
+        if entity.dxftype() in NEED_FONTS or (entity.dxftype() == "INSERT" and entity.attribs):
+            continue
+        box = bbox.extents([entity], flatten=0.001)
+        if box.has_data:
+            numbers = (box.extmin.x, box.extmin.y, box.extmax.x, box.extmax.y)
+            print(entity.dxf.handle, entity.dxftype(), *(f"{n:.9g}" for n in numbers))
+
+
+def near(a, b):
+    if isinstance(a, (list, tuple)) and isinstance(b, (list, tuple)):
+        return len(a) == len(b) and all(near(x, y) for x, y in zip(a, b))
+    if hasattr(a, "xyz") and hasattr(b, "xyz"):
+        return near(a.xyz, b.xyz)
+    if isinstance(a, float) and isinstance(b, (float, int)):
+        return abs(a - b) < 1e-6 * max(1, abs(a))
+    return a == b
+
+
+# By how a drawing is written, not by what it says.
+UNTOLD = {5, 330, 360, 102}
+
+
+def told(entity, doc):
+    tags = [(t.code, t.value) for t in TagCollector.dxftags(entity, dxfversion=doc.dxfversion)]
+    if entity.dxftype() in ("HATCH", "ARC", "ELLIPSE", "INSERT", "DIMENSION", "TEXT"):
+        # A turn more or less is the same angle.
+        tags = [(c, math.sin(math.radians(v)) if c in (50, 51, 52, 53) else v) for c, v in tags]
+    tags = [(c, v) for c, v in tags if c not in UNTOLD]
+    parts = entity.vertices if entity.dxftype() == "POLYLINE" else []
+    for part in list(getattr(entity, "attribs", [])) + list(parts):
+        tags += told(part, doc)
+    return tags
+
+
+def difference(one, other):
+    for a, b in zip(one, other):
+        if not near(a, b):
+            return f"{a} and {b}"
+    return "" if len(one) == len(other) else f"{len(one)} and {len(other)} tags"
+
+
+def changed(how, old, new):
+    before, after = ezdxf.readfile(old), ezdxf.readfile(new)
+    for entity in before.modelspace():
+        CHANGES[how](entity)
+        other = after.entitydb.get(entity.dxf.handle)
+        found = "gone" if other is None else difference(told(entity, before), told(other, after))
+        if found:
+            print(entity.dxftype(), entity.dxf.handle, found)
+
+
+def copies(old, new, x, y):
+    before, after = ezdxf.readfile(old), ezdxf.readfile(new)
+    originals = list(before.modelspace())
+    added = [e for e in after.modelspace() if e.dxf.handle not in before.entitydb]
+    for entity, copy in zip(originals, added):
+        entity.translate(x, y, 0)
+        found = difference(told(entity, before), told(copy, after))
+        if found:
+            print(entity.dxftype(), entity.dxf.handle, found)
+    auditor = after.audit()
+    for error in auditor.errors + auditor.fixes:
+        print(error.message)
+    print(len(originals), len(added))
+
+
+if sys.argv[1] == "make":
+    make(sys.argv[2])
+elif sys.argv[1] == "boxes":
+    boxes(sys.argv[2])
+elif sys.argv[1] == "changed":
+    changed(*sys.argv[2:5])
+else:
+    copies(sys.argv[2], sys.argv[3], float(sys.argv[4]), float(sys.argv[5]))

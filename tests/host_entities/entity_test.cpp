@@ -1,0 +1,119 @@
+// Entities of every kind that is drawn, read from a drawing that another program wrote, changed and
+// written, before the eyes of that other program.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <sstream>
+
+#include "base/file.h"
+#include "base/text.h"
+#include "dbobjptr.h"
+#include "dbsymtb.h"
+#include "dbtext.h"
+#include "host/filing/deepclone.h"
+#include "host/filing/drawingfile.h"
+#include "tests/host_filing/drawingfixture.h"
+#include "tests/support/program.h"
+
+namespace tarn::host {
+namespace {
+
+constexpr double kDegree = 3.141592653589793 / 180;
+
+class Entities : public testing::Test {
+ protected:
+  void SetUp() override {
+    const test::Outcome made = judge({"make", drawing_});
+    if (made.exitCode == 77) GTEST_SKIP() << "python3-ezdxf is not installed";
+    ASSERT_EQ(made.exitCode, 0) << made.output;
+    auto opened = DrawingFile::open(drawing_);
+    ASSERT_TRUE(opened) << opened.message();
+    file_ = opened.take();
+  }
+  static test::Outcome judge(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), TARN_SOURCE_DIR "/tests/host_entities/entity_judge.py");
+    return test::runProgram("/usr/bin/python3", arguments);
+  }
+  std::string save(const std::string& name) const {
+    const std::string path = scratch_.at(name);
+    EXPECT_TRUE(writeFileAtomically(path, file_->bytes().take()));
+    return path;
+  }
+
+  test::Scratch scratch_{"tarn_entities_"};
+  const std::string drawing_ = scratch_.at("kinds.dxf");
+  std::unique_ptr<DrawingFile> file_;
+};
+
+TEST_F(Entities, nothingIsLeftUndrawn) {
+  EXPECT_TRUE(file_->notes().empty()) << file_->notes().front();
+}
+
+/// The extents as the other program computes them, which flattens curves on its own.
+TEST_F(Entities, lieWhereAnotherProgramSeesThem) {
+  const test::Outcome outcome = judge({"boxes", drawing_});
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
+  std::istringstream lines(outcome.output);
+  std::string handle;
+  std::string kind;
+  double box[4];
+  int seen = 0;
+  while (lines >> handle >> kind >> box[0] >> box[1] >> box[2] >> box[3]) {
+    AcDbObjectId id;
+    const std::wstring digits(handle.begin(), handle.end());
+    ASSERT_EQ(file_->database().getAcDbObjectId(id, false, AcDbHandle(digits.c_str())), Acad::eOk);
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    ASSERT_EQ(entity.openStatus(), Acad::eOk) << kind;
+    AcDbExtents extents;
+    ASSERT_EQ(entity->getGeomExtents(extents), Acad::eOk) << kind;
+    const double ours[] = {extents.minPoint().x, extents.minPoint().y, extents.maxPoint().x,
+                           extents.maxPoint().y};
+    const double room = kind == "HATCH" || kind == "LEADER" ? 0.4 : 0.01;
+    for (int i = 0; i < 4; ++i) EXPECT_NEAR(ours[i], box[i], room) << kind << ' ' << handle;
+    ++seen;
+  }
+  EXPECT_GT(seen, 18);
+}
+
+TEST_F(Entities, movedTurnedAndScaledAsAnotherProgramDoesIt) {
+  const std::map<std::string, AcGeMatrix3d> changes = {
+      {"move", AcGeMatrix3d::translation({1000.5, -200.25, 0})},
+      {"turn", AcGeMatrix3d::rotation(30 * kDegree, AcGeVector3d::kZAxis)},
+      {"scale", AcGeMatrix3d::scaling(2.5)}};
+  for (const auto& [name, matrix] : changes) {
+    file_ = DrawingFile::open(drawing_).take();
+    for (const AcDbObjectId& id : modelEntities(file_->database())) {
+      const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+      EXPECT_EQ(entity->transformBy(matrix), Acad::eOk) << name;
+    }
+    const test::Outcome outcome = judge({"changed", name, drawing_, save(name + ".dxf")});
+    EXPECT_EQ(outcome.output, "") << name;
+  }
+}
+
+/// Styles, patterns, extended data and whatever else the file says comes along.
+TEST_F(Entities, copiesLoseNothing) {
+  const AcDbObjectIdArray originals = modelEntities(file_->database());
+  for (const AcDbObjectId& id : originals) {
+    AcDbEntity* copy = nullptr;
+    {
+      const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+      const AcGeMatrix3d shift = AcGeMatrix3d::translation({100, 50, 0});
+      ASSERT_EQ(entity->getTransformedCopy(shift, copy), Acad::eOk);
+    }
+    appendToModel(file_->database(), copy);
+  }
+  const test::Outcome outcome = judge({"copies", drawing_, save("copies.dxf"), "100", "50"});
+  const std::string count = std::to_string(originals.length());
+  EXPECT_EQ(outcome.output, count + " " + count + "\n");
+}
+
+TEST_F(Entities, untouchedTheyStayToTheByte) {
+  const std::string before = readFile(drawing_, 1 << 30).take();
+  touchEverything(file_->database(), before);
+  EXPECT_TRUE(sameTags(before, file_->bytes().take()));
+}
+
+}  // namespace
+}  // namespace tarn::host
