@@ -8,6 +8,7 @@
 #include "acutads.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "components/cadadapter/imagepixels.h"
 #include "components/cadadapter/userinterface.h"
 #include "inc/iappmanager.h"
 #include "tarnhost.h"
@@ -68,6 +69,11 @@ class SystemVariable {
   bool isRead_;
 };
 
+ImagePixels& imagePixels() {
+  static ImagePixels pixels;
+  return pixels;
+}
+
 }  // namespace
 
 void registerHostServices() {
@@ -75,9 +81,12 @@ void registerHostServices() {
   UserInterface::registerSelf();
   Object<IAppManager> manager("N", kSource, __LINE__);
   if (!manager.isNull()) manager->loadPlugins("plugins", 0);
+  tarnHostSetImagePixels(&imagePixels());
 }
 
 void unregisterHostServices() {
+  tarnHostSetImagePixels(nullptr);
+  imagePixels().closeAll();
   unregisterImplementation("N", ICadAdapter::interfaceId());
   unregisterImplementation("N", IUserInterface::interfaceId());
 }

@@ -6,6 +6,7 @@
 #include "dbdim.h"
 #include "dbents.h"
 #include "dbhatch.h"
+#include "dbimage.h"
 #include "dblayout.h"
 #include "dbmain.h"
 #include "dbpl.h"
@@ -39,6 +40,7 @@ void registerDatabaseClasses() {
   AcDbSpline::rxInit();
   AcDbDimension::rxInit();
   AcDbLeader::rxInit();
+  AcDbRasterImage::rxInit();
   AcDbPolyline::rxInit();
   AcDbBlockReference::rxInit();
   AcDbProxyEntity::rxInit();

@@ -7,6 +7,7 @@
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
 #include "host/database/resbufitems.h"
+#include "host/filing/entitycodec.h"
 #include "host/filing/memoryfiler.h"
 
 namespace tarn::host {
@@ -83,6 +84,7 @@ constexpr TableOf kTables[] = {&AcDbDatabase::layerTableId, &AcDbDatabase::block
 }  // namespace
 
 AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
+  if (object.database() != &target_ && isBoundToDrawing(*object.isA())) return nullptr;
   std::unique_ptr<AcRxObject> made(object.isA()->create());
   auto* copy = AcDbObject::cast(made.get());
   MemoryFiler out(AcDb::kDeepCloneFiler);

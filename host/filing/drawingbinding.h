@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -43,6 +44,8 @@ struct DrawingBinding {
     AcDbObjectId block;
   };
   std::vector<Waiting> waiting;
+  /// The files of image definitions by their handles; read when the first image asks.
+  std::optional<std::map<std::uint64_t, std::wstring>> imageFiles;
   AcDbObjectId modelSpace;
   AcDbObjectId paperSpace;
   bool hasHandles = true;

@@ -15,8 +15,9 @@ constexpr long long kByLayer = 256;
 const std::vector<const EntityCodec*>& allCodecs() {
   static const std::vector<const EntityCodec*> all = [] {
     std::vector<const EntityCodec*> list;
-    for (const auto* some : {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(),
-                             &hatchCodecs(), &annotationCodecs(), &compoundCodecs()}) {
+    for (const auto* some :
+         {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(), &hatchCodecs(),
+          &imageCodecs(), &annotationCodecs(), &compoundCodecs()}) {
       for (const EntityCodec& codec : *some) list.push_back(&codec);
     }
     return list;
@@ -34,6 +35,16 @@ const EntityCodec* codecOf(std::string_view type) {
   }();
   const auto found = byType.find(type);
   return found != byType.end() ? found->second : nullptr;
+}
+
+bool isBoundToDrawing(const AcRxClass& description) {
+  bool known = false;
+  for (const EntityCodec* codec : allCodecs()) {
+    if (codec->description() != &description) continue;
+    if (codec->inOld || codec->inNew) return false;
+    known = true;
+  }
+  return known;
 }
 
 const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {

@@ -56,10 +56,13 @@ const std::vector<EntityCodec>& curveCodecs();
 const std::vector<EntityCodec>& textCodecs();
 const std::vector<EntityCodec>& traceCodecs();
 const std::vector<EntityCodec>& hatchCodecs();
+const std::vector<EntityCodec>& imageCodecs();
 const std::vector<EntityCodec>& annotationCodecs();
 const std::vector<EntityCodec>& compoundCodecs();
 /// Null for a kind that is not drawn.
 const EntityCodec* codecOf(std::string_view type);
+/// Entities of the class stand in files only as part of the drawing that they were made in.
+bool isBoundToDrawing(const AcRxClass& description);
 /// How a new entity is written; null when a drawing of this age cannot hold it.
 const EntityCodec* codecFor(const AcDbEntity& entity, bool old);
 

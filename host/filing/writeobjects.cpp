@@ -120,7 +120,11 @@ std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTable
     return layerColor(static_cast<int>(inFile)) == layer.colorIndex() &&
            (inFile < 0) == layer.isOff();
   });
-  if (old == nullptr) editor.setWord(6, "CONTINUOUS");
+  if (!layer.color().isByColor()) editor.remove({420, 430});
+  if (old == nullptr) {
+    const std::wstring linetype = recordName(layer.linetypeObjectId());
+    editor.setName(6, linetype.empty() ? L"CONTINUOUS" : linetype);
+  }
   writeExtendedData(binding, layer, old, editor);
   return editor.bytes();
 }

@@ -1,6 +1,8 @@
 """An independent look at entities.
 
 entity_judge.py make FILE              writes a drawing with entities of every kind that is drawn
+entity_judge.py image FILE             writes a drawing with pictures there.png, whole and clipped,
+                                       and one that is missing
 entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
 entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
                                        leaves different from NEW, one entity a line
@@ -114,6 +116,16 @@ def make(path):
     doc.saveas(path)
 
 
+def image(path):
+    doc = ezdxf.new("R2010")
+    space = doc.modelspace()
+    there = doc.add_image_def("C:\\Survey\\pictures\\there.png", (40, 20))
+    space.add_image(there, (0, 0), (40, 20))
+    space.add_image(there, (50, 0), (40, 20)).set_boundary_path([(10, 5), (30, 15)])
+    space.add_image(doc.add_image_def("gone.png", (40, 20)), (0, 30), (40, 20))
+    doc.saveas(path)
+
+
 NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION"}
 
 
@@ -187,6 +199,8 @@ def copies(old, new, x, y):
 
 if sys.argv[1] == "make":
     make(sys.argv[2])
+elif sys.argv[1] == "image":
+    image(sys.argv[2])
 elif sys.argv[1] == "boxes":
     boxes(sys.argv[2])
 elif sys.argv[1] == "changed":
