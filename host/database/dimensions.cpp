@@ -18,7 +18,8 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbLeader, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMRele
 
 template <typename Filing>
 void eachField(AcDbDimension::Values& values, Filing& filing) {
-  filing.all(values.block, values.type, values.normal, values.rotation, values.text, values.style);
+  filing.all(values.block, values.type, values.normal, values.rotation, values.textRotation,
+             values.direction, values.text, values.style);
   for (AcGePoint3d& point : values.points) filing(point);
 }
 
@@ -145,7 +146,9 @@ Acad::ErrorStatus AcDbDimension::subTransformBy(const AcGeMatrix3d& transform) {
     if (i == kInsertion && !onlyMoves) continue;
     values_.points[i].transformBy(isOwn(i) ? change.map : transform);
   }
-  values_.rotation = change.turned(values_.rotation);
+  for (double* angle : {&values_.rotation, &values_.textRotation, &values_.direction}) {
+    *angle = change.turned(*angle);
+  }
   values_.normal = change.normal;
   recordGraphicsModified();
   return Acad::eOk;

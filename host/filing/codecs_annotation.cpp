@@ -109,6 +109,8 @@ AcDbEntity* readDimension(const EntityTags& tags) {
   }
   values.normal = tags.head.normal();
   values.rotation = tags.head.angle(50);
+  values.textRotation = tags.head.angle(53);
+  values.direction = tags.head.angle(51);
   values.text = tags.head.text(1);
   values.style = tags.head.text(3);
   auto* dimension = new AcDbDimension;
@@ -148,7 +150,12 @@ void writeDimension(const AcDbEntity& entity, EntityOutput& output) {
     const bool isThere = head.count(kFirstPoint + i) > 0;
     if (isThere || (i == 2 && point.asVector().length() > 0)) head.setPoint(kFirstPoint + i, point);
   }
-  head.setAngle(50, values.rotation, 0);
+  for (const auto& [code, angle] :
+       {std::pair{50, values.rotation}, {51, values.direction}, {53, values.textRotation}}) {
+    if (head.count(code) > 0 || (code == 50 && (values.type & 7) == 0)) {
+      head.setAngle(code, angle, 0);
+    }
+  }
   head.setNormal(values.normal);
 }
 

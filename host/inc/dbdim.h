@@ -19,8 +19,10 @@ class ACADHOST_EXPORT AcDbDimension : public AcDbEntity {
     short type = 0;   ///< 0 rotated to 6 ordinate, with the flags of drawing files
     Points points{};  ///< 1, 2 and 6 in the own system, the others in the world
     AcGeVector3d normal{0, 0, 1};
-    double rotation = 0;  ///< of a rotated one, radians
-    std::wstring text;    ///< instead of what is measured
+    double rotation = 0;      ///< of a rotated one, radians
+    double textRotation = 0;  ///< where the file says one
+    double direction = 0;     ///< of the horizontal, where the file says one
+    std::wstring text;        ///< instead of what is measured
     std::wstring style;
   };
   AcDbDimension() = default;
