@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/path.h"
+
 namespace kel {
 
 namespace {
@@ -23,7 +25,7 @@ IImageDivision* ImagePixels::sourceOf(const std::string& path) {
     opened.source = Object<IImageDivision>("N", kSource, __LINE__);
     if (!opened.source.isNull()) {
       opened.source->setNoPyramid(true);
-      opened.good = opened.source->init(path.c_str(), "", false);
+      opened.good = opened.source->init(path.c_str(), tarn::folderOf(path).c_str(), false);
     }
     open_.push_front(std::move(opened));
     if (open_.size() > kMostOpen) open_.pop_back();
