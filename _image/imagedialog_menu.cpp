@@ -9,6 +9,7 @@
 #include "_image/imagerelink.h"
 #include "_image/imagetip.h"
 #include "_image/moduleglobals.h"
+#include "_image/paneltext.h"
 #include "acdocman.h"
 #include "inc/iconfigmanager.h"
 
@@ -41,10 +42,12 @@ std::wstring listTip(const CDocData& record) {
   const std::vector<CDocData::Image>& images = record.images();
   const auto shown = std::count_if(images.begin(), images.end(),
                                    [](const CDocData::Image& image) { return image.isDisplayed; });
-  std::vector<std::wstring> lines = {L"影像：" + std::to_wstring(images.size()) + L"，显示：" +
-                                     std::to_wstring(shown)};
+  std::vector<std::wstring> lines = {panelText(L"影像：", L"Images: ") +
+                                     std::to_wstring(images.size()) +
+                                     panelText(L"，显示：", L", shown: ") + std::to_wstring(shown)};
   if (const size_t missing = missingCount(&record)) {
-    lines.push_back(L"缺失：" + std::to_wstring(missing) + L"（右键可重新链接）");
+    lines.push_back(panelText(L"缺失：", L"Missing: ") + std::to_wstring(missing) +
+                    panelText(L"（右键可重新链接）", L" (the right button finds them again)"));
   }
   return joined(lines);
 }
@@ -93,7 +96,8 @@ void ImageDialog::ShowRootMenu(CPoint at) {
                      ID_GENERATE_PYRAMID, L"生成金字塔");
   const size_t missing = missingCount(g_dataMap ? g_dataMap->current() : nullptr);
   if (missing > 0) {
-    const std::wstring text = L"重新链接缺失的影像（" + std::to_wstring(missing) + L"）...";
+    const std::wstring text = panelText(L"重新链接缺失的影像（", L"Relink missing images (") +
+                              std::to_wstring(missing) + panelText(L"）...", L")...");
     m_popup.AppendMenu(MF_SEPARATOR);
     m_popup.AppendMenu(MF_STRING, ID_RELINK, text.c_str());
   }
@@ -110,8 +114,10 @@ void ImageDialog::ShowImageMenu(CPoint at, CMenu& popup) {
   mark(ID_STRETCH_NONE, m_stretchMode != 1 && m_stretchMode != 2);
   if (ChosenItems().size() > 1) {
     popup.AppendMenu(MF_SEPARATOR);
-    popup.AppendMenu(MF_STRING, ID_SHOW_CHOSEN, L"显示所选影像");
-    popup.AppendMenu(MF_STRING, ID_HIDE_CHOSEN, L"隐藏所选影像");
+    popup.AppendMenu(MF_STRING, ID_SHOW_CHOSEN,
+                     panelText(L"显示所选影像", L"Show the selected").c_str());
+    popup.AppendMenu(MF_STRING, ID_HIDE_CHOSEN,
+                     panelText(L"隐藏所选影像", L"Hide the selected").c_str());
   }
   popup.TrackPopupMenu(kMenuFlags, at.x, at.y, this);
 }

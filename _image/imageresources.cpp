@@ -11,8 +11,8 @@ namespace {
 
 constexpr TarnControlResource kControls[] = {
     {IDC_IMAGE_TREE, TarnControl::kTree, L"",
-     WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_CHECKBOXES |
-         TVS_SINGLEEXPAND | TVS_INFOTIP,
+     WS_CHILD | WS_VISIBLE | WS_BORDER | WS_HSCROLL | TVS_HASBUTTONS | TVS_HASLINES |
+         TVS_LINESATROOT | TVS_CHECKBOXES | TVS_SINGLEEXPAND | TVS_INFOTIP,
      0, 0, 271, 185},
     {IDC_PANEL_OK, TarnControl::kButton, L"确定", WS_CHILD, 214, 164, 50, 14},
     {IDC_IMAGE_LIST, TarnControl::kCheckList, L"",

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "_image/paneltext.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "imageclient/tarnclientmanager.h"
@@ -14,16 +15,19 @@ std::wstring number(double value) {
 }
 
 std::vector<std::wstring> placeLines(int width, int height, const double* place) {
-  return {L"大小：" + std::to_wstring(width) + L" × " + std::to_wstring(height) + L" 像素",
-          L"像素大小：" + number(std::fabs(place[0])) + L" × " + number(std::fabs(place[3])),
-          L"左上角：" + number(place[4]) + L", " + number(place[5])};
+  return {panelText(L"大小：", L"Size: ") + std::to_wstring(width) + L" × " +
+              std::to_wstring(height) + panelText(L" 像素", L" pixels"),
+          panelText(L"像素大小：", L"Pixel size: ") + number(std::fabs(place[0])) + L" × " +
+              number(std::fabs(place[3])),
+          panelText(L"左上角：", L"Upper left: ") + number(place[4]) + L", " + number(place[5])};
 }
 
 std::wstring coordinateSystemText(IImageDivision& source) {
   int code = -1;
   source.coordinateSystem(code);
-  if (code < 0) return L"无";
-  return code == 0 ? L"有（无编号）" : L"EPSG:" + std::to_wstring(code);
+  if (code < 0) return panelText(L"无", L"none");
+  return code == 0 ? panelText(L"有（无编号）", L"one without a number")
+                   : L"EPSG:" + std::to_wstring(code);
 }
 
 }  // namespace
@@ -31,11 +35,14 @@ std::wstring coordinateSystemText(IImageDivision& source) {
 std::vector<std::wstring> describeImage(const std::wstring& path, IImageDivision& source) {
   std::vector<std::wstring> lines =
       placeLines(source.width(), source.height(), source.geoTransform());
-  lines.push_back(L"坐标系：" + coordinateSystemText(source));
-  if (const int bands = source.bandCount()) lines.push_back(L"波段：" + std::to_wstring(bands));
+  lines.push_back(panelText(L"坐标系：", L"Coordinate system: ") + coordinateSystemText(source));
+  if (const int bands = source.bandCount())
+    lines.push_back(panelText(L"波段：", L"Bands: ") + std::to_wstring(bands));
   const bool hasPyramid = source.hasPyramid(folderOf(toUtf8(path)).c_str());
-  lines.emplace_back(hasPyramid ? L"金字塔：有" : L"金字塔：无");
-  for (const kel::DString& note : source.notes()) lines.push_back(L"注意：" + toWide(note.str()));
+  lines.push_back(hasPyramid ? panelText(L"金字塔：有", L"Pyramid: yes")
+                             : panelText(L"金字塔：无", L"Pyramid: no"));
+  for (const kel::DString& note : source.notes())
+    lines.push_back(panelText(L"注意：", L"Note: ") + toWide(note.str()));
   return lines;
 }
 
@@ -45,7 +52,7 @@ std::vector<std::wstring> describeServerImage(TarnClientManager& client) {
     lines = placeLines(client.imgWei(), client.imgHei(), client.getTfwData());
   }
   const std::string reason = client.error().str();
-  if (!reason.empty()) lines.push_back(L"注意：" + toWide(reason));
+  if (!reason.empty()) lines.push_back(panelText(L"注意：", L"Note: ") + toWide(reason));
   return lines;
 }
 

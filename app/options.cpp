@@ -165,7 +165,7 @@ without a window.
   --profile DIR             folder for settings and cache (~/.local/share/tarnimage)
   --log FILE                what the window's command line shows is appended to this file as well;
                             a line "> ..." is a prompt that waits
-  --stats                   prints one JSON line for each redraw
+  --stats                   prints one JSON line for each redraw, and for each operation with progress
   --help, --version
 
 Commands and scripts run in the order given, after the images were added. Without commands, files,

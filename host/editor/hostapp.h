@@ -139,7 +139,8 @@ class ACADHOST_EXPORT HostApp {
   std::string documentTitle() const;
 
   // ---- Statistics ---------------------------------------------------------------------------
-  /// With it on, each regeneration prints one JSON line to the command line.
+  /// With it on, each regeneration and each operation with progress
+  /// prints one JSON line to the command line.
   void setStatistics(bool on);
 
   // ---- Parts, for the public host functions -------------------------------------------------

@@ -33,11 +33,6 @@ std::string tarnHostFolder(TarnFolder which) {
   }
 }
 
-bool tarnHostCancelWanted() {
-  HostApp* app = HostApp::instance();
-  return app != nullptr && app->frontEnd().cancelWanted();
-}
-
 bool tarnHostFilesGiven() {
   HostApp* app = HostApp::instance();
   return app != nullptr && app->filesGiven();

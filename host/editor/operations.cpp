@@ -5,11 +5,15 @@
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/operationview.h"
+#include "host/editor/progressmeter.h"
+#include "host/editor/regenerator.h"
 #include "host/editor/sysvars.h"
 #include "tarnform.h"
+#include "tarnhost.h"
 
 using tarn::host::HostApp;
 using tarn::host::OperationView;
+using tarn::host::ProgressMeter;
 
 namespace {
 
@@ -21,6 +25,11 @@ OperationView* view() {
 std::vector<std::string>& namesOfTasks() {
   static std::vector<std::string> names;
   return names;
+}
+
+ProgressMeter& meter() {
+  static ProgressMeter meter;
+  return meter;
 }
 
 const char* wordOf(TarnTaskState state) {
@@ -73,16 +82,33 @@ void tarnHostEndTasks(const std::string& report) {
 }
 
 void tarnHostBeginProgress(const std::string& label, int minimum, int maximum) {
+  meter().begin(label, minimum, maximum);
+  const ProgressMeter::Call call(meter());
   if (OperationView* shown = view()) return shown->beginProgress(label, minimum, maximum);
   if (HostApp* app = HostApp::instance()) app->frontEnd().progressBegin(label, minimum, maximum);
 }
 
 void tarnHostMoveProgress(int position) {
+  meter().move(position);
+  const ProgressMeter::Call call(meter());
   if (OperationView* shown = view()) return shown->moveProgress(position);
   if (HostApp* app = HostApp::instance()) app->frontEnd().progressMove(position);
 }
 
 void tarnHostEndProgress() {
-  if (OperationView* shown = view()) return shown->endProgress();
-  if (HostApp* app = HostApp::instance()) app->frontEnd().progressEnd();
+  HostApp* app = HostApp::instance();
+  const std::string measured = meter().end();
+  if (OperationView* shown = view()) {
+    shown->endProgress();
+  } else if (app != nullptr) {
+    app->frontEnd().progressEnd();
+  }
+  const bool isWanted = app != nullptr && app->regenerator().hasStatistics();
+  if (isWanted && !measured.empty()) app->print("\n" + measured + "\n");
+}
+
+bool tarnHostCancelWanted() {
+  HostApp* app = HostApp::instance();
+  const ProgressMeter::Call call(meter());
+  return app != nullptr && app->frontEnd().cancelWanted();
 }

@@ -45,6 +45,7 @@ class ACADHOST_EXPORT Regenerator {
   /// Adds to a counter of the current redraw. Safe from any thread.
   void count(const std::string& counter, long long amount);
   void setStatistics(bool on) { statistics_ = on; }
+  bool hasStatistics() const { return statistics_; }
   bool isDrawing() const { return depth_ > 0; }
 
  private:

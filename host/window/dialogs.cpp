@@ -124,15 +124,17 @@ size_t DialogBackend::choose(const std::string& question, const std::vector<std:
 
 std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& request) {
   QFileDialog dialog(parent_);
-  dialog.setWindowTitle(!request.title.empty() ? QString::fromStdString(request.title)
-                        : request.open         ? "Open"
-                                               : "Save as");
   dialog.setAcceptMode(request.open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
   dialog.setOption(QFileDialog::ShowDirsOnly, request.folder);
   dialog.setFileMode(request.folder                      ? QFileDialog::Directory
                      : request.several                   ? QFileDialog::ExistingFiles
                      : request.open && request.mustExist ? QFileDialog::ExistingFile
                                                          : QFileDialog::AnyFile);
+  // After the mode, which has a title of its own.
+  dialog.setWindowTitle(!request.title.empty() ? QString::fromStdString(request.title)
+                        : request.folder       ? "Choose a folder"
+                        : request.open         ? "Open"
+                                               : "Save as");
   dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
   dialog.setDefaultSuffix(plainExtension(request.defaultExtension));
   const QStringList filters = dialogFilters(request.filter);

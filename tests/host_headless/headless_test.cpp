@@ -8,6 +8,7 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "tarnform.h"
 #include "tarnhost.h"
 #include "tests/host_editor/scriptedhost.h"
 
@@ -35,6 +36,15 @@ void question() {
   noted += tarnHostQuestion("Build the pyramid?") ? "yes;" : "no;";
 }
 
+int lastPosition = 20;
+
+void workWithProgress() {
+  tarnHostBeginProgress("影像", 10, 20);
+  for (int i = 11; i <= lastPosition; ++i) tarnHostMoveProgress(i);
+  tarnHostCancelWanted();
+  tarnHostEndProgress();
+}
+
 class Headless : public testing::Test {
  protected:
   void SetUp() override {
@@ -46,6 +56,7 @@ class Headless : public testing::Test {
     ScriptedHost::addCommand(ACRX_T("OPENSEVERAL"), openSeveral);
     ScriptedHost::addCommand(ACRX_T("WRITEONE"), writeOne);
     ScriptedHost::addCommand(ACRX_T("QUESTION"), question);
+    ScriptedHost::addCommand(ACRX_T("WORK"), workWithProgress);
   }
   void TearDown() override { ASSERT_TRUE(removeAll(folder)); }
   std::string path(const char* name) const { return joinPath(folder, name); }
@@ -116,6 +127,22 @@ TEST_F(Headless, progressIsOneLineUnlessAtATerminal) {
   shown.progressBegin("Pyramid", 0, 10);
   shown.progressMove(5);
   EXPECT_NE(terminal.str().find("Pyramid 50 %"), std::string::npos);
+}
+
+TEST_F(Headless, statisticsSayHowFarProgressCame) {
+  EXPECT_EQ(host.run({"WORK"}).find("\"progress\""), std::string::npos) << "not asked for";
+  host.app().setStatistics(true);
+  const struct {
+    int last;
+    const char* moves;
+    const char* reached;
+  } cases[] = {{20, "\"moves\":10,", "\"reached\":1,"}, {15, "\"moves\":5,", "\"reached\":0.5,"}};
+  for (const auto& one : cases) {
+    lastPosition = one.last;
+    const std::string text = host.run({"WORK"});
+    for (const char* part : {"\"progress\":\"影像\"", one.moves, one.reached})
+      EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
+  }
 }
 
 TEST_F(Headless, picturesAndStatisticsShowTheDrawing) {

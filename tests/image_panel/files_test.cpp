@@ -157,6 +157,16 @@ TEST_F(PanelFiles, TipsSayWhatAnImageIs) {
   click("DRop", {other, ""});
   EXPECT_THAT(click("Tip 119", {other}), HasSubstr("注意："));
   EXPECT_THAT(click("Tip 119", {"影像列表"}), HasSubstr("影像：2，显示：2"));
+  host_.run("SETVAR LOCALE ENU");
+  const std::string english = click("Tip 119", {other});
+  for (const char* line : {"Size: 200 × 150 pixels\n", "Pixel size: 0.5 × 0.5\n", "Bands: 3\n",
+                           "Pyramid: ", "Coordinate system: ", "Note: "})
+    EXPECT_THAT(english, HasSubstr(line));
+  EXPECT_THAT(click("Tip 119", {"影像列表"}), HasSubstr("Images: 2, shown: 2"));
+  click("Click 119", {path});
+  click("Add 119", {other});
+  EXPECT_THAT(click("Right 119", {other, ""}), HasSubstr("Hide the selected\n"));
+  host_.run("SETVAR LOCALE CHS");
 }
 
 TEST_F(PanelFiles, WhatIsNoImageIsRefusedAndTheRestIsAdded) {

@@ -11,86 +11,9 @@ import time
 import rectifying
 import serving
 from desk import CANVAS, Desk, Failure, Picture, View, check, wait_until
-
-WEST, NORTH, UNIT = 40500000.0, 3512600.0, 0.5
-WIDE, HIGH = 800, 600  # pixels
-EAST, SOUTH = WEST + WIDE * UNIT, NORTH - HIGH * UNIT
-MIDDLE = ((WEST + EAST) / 2, (NORTH + SOUTH) / 2)
-COLORS = ((220, 40, 40), (40, 180, 60), (50, 80, 210), (230, 200, 40))  # upper left, upper right, lower left, lower right
-BACKGROUND = (33, 40, 48)
-QUARTERS = tuple((WEST + WIDE * UNIT * x, NORTH - HIGH * UNIT * y)
-                 for y in (0.3, 0.8) for x in (0.3, 0.8))
-
-
-def make_image(desk, name="ortho.tif"):
-    """Four coloured quarters with a position on the ground."""
-    half = WIDE // 2
-    rows = [bytes(COLORS[0]) * half + bytes(COLORS[1]) * half, bytes(COLORS[2]) * half + bytes(COLORS[3]) * half]
-    plain, path = desk.path("plain.ppm"), desk.path(name)
-    with open(plain, "wb") as out:
-        out.write(b"P6 %d %d 255\n" % (WIDE, HIGH) + rows[0] * (HIGH // 2) + rows[1] * (HIGH // 2))
-    subprocess.run(["gdal_translate", "-q", "-a_ullr", *(str(v) for v in (WEST, NORTH, EAST, SOUTH)), plain, path],
-                   check=True)
-    return path
-
-
-def make_drawing(desk, name="base.dxf"):
-    """Two lines beside the image."""
-    import ezdxf
-    drawing = ezdxf.new("R2010")
-    for north in (NORTH + 20, NORTH + 40):
-        drawing.modelspace().add_line((WEST, north), (EAST, north))
-    drawing.saveas(desk.path(name))
-    return desk.path(name)
-
-
-def content(path):
-    import ezdxf
-    return ezdxf.readfile(path)
-
-
-def dialog(desk, title):
-    return wait_until(f"dialog {title!r}", lambda: desk.run(
-        ["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split())[0]
-
-
-def answer_dialog(desk, title, text, prompt="Command:"):
-    """Waits for a file dialog, types the name and Enter.
-
-    The dialog completes what is typed; on a busy machine its list may come just before Enter and put a folder in the
-    place of the name. Then the name is typed once more.
-    """
-    def visible():
-        return desk.run(["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split()
-
-    for attempt in range(5):
-        window = dialog(desk, title)
-        desk.run(["xdotool", "windowactivate", "--sync", window])
-        desk.key("ctrl+a")
-        desk.type(text)
-        desk.key("Return")
-        try:
-            wait_until(f"end of {title!r}", lambda closing=window: closing not in visible(), 8)
-            break
-        except Failure:
-            if attempt == 4:
-                raise
-    if prompt:
-        desk.wait_prompt(prompt)
-
-
-def add_image_by_command(desk, path):
-    desk.enter("addImage", None)
-    answer_dialog(desk, "Open", path)
-
-
-def expect_quarters(desk, view):
-    desk.wait_colors([(view.pixel(at), color) for at, color in zip(QUARTERS, COLORS)])
-
-
-def near(a, b, tolerance):
-    return all(abs(x - y) <= tolerance for x, y in zip(a, b))
-
+from ground import (BACKGROUND, COLORS, EAST, MIDDLE, NORTH, QUARTERS, SOUTH, UNIT, WEST, WIDE, add_image_by_command,
+                    answer_dialog, content, dialog, expect_quarters, make_drawing, make_image, near, save)
+from imagelist import image_list, image_list_many
 
 def add_image(desk):
     """Open a drawing, add an image by command, zoom and pan by wheel and middle button."""
@@ -139,12 +62,6 @@ def add_image(desk):
     check(near(panned.ground(goal), at, 0.1 * panned.unit), "the ground follows the hand")
     desk.wait_colors([(panned.pixel(at), COLORS[0])])
     desk.shot("panned")
-
-
-def save(desk):
-    desk.enter("SAVE", None)
-    desk.wait_line(".*saved.*")
-    desk.wait_prompt("Command:")
 
 
 def line_ends(path):
@@ -424,92 +341,6 @@ def escape_walk(desk):
         desk.wait_prompt("Command:")
 
 
-def image_list(desk):
-    """The panel by mouse: add by its menu and the file dialog, hide, show, zoom, move, remove; it stays where it was."""
-    first, second = make_image(desk, "first.tif"), desk.path("second.tif")
-    subprocess.run(["gdal_translate", "-q", "-a_ullr", str(EAST), str(NORTH), str(EAST + WIDE * UNIT), str(SOUTH),
-                    first, second], check=True)
-    drawing = desk.path("list.dxf")
-    desk.start()
-    desk.enter("OpenImageList")
-
-    def item(text, part):
-        desk.enter("UICLICK 1131 Where 119", "Item:")
-        desk.type(text)
-        desk.key("Return")
-        found = desk.wait_line(r"box (\d+),(\d+) label (\d+),(\d+)")
-        desk.wait_prompt("Command:")
-        return tuple(int(v) for v in (found[1:3] if part == "box" else found[3:5]))
-
-    def menu(text, *keys):
-        at = item(text, "label")
-        beside = (at[0] + 40, at[1] + 12)
-        before = desk.picture().at(*beside)
-        desk.skip()
-        desk.click_pixel(at, button=3)
-        wait_until("menu", lambda: desk.picture().at(*beside) != before)
-        desk.shot("menu")
-        desk.key(*keys, "Return")
-
-    def stored():
-        save(desk)
-        return [tag.value for tag in content(drawing).rootdict["ImagePath"]["ImagePath"].tags if tag.code == 1]
-
-    def seen():
-        """The view, found by asking for the ground under two places: the panel takes room from the canvas."""
-        shape = dict(re.findall(r"(\w+)=(\d+)", desk.run(["xdotool", "getwindowgeometry", "--shell", desk.window])))
-        places = [(int(shape["X"]) + int(shape["WIDTH"]) * p // 10, int(shape["Y"]) + int(shape["HEIGHT"]) * 4 // 10)
-                  for p in (5, 8)]
-        grounds = []
-        for place in places:
-            desk.enter("ID", "Point:")
-            desk.click_pixel(place)
-            found = desk.wait_line(r"X = (\S+)  Y = (\S+)  Z = 0")
-            grounds.append((float(found[1]), float(found[2])))
-            desk.wait_prompt("Command:")
-        unit = (grounds[1][0] - grounds[0][0]) / (places[1][0] - places[0][0])
-        return View((places[0][0] + 0.5, places[0][1] + 0.5), grounds[0], unit, 0)
-
-    menu("#1", "Down")
-    answer_dialog(desk, "Open", f'"{first}" "{second}"')
-    desk.enter("ZOOM E")
-    view = seen()
-    expect_quarters(desk, view)
-    desk.shot("added")
-    gone = [(view.pixel(at), BACKGROUND) for at in QUARTERS]
-    for colors in (gone, [(view.pixel(at), color) for at, color in zip(QUARTERS, COLORS)]):
-        box = item(first, "box")
-        desk.skip()
-        desk.click_pixel(box)
-        desk.wait_prompt("Command:")
-        desk.wait_colors(colors)
-    desk.shot("shown-again")
-    label = item(second, "label")
-    desk.skip()
-    desk.click_pixel(label, times=2)
-    desk.wait_redraw()
-    desk.wait_prompt("Command:")
-    center = desk.point_variable("VIEWCTR")
-    check(near(center, (MIDDLE[0] + WIDE * UNIT, MIDDLE[1]), 1e-6), f"zoomed to {center}")
-    desk.shot("zoomed")
-
-    desk.skip()
-    desk.key("ctrl+s")
-    answer_dialog(desk, "Save drawing as", drawing)
-    wait_until("title", lambda: desk.title().endswith("list.dxf"))
-    check(stored() == [first, second], f"stored {stored()}")
-    menu(second, "Up", "Up")
-    desk.wait_redraw()
-    desk.wait_prompt("Command:")
-    check(stored() == [second, first], f"moved up: {stored()}")
-    menu(second, *["Down"] * 5)
-    desk.wait_line(".*" + second + ".*已被删除!")
-    desk.wait_prompt("Command:")
-    check(stored() == [first], f"removed: {stored()}")
-    desk.key("ctrl+q")
-    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
-
-
 def bad_input(desk):
     """Escape everywhere, commands inside commands, nonsense in a file dialog, closing in the middle."""
     drawing = make_drawing(desk)
@@ -640,7 +471,7 @@ def image_server(desk):
 
 JOURNEYS = {name: value for name, value in list(globals().items())
             if name in ("add_image", "edit", "keep", "draw", "erase_and_sheets", "bad_input", "plot", "rectify",
-                        "image_list", "image_server")}
+                        "image_list", "image_list_many", "image_server")}
 
 
 def main():
