@@ -58,6 +58,8 @@ class Shown final : public convert::BatchObserver {
 
   void finished(size_t item, const ItemResult& result) override {
     const bool done = result.state == State::kConverted;
+    // Its last steps are over sooner than they are told.
+    display_.move(static_cast<double>(item + 1) / static_cast<double>(items_.size()));
     const bool failed = result.state == State::kFailed;
     const std::string remark = !result.message.empty() ? result.message
                                : done                  ? joined(result.notes)
