@@ -63,12 +63,11 @@ void fillFileMenu(Builder& to, QMainWindow& window, const MenuHooks& hooks) {
   to.run("&New", "NEW", QKeySequence::New);
   to.run("&Open...", "OPEN", QKeySequence::Open, IconKind::kOpen);
   to.run("&Save", "SAVE", QKeySequence::Save, IconKind::kSave);
-  to.run("Save &as...", "SAVEAS", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
-  to.run("&Close", "CLOSE", QKeySequence(Qt::CTRL | Qt::Key_W));
+  to.run("Save &as...", "SAVEAS", QKeySequence("Ctrl+Shift+S"));
+  to.run("&Close", "CLOSE", QKeySequence("Ctrl+W"));
   to.separate();
   to.separateTools();
-  to.add("Add &images...", hooks.addImages, QKeySequence(Qt::CTRL | Qt::Key_I),
-         IconKind::kAddImages);
+  to.add("Add &images...", hooks.addImages, QKeySequence("Ctrl+I"), IconKind::kAddImages);
   to.run("Image ser&vers...", "IMAGESERVER");
   to.run("Save &picture...", "PNGOUT", {}, IconKind::kSavePicture);
   to.run("P&lot...", "PLOT", QKeySequence::Print);
@@ -81,9 +80,8 @@ void fillFileMenu(Builder& to, QMainWindow& window, const MenuHooks& hooks) {
 void fillEditMenu(Builder& to) {
   to.begin("&Edit");
   to.run("&Undo", "U", QKeySequence::Undo, IconKind::kUndo);
-  to.run("&Redo", "REDO", QKeySequence(Qt::CTRL | Qt::Key_Y), IconKind::kRedo)
-      .setShortcuts(
-          {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+  to.run("&Redo", "REDO", QKeySequence("Ctrl+Y"), IconKind::kRedo)
+      .setShortcuts({QKeySequence("Ctrl+Y"), QKeySequence("Ctrl+Shift+Z")});
   to.separate();
   to.separateTools();
   to.run("&Copy", "COPYCLIP", QKeySequence::Copy);
@@ -101,7 +99,7 @@ void fillViewMenu(Builder& to, const MenuHooks& hooks) {
   to.separate();
   to.add("&Regenerate", hooks.regenerate, Qt::Key_F5, IconKind::kRegenerate);
   to.separate();
-  to.run("Image &list", "OpenImageList", QKeySequence(Qt::CTRL | Qt::Key_L));
+  to.run("Image &list", "OpenImageList", QKeySequence("Ctrl+L"));
 }
 
 void fillHelpMenu(Builder& to, const MenuHooks& hooks) {

@@ -22,7 +22,7 @@ QString durationText(double seconds) {
 }
 
 QString timesText(double seconds, double part) {
-  const QString gone = durationText(seconds) + " gone";
+  QString gone = durationText(seconds) + " gone";
   if (seconds < kSoonestGuess || part < kLeastForGuess || part >= 1) return gone;
   return gone + ", about " + durationText(seconds * (1 - part) / part) + " left";
 }
