@@ -132,7 +132,7 @@ TEST_F(ServerImages, ThePanelSwitchesMovesZoomsAndRemovesThem) {
 }
 
 TEST_F(ServerImages, AChangedFileIsSeenAtTheNextRedraw) {
-  ClientTimes times = shortTimes();
+  ClientTimes times = TarnClientManager::times();
   times.believed = 0;
   TarnClientManager::setTimes(times);
   useServer(server_->portText());

@@ -50,7 +50,6 @@ TEST_F(FaultyServer, TheOtherImagesAreDrawnWhateverItDoes) {
 }
 
 TEST_F(FaultyServer, StoppingEndsTheWaitAndTheOthersAreDrawn) {
-  TarnClientManager::setTimes({});
   FaultServer server(flat());
   addBoth(server);
   server.setFault(Fault::kStalled);

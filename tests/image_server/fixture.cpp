@@ -38,7 +38,10 @@ void ServerImages::TearDownTestSuite() {
 }
 
 void ServerImages::SetUp() {
-  TarnClientManager::setTimes(shortTimes());
+  // As patient as ever: only the pause is short.
+  ClientTimes times;
+  times.pause = shortTimes().pause;
+  TarnClientManager::setTimes(times);
   host_ = std::make_unique<ModuleHost>();
   ASSERT_TRUE(
       acrxDynamicLinker->loadModule(toWide(TARN_BIN_DIR "/adapter_autocad.arx").c_str(), false));
