@@ -216,7 +216,7 @@ Status JpegRowWriter::finish() {
 
 Status JpegRowWriter::check() const {
   constexpr size_t kPiece = 1 << 20;
-  const Status damaged = Status::error(path_ + ": cannot be read back as it was written");
+  Status damaged = Status::error(path_ + ": cannot be read back as it was written");
   RandomFile file;
   if (Status opened = file.open(path_); !opened) return opened;
   MarkerWalk walk;

@@ -43,7 +43,7 @@ class RasterImage {
                                                    const OpenOptions& options);
   /// Opens a tiled TIFF with reduced levels whose bytes come from far away. It has no side files
   /// and no pyramid but what is in it. The reason of a failure names it.
-  static Result<std::shared_ptr<RasterImage>> open(std::shared_ptr<const RemoteBytes> bytes);
+  static Result<std::shared_ptr<RasterImage>> open(const std::shared_ptr<const RemoteBytes>& bytes);
   ~RasterImage();
   RasterImage(const RasterImage&) = delete;
   RasterImage& operator=(const RasterImage&) = delete;
@@ -106,7 +106,7 @@ class RasterImage {
  private:
   RasterImage() = default;
   Status load(const std::string& path, const OpenOptions& options);
-  Status loadRemote(std::shared_ptr<const RemoteBytes> bytes);
+  Status loadRemote(const std::shared_ptr<const RemoteBytes>& bytes);
   void describeNotes();
   void presentOwnLevels();
   /// Makes the levels of remote bytes fetch the tiles of a view together.

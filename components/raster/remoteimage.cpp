@@ -13,15 +13,16 @@ constexpr size_t kMostRemotePictures = 64;
 
 }  // namespace
 
-Result<std::shared_ptr<RasterImage>> RasterImage::open(std::shared_ptr<const RemoteBytes> bytes) {
+Result<std::shared_ptr<RasterImage>> RasterImage::open(
+    const std::shared_ptr<const RemoteBytes>& bytes) {
   std::shared_ptr<RasterImage> image(new RasterImage());
   image->id_ = TileCache::newImage();
   image->ownTilesId_ = TileCache::newImage();
-  if (Status loaded = image->loadRemote(std::move(bytes)); !loaded) return loaded;
+  if (Status loaded = image->loadRemote(bytes); !loaded) return loaded;
   return image;
 }
 
-Status RasterImage::loadRemote(std::shared_ptr<const RemoteBytes> bytes) {
+Status RasterImage::loadRemote(const std::shared_ptr<const RemoteBytes>& bytes) {
   path_ = bytes->name();
   remote_ = bytes;
   file_ = bytes;
