@@ -142,7 +142,7 @@ QString WindowTest::state() const {
 }
 
 int WindowTest::regenerations() const {
-  return history().count("\n{") + (history().startsWith('{') ? 1 : 0);
+  return history().count("\n{\"ms\"") + (history().startsWith("{\"ms\"") ? 1 : 0);
 }
 
 host::GroundPoint WindowTest::groundUnder(QPoint local) const {
