@@ -14,19 +14,19 @@ image=$folder/ortho$size.tif
 [ -f "$image" ] || "$bin/tarnortho" "$image" "$size" "$size"
 profile=$(mktemp -d); trap 'rm -r "$profile"; rm -rf "$image.ovr" "$folder/converted"' EXIT
 
-# The conversion's window waits for a user at its end, so it is measured without one.
-script() {
-  printf '%s\n' "SETVAR FILEDIA 0" addImage "$image" "${conversion[@]}" "SETVAR FILEDIA 1" QUIT Y
-}
+fresh() { rm -rf "$image.ovr" "$folder/converted"; cat "$image" > /dev/null; }
+measured() { tr '\r' '\n' < "$1" | grep -a '^{"' | grep -a '"progress"'; }
 
-run() {
-  rm -rf "$image.ovr" "$folder/converted"
-  cat "$image" > /dev/null
-  echo "$1:"
-  script | "${@:2}" "$bin/cadhost" "${options[@]}" --profile "$profile" --stats --size 1280x800 --script - |
-    tr '\r' '\n' | grep '^{"' | grep '"progress"'
-}
+echo "without a window:"
+fresh
+printf '%s\n' "SETVAR FILEDIA 0" addImage "$image" "" ImageConversion "$image" "" 1 4 75 1 "" No No 2 \
+  "$folder/converted" "SETVAR FILEDIA 1" |
+  "$bin/cadhost" --headless --profile "$profile" --stats --script - > "$profile/out"
+measured "$profile/out"
 
-conversion=(ImageConversion "$image" "" 1 4 75 1 "" No No 2 "$folder/converted")
-options=(--headless); run "without a window" env
-conversion=(); options=(); run "with a window" env QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1920x1080x24"
+echo "with a window:"
+fresh
+QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1920x1080x24" "$bin/cadhost" --profile "$profile" --stats \
+  --log "$profile/log" "$image" > /dev/null 2>&1 &
+until measured "$profile/log" 2> /dev/null || ! kill -0 $! 2> /dev/null; do sleep 0.5; done
+pkill -P $! cadhost; wait $! || true
