@@ -12,11 +12,10 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// An entity whose protected operations a test may call.
+/// An entity that takes sources from a test.
 class OpenImage : public CCadImage {
  public:
   using CCadImage::setImgInfoMap;
-  using CCadImage::subWorldDraw;
 };
 
 TEST_F(ServerImages, AreThePicturesOfTheLocalFiles) {
@@ -52,7 +51,7 @@ TEST_F(ServerImages, AreDrawnAfterLocalOnesInTheOrderOfTheList) {
   ASSERT_TRUE(image);
   EXPECT_EQ(image->serverSources().size(), 2U);
   RecordingWorldDraw draw;
-  static_cast<OpenImage*>(image.get())->subWorldDraw(&draw);
+  image->worldDraw(&draw);
   ASSERT_EQ(draw.recorded.images.size(), 3U);
   const double flat = 501300;
   // The local one, then those of the server as they are listed.
@@ -70,7 +69,7 @@ TEST_F(ServerImages, ASliverInViewEndsTheDrawing) {
     host_->run(view);
     OpenedImage image(record(), AcDb::kForWrite);
     RecordingWorldDraw draw;
-    static_cast<OpenImage*>(image.get())->subWorldDraw(&draw);
+    image->worldDraw(&draw);
     return draw.recorded.images.size();
   };
   // "flat.tif" begins at 501300 and "east side" ends there; half a unit is a pixel.
