@@ -16,8 +16,10 @@ namespace tarn::host {
 
 namespace {
 
-/// Long operations ask often; the window is painted and keys are looked for this many times less.
+/// The longest that events are handled at a time, and after which queued input is looked at again.
 constexpr qint64 kPumpMilliseconds = 30;
+/// Long operations ask often; the window is painted and keys are looked for this seldom.
+constexpr qint64 kLookMilliseconds = 100;
 constexpr const char* kCommandPrompt = "Command:";
 
 }  // namespace
@@ -203,7 +205,7 @@ void WindowFrontEnd::cancelHandled() {
 }
 
 void WindowFrontEnd::pumpSometimes() {
-  if (sincePump_.elapsed() >= kPumpMilliseconds) pump();
+  if (sincePump_.elapsed() >= kLookMilliseconds) pump();
 }
 
 void WindowFrontEnd::pump() {
