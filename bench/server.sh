@@ -17,7 +17,7 @@ cat >"$work/nginx.conf" <<CONF
 daemon off; worker_processes 1; pid $work/nginx.pid; error_log $work/error.log; user $(id -un);
 events { worker_connections 2048; }
 http { access_log $work/access.log; client_body_temp_path $work/b; proxy_temp_path $work/p; fastcgi_temp_path $work/f;
-       uwsgi_temp_path $work/u; scgi_temp_path $work/s; sendfile on; tcp_nopush on; keepalive_requests 100000;
+       uwsgi_temp_path $work/u; scgi_temp_path $work/s; sendfile on; tcp_nopush off; keepalive_requests 100000;
        server { listen 127.0.0.1:$port; root $work/store; } }
 CONF
 /usr/sbin/nginx -c "$work/nginx.conf" -p "$work" -e "$work/error.log" & pids+=($!)
