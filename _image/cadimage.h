@@ -130,11 +130,11 @@ class CCadImage : public AcDbEntity {
   bool GetImageDataFile(TarnClientManager*& client, Division& division, bool& isNetwork);
   /// Opens an image of a server by its name ("HOST:PORT/DIR:FILE.tif"). The client is the
   /// caller's. False, after a message, when it is loaded already or cannot be reached.
-  bool GetImageDataFile(const std::wstring& specification, TarnClientManager*& client,
+  bool GetImageDataFile(const std::wstring& imageName, TarnClientManager*& client,
                         bool isServer) const;
   /// The same without messages. False without a client when the name is none; with one, which may
   /// be ready later, when the image cannot be reached.
-  static bool openServerImage(const std::wstring& specification, bool isServer,
+  static bool openServerImage(const std::wstring& imageName, bool isServer,
                               std::unique_ptr<TarnClientManager>& manager);
   bool GetImageData(TarnClientManager* client, int& width, int& height, double& a, double& e,
                     double& y0, double& x0, double& right, double& bottom) const;

@@ -45,25 +45,25 @@ bool CCadImage::GetImageDataFile(TarnClientManager*& client, Division& division,
   return true;
 }
 
-bool CCadImage::GetImageDataFile(const std::wstring& specification, TarnClientManager*& client,
+bool CCadImage::GetImageDataFile(const std::wstring& imageName, TarnClientManager*& client,
                                  bool isServer) const {
-  if (holds(specification)) {
-    printMessage(L"\n%1该影像文件已被加载！", specification);
+  if (holds(imageName)) {
+    printMessage(L"\n%1该影像文件已被加载！", imageName);
     return false;
   }
   std::unique_ptr<TarnClientManager> manager;
-  if (!openServerImage(specification, isServer, manager)) {
+  if (!openServerImage(imageName, isServer, manager)) {
     // The client has told why; a name that leads to none has not.
-    if (!manager) printMessage(L"\n%1：打开影像出错", specification);
+    if (!manager) printMessage(L"\n%1：打开影像出错", imageName);
     return false;
   }
   client = manager.release();
   return true;
 }
 
-bool CCadImage::openServerImage(const std::wstring& specification, bool isServer,
+bool CCadImage::openServerImage(const std::wstring& imageName, bool isServer,
                                 std::unique_ptr<TarnClientManager>& manager) {
-  const std::optional<ServerImage> where = tarn::image::parseServerImage(specification);
+  const std::optional<ServerImage> where = tarn::image::parseServerImage(imageName);
   if (!where) return false;
   manager = std::make_unique<TarnClientManager>();
   manager->setIsServe(isServer);

@@ -45,7 +45,7 @@ class AbsImageClient {
   using Releaser = std::function<bool(const kel::DString& path)>;
   /// Sets the one releaser of the process; an empty one takes it out.
   static void setReleaser(Releaser releaser);
-  /// Releases an image by its path or server specification; false when nobody holds it.
+  /// Releases an image by its path or name on a server; false when nobody holds it.
   static bool close(const kel::DString& path);
 
  protected:

@@ -13,7 +13,7 @@ namespace {
 
 using tarn::client::ServerFolders;
 
-/// The configured servers that a specification can name.
+/// The configured servers that the name of an image can begin with.
 std::vector<ServerFolders::Server> servers() {
   std::vector<ServerFolders::Server> out;
   for (const kel::ImageServer& server :
@@ -39,8 +39,8 @@ LOADWAY QFileFind::loadImgWay() {
   return tarn::client::configured(kel::kLoadWayKey) == "1" ? LOADWAY::kServer : LOADWAY::kLocal;
 }
 
-kel::StringList QFileFind::getImgInfo(kel::DString& specification) {
-  specification = {};
+kel::StringList QFileFind::getImgInfo(kel::DString& imageName) {
+  imageName = {};
   const auto tell = [this](const std::string& message) {
     callback_ ? callback_(message.c_str()) : tarn::client::tellUser(message);
   };
@@ -59,6 +59,6 @@ kel::StringList QFileFind::getImgInfo(kel::DString& specification) {
   };
   listing.preview = [folders](const kel::DString& image) { return folders->preview(image.str()); };
   const kel::StringList chosen = tarn::client::chooseFromListing(listing);
-  if (!chosen.empty()) specification = chosen.front();
+  if (!chosen.empty()) imageName = chosen.front();
   return chosen;
 }

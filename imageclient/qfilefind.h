@@ -5,8 +5,8 @@
 
 enum class LOADWAY { kServer = 1, kLocal = 2 };
 
-/// The servers stand in the configuration (inc/kimageservers.h). An image on one is named by its
-/// specification "HOST:PORT/DIR:DIR:FILE.tif", which a display name may precede:
+/// The servers stand in the configuration (inc/kimageservers.h). An image on one is named
+/// "HOST:PORT/DIR:DIR:FILE.tif", which a display name may precede:
 /// "NAME%$#@HOST:PORT/DIR:DIR:FILE.tif". Names are as the server's files have them (UTF-8, not
 /// percent-encoded).
 class QFileFind {
@@ -21,9 +21,9 @@ class QFileFind {
   LOADWAY loadImgWay();
 
   /// Lets the user choose among what the configured servers offer (IUserInterface). Returns the
-  /// specifications of the chosen images and sets `specification` to the first of them; both are
+  /// names of the chosen images and sets `imageName` to the first of them; both are
   /// empty when the user chose none.
-  kel::StringList getImgInfo(kel::DString& specification);
+  kel::StringList getImgInfo(kel::DString& imageName);
 
  private:
   QFileFind() = default;

@@ -36,7 +36,7 @@ std::string decodedText(const std::string& text);
 /// "http://HOST:PORT" + encodedPath(path).
 std::string urlOf(const ServerPlace& place, const std::string& path);
 
-/// Whether an image of that path can be named in a specification, which gives ':' and the separator
+/// Whether an image of that path can be named by a text, which gives ':' and the separator
 /// a meaning of their own.
 bool canBeSpecified(const std::string& path);
 

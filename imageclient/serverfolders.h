@@ -37,7 +37,7 @@ class ServerFolders {
       : servers_(std::move(servers)), times_(times) {}
 
   bool isEmpty() const { return servers_.empty(); }
-  /// As kel::Listing::read. The key of an image is its specification; the top holds the servers, or
+  /// As kel::Listing::read. The key of an image is its name; the top holds the servers, or
   /// what a single one holds.
   std::string read(const std::string& key, kel::List<kel::ListingEntry>& entries);
   /// As kel::Listing::preview.

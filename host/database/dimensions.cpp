@@ -115,9 +115,9 @@ Acad::ErrorStatus AcDbDimension::subGetGripPoints(AcGePoint3dArray& gripPoints, 
 bool AcDbDimension::sharesBlock() const {
   const AcDbDatabase* owner = values_.block.database();
   if (owner == nullptr) return false;
-  for (const auto& [handle, stub] :
+  for (const auto& [handle, slot] :
        tarn::host::ObjectAccess::state(const_cast<AcDbDatabase&>(*owner)).stubs) {
-    const auto* other = AcDbDimension::cast(stub->object.get());
+    const auto* other = AcDbDimension::cast(slot->object.get());
     if (other != nullptr && other != this && !other->isErased() &&
         other->values_.block == values_.block) {
       return true;

@@ -79,13 +79,13 @@ void linkDictionary(DrawingBinding& binding, const BoundObject& bound) {
 void implyLayouts(DrawingBinding& binding) {
   std::set<AcDbStub*> before;
   auto& stubs = ObjectAccess::state(*binding.database).stubs;
-  for (const auto& [handle, stub] : stubs) before.insert(stub);
+  for (const auto& [handle, slot] : stubs) before.insert(slot);
   completeLayouts(*binding.database);
-  for (const auto& [handle, stub] : stubs) {
-    if (before.count(stub) == 0) binding.implied.insert(stub);
+  for (const auto& [handle, slot] : stubs) {
+    if (before.count(slot) == 0) binding.implied.insert(slot);
     // A broken layout of the same name has made room; in the file it stays.
-    ObjectAccess::setErased(*stub->object, false);
-    ObjectAccess::finishReading(*stub->object);
+    ObjectAccess::setErased(*slot->object, false);
+    ObjectAccess::finishReading(*slot->object);
   }
 }
 

@@ -210,9 +210,9 @@ class DrawingWriter {
         ObjectAccess::setChanged(*object);
         again = true;
       };
-      for (const auto& [handle, stub] : stubs) {
-        AcDbObject* object = stub->object.get();
-        if (!stub->changed || object->isErased() || known_.count(stub) > 0) continue;
+      for (const auto& [handle, slot] : stubs) {
+        AcDbObject* object = slot->object.get();
+        if (!slot->changed || object->isErased() || known_.count(slot) > 0) continue;
         const auto* dictionary = AcDbDictionary::cast(object);
         if (dictionary == nullptr && !object->isKindOf(AcDbXrecord::desc()) &&
             !object->isKindOf(AcDbLayout::desc())) {
@@ -235,9 +235,9 @@ class DrawingWriter {
     std::map<std::string, std::string> defined;  // by table
     std::vector<const AcDbBlockTableRecord*> blocks;
     std::map<AcDbStub*, std::string> byBlock;
-    for (const auto& [handle, stub] : ObjectAccess::state(*binding_.database).stubs) {
-      AcDbObject* object = stub->object.get();
-      if (known_.count(stub) > 0 || object->isErased() || !stub->changed) continue;
+    for (const auto& [handle, slot] : ObjectAccess::state(*binding_.database).stubs) {
+      AcDbObject* object = slot->object.get();
+      if (known_.count(slot) > 0 || object->isErased() || !slot->changed) continue;
       const ObjectAccess::Look look(*object);
       if (const auto* entity = AcDbEntity::cast(object)) {
         byBlock[entity->blockId()] += entityBytes(*entity, nullptr);
@@ -251,7 +251,7 @@ class DrawingWriter {
         defined[table] += writeDefinedRecord(binding_, *AcDbSymbolTableRecord::cast(object),
                                              handleInFile(object->ownerId()));
       } else if (const auto* block = AcDbBlockTableRecord::cast(object)) {
-        if (binding_.implied.count(stub) > 0) continue;
+        if (binding_.implied.count(slot) > 0) continue;
         blocks.push_back(block);
         blockRecords +=
             writeBlockRecord(binding_, *block, handleInFile(binding_.database->blockTableId()));
@@ -424,9 +424,9 @@ class DrawingWriter {
 std::string reasonAgainstOld(const DrawingBinding& binding) {
   std::set<AcDbStub*> known;
   for (const BoundObject& bound : binding.bound) known.insert(bound.id);
-  for (const auto& [handle, stub] : ObjectAccess::state(*binding.database).stubs) {
-    AcDbObject* object = stub->object.get();
-    if (known.count(stub) > 0 || object->isErased() || !stub->changed) continue;
+  for (const auto& [handle, slot] : ObjectAccess::state(*binding.database).stubs) {
+    AcDbObject* object = slot->object.get();
+    if (known.count(slot) > 0 || object->isErased() || !slot->changed) continue;
     const auto* entity = AcDbEntity::cast(object);
     if (object->isKindOf(AcDbSymbolTable::desc()) ||
         object->isKindOf(AcDbBlockTableRecord::desc())) {

@@ -49,13 +49,13 @@ Status modernize(DrawingBinding& binding) {
   binding.hasHandles = true;
   for (BoundObject& bound : binding.bound) bound.first = placeOf(bound.id.handle().value());
   for (auto each = binding.implied.begin(); each != binding.implied.end();) {
-    AcDbStub* stub = *each;
-    const std::uint32_t place = placeOf(stub->handle.value());
-    if (place != 0) binding.bound.push_back({AcDbObjectId(stub), place, 1});
+    AcDbStub* slot = *each;
+    const std::uint32_t place = placeOf(slot->handle.value());
+    if (place != 0) binding.bound.push_back({AcDbObjectId(slot), place, 1});
     // Newer drawings name every layer that an entity is on, and have a layout for every sheet.
-    if (place == 0 && (stub->object->isKindOf(AcDbLayerTableRecord::desc()) ||
-                       stub->object->isKindOf(AcDbLayout::desc()))) {
-      ObjectAccess::setChanged(*stub->object);
+    if (place == 0 && (slot->object->isKindOf(AcDbLayerTableRecord::desc()) ||
+                       slot->object->isKindOf(AcDbLayout::desc()))) {
+      ObjectAccess::setChanged(*slot->object);
     }
     each = place != 0 ? binding.implied.erase(each) : std::next(each);
   }

@@ -60,7 +60,7 @@ class Modernizer {
     const auto parsed = TagDocument::parse(newDrawingBytes(kVersion), "new drawing");
     model_ = parsed.value();
     for (const BoundObject& bound : old_.bound) idOf_.emplace(bound.first, bound.id);
-    for (const auto& [handle, stub] : ObjectAccess::state(*old_.database).stubs) {
+    for (const auto& [handle, slot] : ObjectAccess::state(*old_.database).stubs) {
       used_.insert(handle);
     }
     matchTemplate();

@@ -111,13 +111,13 @@ TEST_F(Finder, TheUserWalksThroughFoldersAndSeesPictures) {
     EXPECT_EQ(entries[0].footprint.top, 3400000);
     return {key};
   };
-  kel::DString specification;
-  const kel::StringList chosen = QFileFind::Instance().getImgInfo(specification);
+  kel::DString imageName;
+  const kel::StringList chosen = QFileFind::Instance().getImgInfo(imageName);
   EXPECT_THAT(chosen, testing::ElementsAre(kel::DString(key)));
-  EXPECT_EQ(specification.str(), key);
+  EXPECT_EQ(imageName.str(), key);
   recorded().choose = nullptr;
-  EXPECT_TRUE(QFileFind::Instance().getImgInfo(specification).empty());
-  EXPECT_TRUE(specification.isEmpty());
+  EXPECT_TRUE(QFileFind::Instance().getImgInfo(imageName).empty());
+  EXPECT_TRUE(imageName.isEmpty());
 }
 
 TEST_F(Finder, ReleasingByPathGoesToWhoHoldsTheImages) {
