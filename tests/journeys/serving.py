@@ -4,7 +4,7 @@ import socket
 import subprocess
 import urllib.request
 
-from desk import check, wait_until
+from desk import Failure, check, wait_until
 
 FOLDER, NAME = "east side", "正射 100%.tif"
 CONFIGURATION = """daemon off; master_process off; pid {0}/nginx.pid; error_log {0}/error.log;
@@ -53,28 +53,40 @@ def dialog(desk, title):
     return found
 
 
+def confirm(desk, window, title):
+    """Enter until the dialog is gone: a cell that is still being closed swallows one."""
+    for _ in range(5):
+        desk.key("Return")
+        try:
+            wait_until(f"end of {title!r}", lambda: window not in desk.run(
+                ["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split(), 5)
+            break
+        except Failure:
+            continue
+    desk.wait_prompt("Command:")
+
+
 def set_server(desk, address):
     """IMAGESERVER by keys: images come from servers, and one of them is listed."""
     desk.enter("IMAGESERVER", None)
-    dialog(desk, "Image servers")
+    settings = dialog(desk, "Image servers")
     desk.key("Up", "Tab", "Tab", "space")
     desk.type("office")
     desk.key("Tab")
     desk.type(address)
     desk.shot("settings")
-    desk.key("Return", "Return")
-    desk.wait_prompt("Command:")
+    desk.key("Return")
+    confirm(desk, settings, "Image servers")
 
 
 def choose(desk, text):
     """addImage: looks for a text in all folders and takes the first image found."""
     desk.enter("addImage", None)
-    dialog(desk, "影像服务器")
+    chooser = dialog(desk, "影像服务器")
     desk.type(text)
     desk.key("Return")
     desk.shot("chooser")
-    desk.key("Return")
-    desk.wait_prompt("Command:")
+    confirm(desk, chooser, "影像服务器")
 
 
 def stored(drawing):
