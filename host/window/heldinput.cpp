@@ -1,15 +1,32 @@
 #include "host/window/heldinput.h"
 
 #include <QCoreApplication>
+#include <QMouseEvent>
+#include <QWheelEvent>
 #include <QWindow>
+#include <utility>
 
 namespace tarn::host {
 
 void HeldInput::releaseTo(QObject& target) {
-  for (const QKeyEvent& key : keys_) {
-    QCoreApplication::postEvent(&target, new QKeyEvent(key));  // owned by the queue
+  for (Kept& one : std::exchange(kept_, {})) {
+    const bool isKey = one.event->type() == QEvent::KeyPress;
+    QObject* receiver = isKey ? &target : one.receiver.data();
+    if (receiver != nullptr) QCoreApplication::postEvent(receiver, one.event.release());
   }
-  keys_.clear();
+}
+
+void HeldInput::keep(QObject* watched, const QEvent& event) {
+  Kept one;
+  one.receiver = watched;
+  if (event.type() == QEvent::KeyPress) {
+    one.event = std::make_unique<QKeyEvent>(static_cast<const QKeyEvent&>(event));
+  } else if (event.type() == QEvent::Wheel) {
+    one.event = std::make_unique<QWheelEvent>(static_cast<const QWheelEvent&>(event));
+  } else {
+    one.event = std::make_unique<QMouseEvent>(static_cast<const QMouseEvent&>(event));
+  }
+  kept_.push_back(std::move(one));
 }
 
 bool HeldInput::isOpen(const QObject* watched) const {
@@ -25,10 +42,10 @@ bool HeldInput::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::KeyPress: {
       const auto& key = static_cast<QKeyEvent&>(*event);
-      if (key.key() == Qt::Key_Escape) {
+      if (key.key() == Qt::Key_Escape && !keepsAll_) {
         escape_();
       } else {
-        keys_.push_back(key);
+        keep(watched, key);
       }
       return true;
     }
@@ -36,10 +53,18 @@ bool HeldInput::eventFilter(QObject* watched, QEvent* event) {
       // Accepted: no shortcut of the menus runs now, the key comes as a key press.
       event->accept();
       return true;
-    case QEvent::KeyRelease:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+      if (!keepsAll_) return false;
+      keep(watched, *event);
+      return true;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::Wheel:
+      if (keepsAll_) keep(watched, *event);
+      event->ignore();
+      return true;
+    case QEvent::KeyRelease:
     case QEvent::ContextMenu:
     case QEvent::DragEnter:
     case QEvent::DragMove:

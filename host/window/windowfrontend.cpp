@@ -89,6 +89,8 @@ std::optional<std::string> WindowFrontEnd::readLine(const std::string& prompt, I
   transcript_.waits(prompt);
   releaseHeldInput();
   while (!reader.done) reader.loop.exec();
+  QCoreApplication::instance()->removeEventFilter(held_.get());
+  held_->keepAll(false);
   readers_.pop_back();
   print("\n" + prompt + reader.line.value_or("") + "\n");
   showPrompt();
@@ -152,17 +154,23 @@ void WindowFrontEnd::settleView() {
 void WindowFrontEnd::give(const std::string& line) {
   settleView();
   if (readers_.empty()) return;
-  readers_.back()->line = line;
-  readers_.back()->done = true;
-  readers_.back()->loop.quit();
+  endRead(line);
 }
 
 void WindowFrontEnd::cancelRead() {
   settleView();
   if (readers_.empty()) return;
-  readers_.back()->line.reset();
-  readers_.back()->done = true;
-  readers_.back()->loop.quit();
+  endRead(std::nullopt);
+}
+
+/// The loop ends after this turn; what else has come in the same turn is for the next question.
+void WindowFrontEnd::endRead(std::optional<std::string> line) {
+  Reader& reader = *readers_.back();
+  reader.line = std::move(line);
+  reader.done = true;
+  held_->keepAll(true);
+  QCoreApplication::instance()->installEventFilter(held_.get());
+  reader.loop.quit();
 }
 
 void WindowFrontEnd::close() {
@@ -213,9 +221,11 @@ void WindowFrontEnd::pump() {
   pumping_ = true;
   tellState();
   operations_->tick();
+  const bool keptAll = held_->keepAll(false);
   QCoreApplication::instance()->installEventFilter(held_.get());
   QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(kPumpMilliseconds));
-  QCoreApplication::instance()->removeEventFilter(held_.get());
+  held_->keepAll(keptAll);
+  if (!keptAll) QCoreApplication::instance()->removeEventFilter(held_.get());
   pumping_ = false;
   sincePump_.restart();
 }

@@ -94,6 +94,7 @@ class WindowFrontEnd final : public FrontEnd {
   std::optional<std::string> nextLine();
   void showPrompt();
   void settleView();
+  void endRead(std::optional<std::string> line);
   void pump();
   void pumpSometimes();
 

@@ -135,6 +135,30 @@ TEST_F(CommandTest, ClicksGivePointsAndTheViewMovesMeanwhile) {
   EXPECT_NEAR(app_->view().centerY, (ground.y + 20.25) / 2, 1e-6);
 }
 
+TEST_F(CommandTest, WhatComesInTheSameTurnAsAnAnswerIsForTheNextQuestion) {
+  const QPoint corner(200, 150);
+  const host::GroundPoint ground = groundUnder(corner);
+  const std::string end = std::to_string(ground.x) + "," + std::to_string(ground.y);
+  play({
+      [&] { enter("line"); },
+      [&] {
+        enter("0,0");
+        enter(QString::fromStdString(end));
+        enter("");
+      },
+      [&] { enter("id"); },
+      [&] {
+        enter("end");
+        QTest::mouseClick(&window_->canvas(), Qt::LeftButton, {}, corner + QPoint(3, -2));
+      },
+  });
+  EXPECT_FALSE(app_->commandActive());
+  EXPECT_TRUE(
+      history().contains(QString::fromStdString("X = " + std::to_string(ground.x).substr(0, 5))))
+      << history().toStdString();
+  EXPECT_TRUE(history().contains("Point: end\nof ")) << history().toStdString();
+}
+
 TEST_F(CommandTest, EscapeCancelsAWaitingCommand) {
   play({
       [&] { enter("line"); },
