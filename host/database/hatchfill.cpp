@@ -89,6 +89,11 @@ std::vector<double> crossings(const std::vector<Rim>& rims, const AcGePoint3d& b
   return places;
 }
 
+/// Beyond, a sum no longer grows by one.
+bool canCount(double value) {
+  return std::fabs(value) < 1e12;
+}
+
 class LineFiller {
  public:
   LineFiller(const AcDbHatchLines& pattern, std::vector<std::pair<AcGePoint3d, AcGePoint3d>>& lines)
@@ -101,7 +106,8 @@ class LineFiller {
   bool fill(const AcGePoint3d& base, const AcGeVector3d& along, double from, double to) {
     if (!(period_ > 0)) return add(base + along * from, base + along * to);
     double at = std::floor(from / period_) * period_;
-    if ((to - at) / period_ * static_cast<double>(dashes_.size()) > kMostPieces) return false;
+    if (!((to - at) / period_ * static_cast<double>(dashes_.size()) <= kMostPieces)) return false;
+    if (!canCount(from / period_) || !canCount(to / period_)) return false;
     while (at < to) {
       for (const double dash : dashes_) {
         const double low = std::max(from, at);
@@ -142,6 +148,7 @@ bool fillLines(const std::vector<Rim>& rims, const AcDbHatchLines& pattern,
     }
   }
   const double count = high - low;
+  if (!canCount(low) || !canCount(high)) return false;
   if (!(count <= kMostLines) || count * static_cast<double>(sides) > kMostCrossings) return false;
   LineFiller filler(pattern, lines);
   for (double number = std::ceil(low); number <= high; ++number) {

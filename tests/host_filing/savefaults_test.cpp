@@ -1,11 +1,13 @@
-// Saving when the system refuses: each call of it fails once.
+// Saving when the system refuses, or the process ends, at each call that changes the disk.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include "base/file.h"
 #include "base/path.h"
@@ -14,14 +16,26 @@
 
 namespace {
 
-/// The calls that change something on the disk; the one that makes it 0 fails.
+enum class Fault { kOnce, kFromThenOn, kShortWrite, kKilled };
+
+/// Of the calls that change something on the disk; the one that makes it 0 fails.
 int callsUntilFault = -1;
+Fault fault = Fault::kOnce;
+constexpr int kReason[] = {EIO, EROFS, ENOSPC, 0};
 
 bool failsNow() {
-  if (callsUntilFault < 0 || --callsUntilFault != 0) return false;
-  callsUntilFault = -1;
-  errno = EIO;
+  if (callsUntilFault < 0) return false;
+  if (callsUntilFault > 0) --callsUntilFault;
+  if (callsUntilFault > 0) return false;
+  if (fault == Fault::kKilled) _exit(9);
+  if (fault != Fault::kFromThenOn) callsUntilFault = -1;
+  errno = kReason[static_cast<int>(fault)];
   return true;
+}
+
+/// Half of the bytes fit; what follows does not.
+bool isShortNow() {
+  return fault == Fault::kShortWrite && callsUntilFault == 1;
 }
 
 }  // namespace
@@ -31,6 +45,7 @@ bool failsNow() {
 #pragma GCC visibility push(default)
 extern "C" {
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {
+  if (isShortNow() && size > 1) return syscall(SYS_pwrite64, file, data, size / 2, offset);
   return failsNow() ? -1 : syscall(SYS_pwrite64, file, data, size, offset);
 }
 int fsync(int file) {
@@ -75,32 +90,69 @@ TEST_F(SaveFaults, whicheverCallFailsTheOldDrawingOrTheNewOneIsThere) {
   const std::string path = at("plan.dxf");
   const std::string old(300000, 'o');
   const std::string fresh(400000, 'n');
-  int faults = 0;
-  for (int n = 1;; ++n) {
-    SCOPED_TRACE(n);
+  for (const Fault kind : {Fault::kOnce, Fault::kFromThenOn, Fault::kShortWrite}) {
+    int faults = 0;
+    for (int n = 1;; ++n) {
+      SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(kind) << " at call " << n);
+      ASSERT_TRUE(removeAll(path) && removeAll(backupOf(path)));
+      ASSERT_TRUE(saveDrawing(path, "older") && saveDrawing(path, old));
+      fault = kind;
+      callsUntilFault = n;
+      const Status status = saveDrawing(path, fresh);
+      const bool wasReached = callsUntilFault <= 0;
+      callsUntilFault = -1;
+      const std::string now = bytesOf(path);
+      const std::string backup = bytesOf(backupOf(path));
+      if (status) {
+        EXPECT_EQ(now == fresh, true);
+        EXPECT_EQ(backup == old, true);
+      } else {
+        ++faults;
+        EXPECT_NE(status.message().find("plan"), std::string::npos) << status.message();
+        EXPECT_NE(status.message().find(std::strerror(kReason[static_cast<int>(kind)])),
+                  std::string::npos)
+            << status.message();
+        const bool saysSaved = status.message().find("the drawing is saved") != std::string::npos;
+        EXPECT_EQ(now == (saysSaved ? fresh : old), true) << status.message();
+        EXPECT_EQ(backup == "older" || backup == old, true);
+      }
+      EXPECT_EQ(listFolder(folder_), (std::vector<std::string>{"plan.bak", "plan.dxf"}));
+      if (!wasReached) break;
+    }
+    EXPECT_GE(faults, 5) << "the faults are not met";
+  }
+}
+
+TEST_F(SaveFaults, aProcessThatIsKilledLeavesTheOldDrawingOrTheNewOne) {
+  const std::string path = at("plan.dxf");
+  const std::string old(300000, 'o');
+  const std::string fresh(400000, 'n');
+  int killed = 0;
+  for (bool done = false; !done;) {
+    SCOPED_TRACE(killed);
     ASSERT_TRUE(removeAll(path) && removeAll(backupOf(path)));
     ASSERT_TRUE(saveDrawing(path, "older") && saveDrawing(path, old));
-    callsUntilFault = n;
-    const Status status = saveDrawing(path, fresh);
-    const bool wasReached = callsUntilFault < 0;
-    callsUntilFault = -1;
+    const pid_t child = fork();
+    if (child == 0) {
+      fault = Fault::kKilled;
+      callsUntilFault = killed + 1;
+      _exit(saveDrawing(path, fresh) ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_NE(WEXITSTATUS(status), 1);
+    done = WEXITSTATUS(status) == 0;
+    if (!done) ++killed;
     const std::string now = bytesOf(path);
     const std::string backup = bytesOf(backupOf(path));
-    if (status) {
-      EXPECT_EQ(now == fresh, true);
-      EXPECT_EQ(backup == old, true);
-    } else {
-      ++faults;
-      EXPECT_NE(status.message().find("plan"), std::string::npos) << status.message();
-      EXPECT_NE(status.message().find("Input/output error"), std::string::npos);
-      const bool saysSaved = status.message().find("the drawing is saved") != std::string::npos;
-      EXPECT_EQ(now == (saysSaved ? fresh : old), true) << status.message();
-      EXPECT_EQ(backup == "older" || backup == old, true);
-    }
+    EXPECT_TRUE(now == fresh || now == old);
+    EXPECT_TRUE(backup == "older" || backup == old);
+    // The next save removes what was left.
+    ASSERT_TRUE(saveDrawing(path, fresh));
     EXPECT_EQ(listFolder(folder_), (std::vector<std::string>{"plan.bak", "plan.dxf"}));
-    if (!wasReached) break;
   }
-  EXPECT_GE(faults, 5) << "the faults are not met";
+  EXPECT_GE(killed, 5);
 }
 
 TEST_F(SaveFaults, modeAndLinkStay) {
