@@ -71,6 +71,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
   const auto start = [&] {
     window.session().perform([&] {
       loadModules(app, QCoreApplication::applicationDirPath().toStdString());
+      frontEnd.prepare();
       good = startDrawing(app, options);
       frontEnd.runLines(app);
       good = endDrawing(app, options) && good;

@@ -3,6 +3,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <ctime>
 
 namespace tarn::host {
 
@@ -12,12 +13,25 @@ double seconds(ProgressMeter::Clock::duration time) {
   return std::chrono::duration<double>(time).count();
 }
 
+/// Processor seconds of the process or of the calling thread.
+double worked(clockid_t clock) {
+  timespec time{};
+  clock_gettime(clock, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+double shareOf(double part, double whole) {
+  return whole > 0 ? part / whole : 0;
+}
+
 }  // namespace
 
-ProgressMeter::Call::Call(ProgressMeter& meter) : meter_(meter), start_(Clock::now()) {}
+ProgressMeter::Call::Call(ProgressMeter& meter)
+    : meter_(meter), start_(Clock::now()), worked_(worked(CLOCK_THREAD_CPUTIME_ID)) {}
 
 ProgressMeter::Call::~Call() {
   meter_.inCalls_ += Clock::now() - start_;
+  meter_.workedInCalls_ += worked(CLOCK_THREAD_CPUTIME_ID) - worked_;
 }
 
 void ProgressMeter::begin(const std::string& label, int minimum, int maximum) {
@@ -27,6 +41,7 @@ void ProgressMeter::begin(const std::string& label, int minimum, int maximum) {
   minimum_ = position_ = minimum;
   maximum_ = maximum;
   begun_ = moved_ = Clock::now();
+  worked_ = worked(CLOCK_PROCESS_CPUTIME_ID);
 }
 
 void ProgressMeter::move(int position) {
@@ -43,11 +58,15 @@ std::string ProgressMeter::end() {
   running_ = false;
   const double whole = seconds(moved_ - begun_);
   const double calls = seconds(inCalls_);
+  const double wholeWorked = worked(CLOCK_PROCESS_CPUTIME_ID) - worked_;
   const double range = std::max(1.0, static_cast<double>(maximum_) - minimum_);
   const QJsonObject line{{"progress", QString::fromStdString(label_)},
                          {"s", whole},
                          {"own_s", calls},
-                         {"share", whole > 0 ? calls / whole : 0},
+                         {"share", shareOf(calls, whole)},
+                         {"processor_s", wholeWorked},
+                         {"own_processor_s", workedInCalls_},
+                         {"processor_share", shareOf(workedInCalls_, wholeWorked)},
                          {"moves", static_cast<double>(moves_ - 1)},
                          {"longest_gap_s", seconds(longestGap_)},
                          {"reached", (static_cast<double>(position_) - minimum_) / range}};

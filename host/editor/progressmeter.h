@@ -22,13 +22,14 @@ class ProgressMeter {
    private:
     ProgressMeter& meter_;
     Clock::time_point start_;
+    double worked_;
   };
 
   void begin(const std::string& label, int minimum, int maximum);
   void move(int position);
   /// One line of JSON: seconds of the operation, those in calls of the display and their share, the
-  /// longest time without a new position, how far the last one was from the end. Empty when
-  /// nothing has begun.
+  /// same of the processors (of all threads, and of this one in calls), the longest time without a
+  /// new position, how far the last one was from the end. Empty when nothing has begun.
   std::string end();
 
  private:
@@ -40,7 +41,9 @@ class ProgressMeter {
   long moves_ = 0;
   Clock::time_point begun_;
   Clock::time_point moved_;
+  double worked_ = 0;  ///< seconds of all threads before it began
   Clock::duration inCalls_{};
+  double workedInCalls_ = 0;  ///< seconds of this thread
   Clock::duration longestGap_{};
 };
 

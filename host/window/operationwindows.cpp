@@ -14,8 +14,8 @@ namespace tarn::host {
 
 namespace {
 
-// What is over sooner gets no window.
-constexpr qint64 kShownAfterMilliseconds = 300;
+// What is over sooner gets no window; it is looked after ten times a second.
+constexpr qint64 kShownAfterMilliseconds = 400;
 
 /// The drawing as the screen shows it, no larger than a map needs.
 void showDrawing(HostApp& app, ListingMap& map) {
@@ -77,11 +77,20 @@ void OperationWindows::endTasks(const std::string& report) {
 
 ProgressPart* OperationWindows::part() {
   if (tasks_) return &tasks_->part();
-  return progress_ ? &progress_->part() : nullptr;
+  return running_ && progress_ ? &progress_->part() : nullptr;
+}
+
+void OperationWindows::prepare() {
+  if (progress_) return;
+  progress_ = new ProgressWindow(hooks_.parent(), hooks_.cancel);
+  progress_->prepare();
 }
 
 void OperationWindows::beginProgress(const std::string& label, int minimum, int maximum) {
-  if (!tasks_ && !progress_) progress_ = new ProgressWindow(hooks_.parent(), hooks_.cancel);
+  if (!tasks_) {
+    prepare();
+    running_ = true;
+  }
   part()->begin(QString::fromStdString(label), minimum, maximum);
   hooks_.pump();
 }
@@ -92,15 +101,16 @@ void OperationWindows::moveProgress(int position) {
 }
 
 void OperationWindows::endProgress() {
-  if (!progress_) return;
+  if (!running_) return;
+  running_ = false;
   hooks_.opened(nullptr);
-  delete progress_;
+  if (progress_) progress_->hide();
 }
 
 void OperationWindows::tick() {
   if (part() == nullptr) return;
   part()->tick();
-  const bool late = progress_ && !progress_->isVisible() &&
+  const bool late = running_ && progress_ && !progress_->isVisible() &&
                     progress_->part().milliseconds() >= kShownAfterMilliseconds;
   if (!late) return;
   progress_->show();

@@ -36,6 +36,8 @@ class OperationWindows final : public OperationView {
   void moveProgress(int position) override;
   void endProgress() override;
 
+  /// Makes what progress is shown in beforehand, so that it costs no operation anything.
+  void prepare();
   /// Brings times and windows up to date; called while the host computes.
   void tick();
 
@@ -43,7 +45,8 @@ class OperationWindows final : public OperationView {
   ProgressPart* part();
 
   Hooks hooks_;
-  QPointer<ProgressWindow> progress_;
+  QPointer<ProgressWindow> progress_;  ///< made once
+  bool running_ = false;               ///< in the window of its own
   QPointer<TaskWindow> tasks_;
 };
 

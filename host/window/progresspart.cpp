@@ -27,6 +27,13 @@ QString timesText(double seconds, double part) {
   return gone + ", about " + durationText(seconds * (1 - part) / part) + " left";
 }
 
+void moveBar(QProgressBar& bar, int position) {
+  // setValue() paints by itself, many times more often than anybody sees.
+  bar.setUpdatesEnabled(false);
+  bar.setValue(qBound(bar.minimum(), position, bar.maximum()));
+  bar.setUpdatesEnabled(true);
+}
+
 ProgressPart::ProgressPart()
     : label_(new QLabel(this)), bar_(new QProgressBar(this)), times_(new QLabel(this)) {
   label_->setObjectName("operationLabel");
@@ -51,7 +58,7 @@ void ProgressPart::begin(const QString& label, int minimum, int maximum) {
 }
 
 void ProgressPart::move(int position) {
-  bar_->setValue(qBound(bar_->minimum(), position, bar_->maximum()));
+  moveBar(*bar_, position);
 }
 
 void ProgressPart::tick() {

@@ -15,6 +15,9 @@ QString durationText(double seconds);
 /// "12 s gone", with what is probably left once that can be told. `part` goes from 0 to 1.
 QString timesText(double seconds, double part);
 
+/// Moves a bar without painting it at once: the window is painted when it is looked after.
+void moveBar(QProgressBar& bar, int position);
+
 class ProgressPart : public QWidget {
  public:
   ProgressPart();

@@ -25,6 +25,14 @@ ProgressWindow::ProgressWindow(QWidget* parent, std::function<void()> cancel)
   setMinimumWidth(kWidth);
 }
 
+void ProgressWindow::prepare() {
+  part_->begin("0123456789", 0, 1);
+  adjustSize();
+  winId();
+  // Fonts and the style's pictures are read by painting.
+  grab();
+}
+
 void ProgressWindow::reject() {
   // It stays until the operation has ended.
   cancel_();

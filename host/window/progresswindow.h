@@ -14,6 +14,8 @@ class ProgressWindow : public QDialog {
   ProgressWindow(QWidget* parent, std::function<void()> cancel);
 
   ProgressPart& part() { return *part_; }
+  /// Does beforehand what the first appearance would take time for.
+  void prepare();
   void reject() override;
 
  private:

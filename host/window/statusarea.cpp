@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include "host/window/progresspart.h"
+
 namespace tarn::host {
 
 QString coordinateText(GroundPoint ground) {
@@ -52,7 +54,7 @@ void StatusArea::beginProgress(const QString& label, int minimum, int maximum) {
 }
 
 void StatusArea::moveProgress(int position) {
-  meter_->setValue(qBound(meter_->minimum(), position, meter_->maximum()));
+  moveBar(*meter_, position);
 }
 
 void StatusArea::endProgress() {

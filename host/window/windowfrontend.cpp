@@ -57,6 +57,11 @@ void WindowFrontEnd::attach(Canvas& canvas, CommandLine& line, StatusArea& statu
   print(std::exchange(early_, {}));
 }
 
+void WindowFrontEnd::prepare() {
+  pump();
+  operations_->prepare();
+}
+
 void WindowFrontEnd::detach() {
   canvas_ = nullptr;
   line_ = nullptr;

@@ -41,6 +41,8 @@ class WindowFrontEnd final : public FrontEnd {
   void attach(Canvas& canvas, CommandLine& line, StatusArea& status, Hooks hooks);
   void detach();
 
+  /// Paints the window, and makes what long operations show: the first of them waits for neither.
+  void prepare();
   /// Everything the command line shows goes to this file too.
   Status logTo(const std::string& path) { return transcript_.open(path); }
   /// Nothing runs any more: the next command is awaited.

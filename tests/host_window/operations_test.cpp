@@ -98,6 +98,11 @@ TEST_F(OperationTest, ProgressHasAWindowWhoseButtonCancelsWhileTheHostComputes) 
       }
     }
     tarnHostEndProgress();
+    EXPECT_EQ(shownWindow("progressWindow"), nullptr);
+    tarnHostBeginProgress("b.tif", 0, 100);
+    tarnHostMoveProgress(50);
+    EXPECT_EQ(shownWindow("progressWindow"), nullptr) << "each operation has its own time";
+    tarnHostEndProgress();
   }});
   EXPECT_TRUE(painted);
   EXPECT_TRUE(cancelled);
