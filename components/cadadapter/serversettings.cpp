@@ -32,7 +32,7 @@ DString readServers(const List<FormField>& fields, List<ImageServer>& servers) {
   std::set<std::string> names;
   for (size_t row = 0; row + kColumnCount <= cells.size(); row += kColumnCount) {
     ImageServer server;
-    const DString reason =
+    DString reason =
         parseImageServer(cells[row + kName], cells[row + kAddress], cells[row + kCaFile], server);
     if (!reason.isEmpty()) return reason;
     if (!names.insert(server.name.str()).second) {
