@@ -117,7 +117,16 @@ class PolylineMaker {
 
 void lineCommand() {
   ads_point at = {0, 0, 0};
-  if (acedGetPoint(nullptr, ACRX_T("\nFirst point: "), at) != RTNORM) return;
+  const int first = acedGetPoint(nullptr, ACRX_T("\nFirst point: "), at);
+  if (first == RTNONE) {
+    // Enter goes on from the last point.
+    const auto last = std::get<Point3>(*app().variables().get("LASTPOINT"));
+    at[0] = last.x;
+    at[1] = last.y;
+    at[2] = last.z;
+  } else if (first != RTNORM) {
+    return;
+  }
   Segments made;
   made.points.push_back(pointOf(at));
   for (;;) {

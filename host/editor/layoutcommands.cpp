@@ -7,6 +7,7 @@
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "host/editor/documents.h"
+#include "host/editor/entities.h"
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/hostcommands.h"
@@ -74,18 +75,37 @@ void changeName(const std::string& shown) {
   if (to) reportFailure(renameLayout(*document().database(), *from, *to));
 }
 
-/// The corner opposite to `first`, or nothing.
-std::optional<GroundBox> askBox() {
-  ads_point first = {0, 0, 0};
+/// From a first corner to the one that is asked for; nothing when cancelled.
+std::optional<GroundBox> askBoxFrom(const ads_point first) {
   ads_point second = {0, 0, 0};
-  if (acedGetPoint(nullptr, ACRX_T("\nCorner of the viewport: "), first) != RTNORM ||
-      acedGetCorner(first, ACRX_T("\nOpposite corner: "), second) != RTNORM) {
-    return std::nullopt;
-  }
+  if (acedGetCorner(first, ACRX_T("\nOpposite corner: "), second) != RTNORM) return std::nullopt;
   GroundBox box;
   box.add(first[0], first[1]);
   box.add(second[0], second[1]);
   return box;
+}
+
+/// ON and OFF of the viewports that are chosen.
+void switchViewports(bool on) {
+  EntityIds ids;
+  if (!selectForCommand(ids)) return;
+  changeEntities(app(), ids, on ? "switched on" : "switched off", [on](AcDbEntity& entity) {
+    auto* viewport = AcDbViewport::cast(&entity);
+    return viewport != nullptr && (on ? viewport->setOn() : viewport->setOff()) == Acad::eOk;
+  });
+  app().regenerate();
+}
+
+/// Shows the whole model.
+void addViewport(Space& space, const GroundBox& box) {
+  if (!(box.maxX > box.minX) || !(box.maxY > box.minY)) {
+    return failCommand(app(), "A viewport needs a width and a height.");
+  }
+  const GroundBox model = app().regenerator().extentsOf(space.modelBlock());
+  if (appendViewport(space.shownBlock(), box, 0, {model}).isNull()) {
+    return failCommand(app(), "The viewport cannot be added.");
+  }
+  app().regenerate();
 }
 
 }  // namespace
@@ -122,16 +142,19 @@ void mviewCommand() {
   Space& space = document().space();
   if (space.isTiled()) return failCommand(app(), kNeedsSheet);
   space.leaveModel();
-  const auto box = askBox();
-  if (!box) return;
-  if (!(box->maxX > box->minX) || !(box->maxY > box->minY)) {
-    return failCommand(app(), "A viewport needs a width and a height.");
+  ads_point first = {0, 0, 0};
+  acedInitGet(0, ACRX_T("ON OFF Fit"));
+  const int answer =
+      acedGetPoint(nullptr, ACRX_T("\nCorner of the viewport or [ON/OFF/Fit]: "), first);
+  if (answer == RTKWORD) {
+    ACHAR word[32] = {0};
+    acedGetInput(word);
+    const std::string option = toUtf8(word);
+    if (option == "Fit") return addViewport(space, space.limits());
+    return switchViewports(option == "ON");
   }
-  const GroundBox model = app().regenerator().extentsOf(space.modelBlock());
-  if (appendViewport(space.shownBlock(), *box, 0, {model}).isNull()) {
-    return failCommand(app(), "The viewport cannot be added.");
-  }
-  app().regenerate();
+  if (answer != RTNORM) return;
+  if (const auto box = askBoxFrom(first)) addViewport(space, *box);
 }
 
 }  // namespace tarn::host

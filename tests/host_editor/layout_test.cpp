@@ -231,6 +231,21 @@ TEST_F(Layouts, ANewViewportIsFilledByTheModelWhateverItsShape) {
   }
 }
 
+TEST_F(Layouts, AViewportFitsTheSheetAndIsSwitchedOffAndOn) {
+  host_.run({"LAYOUT Set", "Layout1", "ERASE ALL", "", "MVIEW Fit"});
+  const auto windows = document().space().windows();
+  ASSERT_EQ(windows.size(), 1U);
+  const GroundBox limits = document().space().limits();
+  EXPECT_NEAR(windows[0].place.paperWidth, limits.maxX - limits.minX, 1e-9);
+  host_.run({"MVIEW OFF", "ALL", ""});
+  EXPECT_TRUE(document().space().windows().empty());
+  host_.run({"MSPACE"});
+  EXPECT_FALSE(host_.good());
+  host_.run({"MVIEW ON", "ALL", "", "MSPACE"});
+  EXPECT_TRUE(host_.good());
+  EXPECT_EQ(document().space().windows().size(), 1U);
+}
+
 TEST_F(Layouts, TheSheetItselfIsNotTwisted) {
   makeSheet();
   for (const char* line : {"DVIEW TW", "TWIST"}) {

@@ -139,8 +139,11 @@ Number of steps to undo or [BAck/BEgin/Control/End/Mark] <1>: BE
 Command: LINE
 First point: 7,7
 Next point or [Undo]: 8,8
+Next point or [Undo]: 
+Command: LINE
+First point: 
 Next point or [Undo]: 9,9
-Next point or [Close/Undo]: 
+Next point or [Undo]: 
 Command: UNDO
 Number of steps to undo or [BAck/BEgin/Control/End/Mark] <1>: E
 Command: UNDO
@@ -222,7 +225,7 @@ Layout to show <Layout1>: Layout2
 Command: MSPACE
 Command: PSPACE
 Command: MVIEW
-Corner of the viewport: 10,10
+Corner of the viewport or [ON/OFF/Fit]: 10,10
 Opposite corner: 90,60
 Command: LAYOUT
 Layout [?/Delete/New/Rename/Set] <Set>: R
