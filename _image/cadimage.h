@@ -198,8 +198,18 @@ class CCadImage : public AcDbEntity {
   const std::vector<ShownImage>& shownImages(const CDocData& record) const;
   void drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw,
                       const tarn::image::ViewState& view) const;
-  bool drawServerImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
-                       const tarn::image::ViewState& view) const;
+  /// An image of a server that is shown: where it is, and what is asked for, if anything.
+  struct ServerView {
+    std::wstring path;
+    TarnClientManager* client;
+    tarn::image::ImageExtent extent;
+    std::optional<tarn::image::PixelRequest> request;
+    bool isTooLarge;
+  };
+  std::vector<ServerView> planServerImages(const CDocData& record, bool isPlot,
+                                           const tarn::image::ViewState& view) const;
+  void drawServerImages(const CDocData& record, AcGiWorldDraw* worldDraw,
+                        const tarn::image::ViewState& view) const;
 
   std::wstring m_strImagePath;
   std::map<std::wstring, Division> m_mapImageDivision;

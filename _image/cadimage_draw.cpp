@@ -46,11 +46,7 @@ void CCadImage::drawShownImages(AcGiWorldDraw* worldDraw, const ViewState& view)
   const CDocData* record = g_dataMap ? g_dataMap->ofDatabase(database) : nullptr;
   if (!record) return;
   for (const ShownImage& shown : shownImages(*record)) drawLocalImage(shown, worldDraw, view);
-  if (m_mapImageClient.empty()) return;
-  for (const CDocData::Image& image : record->images()) {
-    if (!image.isDisplayed || m_mapImageClient.count(image.path) == 0) continue;
-    if (!drawServerImage(image.path, worldDraw, view)) return;
-  }
+  if (!m_mapImageClient.empty()) drawServerImages(*record, worldDraw, view);
 }
 
 const std::vector<CCadImage::ShownImage>& CCadImage::shownImages(const CDocData& record) const {

@@ -6,6 +6,7 @@
 
 #include "_image/cadimage.h"
 #include "_image/cadimage_spec.h"
+#include "_image/docdata.h"
 #include "_image/moduleglobals.h"
 #include "_image/view/plotvalues.h"
 #include "_image/view/serverwindow.h"
@@ -123,36 +124,64 @@ std::vector<CCadImage::Corners> CCadImage::serverFootprints() const {
   return footprints;
 }
 
-/// False when the whole drawing ends here.
-bool CCadImage::drawServerImage(const std::wstring& path, AcGiWorldDraw* worldDraw,
-                                const ViewState& view) const {
-  TarnClientManager& client = *m_mapImageClient.find(path)->second;
-  ImageExtent extent;
-  if (!client.isReady() || !extentOf(path, extent)) return true;
-  DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
-  if (tarn::image::g_suppressPixels || !tarn::image::isUsable(extent)) return true;
+/// In the order of the list, up to the one at which the drawing ends.
+std::vector<CCadImage::ServerView> CCadImage::planServerImages(const CDocData& record, bool isPlot,
+                                                               const ViewState& view) const {
+  std::vector<TarnClientManager*> clients;
+  std::vector<ServerView> views;
+  for (const CDocData::Image& image : record.images()) {
+    TarnClientManager* client = image.isDisplayed ? clientOf(image.path) : nullptr;
+    if (!client) continue;
+    clients.push_back(client);
+    views.push_back({image.path, client, {}, std::nullopt, false});
+  }
+  TarnClientManager::makeReady(clients);
+  std::vector<ServerView> planned;
+  for (ServerView& shown : views) {
+    if (!extentOf(shown.path, shown.extent)) continue;
+    planned.push_back(std::move(shown));
+    ServerView& last = planned.back();
+    if (tarn::image::g_suppressPixels || !tarn::image::isUsable(last.extent)) continue;
+    const PixelRect rect = pixelRectOf(view.nominalRect, last.extent);
+    if (rect.width <= 0 || rect.height <= 0) continue;
+    // Deliberate: images after one of which only a sliver is in view are not drawn.
+    if (rect.width < kLeastPixels || rect.height < kLeastPixels) break;
+    last.request = planServerRequest(view, last.extent, rect);
+    last.isTooLarge = isPlot && last.request && last.request->coarserBy < 1;
+    if (last.isTooLarge)
+      last.request = planServerRequest(tarn::image::coarserView(view, last.request->coarserBy),
+                                       last.extent, rect);
+  }
+  return planned;
+}
 
-  const PixelRect rect = pixelRectOf(view.nominalRect, extent);
-  if (rect.width <= 0 || rect.height <= 0) return true;
-  // Deliberate: images after one of which only a sliver is in view are not drawn.
-  if (rect.width < kLeastPixels || rect.height < kLeastPixels) return false;
-  std::optional<PixelRequest> request = planServerRequest(view, extent, rect);
-  if (!request) return true;
+/// The requests of all images go out together, before the first is drawn.
+void CCadImage::drawServerImages(const CDocData& record, AcGiWorldDraw* worldDraw,
+                                 const ViewState& view) const {
   const AcGiContext* context = worldDraw->context();
-  if (context && context->isPlotGeneration() && request->coarserBy < 1) {
-    printMessage(L"\n%1选择范围过大！", path);
-    request = planServerRequest(tarn::image::coarserView(view, request->coarserBy), extent, rect);
-    if (!request) return true;
+  const auto views = planServerImages(record, context && context->isPlotGeneration(), view);
+  const auto announce = [](const ServerView& shown) {
+    const PixelRequest& r = *shown.request;
+    shown.client->announceWindow(r.windowX, r.windowY, r.cellX, r.cellY, r.columns, r.rows);
+  };
+  std::vector<TarnClientManager*> clients;
+  for (const ServerView& shown : views) {
+    if (!shown.request) continue;
+    announce(shown);
+    clients.push_back(shown.client);
   }
-  client.announceWindow(request->windowX, request->windowY, request->cellX, request->cellY);
-  if (!client.updateImage(rect.left, rect.top, request->columns, request->rows, request->cellX,
-                          request->cellY, nullptr)) {
-    return true;
+  TarnClientManager::fetchAnnounced(clients);
+  for (const ServerView& shown : views) {
+    const ImageExtent& extent = shown.extent;
+    DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
+    if (shown.isTooLarge) printMessage(L"\n%1选择范围过大！", shown.path);
+    if (!shown.request) continue;
+    const PixelRequest& r = *shown.request;
+    if (!shown.client->updateImage(r.rect.left, r.rect.top, r.columns, r.rows, r.cellX, r.cellY,
+                                   nullptr))
+      continue;
+    if (const unsigned char* pixels = shown.client->getMaybeImgData())
+      DrawImage(r.columns, r.rows, r.columns + 1, r.rows + 1, r.spanU, r.spanV,
+                AcGePoint3d(r.originX, r.originY, 0), worldDraw, pixels);
   }
-  if (const unsigned char* pixels = client.getMaybeImgData()) {
-    DrawImage(request->columns, request->rows, request->columns + 1, request->rows + 1,
-              request->spanU, request->spanV, AcGePoint3d(request->originX, request->originY, 0),
-              worldDraw, pixels);
-  }
-  return true;
 }

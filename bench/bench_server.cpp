@@ -106,8 +106,9 @@ class Gdal final : public Way {
     return dataset_ != nullptr;
   }
   Size size() override { return {dataset_->GetRasterXSize(), dataset_->GetRasterYSize()}; }
-  /// From the level that has all the detail, as ours: by itself GDAL also takes one that is up to
-  /// 1.2 times as coarse.
+  /// From the level that has all the detail of the view, as ours, for the same picture. By itself
+  /// GDAL takes the next one as soon as that is at most 1.2 times as coarse as the view, which
+  /// costs fewer bytes and shows less.
   bool look(const View& v) override {
     const int level = static_cast<int>(std::floor(std::log2(v.cell))) - 1;
     GDALDataset* dataset = dataset_.get();
@@ -148,7 +149,7 @@ class Gdal final : public Way {
  private:
   std::unique_ptr<GDALDataset> openLevel(int level) const {
     const std::string option =
-        "OVERVIEW_LEVEL=" + (level < 0 ? std::string("NONE") : std::to_string(level));
+        "OVERVIEW_LEVEL=" + (level < 0 ? std::string("NONE") : std::to_string(level) + "only");
     const char* options[] = {option.c_str(), nullptr};
     return std::unique_ptr<GDALDataset>(
         GDALDataset::Open(name_.c_str(), GDAL_OF_RASTER, nullptr, options));

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <list>
+#include <map>
+#include <memory>
 #include <mutex>
 
 #include "base/text.h"
@@ -13,7 +14,7 @@ namespace {
 
 using Clock = Operation::Clock;
 
-constexpr long kConnectionsToAServer = 8;
+constexpr int kConnectionsToAServer = 8;
 constexpr long kConnectionsKept = 32;
 // Short, so that cancelling is felt at once.
 constexpr int kPollMs = 40;
@@ -39,7 +40,7 @@ class Connections {
   Connections() {
     curl_global_init(CURL_GLOBAL_DEFAULT);
     multi_ = curl_multi_init();
-    curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, kConnectionsToAServer);
+    curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, long{kConnectionsToAServer});
     curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, kConnectionsKept);
   }
   ~Connections() { curl_multi_cleanup(multi_); }
@@ -50,8 +51,9 @@ class Connections {
 
 /// One request with its tries.
 struct Job {
-  const HttpRequest* request = nullptr;
+  const PlacedRequest* request = nullptr;
   HttpAnswer* answer = nullptr;
+  std::string server;
   std::unique_ptr<Transfer> transfer;
   Clock::time_point notBefore;
   int tries = 0;
@@ -62,8 +64,7 @@ struct Job {
 
 class Run {
  public:
-  Run(CURLM* multi, const ServerPlace& place, Operation& operation)
-      : multi_(multi), place_(place), operation_(operation) {}
+  Run(CURLM* multi, Operation& operation) : multi_(multi), operation_(operation) {}
 
   void run(std::vector<Job>& jobs);
 
@@ -74,22 +75,27 @@ class Run {
   void finish(Job& job, CURLcode code);
   bool tryAgain(Job& job);
   void end(Job& job);
+  void giveUp(Job& job, bool isCancelled) const;
 
   CURLM* multi_;
-  const ServerPlace& place_;
+  /// How many are under way to each server: who waits for a connection must not run out of time.
+  std::map<std::string, int> underWay_;
   Operation& operation_;
 };
 
 void Run::start(Job& job) {
-  job.transfer = std::make_unique<Transfer>(place_, *job.request, job.url, operation_.times(),
-                                            operation_.left());
+  job.transfer = std::make_unique<Transfer>(job.request->place, job.request->request, job.url,
+                                            operation_.times(), operation_.left());
   curl_multi_add_handle(multi_, job.transfer->easy());
+  ++underWay_[job.server];
   ++g_requests;
 }
 
 void Run::startDue(std::vector<Job>& jobs) {
   for (Job& job : jobs) {
-    if (!job.done && !job.transfer && Clock::now() >= job.notBefore) start(job);
+    if (!job.done && !job.transfer && Clock::now() >= job.notBefore &&
+        underWay_[job.server] < kConnectionsToAServer)
+      start(job);
   }
 }
 
@@ -98,6 +104,16 @@ void Run::end(Job& job) {
   curl_multi_remove_handle(multi_, job.transfer->easy());
   g_bytes += job.transfer->received();
   job.transfer.reset();
+  --underWay_[job.server];
+}
+
+void Run::giveUp(Job& job, bool isCancelled) const {
+  job.answer->isCancelled = isCancelled;
+  job.answer->isUnreachable = job.answer->isTimeOver = !isCancelled;
+  job.answer->isUnfinished = job.transfer ? job.transfer->received() > 0 : job.tries == 0;
+  job.answer->failure =
+      isCancelled ? "was interrupted" : "its server did not answer in the time it has";
+  job.done = true;
 }
 
 bool Run::tryAgain(Job& job) {
@@ -112,7 +128,7 @@ bool Run::tryAgain(Job& job) {
 }
 
 void Run::finish(Job& job, CURLcode code) {
-  const Outcome outcome = job.transfer->outcome(code, place_);
+  const Outcome outcome = job.transfer->outcome(code, job.request->place);
   if (outcome.next == Outcome::Next::kTryAgain && tryAgain(job)) return;
   if (outcome.next == Outcome::Next::kRedirect) {
     constexpr int kMostRedirects = 5;
@@ -125,6 +141,8 @@ void Run::finish(Job& job, CURLcode code) {
     job.answer->failure = "its server sends it around in a circle";
   } else {
     *job.answer = job.transfer->takeAnswer();
+    job.answer->isTimeOver = code == CURLE_OPERATION_TIMEDOUT && operation_.left() < kPollMs;
+    job.answer->isUnfinished = job.answer->isTimeOver && job.transfer->received() > 0;
     job.answer->failure = outcome.failure;
     job.answer->isUnreachable = outcome.isUnreachable;
   }
@@ -151,12 +169,7 @@ void Run::run(std::vector<Job>& jobs) {
     const bool cancelled = operation_.isCancelled();
     if (cancelled || operation_.left() == 0) {
       for (Job& job : jobs) {
-        if (job.done) continue;
-        job.answer->isCancelled = cancelled;
-        job.answer->isUnreachable = !cancelled;
-        job.answer->failure =
-            cancelled ? "was interrupted" : "its server did not answer in the time it has";
-        job.done = true;
+        if (!job.done) giveUp(job, cancelled);
       }
       break;
     }
@@ -185,8 +198,7 @@ HttpTotals httpTotals() {
   return {g_requests, g_bytes};
 }
 
-std::vector<HttpAnswer> runRequests(const ServerPlace& place,
-                                    const std::vector<HttpRequest>& requests,
+std::vector<HttpAnswer> runRequests(const std::vector<PlacedRequest>& requests,
                                     Operation& operation) {
   std::vector<HttpAnswer> answers(requests.size());
   std::vector<Job> jobs(requests.size());
@@ -194,12 +206,17 @@ std::vector<HttpAnswer> runRequests(const ServerPlace& place,
     jobs[i].request = &requests[i];
     jobs[i].answer = &answers[i];
     jobs[i].notBefore = Clock::now();
-    jobs[i].url = urlOf(place, requests[i].path);
+    jobs[i].server = requests[i].place.text();
+    jobs[i].url = urlOf(requests[i].place, requests[i].request.path);
   }
   Connections& connections = Connections::shared();
   const std::lock_guard<std::mutex> lock(connections.mutex());
-  Run(connections.multi(), place, operation).run(jobs);
+  Run(connections.multi(), operation).run(jobs);
   return answers;
+}
+
+HttpAnswer runRequest(const ServerPlace& place, const HttpRequest& request, Operation& operation) {
+  return runRequests({{place, request}}, operation).front();
 }
 
 }  // namespace tarn::client

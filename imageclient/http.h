@@ -34,6 +34,12 @@ struct FileVersion {
   bool agreesWith(const FileVersion& other) const;
 };
 
+/// A request and the server that it goes to.
+struct PlacedRequest {
+  ServerPlace place;
+  HttpRequest request;
+};
+
 struct HttpAnswer {
   /// Of the last answer; 0 when there was none.
   int status = 0;
@@ -48,6 +54,11 @@ struct HttpAnswer {
   /// The server could not be reached, or broke off.
   bool isUnreachable = false;
   bool isCancelled = false;
+  /// The time of the operation was over.
+  bool isTimeOver = false;
+  /// And it was over while this waited for its turn or was still coming: says nothing about the
+  /// server.
+  bool isUnfinished = false;
 };
 
 /// What went over the wire in this process so far, bodies only.
@@ -57,10 +68,13 @@ struct HttpTotals {
 };
 HttpTotals httpTotals();
 
-/// Asks for all of them in parallel and returns their answers in the same order, when all have come
-/// or the operation is over. Tries again as its times say; follows redirects that stay on the
-/// server. May be called from any thread; calls wait for one another.
-std::vector<HttpAnswer> runRequests(const ServerPlace& place,
-                                    const std::vector<HttpRequest>& requests, Operation& operation);
+/// Asks for all of them in parallel, up to eight at a time of a server, and returns their answers
+/// in the same order, when all have come or the operation is over. Tries again as its times say;
+/// follows redirects that stay on the server. May be called from any thread; calls wait for one
+/// another.
+std::vector<HttpAnswer> runRequests(const std::vector<PlacedRequest>& requests,
+                                    Operation& operation);
+/// One request.
+HttpAnswer runRequest(const ServerPlace& place, const HttpRequest& request, Operation& operation);
 
 }  // namespace tarn::client

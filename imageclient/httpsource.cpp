@@ -2,18 +2,43 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
+
+#include "components/raster/tiffdirectory.h"
 
 namespace tarn::client {
 namespace {
 
-// What a small image's directories need; larger ones are read on in growing steps.
+// What a small image's directories need.
 constexpr uint64_t kHead = 16 << 10;
-constexpr uint64_t kLongestStep = 256 << 10;
+// What is read at least by itself.
+constexpr uint64_t kBlock = 4 << 10;
 // Less than a request costs.
 constexpr uint64_t kGap = 1 << 10;
 // Longer requests would keep connections idle that could share the work.
 constexpr uint64_t kLongestRequest = 1 << 20;
+
+/// The start of a file, and where else something was looked for.
+class KnownStart final : public RandomBytes {
+ public:
+  explicit KnownStart(const std::string& bytes) : bytes_(bytes) {}
+
+  bool readAt(uint64_t offset, void* out, size_t size) const override {
+    if (offset > bytes_.size() || size > bytes_.size() - offset) {
+      missing_ = offset;
+      return false;
+    }
+    std::memcpy(out, bytes_.data() + offset, size);
+    return true;
+  }
+  /// 0 when all was found.
+  uint64_t missing() const { return missing_; }
+
+ private:
+  const std::string& bytes_;
+  mutable uint64_t missing_ = 0;
+};
 
 }  // namespace
 
@@ -39,25 +64,34 @@ std::vector<raster::ByteRange> mergeRanges(std::vector<raster::ByteRange> ranges
 HttpSource::HttpSource(const ServerPlace& place, const std::string& path)
     : place_(place), path_(path), name_(place.text() + '/' + path) {}
 
+HttpRequest HttpSource::headRequest(const std::string& path) {
+  HttpRequest head;
+  head.path = path;
+  head.count = head.mostBytes = kHead;
+  return head;
+}
+
 Result<std::shared_ptr<HttpSource>> HttpSource::open(const ServerPlace& place,
                                                      const std::string& path,
                                                      const std::shared_ptr<Operation>& operation,
                                                      HttpAnswer& refusal) {
+  return open(place, path, operation, runRequest(place, headRequest(path), *operation), refusal);
+}
+
+Result<std::shared_ptr<HttpSource>> HttpSource::open(const ServerPlace& place,
+                                                     const std::string& path,
+                                                     const std::shared_ptr<Operation>& operation,
+                                                     HttpAnswer head, HttpAnswer& refusal) {
   std::shared_ptr<HttpSource> source(new HttpSource(place, path));
   source->operation_ = operation;
-  if (Status loaded = source->load(); !loaded) {
+  if (Status loaded = source->load(std::move(head)); !loaded) {
     refusal = source->failure();
     return loaded;
   }
   return source;
 }
 
-Status HttpSource::load() {
-  HttpRequest head;
-  head.path = path_;
-  head.count = kHead;
-  head.mostBytes = kHead;
-  HttpAnswer answer = runRequests(place_, {head}, *operation_).front();
+Status HttpSource::load(HttpAnswer answer) {
   if (answer.failure.empty() && !answer.isPart)
     answer.failure = "its server does not give out parts of files";
   if (answer.failure.empty() && (answer.version.size == 0 || answer.body.empty()))
@@ -116,6 +150,8 @@ void HttpSource::fail(const HttpAnswer& answer) const {
   failure_.status = answer.status;
   failure_.isUnreachable = answer.isUnreachable;
   failure_.isCancelled = answer.isCancelled;
+  failure_.isTimeOver = answer.isTimeOver;
+  failure_.isUnfinished = answer.isUnfinished;
 }
 
 PiecePtr HttpSource::find(uint64_t offset, uint64_t size) const {
@@ -156,18 +192,23 @@ bool HttpSource::accept(const HttpAnswer& answer, const raster::ByteRange& range
   return false;
 }
 
+HttpRequest HttpSource::requestFor(const raster::ByteRange& range) const {
+  HttpRequest request;
+  request.path = path_;
+  request.first = range.offset;
+  request.count = request.mostBytes = range.size;
+  request.condition = condition();
+  return request;
+}
+
 bool HttpSource::request(const std::vector<raster::ByteRange>& ranges,
                          std::vector<PiecePtr>& pieces) const {
   const std::shared_ptr<Operation> current = operation();
-  if (!current || changed_) return false;
-  std::vector<HttpRequest> requests(ranges.size());
-  for (size_t i = 0; i < ranges.size(); ++i) {
-    requests[i].path = path_;
-    requests[i].first = ranges[i].offset;
-    requests[i].count = requests[i].mostBytes = ranges[i].size;
-    requests[i].condition = condition();
-  }
-  std::vector<HttpAnswer> answers = runRequests(place_, requests, *current);
+  // After a failure the rest of the operation is not tried.
+  if (!current || changed_ || !failure().failure.empty() || hasFailedAhead(ranges)) return false;
+  std::vector<PlacedRequest> requests;
+  for (const raster::ByteRange& range : ranges) requests.push_back({place_, requestFor(range)});
+  std::vector<HttpAnswer> answers = runRequests(requests, *current);
   bool whole = true;
   for (size_t i = 0; i < answers.size(); ++i) whole = accept(answers[i], ranges[i]) && whole;
   if (!whole) return false;
@@ -180,42 +221,124 @@ bool HttpSource::request(const std::vector<raster::ByteRange>& ranges,
   return true;
 }
 
-bool HttpSource::fetch(const std::vector<raster::ByteRange>& ranges,
-                       std::shared_ptr<const void>& held) const {
-  auto pieces = std::make_shared<std::vector<PiecePtr>>();
+/// Ranges that are not kept; the pieces of the others count as used.
+std::vector<raster::ByteRange> HttpSource::missingOf(const std::vector<raster::ByteRange>& ranges,
+                                                     std::vector<PiecePtr>& pieces) const {
   std::vector<raster::ByteRange> missing;
   for (const raster::ByteRange& range : ranges) {
     if (range.size > version_.size || range.offset > version_.size - range.size) continue;
     if (PiecePtr piece = find(range.offset, range.size)) {
       RangeCache::shared().use(piece);
-      pieces->push_back(std::move(piece));
+      pieces.push_back(std::move(piece));
     } else {
       missing.push_back(range);
     }
   }
-  if (!missing.empty() && !request(mergeRanges(std::move(missing)), *pieces)) return false;
+  return mergeRanges(std::move(missing));
+}
+
+bool HttpSource::fetch(const std::vector<raster::ByteRange>& ranges,
+                       std::shared_ptr<const void>& held) const {
+  auto pieces = std::make_shared<std::vector<PiecePtr>>();
+  const std::vector<raster::ByteRange> missing = missingOf(ranges, *pieces);
+  if (!missing.empty() && !request(missing, *pieces)) return false;
   held = std::move(pieces);
   return true;
 }
 
-PiecePtr HttpSource::readOn(uint64_t offset, uint64_t size) const {
-  uint64_t step = size;
-  bool isHead = false;
-  {
-    // The directories follow one another at the start of a well-made file.
+std::vector<PlacedRequest> HttpSource::requestsFor(
+    const std::vector<raster::ByteRange>& ranges) const {
+  std::vector<PiecePtr> known;
+  std::vector<PlacedRequest> requests;
+  for (const raster::ByteRange& range : missingOf(ranges, known))
+    requests.push_back({place_, requestFor(range)});
+  return requests;
+}
+
+void HttpSource::takeAhead(const std::vector<PlacedRequest>& requests,
+                           std::vector<HttpAnswer> answers) {
+  for (size_t i = 0; i < requests.size(); ++i) {
+    const raster::ByteRange range{requests[i].request.first, requests[i].request.count};
+    // What the time did not suffice for is asked for again by who needs it.
+    if (answers[i].isUnfinished && !answers[i].isCancelled) continue;
+    const bool fine = answers[i].failure.empty() && accept(answers[i], range);
+    PiecePtr piece;
+    if (fine) {
+      piece = std::make_shared<Piece>(Piece{range.offset, std::move(answers[i].body)});
+      keep(piece);
+    }
+    if (fine && range.offset == headEnd_) holdHead(piece);
     const std::lock_guard<std::mutex> lock(mutex_);
-    isHead = offset <= headEnd_;
-    if (isHead) step = std::max(size, std::min(headEnd_, kLongestStep));
+    if (fine) {
+      ahead_.push_back(std::move(piece));
+    } else {
+      failedAhead_.emplace_back(range, std::move(answers[i]));
+    }
   }
-  step = std::min(step, version_.size - offset);
-  std::vector<PiecePtr> fetched;
-  if (!request({{offset, step}}, fetched)) return nullptr;
+  clearFailure();
+}
+
+void HttpSource::forgetAhead() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (isHead && offset <= headEnd_) {
-    head_.push_back(fetched.front());
-    headEnd_ = std::max(headEnd_, offset + step);
+  ahead_.clear();
+  failedAhead_.clear();
+}
+
+/// Whether something of these ranges has been asked for ahead in vain: that is their answer.
+bool HttpSource::hasFailedAhead(const std::vector<raster::ByteRange>& ranges) const {
+  const auto touches = [&](const raster::ByteRange& failed) {
+    return std::any_of(ranges.begin(), ranges.end(), [&](const raster::ByteRange& range) {
+      return range.offset < failed.offset + failed.size &&
+             failed.offset < range.offset + range.size;
+    });
+  };
+  std::optional<std::pair<raster::ByteRange, HttpAnswer>> found;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& failed : failedAhead_) {
+      if (!found && touches(failed.first)) found = failed;
+    }
   }
+  return found && !accept(found->second, found->first);
+}
+
+// The directories of a well-made file follow one another at its start, and those of each level are
+// a quarter as long as those of the level before: where one begins tells where all end.
+std::optional<raster::ByteRange> HttpSource::headRange(uint64_t offset, uint64_t size) const {
+  constexpr uint64_t kSlack = 2 << 10;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const uint64_t end = std::min(offset + size + offset / 3 + kSlack, version_.size);
+  if (!isHeadOpen_ || offset < headEnd_ || end - headEnd_ > kLongestRequest) return std::nullopt;
+  return raster::ByteRange{headEnd_, end - headEnd_};
+}
+
+PiecePtr HttpSource::readOn(uint64_t offset, uint64_t size) const {
+  const auto head = headRange(offset, size);
+  const raster::ByteRange range = head.value_or(
+      raster::ByteRange{offset, std::min(std::max(size, kBlock), version_.size - offset)});
+  std::vector<PiecePtr> fetched;
+  if (!request({range}, fetched)) return nullptr;
+  if (head) holdHead(fetched.front());
   return fetched.front();
+}
+
+void HttpSource::holdHead(const PiecePtr& piece) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  head_.push_back(piece);
+  headEnd_ = std::max(headEnd_, piece->offset + piece->bytes.size());
+}
+
+std::optional<PlacedRequest> HttpSource::restOfHead() const {
+  const KnownStart start(head_.front()->bytes);
+  raster::hasMorePicturesThan(start, version_.size, 1);
+  const auto rest = start.missing() > 0 ? headRange(start.missing(), 1) : std::nullopt;
+  if (!rest) return std::nullopt;
+  return PlacedRequest{place_, requestFor(*rest)};
+}
+
+void HttpSource::endHead() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  isHeadOpen_ = false;
 }
 
 bool HttpSource::readAt(uint64_t offset, void* out, size_t size) const {
@@ -241,7 +364,7 @@ void HttpSource::checkVersion() {
   HttpRequest request;
   request.path = path_;
   request.headOnly = true;
-  const HttpAnswer answer = runRequests(place_, {request}, *current).front();
+  const HttpAnswer answer = runRequest(place_, request, *current);
   if (!answer.failure.empty() && !answer.isUnreachable) {
     fail(answer);
     return;

@@ -5,7 +5,9 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/result.h"
@@ -27,6 +29,11 @@ class HttpSource final : public raster::RemoteBytes {
   static Result<std::shared_ptr<HttpSource>> open(const ServerPlace& place, const std::string& path,
                                                   const std::shared_ptr<Operation>& operation,
                                                   HttpAnswer& refusal);
+  /// The same with the answer to headRequest().
+  static Result<std::shared_ptr<HttpSource>> open(const ServerPlace& place, const std::string& path,
+                                                  const std::shared_ptr<Operation>& operation,
+                                                  HttpAnswer head, HttpAnswer& refusal);
+  static HttpRequest headRequest(const std::string& path);
 
   const std::string& name() const override { return name_; }
   uint64_t size() const override { return version_.size; }
@@ -34,6 +41,17 @@ class HttpSource final : public raster::RemoteBytes {
   bool fetch(const std::vector<raster::ByteRange>& ranges,
              std::shared_ptr<const void>& held) const override;
 
+  /// The requests that fetch() of these ranges would make.
+  std::vector<PlacedRequest> requestsFor(const std::vector<raster::ByteRange>& ranges) const;
+  /// Their answers, which reads find from now on, failures included, until forgetAhead().
+  void takeAhead(const std::vector<PlacedRequest>& requests, std::vector<HttpAnswer> answers);
+  void forgetAhead();
+
+  /// What the directories need besides what has been read, as far as that can be told; its answer
+  /// goes to takeAhead().
+  std::optional<PlacedRequest> restOfHead() const;
+  /// The file's directories are known: what is read by itself from now on is not one of them.
+  void endHead();
   /// Reads are part of this operation from now on.
   void setOperation(std::shared_ptr<Operation> operation);
   /// Asks the server whether the file is still the same; hasChanged() then tells. A server that
@@ -49,14 +67,22 @@ class HttpSource final : public raster::RemoteBytes {
 
  private:
   HttpSource(const ServerPlace& place, const std::string& path);
-  Status load();
+  Status load(HttpAnswer head);
+  std::vector<raster::ByteRange> missingOf(const std::vector<raster::ByteRange>& ranges,
+                                           std::vector<PiecePtr>& pieces) const;
+  HttpRequest requestFor(const raster::ByteRange& range) const;
+  bool hasFailedAhead(const std::vector<raster::ByteRange>& ranges) const;
   bool request(const std::vector<raster::ByteRange>& ranges, std::vector<PiecePtr>& pieces) const;
   bool accept(const HttpAnswer& answer, const raster::ByteRange& range) const;
   PiecePtr find(uint64_t offset, uint64_t size) const;
   void keep(const PiecePtr& piece) const;
   void fail(const HttpAnswer& answer) const;
   std::string condition() const;
+  /// What is read on for some bytes of the directories; none when they lie too far from the start.
+  std::optional<raster::ByteRange> headRange(uint64_t offset, uint64_t size) const;
   PiecePtr readOn(uint64_t offset, uint64_t size) const;
+  /// What the directories lie in stays as long as this.
+  void holdHead(const PiecePtr& piece) const;
   std::shared_ptr<Operation> operation() const;
 
   ServerPlace place_;
@@ -69,6 +95,10 @@ class HttpSource final : public raster::RemoteBytes {
   /// The directories, which are read again with every handle of a decoder, stay as long as this.
   mutable std::vector<PiecePtr> head_;
   mutable uint64_t headEnd_ = 0;
+  bool isHeadOpen_ = true;
+  /// What came ahead: pieces that stay, and the ranges that failed.
+  std::vector<PiecePtr> ahead_;
+  std::vector<std::pair<raster::ByteRange, HttpAnswer>> failedAhead_;
   mutable HttpAnswer failure_;
   mutable Operation::Clock::time_point confirmed_;
   std::shared_ptr<Operation> operation_;

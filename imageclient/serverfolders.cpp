@@ -12,7 +12,7 @@
 namespace tarn::client {
 namespace {
 
-constexpr uint64_t kMostListBytes = 32 << 20;
+constexpr uint64_t kMostListBytes = 16 << 20;
 constexpr int kPreviewSide = 256;
 constexpr int kPreviewQuality = 85;
 constexpr const char* kCatalogue = "catalog.json";
@@ -25,7 +25,7 @@ HttpAnswer get(const ServerPlace& place, const std::string& path, Operation& ope
   HttpRequest request;
   request.path = path;
   request.mostBytes = kMostListBytes;
-  return runRequests(place, {request}, operation).front();
+  return runRequest(place, request, operation);
 }
 
 }  // namespace

@@ -32,10 +32,11 @@ void serverAnswered(const ServerPlace& place) {
   health.answered = Breaker::Clock::now();
 }
 
-void serverFailed(const ServerPlace& place, const std::string& reason, const ClientTimes& times) {
+void serverFailed(const ServerPlace& place, const std::string& reason, const ClientTimes& times,
+                  bool isSilent) {
   const std::lock_guard<std::mutex> lock(servers().mutex);
   Health& health = servers().health[place.text()];
-  health.breaker.failed(times);
+  health.breaker.failed(times, isSilent);
   health.reason = reason;
   health.answered.reset();
 }

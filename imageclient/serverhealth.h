@@ -20,8 +20,10 @@ class Breaker {
     failures_ = 0;
     until_ = {};
   }
-  void failed(const ClientTimes& times) {
-    if (++failures_ < times.failures) return;
+  /// `isLast`: no more failures are waited for.
+  void failed(const ClientTimes& times, bool isLast = false) {
+    failures_ = isLast ? times.failures : failures_ + 1;
+    if (failures_ < times.failures) return;
     failures_ = times.failures - 1;
     until_ = Clock::now() + std::chrono::milliseconds(times.pause);
   }
@@ -34,7 +36,9 @@ class Breaker {
 /// What all images of a server have in common: one that does not answer is left alone as a whole,
 /// so that a drawing with many of its images does not wait for each. Any thread may call.
 void serverAnswered(const ServerPlace& place);
-void serverFailed(const ServerPlace& place, const std::string& reason, const ClientTimes& times);
+/// `isSilent`: a whole operation has passed without a word of it. Once is enough.
+void serverFailed(const ServerPlace& place, const std::string& reason, const ClientTimes& times,
+                  bool isSilent);
 /// Why the server is left alone now; empty when it is not.
 std::string serverPause(const ServerPlace& place);
 /// Whether it has answered within the time for which servers are left alone.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "components/raster/rasterimage.h"
@@ -16,6 +18,7 @@ using tarn::client::Breaker;
 using tarn::client::HttpAnswer;
 using tarn::client::HttpSource;
 using tarn::client::Operation;
+using tarn::client::PlacedRequest;
 using tarn::client::ServerPlace;
 using tarn::raster::RasterImage;
 using tarn::raster::ReadCounts;
@@ -69,7 +72,8 @@ struct TarnClientManager::State {
     if (failure.isCancelled) return false;
     breaker.failed(times);
     if (const auto where = failure.isUnreachable ? place() : std::nullopt)
-      tarn::client::serverFailed(*where, message, times);
+      tarn::client::serverFailed(*where, message, times,
+                                 failure.isTimeOver && !failure.isUnfinished);
     if (message != reported) tarn::client::tellUser(message);
     reported = message;
     return false;
@@ -83,15 +87,25 @@ struct TarnClientManager::State {
   }
 
   bool open(const std::shared_ptr<Operation>& operation);
+  bool openSource(const std::shared_ptr<Operation>& operation, std::optional<HttpAnswer> head);
+  bool openImage(const std::shared_ptr<Operation>& operation);
+  std::optional<PlacedRequest> headRequest();
   bool openIfPossible(const std::shared_ptr<Operation>& operation);
   bool isPaused();
   bool isStale() const;
+  bool update(const Window& window);
   bool readPixels(const Window& window);
   bool readCurrent(const Window& window, const std::shared_ptr<Operation>& operation,
                    bool& changed);
 };
 
 bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation) {
+  return openSource(operation, std::nullopt) && openImage(operation);
+}
+
+/// `head`: the answer to headRequest(), when it is there already.
+bool TarnClientManager::State::openSource(const std::shared_ptr<Operation>& operation,
+                                          std::optional<HttpAnswer> head) {
   image.reset();
   source.reset();
   const auto where = place();
@@ -99,10 +113,18 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
   if (Status usable = tarn::client::checkImagePath(path); !usable)
     return fail(usable.message(), {});
   HttpAnswer refusal;
-  auto opened = HttpSource::open(*where, path, operation, refusal);
+  auto opened = head ? HttpSource::open(*where, path, operation, std::move(*head), refusal)
+                     : HttpSource::open(*where, path, operation, refusal);
   if (!opened) return fail(opened.message(), refusal);
   source = opened.take();
+  return true;
+}
+
+bool TarnClientManager::State::openImage(const std::shared_ptr<Operation>& operation) {
+  source->setOperation(operation);
   auto loaded = RasterImage::open(source);
+  source->endHead();
+  source->forgetAhead();
   if (!loaded) {
     const HttpAnswer failure = source->failure();
     const std::string message =
@@ -116,6 +138,14 @@ bool TarnClientManager::State::open(const std::shared_ptr<Operation>& operation)
   std::copy(numbers, numbers + 6, transform);
   succeed();
   return true;
+}
+
+/// What opening begins with; none when it would fail without.
+std::optional<PlacedRequest> TarnClientManager::State::headRequest() {
+  if (image || !isServe || path.empty() || isPaused()) return std::nullopt;
+  const auto where = place();
+  if (!where || !tarn::client::checkImagePath(path)) return std::nullopt;
+  return PlacedRequest{*where, HttpSource::headRequest(path)};
 }
 
 bool TarnClientManager::State::openIfPossible(const std::shared_ptr<Operation>& operation) {
@@ -209,7 +239,7 @@ bool TarnClientManager::connectServe() {
   tarn::client::HttpRequest request;
   request.headOnly = true;
   const auto operation = state_->begin();
-  const HttpAnswer answer = tarn::client::runRequests(*where, {request}, *operation).front();
+  const HttpAnswer answer = tarn::client::runRequest(*where, request, *operation);
   // Any answer shows that there is a server.
   if (answer.status != 0) {
     state_->error.clear();
@@ -229,6 +259,38 @@ bool TarnClientManager::setCurImg(const kel::DString& path) {
 
 bool TarnClientManager::isReady() {
   return state_->openIfPossible(state_->begin());
+}
+
+void TarnClientManager::makeReady(const std::vector<TarnClientManager*>& clients) {
+  std::vector<State*> states;
+  std::vector<PlacedRequest> requests;
+  for (const TarnClientManager* client : clients) {
+    if (auto request = client->state_->headRequest()) {
+      states.push_back(client->state_.get());
+      requests.push_back(std::move(*request));
+    } else {
+      client->state_->openIfPossible(client->state_->begin());
+    }
+  }
+  if (states.empty()) return;
+  const auto operation = states.front()->begin();
+  std::vector<HttpAnswer> heads = tarn::client::runRequests(requests, *operation);
+  std::vector<State*> begun;
+  std::vector<PlacedRequest> rests;
+  std::vector<State*> restOf;
+  for (size_t i = 0; i < states.size(); ++i) {
+    // Who has failed too often meanwhile has its pause.
+    if (states[i]->isPaused() || !states[i]->openSource(operation, std::move(heads[i]))) continue;
+    begun.push_back(states[i]);
+    if (auto rest = states[i]->source->restOfHead()) {
+      rests.push_back(std::move(*rest));
+      restOf.push_back(states[i]);
+    }
+  }
+  std::vector<HttpAnswer> answers = tarn::client::runRequests(rests, *operation);
+  for (size_t i = 0; i < rests.size(); ++i)
+    restOf[i]->source->takeAhead({rests[i]}, {std::move(answers[i])});
+  for (State* state : begun) state->openImage(state->begin());
 }
 
 void TarnClientManager::setUpdFunc(int (*callback)(void*)) {
@@ -251,8 +313,43 @@ double* TarnClientManager::getTfwData() {
   return state_->transform;
 }
 
-void TarnClientManager::announceWindow(double x, double y, double cellX, double cellY) {
-  state_->announced = Window{x, y, cellX, cellY, 0, 0};
+void TarnClientManager::announceWindow(double x, double y, double cellX, double cellY, int columns,
+                                       int rows) {
+  state_->announced = Window{x, y, cellX, cellY, columns, rows};
+}
+
+void TarnClientManager::fetchAnnounced(const std::vector<TarnClientManager*>& clients) {
+  // The rest is fetched image by image, so that all of it need not be kept at once.
+  constexpr uint64_t kMostBytes = 16 << 20;
+  struct Part {
+    State* state;
+    std::vector<PlacedRequest> requests;
+  };
+  std::vector<Part> parts;
+  std::vector<PlacedRequest> all;
+  uint64_t bytes = 0;
+  for (const TarnClientManager* client : clients) {
+    State& state = *client->state_;
+    if (!state.image || !state.announced || state.isPaused()) continue;
+    const auto ranges = state.image->rangesOf(*state.announced, state.antiAliasing);
+    auto requests = state.source->requestsFor(ranges);
+    for (const PlacedRequest& request : requests) bytes += request.request.count;
+    if (bytes > kMostBytes) break;
+    all.insert(all.end(), requests.begin(), requests.end());
+    parts.push_back({&state, std::move(requests)});
+  }
+  if (all.empty()) return;
+  const uint64_t before = tarn::client::httpTotals().bytes;
+  std::vector<HttpAnswer> answers = tarn::client::runRequests(all, *parts.front().state->begin());
+  tarn::client::countForUser("bytes",
+                             static_cast<long long>(tarn::client::httpTotals().bytes - before));
+  auto answer = answers.begin();
+  for (Part& part : parts) {
+    const auto end = answer + static_cast<std::ptrdiff_t>(part.requests.size());
+    part.state->source->takeAhead(part.requests,
+                                  {std::make_move_iterator(answer), std::make_move_iterator(end)});
+    answer = end;
+  }
 }
 
 bool TarnClientManager::updateImage(int x, int y, int w, int h, double reductionX,
@@ -271,25 +368,30 @@ bool TarnClientManager::updateImage(int x, int y, int w, int h, double reduction
     state_->announced.reset();
   }
   if (w < 1 || h < 1 || w > kMostCells || h > kMostCells) return false;
-  if (state_->isPaused()) return false;
-  const auto operation = state_->begin();
-  if (!state_->openIfPossible(operation)) return false;
-  bool changed = false;
-  const bool read = state_->readCurrent(window, operation, changed);
-  if (read) {
-    state_->succeed();
-  } else if (state_->source && !changed) {
-    const HttpAnswer failure = state_->source->failure();
-    state_->fail(
-        state_->source->name() + ": " +
-            (failure.failure.empty() ? "some of its pixels cannot be read" : failure.failure),
-        failure);
-  }
-  if (changed && state_->updated) state_->updated(state_->updatedName);
+  const bool read = state_->update(window);
+  if (state_->source) state_->source->forgetAhead();
   if (read && buffer) {
     *buffer = new unsigned char[state_->pixels.size()];
     std::memcpy(*buffer, state_->pixels.data(), state_->pixels.size());
   }
+  return read;
+}
+
+bool TarnClientManager::State::update(const Window& window) {
+  if (isPaused()) return false;
+  const auto operation = begin();
+  if (!openIfPossible(operation)) return false;
+  bool changed = false;
+  const bool read = readCurrent(window, operation, changed);
+  if (read) {
+    succeed();
+  } else if (source && !changed) {
+    const HttpAnswer failure = source->failure();
+    fail(source->name() + ": " +
+             (failure.failure.empty() ? "some of its pixels cannot be read" : failure.failure),
+         failure);
+  }
+  if (changed && updated) updated(updatedName);
   return read;
 }
 

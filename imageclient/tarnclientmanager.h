@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "imageclient/absimageclient.h"
 #include "imageclient/clienttimes.h"
@@ -26,6 +27,8 @@ class TarnClientManager final : public AbsImageClient {
   /// True when the image is open; tries to open it when it is not and its pause is over. Costs
   /// nothing else.
   bool isReady();
+  /// isReady() of several, whose requests go out together.
+  static void makeReady(const std::vector<TarnClientManager*>& clients);
 
   /// Called with the value of setAds_name() when the image on the server has changed: after the
   /// operation that noticed, on its thread. Its pixels kept here are gone by then, and its size and
@@ -36,9 +39,13 @@ class TarnClientManager final : public AbsImageClient {
   int imgWei() override;
   int imgHei() override;
   double* getTfwData() override;
-  /// Like IImageDivision::announceWindow: the exact window of the next updateImage, which then goes
-  /// by these numbers instead of its own x, y and reductions.
-  void announceWindow(double x, double y, double cellX, double cellY);
+  /// Like IImageDivision::announceWindow: the exact window of the next updateImage, of `columns`
+  /// and `rows` cells, which then goes by these numbers instead of its own x, y and reductions.
+  void announceWindow(double x, double y, double cellX, double cellY, int columns, int rows);
+  /// Sends the requests for what has been announced to several out together, as far as that is not
+  /// too much at once. An updateImage of each has to follow: it finds the bytes, or fails for the
+  /// reason for which they could not be had.
+  static void fetchAnnounced(const std::vector<TarnClientManager*>& clients);
   bool updateImage(int x, int y, int w, int h, double reductionX, double reductionY,
                    unsigned char** buffer) override;
   /// The pixels of the last updateImage() that succeeded, until the next one or close(); else null.

@@ -12,8 +12,9 @@ namespace {
 /// Logins for servers, as loginFor() takes them.
 constexpr const char* kLoginVariable = "TARN_IMAGE_LOGIN";
 constexpr uint64_t kLargestNumber = uint64_t{1} << 60;
-// Of answers that are no success: nothing in them is looked at.
+// Of answers that are no success: nothing in them is looked at. Of the lines before a body, too.
 constexpr uint64_t kMostErrorBytes = 64 << 10;
+constexpr const char* kTooMuch = "its server sends more than it was asked for";
 
 /// Digits at the start of a text; false when there are none or too many.
 bool takeNumber(std::string& text, uint64_t& value) {
@@ -73,7 +74,8 @@ std::string wordsFor(int status) {
   }
 }
 
-Outcome failed(CURLcode code) {
+/// `isConnected`: whether the server had taken the connection.
+Outcome failed(CURLcode code, bool isConnected) {
   Outcome outcome;
   switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -81,7 +83,10 @@ Outcome failed(CURLcode code) {
       outcome.failure = "its server cannot be reached";
       break;
     case CURLE_OPERATION_TIMEDOUT:
-      return {Outcome::Next::kDone, "its server does not answer, or too slowly", true, {}};
+      if (isConnected)
+        return {Outcome::Next::kDone, "its server does not answer, or too slowly", true, {}};
+      outcome.failure = "its server does not answer";
+      break;
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
@@ -178,7 +183,13 @@ void Transfer::setLogin(const ServerPlace& place) {
 }
 
 size_t Transfer::onHeader(char* bytes, size_t size, size_t count, void* self) {
-  static_cast<Transfer*>(self)->takeHeader(std::string(bytes, size * count));
+  auto& transfer = *static_cast<Transfer*>(self);
+  transfer.headBytes_ += size * count;
+  if (transfer.headBytes_ > kMostErrorBytes) {
+    transfer.refusal_ = kTooMuch;
+    return 0;
+  }
+  transfer.takeHeader(std::string(bytes, size * count));
   return size * count;
 }
 
@@ -231,7 +242,7 @@ size_t Transfer::onBody(char* bytes, size_t size, size_t count, void* self) {
   const bool success = status == 200 || status == 206;
   const uint64_t most = success ? transfer.request_.mostBytes : kMostErrorBytes;
   if (transfer.received_ > most) {
-    transfer.refusal_ = "its server sends more than it was asked for";
+    transfer.refusal_ = kTooMuch;
     return 0;
   }
   if (success) transfer.answer_.body.append(bytes, size * count);
@@ -244,7 +255,11 @@ Outcome Transfer::outcome(CURLcode code, const ServerPlace& place) const {
     outcome.failure = refusal_;
     return outcome;
   }
-  if (code != CURLE_OK) return failed(code);
+  if (code != CURLE_OK) {
+    curl_off_t connected = 0;
+    curl_easy_getinfo(easy_, CURLINFO_PRETRANSFER_TIME_T, &connected);
+    return failed(code, connected > 0);
+  }
   long status = 0;
   curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
   if (isRedirect(static_cast<int>(status))) {

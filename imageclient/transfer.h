@@ -49,6 +49,7 @@ class Transfer {
   curl_slist* headers_ = nullptr;
   HttpAnswer answer_;
   uint64_t received_ = 0;
+  uint64_t headBytes_ = 0;
   std::string refusal_;
   bool looked_ = false;
 };

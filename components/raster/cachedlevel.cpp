@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -11,17 +12,22 @@ TileKey CachedLevel::keyOf(int column, int row) const {
   return {image_, level_, static_cast<uint32_t>(row) * grid().columns() + column};
 }
 
-bool CachedLevel::prepare(const PixelPatch& patch, std::shared_ptr<const void>& held) const {
+void CachedLevel::addRanges(const std::vector<Part>& parts, std::vector<ByteRange>& ranges) const {
   const TileGrid& g = grid();
-  std::vector<TilePlace> missing;
-  for (int row = patch.y / g.tileHeight; row <= (patch.y + patch.height - 1) / g.tileHeight;
-       ++row) {
-    for (int column = patch.x / g.tileWidth; column <= (patch.x + patch.width - 1) / g.tileWidth;
-         ++column) {
-      if (!TileCache::shared().find(keyOf(column, row))) missing.push_back({column, row});
+  std::set<std::pair<int, int>> wanted;
+  for (const Part& part : parts) {
+    if (part.isEmpty()) continue;
+    for (int row = part.y / g.tileHeight; row <= (part.y + part.height - 1) / g.tileHeight; ++row) {
+      for (int column = part.x / g.tileWidth; column <= (part.x + part.width - 1) / g.tileWidth;
+           ++column)
+        wanted.emplace(row, column);
     }
   }
-  return missing.empty() || reader_.prepare(missing, held);
+  std::vector<TilePlace> places;
+  for (const auto& [row, column] : wanted) {
+    if (!TileCache::shared().find(keyOf(column, row))) places.push_back({column, row});
+  }
+  reader_.addRanges(places, ranges);
 }
 
 TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
@@ -50,8 +56,6 @@ bool CachedLevel::copy(PixelPatch& patch, uint64_t& bytesRead) const {
   room.allocate(patch.width, patch.height + behind, g.channels);
   patch.pixels = std::move(room.pixels);
   std::memset(patch.pixels.get() + patch.stride() * patch.height, 0, patch.stride() * behind);
-  std::shared_ptr<const void> held;
-  if (!prepare(patch, held)) return false;
   bool keysNear = false;
   for (int row = patch.y / g.tileHeight; row * g.tileHeight < patch.y + patch.height; ++row) {
     const int top = row * g.tileHeight;

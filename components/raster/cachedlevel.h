@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <vector>
 
+#include "components/raster/mappedpart.h"
 #include "components/raster/tile.h"
 #include "components/raster/tilecache.h"
 
@@ -40,12 +42,12 @@ class CachedLevel {
   /// Fills the patch's pixels; the rest of it says which, inside the level. False when some cannot
   /// be read.
   bool copy(PixelPatch& patch, uint64_t& bytesRead) const;
+  /// As TileReader::addRanges, for the tiles under parts of the level.
+  void addRanges(const std::vector<Part>& parts, std::vector<ByteRange>& ranges) const;
 
  private:
   TilePtr tile(int column, int row, uint64_t& bytesRead) const;
   TileKey keyOf(int column, int row) const;
-  /// Gets what the patch needs of the reader ready; as TileReader::prepare.
-  bool prepare(const PixelPatch& patch, std::shared_ptr<const void>& held) const;
 
   const TileReader& reader_;
   uint64_t image_;

@@ -81,12 +81,29 @@ class Reading {
   Reading(const LevelView& view, ReadCounts& counts) : view_(view), counts_(counts) {}
 
   bool read(const Window& window, bool smooth, uint8_t* out);
+  std::vector<ByteRange> ranges(const Window& window, bool smooth) const;
 
  private:
+  /// The cells of a window and the pixels of a level that they are made of.
+  struct Cells {
+    const Level& level;
+    AxisTaps across;
+    AxisTaps down;
+  };
+  Cells cellsOf(const Window& window, bool smooth) const;
   const Level& levelFor(double cellX, double cellY) const;
   bool readCells(const Level& level, const AxisTaps& across, const AxisTaps& down, uint8_t* out,
                  size_t stride);
   bool fetchTiles(const Level& level, TileBlock& block);
+  /// Takes the block's tiles from the cache; the numbers of those that it does not have.
+  std::vector<size_t> findTiles(const Level& level, TileBlock& block) const;
+  static TilePlace placeOf(const TileBlock& block, size_t tile) {
+    return {block.firstColumn + static_cast<int>(tile) % block.columns,
+            block.firstRow + static_cast<int>(tile) / block.columns};
+  }
+  /// The file's ranges that tiles of the block lie in.
+  static std::vector<ByteRange> rangesOf(const Level& level, const TileBlock& block,
+                                         const std::vector<size_t>& tiles);
   TileKey keyOf(const Level& level, int column, int row) const;
   /// Reads a tile into the cache; null when it cannot be read. Adds to `bytes`.
   TilePtr readTile(const Level& level, int column, int row, uint64_t& bytes) const;
@@ -109,7 +126,7 @@ const Level& Reading::levelFor(double cellX, double cellY) const {
   return *best;
 }
 
-bool Reading::read(const Window& window, bool smooth, uint8_t* out) {
+Reading::Cells Reading::cellsOf(const Window& window, bool smooth) const {
   const Level& level = levelFor(window.cellX, window.cellY);
   const TileGrid& grid = level.reader->grid();
   const auto axis = [&](double start, double cell, int cells, double factor, double origin,
@@ -118,12 +135,25 @@ bool Reading::read(const Window& window, bool smooth, uint8_t* out) {
                            (size - origin) / factor,  pixels,        -origin / factor};
     return makeTaps(along, filterFor(cell, cell / factor, pixels, smooth));
   };
-  const AxisTaps across = axis(window.x, window.cellX, window.columns, level.factorX, level.originX,
-                               view_.width, grid.width);
-  const AxisTaps down = axis(window.y, window.cellY, window.rows, level.factorY, level.originY,
-                             view_.height, grid.height);
-  clearOutside(window, across, down, out);
-  return readCells(level, across, down, out, static_cast<size_t>(window.columns) * 3);
+  return {level,
+          axis(window.x, window.cellX, window.columns, level.factorX, level.originX, view_.width,
+               grid.width),
+          axis(window.y, window.cellY, window.rows, level.factorY, level.originY, view_.height,
+               grid.height)};
+}
+
+bool Reading::read(const Window& window, bool smooth, uint8_t* out) {
+  const Cells cells = cellsOf(window, smooth);
+  clearOutside(window, cells.across, cells.down, out);
+  return readCells(cells.level, cells.across, cells.down, out,
+                   static_cast<size_t>(window.columns) * 3);
+}
+
+std::vector<ByteRange> Reading::ranges(const Window& window, bool smooth) const {
+  const Cells cells = cellsOf(window, smooth);
+  if (cells.across.cells() == 0 || cells.down.cells() == 0) return {};
+  TileBlock block = blockFor(cells.level.reader->grid(), cells.across, cells.down);
+  return rangesOf(cells.level, block, findTiles(cells.level, block));
 }
 
 bool Reading::readCells(const Level& level, const AxisTaps& across, const AxisTaps& down,
@@ -186,31 +216,43 @@ void Reading::readOnTheWay(const Level& level, const TileBlock& block, int row) 
   }
 }
 
-bool Reading::fetchTiles(const Level& level, TileBlock& block) {
+std::vector<size_t> Reading::findTiles(const Level& level, TileBlock& block) const {
   block.tiles.resize(static_cast<size_t>(block.columns) * block.rows);
-  const auto columnOf = [&](size_t i) {
-    return block.firstColumn + static_cast<int>(i) % block.columns;
-  };
-  const auto rowOf = [&](size_t i) { return block.firstRow + static_cast<int>(i) / block.columns; };
   std::vector<size_t> missing;
   for (size_t i = 0; i < block.tiles.size(); ++i) {
-    block.tiles[i] = TileCache::shared().find(keyOf(level, columnOf(i), rowOf(i)));
+    const TilePlace place = placeOf(block, i);
+    block.tiles[i] = TileCache::shared().find(keyOf(level, place.column, place.row));
     if (!block.tiles[i]) missing.push_back(i);
   }
-  if (!missing.empty() && level.reader->sequential())
-    readOnTheWay(level, block, rowOf(missing.front()));
+  return missing;
+}
+
+std::vector<ByteRange> Reading::rangesOf(const Level& level, const TileBlock& block,
+                                         const std::vector<size_t>& tiles) {
   std::vector<TilePlace> places;
-  places.reserve(missing.size());
-  for (const size_t i : missing) places.push_back({columnOf(i), rowOf(i)});
+  places.reserve(tiles.size());
+  for (const size_t i : tiles) places.push_back(placeOf(block, i));
+  std::vector<ByteRange> ranges;
+  level.reader->addRanges(places, ranges);
+  return ranges;
+}
+
+bool Reading::fetchTiles(const Level& level, TileBlock& block) {
+  const std::vector<size_t> missing = findTiles(level, block);
+  if (!missing.empty() && level.reader->sequential())
+    readOnTheWay(level, block, placeOf(block, missing.front()).row);
   std::shared_ptr<const void> held;
-  if (!places.empty() && !level.reader->prepare(places, held)) return false;
+  if (view_.remote && !missing.empty() &&
+      !view_.remote->fetch(rangesOf(level, block, missing), held))
+    return false;
   std::atomic<uint64_t> bytes{0};
   std::atomic<bool> failed{false};
   const auto decode = [&](size_t n) {
     if (failed) return;
     const size_t i = missing[n];
     uint64_t read = 0;
-    block.tiles[i] = readTile(level, columnOf(i), rowOf(i), read);
+    const TilePlace place = placeOf(block, i);
+    block.tiles[i] = readTile(level, place.column, place.row, read);
     bytes += read;
     if (!block.tiles[i]) failed = true;
   };
@@ -228,6 +270,12 @@ bool Reading::fetchTiles(const Level& level, TileBlock& block) {
 }
 
 }  // namespace
+
+std::vector<ByteRange> rangesOfWindow(const LevelView& view, const Window& window, bool smooth) {
+  ReadCounts counts;
+  return isReadable(window) ? Reading(view, counts).ranges(window, smooth)
+                            : std::vector<ByteRange>();
+}
 
 Status readWindow(const LevelView& view, const std::string& path, const Window& window, bool smooth,
                   uint8_t* out, ReadCounts& counts) {

@@ -37,10 +37,15 @@ struct LevelView {
   int height = 0;
   /// As in Presentation.
   bool thinLines = false;
+  /// Where the tiles come from, when that is far away.
+  const RemoteBytes* remote = nullptr;
 };
 
 /// As RasterImage::read; `path` is named when it fails.
 Status readWindow(const LevelView& view, const std::string& path, const Window& window, bool smooth,
                   uint8_t* out, ReadCounts& counts);
+
+/// As RasterImage::rangesOf.
+std::vector<ByteRange> rangesOfWindow(const LevelView& view, const Window& window, bool smooth);
 
 }  // namespace tarn::raster

@@ -29,18 +29,29 @@ Status RasterImage::read(const Window& window, bool smooth, uint8_t* out,
       std::memset(out, 0, static_cast<size_t>(window.columns) * window.rows * 3);
     return unchanged;
   }
-  return readWindow({shownLevels(), id_, width(), height(), presentation_.thinLines}, path_, window,
-                    smooth, out, counts);
+  return readWindow(shown(), path_, window, smooth, out, counts);
+}
+
+LevelView RasterImage::shown() const {
+  return {shownLevels(), id_, width(), height(), presentation_.thinLines, remote_.get()};
+}
+
+std::vector<ByteRange> RasterImage::rangesOf(const Window& window, bool smooth) const {
+  return remote_ ? rangesOfWindow(shown(), window, smooth) : std::vector<ByteRange>();
 }
 
 void RasterImage::stretch(StretchMode mode, uint8_t* cells, size_t pixels) const {
   if (mode == StretchMode::kNone) return;
-  std::call_once(stretchOnce_, [&] {
-    const auto histogram = sampleLevel(*levels_.back().reader);
-    if (!histogram) return;
-    stretches_ = {makeStretchTables(*histogram, StretchMode::kEqualise),
-                  makeStretchTables(*histogram, StretchMode::kDeviations)};
-  });
+  {
+    const std::lock_guard<std::mutex> lock(stretchMutex_);
+    if (!stretches_ && !isStretchTried_) {
+      // Remote bytes that could not be had may be there the next time.
+      isStretchTried_ = !remote_;
+      if (const auto histogram = sampleLevel(*levels_.back().reader, remote_.get()))
+        stretches_ = {makeStretchTables(*histogram, StretchMode::kEqualise),
+                      makeStretchTables(*histogram, StretchMode::kDeviations)};
+    }
+  }
   if (!stretches_) return;
   applyStretch(mode == StretchMode::kEqualise ? stretches_->equalise : stretches_->deviations,
                cells, pixels);

@@ -88,6 +88,10 @@ class RasterImage {
   /// failure `out` is black. May be called from several threads at once.
   Status read(const Window& window, bool smooth, uint8_t* out, ReadCounts& counts) const;
 
+  /// The ranges of remote bytes that read() of this window would fetch: those of tiles that are not
+  /// in the tile cache. None for a file of this computer.
+  std::vector<ByteRange> rangesOf(const Window& window, bool smooth) const;
+
   /// Stretches `pixels` cells that read() has filled, by what the coarsest level holds. That level
   /// (a bounded sample of it) is looked at once, at the first call; should it not be readable the
   /// cells stay as they are. May be called from several threads at once.
@@ -109,8 +113,8 @@ class RasterImage {
   Status loadRemote(const std::shared_ptr<const RemoteBytes>& bytes);
   void describeNotes();
   void presentOwnLevels();
-  /// Makes the levels of remote bytes fetch the tiles of a view together.
-  void fetchTogether();
+  /// Makes the levels know which ranges of remote bytes their tiles lie in.
+  void nameRanges();
   Status loadFullSize(const OpenOptions& options);
   void chooseScale(GDALDataset& dataset, const OpenOptions& options);
   Status addFullSize(DatasetPtr dataset);
@@ -127,6 +131,7 @@ class RasterImage {
   const std::vector<Level>& shownLevels() const {
     return placement_.isAsStored() ? levels_ : presented_;
   }
+  LevelView shown() const;
   /// The tables of both ways to stretch.
   struct Stretches {
     StretchTables equalise;
@@ -152,7 +157,8 @@ class RasterImage {
   /// The image's own pixels, and what is presented where that is not the same.
   std::vector<Level> levels_;
   std::vector<Level> presented_;
-  mutable std::once_flag stretchOnce_;
+  mutable std::mutex stretchMutex_;
+  mutable bool isStretchTried_ = false;
   mutable std::optional<Stretches> stretches_;
 };
 

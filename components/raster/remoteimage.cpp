@@ -43,12 +43,12 @@ Status RasterImage::loadRemote(const std::shared_ptr<const RemoteBytes>& bytes) 
   loadPlacement();
   describeNotes();
   loadOwnOverviews();
-  fetchTogether();
+  nameRanges();
   if (!placement_.isAsStored()) presentOwnLevels();
   return Status::ok();
 }
 
-void RasterImage::fetchTogether() {
+void RasterImage::nameRanges() {
   for (Level& level : levels_) {
     const TileGrid& grid = level.reader->grid();
     std::vector<const TiffDirectory*> pictures;
@@ -57,7 +57,7 @@ void RasterImage::fetchTogether() {
           directory.height == static_cast<uint32_t>(grid.height))
         pictures.push_back(&directory);
     }
-    level.reader = makeRemoteReader(std::move(level.reader), std::move(pictures), remote_);
+    level.reader = makeRemoteReader(std::move(level.reader), std::move(pictures));
   }
 }
 

@@ -8,16 +8,14 @@ namespace {
 
 class RemoteTileReader final : public TileReader {
  public:
-  RemoteTileReader(std::unique_ptr<TileReader> inner, std::vector<const TiffDirectory*> pictures,
-                   std::shared_ptr<const RemoteBytes> bytes)
-      : inner_(std::move(inner)), pictures_(std::move(pictures)), bytes_(std::move(bytes)) {}
+  RemoteTileReader(std::unique_ptr<TileReader> inner, std::vector<const TiffDirectory*> pictures)
+      : inner_(std::move(inner)), pictures_(std::move(pictures)) {}
 
   const TileGrid& grid() const override { return inner_->grid(); }
 
-  bool prepare(const std::vector<TilePlace>& places,
-               std::shared_ptr<const void>& held) const override {
+  void addRanges(const std::vector<TilePlace>& places,
+                 std::vector<ByteRange>& ranges) const override {
     const TileGrid& g = grid();
-    std::vector<ByteRange> ranges;
     for (const TiffDirectory* picture : pictures_) {
       for (const TilePlace& place : places) {
         const auto blocks = rangesOf(*picture, place.column * g.tileWidth, place.row * g.tileHeight,
@@ -25,7 +23,6 @@ class RemoteTileReader final : public TileReader {
         ranges.insert(ranges.end(), blocks.begin(), blocks.end());
       }
     }
-    return bytes_->fetch(ranges, held);
   }
 
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
@@ -35,7 +32,6 @@ class RemoteTileReader final : public TileReader {
  private:
   std::unique_ptr<TileReader> inner_;
   std::vector<const TiffDirectory*> pictures_;
-  std::shared_ptr<const RemoteBytes> bytes_;
 };
 
 }  // namespace
@@ -47,6 +43,12 @@ std::string hindranceToPieces(const std::vector<TiffDirectory>& directories) {
   if (!image.tiled) return "has no tiles";
   if (image.offsets.empty() || image.byteCounts.size() < image.offsets.size())
     return "has a damaged list of tiles";
+  // Several of them are decoded at a time.
+  constexpr uint64_t kMostTilePixels = 4 << 20;
+  for (const TiffDirectory& picture : directories) {
+    if (uint64_t{picture.blockWidth} * picture.blockHeight > kMostTilePixels)
+      return "has tiles of more than 2048 pixels a side";
+  }
   const bool large = std::max(image.width, image.height) > kNeedsOverviews;
   const bool reduced = std::any_of(directories.begin() + 1, directories.end(), [](const auto& d) {
     return (d.subfileType & tiff::kReducedImage) != 0 && (d.subfileType & tiff::kMask) == 0;
@@ -78,10 +80,8 @@ std::vector<ByteRange> rangesOf(const TiffDirectory& picture, int x, int y, int 
 }
 
 std::unique_ptr<TileReader> makeRemoteReader(std::unique_ptr<TileReader> inner,
-                                             std::vector<const TiffDirectory*> pictures,
-                                             std::shared_ptr<const RemoteBytes> bytes) {
-  return std::make_unique<RemoteTileReader>(std::move(inner), std::move(pictures),
-                                            std::move(bytes));
+                                             std::vector<const TiffDirectory*> pictures) {
+  return std::make_unique<RemoteTileReader>(std::move(inner), std::move(pictures));
 }
 
 }  // namespace tarn::raster

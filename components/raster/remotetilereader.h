@@ -11,11 +11,11 @@
 
 namespace tarn::raster {
 
-/// Reads as `inner` does. `pictures` are the directories whose blocks `inner` decodes (the picture
-/// and its mask), all of the inner grid's size; they must live as long.
+/// Reads as `inner` does, and knows the ranges of its tiles. `pictures` are the directories whose
+/// blocks `inner` decodes (the picture and its mask), all of the inner grid's size; they must live
+/// as long.
 std::unique_ptr<TileReader> makeRemoteReader(std::unique_ptr<TileReader> inner,
-                                             std::vector<const TiffDirectory*> pictures,
-                                             std::shared_ptr<const RemoteBytes> bytes);
+                                             std::vector<const TiffDirectory*> pictures);
 
 /// Why a file with these directories cannot be read in pieces, without its name; empty when it can.
 std::string hindranceToPieces(const std::vector<TiffDirectory>& directories);

@@ -67,11 +67,16 @@ class ResampledReader : public TileReader {
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
     out.hasKeys = false;
-    const Part tile{column * grid_.tileWidth, row * grid_.tileHeight, out.width, out.height};
+    const Part tile = partOf(column, row);
     return fill(tile, tile, out, bytesRead);
   }
 
  protected:
+  Part partOf(int column, int row) const {
+    return {column * grid_.tileWidth, row * grid_.tileHeight, grid_.widthOf(column),
+            grid_.heightOf(row)};
+  }
+
   /// Fills a part of the tile whose pixels are `out`.
   virtual bool fill(const Part& part, const Part& tile, Tile& out, uint64_t& bytesRead) const = 0;
 
@@ -111,6 +116,20 @@ class ResampledReader : public TileReader {
     if (!source_->copy(patch, bytesRead)) return false;
     sample(mapping, patch, part, tile, out);
     return true;
+  }
+
+  /// The parts of the source that fillBy() copies.
+  void addSources(const PlaneMapping& mapping, const Part& part, std::vector<Part>& parts) const {
+    const Part source = sourceOf(mapping, source_->grid().width, source_->grid().height, part);
+    if (source.isEmpty()) return;
+    if (!isDivisible(part) || source.pixels() <= kMostPatchPixels) {
+      parts.push_back(source);
+      return;
+    }
+    fillQuarters(part, [&](const Part& quarter) {
+      addSources(mapping, quarter, parts);
+      return true;
+    });
   }
 
   void sample(const PlaneMapping& mapping, const PixelPatch& patch, const Part& part,
@@ -167,6 +186,14 @@ class PlaneReader final : public ResampledReader {
     const auto middle = mapping_.invert({extent_.width / 2, extent_.height / 2});
     if (middle && mapping_.slopeAt(middle->x, middle->y).determinant() < 0)
       extent_.orientation = -1;
+  }
+
+  void addRanges(const std::vector<TilePlace>& places,
+                 std::vector<ByteRange>& ranges) const override {
+    std::vector<Part> parts;
+    for (const TilePlace& place : places)
+      addSources(mapping_, partOf(place.column, place.row), parts);
+    source_->addRanges(parts, ranges);
   }
 
  private:

@@ -93,19 +93,19 @@ void stretchPart(const StretchTables& tables, uint8_t* rgb, size_t count) {
   }
 }
 
-/// Column and row of the tiles to look at, in the order in which they lie in the file.
-std::vector<std::pair<int, int>> tilesToSample(const TileGrid& grid) {
+/// The tiles to look at, in the order in which they lie in the file.
+std::vector<TilePlace> tilesToSample(const TileGrid& grid) {
   const int64_t tilePixels = static_cast<int64_t>(grid.tileWidth) * grid.tileHeight;
   const auto wanted = static_cast<double>(std::max(kLeastSampleTiles, kSamplePixels / tilePixels));
   const double columns = grid.columns(), rows = grid.rows();
   const double fewer = std::min(1.0, std::sqrt(wanted / (columns * rows)));
   const int across = std::max(1, static_cast<int>(columns * fewer)),
             down = std::max(1, static_cast<int>(std::min(rows, wanted / across)));
-  std::vector<std::pair<int, int>> tiles;
+  std::vector<TilePlace> tiles;
   for (int j = 0; j < down; ++j) {
     for (int i = 0; i < across; ++i) {
-      tiles.emplace_back(static_cast<int>((i + 0.5) * columns / across),
-                         static_cast<int>((j + 0.5) * rows / down));
+      tiles.push_back({static_cast<int>((i + 0.5) * columns / across),
+                       static_cast<int>((j + 0.5) * rows / down)});
     }
   }
   return tiles;
@@ -113,8 +113,14 @@ std::vector<std::pair<int, int>> tilesToSample(const TileGrid& grid) {
 
 }  // namespace
 
-std::optional<Histogram> sampleLevel(const TileReader& level) {
-  const auto tiles = tilesToSample(level.grid());
+std::optional<Histogram> sampleLevel(const TileReader& level, const RemoteBytes* remote) {
+  const std::vector<TilePlace> tiles = tilesToSample(level.grid());
+  std::shared_ptr<const void> held;
+  if (remote) {
+    std::vector<ByteRange> ranges;
+    level.addRanges(tiles, ranges);
+    if (!remote->fetch(ranges, held)) return std::nullopt;
+  }
   std::mutex mutex;
   Histogram total;
   bool failed = false;
@@ -122,7 +128,7 @@ std::optional<Histogram> sampleLevel(const TileReader& level) {
     Tile tile;
     uint64_t bytes = 0;
     Histogram histogram;
-    const bool done = level.read(tiles[i].first, tiles[i].second, tile, bytes);
+    const bool done = level.read(tiles[i].column, tiles[i].row, tile, bytes);
     if (done)
       histogram.add(tile.pixels.get(), static_cast<size_t>(tile.width) * tile.height,
                     tile.channels);

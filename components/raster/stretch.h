@@ -23,8 +23,8 @@ struct Histogram {
 };
 
 /// The histogram of a level: of all its tiles, or of some spread evenly when there are many.
-/// Nothing when a tile cannot be read.
-std::optional<Histogram> sampleLevel(const TileReader& level);
+/// Nothing when a tile cannot be read. `remote`: where the tiles come from, when that is far away.
+std::optional<Histogram> sampleLevel(const TileReader& level, const RemoteBytes* remote = nullptr);
 
 using StretchTables = std::array<std::array<uint8_t, 256>, 3>;
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "components/raster/remotebytes.h"
+
 namespace tarn::raster {
 
 class PixelPool;
@@ -67,12 +69,10 @@ class TileReader {
   TileReader& operator=(const TileReader&) = delete;
 
   virtual const TileGrid& grid() const = 0;
-  /// Gets ready what the tiles are decoded from, where that is better done for several at once; it
-  /// stays so as long as `held` lives. False when it cannot be had.
-  virtual bool prepare(const std::vector<TilePlace>& /*places*/,
-                       std::shared_ptr<const void>& /*held*/) const {
-    return true;
-  }
+  /// Adds the ranges of the file that the tiles are decoded from, for bytes that are better fetched
+  /// together; nothing for a file that is at hand, and what the tile cache has is left out.
+  virtual void addRanges(const std::vector<TilePlace>& /*places*/,
+                         std::vector<ByteRange>& /*ranges*/) const {}
   /// Decodes one tile into `out` and adds the bytes read from the file to `bytesRead`. Leaves
   /// hasKeys as it is, or false when it knows that there are none. False when the file does not
   /// hold it whole.

@@ -34,20 +34,21 @@ class TurnedReader : public TileReader {
   const TileGrid& grid() const override { return grid_; }
   bool sequential() const override { return source_->reader().sequential(); }
 
+  void addRanges(const std::vector<TilePlace>& places,
+                 std::vector<ByteRange>& ranges) const override {
+    std::vector<Part> parts;
+    for (const TilePlace& place : places) parts.push_back(sourceOf(place.column, place.row));
+    source_->addRanges(parts, ranges);
+  }
+
   bool read(int column, int row, Tile& out, uint64_t& bytesRead) const override {
     out.allocate(grid_.widthOf(column), grid_.heightOf(row), grid_.channels);
+    const Part part = sourceOf(column, row);
     PixelPatch patch;
-    patch.x = column * grid_.tileWidth;
-    patch.y = row * grid_.tileHeight;
-    patch.width = out.width;
-    patch.height = out.height;
-    if (turn_.transposed) {
-      std::swap(patch.x, patch.y);
-      std::swap(patch.width, patch.height);
-    }
-    const TileGrid& own = source_->grid();
-    if (turn_.mirroredColumns) patch.x = own.width - patch.x - patch.width;
-    if (turn_.mirroredRows) patch.y = own.height - patch.y - patch.height;
+    patch.x = part.x;
+    patch.y = part.y;
+    patch.width = part.width;
+    patch.height = part.height;
     if (!source_->copy(patch, bytesRead)) return false;
 
     // Steps in the patch for one column and one row of the image, then of the tile.
@@ -69,6 +70,20 @@ class TurnedReader : public TileReader {
   }
 
  private:
+  /// The pixels of the level that make a tile.
+  Part sourceOf(int column, int row) const {
+    Part part{column * grid_.tileWidth, row * grid_.tileHeight, grid_.widthOf(column),
+              grid_.heightOf(row)};
+    if (turn_.transposed) {
+      std::swap(part.x, part.y);
+      std::swap(part.width, part.height);
+    }
+    const TileGrid& own = source_->grid();
+    if (turn_.mirroredColumns) part.x = own.width - part.x - part.width;
+    if (turn_.mirroredRows) part.y = own.height - part.y - part.height;
+    return part;
+  }
+
   std::shared_ptr<const CachedLevel> source_;
   Turn turn_;
   TileGrid grid_;

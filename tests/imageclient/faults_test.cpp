@@ -1,11 +1,22 @@
 // A server that does everything wrong: what the client says, how long it takes, what it keeps.
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <array>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
 
 #include "base/file.h"
 #include "client.h"
 #include "faultserver.h"
+#include "imageclient/http.h"
+#include "imageclient/httpsource.h"
 #include "imageclient/rangecache.h"
 #include "images.h"
 #include "tests/support/recordinginterface.h"
@@ -14,6 +25,32 @@ namespace tarn::test {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using ::testing::HasSubstr;
+
+int milliseconds(Clock::time_point since) {
+  return static_cast<int>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - since).count());
+}
+
+/// By how many bytes the memory of this process grows at most while something runs; 0 where that
+/// cannot be told, or tells more about a sanitizer.
+template <typename Work>
+int64_t growthDuring(const Work& work) {
+  const auto kilobytes = [](const char* name) -> int64_t {
+    const auto status = readFile("/proc/self/status", 1 << 20);
+    const size_t at = status ? status.value().find(name) : std::string::npos;
+    return at == std::string::npos ? 0 : std::atoll(status.value().c_str() + at + strlen(name));
+  };
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  const bool canTell = false;
+#else
+  // "5": the peak begins anew.
+  const bool canTell = std::ofstream("/proc/self/clear_refs").put('5').flush().good();
+#endif
+  const int64_t before = kilobytes("VmRSS:");
+  work();
+  return canTell ? 1024 * (kilobytes("VmHWM:") - before) : 0;
+}
 
 /// Bytes of a cloud-optimised image, the same for all tests.
 const std::string& cogBytes() {
@@ -43,11 +80,13 @@ struct FaultCase {
   const char* words;
   /// Tries of one request; more when the fault may pass.
   int tries;
+  /// How long a request may take; 0 as ever.
+  int request = 0;
 };
 
 const FaultCase kFaults[] = {
     {Fault::kReset, "broke off", 3},
-    {Fault::kStalled, "does not answer", 1},
+    {Fault::kStalled, "does not answer", 1, 400},
     {Fault::kDripping, "does not answer, or too slowly", 1},
     {Fault::kHalfBody, "broke off", 3},
     {Fault::kWrongRange, "other bytes than", 1},
@@ -55,6 +94,7 @@ const FaultCase kFaults[] = {
     {Fault::kWholeFile, "does not give out parts", 1},
     {Fault::kGarbage, "no usable answer", 1},
     {Fault::kEndless, "more than it was asked for", 1},
+    {Fault::kEndlessHead, "more than it was asked for", 1},
     {Fault::kLoop, "in a circle", 6},
     {Fault::kElsewhere, "another place", 1},
     {Fault::kToFile, "another place", 1},
@@ -62,34 +102,51 @@ const FaultCase kFaults[] = {
     {Fault::kBusy, "error 503", 3},
 };
 
-/// Opening, and reading of an image that is open, each with one clear message and nothing shown.
-TEST_F(Faults, EachIsToldOnceAndOver) {
-  for (const FaultCase& c : kFaults) {
-    SCOPED_TRACE(c.words);
-    FaultServer server(cogBytes());
-    server.setFault(c.fault);
-    recorded().messages.clear();
-    auto closed = clientOf(server.port());
-    EXPECT_FALSE(closed->setCurImg("image.tif"));
-    EXPECT_EQ(server.requests(), c.tries);
-    EXPECT_THAT(recorded().messages, testing::ElementsAre(testing::HasSubstr(c.words)));
-    EXPECT_THAT(closed->error().str(), testing::StartsWith("127.0.0.1:" + server.port()));
-    EXPECT_EQ(closed->imgWei(), 0);
+/// Opening, and reading of an image that is open, each with one clear message, nothing shown and an
+/// end in time.
+void meetFault(const FaultCase& c) {
+  SCOPED_TRACE(c.words);
+  // Far from what an operation may take, near for a machine that has much else to do.
+  constexpr int kMargin = 3000;
+  ClientTimes times = shortTimes();
+  if (c.request > 0) times.request = c.request;
+  TarnClientManager::setTimes(times);
+  FaultServer server(cogBytes());
+  server.setFault(c.fault);
+  recorded().messages.clear();
+  auto closed = clientOf(server.port());
+  auto start = Clock::now();
+  EXPECT_FALSE(closed->setCurImg("image.tif"));
+  EXPECT_LT(milliseconds(start), times.operation + kMargin);
+  EXPECT_EQ(server.requests(), c.tries);
+  EXPECT_THAT(recorded().messages, testing::ElementsAre(HasSubstr(c.words)));
+  EXPECT_THAT(closed->error().str(), testing::StartsWith("127.0.0.1:" + server.port()));
+  EXPECT_EQ(closed->imgWei(), 0);
 
-    server.setFault(Fault::kNone);
-    auto open = clientOf(server.port());
-    ASSERT_TRUE(open->setCurImg("image.tif")) << open->error().str();
-    server.setFault(c.fault);
-    recorded().messages.clear();
-    unsigned char* pixels = nullptr;
-    EXPECT_FALSE(open->updateImage(0, 0, 300, 300, 1, 1, &pixels));
-    EXPECT_EQ(pixels, nullptr);
-    EXPECT_EQ(open->getMaybeImgData(), nullptr);
-    EXPECT_FALSE(open->updateImage(0, 0, 300, 300, 1, 1, nullptr));
-    EXPECT_EQ(recorded().messages.size(), 1U);
-    server.setFault(Fault::kNone);
-    EXPECT_TRUE(open->updateImage(0, 0, 300, 300, 1, 1, nullptr)) << open->error().str();
-  }
+  server.setFault(Fault::kNone);
+  auto open = clientOf(server.port());
+  ASSERT_TRUE(open->setCurImg("image.tif")) << open->error().str();
+  server.setFault(c.fault);
+  recorded().messages.clear();
+  unsigned char* pixels = nullptr;
+  start = Clock::now();
+  EXPECT_FALSE(open->updateImage(0, 0, 300, 300, 1, 1, &pixels));
+  EXPECT_LT(milliseconds(start), times.operation + kMargin);
+  EXPECT_EQ(pixels, nullptr);
+  EXPECT_EQ(open->getMaybeImgData(), nullptr);
+  EXPECT_FALSE(open->updateImage(0, 0, 300, 300, 1, 1, nullptr));
+  EXPECT_EQ(recorded().messages.size(), 1U);
+  server.setFault(Fault::kNone);
+  EXPECT_TRUE(open->updateImage(0, 0, 300, 300, 1, 1, nullptr)) << open->error().str();
+}
+
+TEST_F(Faults, EachIsToldOnceAndOver) {
+  constexpr int64_t kMostGrowth = 64 << 20;
+  const int64_t growth = growthDuring([] {
+    for (const FaultCase& c : kFaults) meetFault(c);
+  });
+  EXPECT_LE(growth, kMostGrowth);
+  RecordProperty("bytes_grown", std::to_string(growth));
   EXPECT_LE(client::RangeCache::shared().bytes(), client::RangeCache::kLimit);
 }
 
@@ -129,23 +186,94 @@ TEST_F(Faults, FilesThatCannotBeReadInPiecesAreRefused) {
 }
 
 TEST_F(Faults, TheUserCanStopAtAnyTime) {
+  // Everything waits for seconds by itself.
   TarnClientManager::setTimes({});
-  for (const Fault fault : {Fault::kStalled, Fault::kDripping, Fault::kEndless}) {
+  const struct {
+    Fault fault;
+    bool isTogether;
+  } cases[] = {{Fault::kStalled, false}, {Fault::kDripping, false}, {Fault::kStalled, true}};
+  for (const auto& [fault, isTogether] : cases) {
     FaultServer server(cogBytes());
     auto manager = clientOf(server.port());
     ASSERT_TRUE(manager->setCurImg("image.tif"));
     server.setFault(fault);
     recorded() = {};
-    recorded().cancel = true;
-    const int before = server.requests();
+    constexpr int kAfter = 150;
+    const auto start = Clock::now();
+    Clock::time_point pressed{};
+    recorded().wantsToStop = [&] {
+      const bool wants = milliseconds(start) >= kAfter;
+      if (wants && pressed == Clock::time_point{}) pressed = Clock::now();
+      return wants;
+    };
+    if (isTogether) {
+      manager->announceWindow(0, 0, 1, 1, 300, 300);
+      TarnClientManager::fetchAnnounced({manager.get()});
+    }
     EXPECT_FALSE(manager->updateImage(0, 0, 300, 300, 1, 1, nullptr));
-    EXPECT_LE(server.requests() - before, 4);
-    EXPECT_THAT(manager->error().str(), testing::HasSubstr("was interrupted"));
+    ASSERT_NE(pressed, Clock::time_point{}) << "it was not asked";
+    EXPECT_LT(milliseconds(pressed), 1000);
+    std::printf("returned %d ms after it was told to stop\n", milliseconds(pressed));
+    EXPECT_THAT(manager->error().str(), HasSubstr("was interrupted"));
     EXPECT_THAT(recorded().messages, testing::IsEmpty()) << "who stops knows why";
-    recorded().cancel = false;
+    recorded().wantsToStop = nullptr;
     server.setFault(Fault::kNone);
     EXPECT_TRUE(manager->updateImage(0, 0, 300, 300, 1, 1, nullptr)) << "and needs no pause";
   }
+}
+
+/// A server that takes no connection: its queue is full, so that nothing comes of asking it.
+class FullServer {
+ public:
+  FullServer() {
+    listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    address_.sin_family = AF_INET;
+    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address_;
+    if (::bind(listener_, plain(), size) != 0 || ::listen(listener_, 0) != 0) return;
+    ::getsockname(listener_, plain(), &size);
+    for (int& connection : waiting_) {
+      connection = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+      [[maybe_unused]] const int begun = ::connect(connection, plain(), size);
+    }
+  }
+  ~FullServer() {
+    for (const int connection : waiting_) ::close(connection);
+    ::close(listener_);
+  }
+  FullServer(const FullServer&) = delete;
+  FullServer& operator=(const FullServer&) = delete;
+  std::string port() const { return std::to_string(ntohs(address_.sin_port)); }
+
+ private:
+  sockaddr* plain() { return reinterpret_cast<sockaddr*>(&address_); }
+  sockaddr_in address_{};
+  int listener_ = -1;
+  std::array<int, 3> waiting_{};
+};
+
+TEST_F(Faults, ConnectionsThatAreNotTakenAreTriedAgain) {
+  FullServer server;
+  ClientTimes times = shortTimes();
+  times.connect = 100;
+  times.operation = 2000;
+  const uint64_t before = client::httpTotals().requests;
+  const client::ServerPlace place{"127.0.0.1", std::stoi(server.port()), false, {}};
+  client::Operation operation(times, nullptr);
+  const client::HttpAnswer answer =
+      client::runRequest(place, client::HttpSource::headRequest("a.tif"), operation);
+  EXPECT_EQ(answer.failure, "its server does not answer");
+  EXPECT_TRUE(answer.isUnreachable);
+  EXPECT_EQ(client::httpTotals().requests - before, 3U);
+  EXPECT_GT(operation.left(), 0) << "within the time that there is";
+  // One for which an operation has waited in vain to its end is not waited for again.
+  times.connect = 5000;
+  times.operation = 300;
+  TarnClientManager::setTimes(times);
+  EXPECT_FALSE(clientOf(server.port())->setCurImg("a.tif"));
+  const uint64_t waited = client::httpTotals().requests;
+  EXPECT_FALSE(clientOf(server.port())->setCurImg("b.tif"));
+  EXPECT_EQ(client::httpTotals().requests, waited);
 }
 
 TEST_F(Faults, AFileThatIsReplacedInTheMiddleIsNeverMixed) {
@@ -204,6 +332,57 @@ TEST_F(Faults, AddressesThatAreNoneAreNotAsked) {
   EXPECT_FALSE(local->connectServe());
   EXPECT_FALSE(local->setCurImg("image.tif"));
   EXPECT_EQ(server.requests(), 0);
+}
+
+/// Several images of a server, as a drawing has them.
+struct Several {
+  explicit Several(const std::string& port) {
+    for (int i = 0; i < 5; ++i) {
+      managers.push_back(clientOf(port));
+      clients.push_back(managers.back().get());
+      // Only says which: the server has nothing to tell yet.
+      managers.back()->setCurImg("image" + std::to_string(i) + ".tif");
+    }
+  }
+  void announce() const {
+    for (TarnClientManager* client : clients) client->announceWindow(10, 10, 1.5, 1.5, 200, 150);
+  }
+  bool look(size_t i) const { return clients[i]->updateImage(0, 0, 200, 150, 1, 1, nullptr); }
+
+  std::vector<std::unique_ptr<TarnClientManager>> managers;
+  std::vector<TarnClientManager*> clients;
+};
+
+TEST_F(Faults, SeveralImagesAreAskedForTogether) {
+  ClientTimes times = shortTimes();
+  times.failures = 50;
+  TarnClientManager::setTimes(times);
+  FaultServer server(cogBytes());
+  server.setFault(Fault::kGone);
+  const Several images(server.port());
+  server.setFault(Fault::kNone);
+  server.setDelay(80);
+  TarnClientManager::makeReady(images.clients);
+  EXPECT_GE(server.mostAtOnce(), 3);
+  for (const TarnClientManager* client : images.clients)
+    EXPECT_EQ(const_cast<TarnClientManager*>(client)->imgWei(), 1500);
+  images.announce();
+  TarnClientManager::fetchAnnounced(images.clients);
+  const int known = server.requests();
+  for (size_t i = 0; i < images.clients.size(); ++i) EXPECT_TRUE(images.look(i));
+  EXPECT_EQ(server.requests(), known) << "all that was needed has come";
+  // What cannot be had is told by each, and not asked for twice.
+  recorded().messages.clear();
+  server.setFault(Fault::kGone);
+  for (TarnClientManager* client : images.clients) client->announceWindow(900, 900, 1, 1, 200, 150);
+  TarnClientManager::fetchAnnounced(images.clients);
+  const int asked = server.requests();
+  for (size_t i = 0; i < images.clients.size(); ++i) EXPECT_FALSE(images.look(i));
+  EXPECT_EQ(server.requests(), asked);
+  EXPECT_THAT(recorded().messages, testing::Each(HasSubstr("is not on the server")));
+  EXPECT_EQ(recorded().messages.size(), images.clients.size());
+  server.setFault(Fault::kNone);
+  EXPECT_TRUE(images.look(0)) << "and the next look asks anew";
 }
 
 }  // namespace

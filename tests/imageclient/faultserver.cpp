@@ -57,7 +57,6 @@ void FaultServer::listen() {
     if (::poll(&waiting, 1, kStepMs) <= 0) continue;
     const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     if (connection < 0) continue;
-    ++connections_;
     threads_.emplace_back([this, connection] { serve(connection); });
   }
 }
@@ -73,7 +72,9 @@ void FaultServer::serve(int connection) {
     request.append(bytes, static_cast<size_t>(count));
     if (request.find("\r\n\r\n") == std::string::npos) continue;
     ++requests_;
+    mostAtOnce_ = std::max<int>(mostAtOnce_, ++waiting_);
     std::this_thread::sleep_for(std::chrono::milliseconds(delayMs_));
+    --waiting_;
     const Reply reply = replyTo(request);
     send(connection, reply.bytes);
     request.clear();
@@ -98,7 +99,8 @@ void FaultServer::afterwards(int connection, Reply::After after) const {
     const linger hard{1, 0};
     ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
   }
-  const std::string more(after == Reply::After::kEndless ? 65536 : 1, 'x');
+  std::string more(after == Reply::After::kEndless ? 65536 : 1, 'x');
+  if (after == Reply::After::kEndlessHead) more = "X-More: " + std::string(4000, 'x') + "\r\n";
   while (!ending_ && after != Reply::After::kClose && after != Reply::After::kReset) {
     pollfd waiting{connection, POLLIN, 0};
     char byte = 0;
@@ -117,6 +119,8 @@ FaultServer::Reply FaultServer::replyTo(const std::string& request) {
       return {"", After::kReset};
     case Fault::kStalled:
       return {"", After::kStall};
+    case Fault::kEndlessHead:
+      return {"HTTP/1.1 206 Part\r\n", After::kEndlessHead};
     case Fault::kGarbage:
       return {"\x01\x02 what is this\r\n\r\n", After::kClose};
     case Fault::kLoop:

@@ -13,22 +13,23 @@ namespace tarn::test {
 
 enum class Fault {
   kNone,
-  kReset,       // the connection is reset before an answer
-  kStalled,     // no answer ever
-  kDripping,    // one byte now and then
-  kHalfBody,    // the connection ends in the middle
-  kWrongRange,  // other bytes than were asked for
-  kWholeFile,   // the file instead of a range of it
-  kGarbage,     // no HTTP
-  kEndless,     // more than was said, without end
-  kLoop,        // redirects to itself
-  kElsewhere,   // redirects to another host
-  kToFile,      // redirects to a file of this computer
-  kGone,        // 404
-  kBusy,        // 503
-  kBusyOnce,    // 503, then as it should be
-  kShortRange,  // fewer bytes than were asked for, and says so
-  kDamaged,     // the right number of wrong bytes
+  kReset,        // the connection is reset before an answer
+  kStalled,      // no answer ever
+  kDripping,     // one byte now and then
+  kHalfBody,     // the connection ends in the middle
+  kWrongRange,   // other bytes than were asked for
+  kWholeFile,    // the file instead of a range of it
+  kGarbage,      // no HTTP
+  kEndless,      // more than was said, without end
+  kEndlessHead,  // lines before the body, without end
+  kLoop,         // redirects to itself
+  kElsewhere,    // redirects to another host
+  kToFile,       // redirects to a file of this computer
+  kGone,         // 404
+  kBusy,         // 503
+  kBusyOnce,     // 503, then as it should be
+  kShortRange,   // fewer bytes than were asked for, and says so
+  kDamaged,      // the right number of wrong bytes
 };
 
 /// Listens on a free port of 127.0.0.1 until it is destroyed. Every path is the file.
@@ -44,14 +45,15 @@ class FaultServer {
   /// Another file under the same name, told apart by its tag.
   void setFile(std::string file);
   int requests() const { return requests_; }
-  int connections() const { return connections_; }
+  /// The largest number of requests that were waiting for their answers at a time.
+  int mostAtOnce() const { return mostAtOnce_; }
   /// Longest time, in milliseconds, that a request waits for its answer.
   void setDelay(int ms) { delayMs_ = ms; }
 
  private:
   struct Reply {
     std::string bytes;
-    enum class After { kKeep, kClose, kReset, kStall, kDrip, kEndless };
+    enum class After { kKeep, kClose, kReset, kStall, kDrip, kEndless, kEndlessHead };
     After after = After::kKeep;
   };
   void listen();
@@ -69,7 +71,8 @@ class FaultServer {
   std::atomic<Fault> fault_{Fault::kNone};
   std::atomic<bool> ending_{false};
   std::atomic<int> requests_{0};
-  std::atomic<int> connections_{0};
+  std::atomic<int> waiting_{0};
+  std::atomic<int> mostAtOnce_{0};
   std::atomic<int> delayMs_{0};
   std::list<std::thread> threads_;
   std::thread acceptor_;

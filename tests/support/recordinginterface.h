@@ -23,6 +23,8 @@ struct Recorded {
   std::function<kel::StringList(const kel::Listing&)> choose;
   std::string folder;
   bool cancel = false;
+  /// Asked in place of `cancel` when it is there.
+  std::function<bool()> wantsToStop;
 };
 
 inline Recorded& recorded() {
@@ -46,7 +48,9 @@ class RecordingInterface final : public kel::Implements<RecordingInterface, IUse
     recorded().progress.push_back("move " + std::to_string(position));
   }
   void endProgress() override { recorded().progress.emplace_back("end"); }
-  bool cancelWanted() override { return recorded().cancel; }
+  bool cancelWanted() override {
+    return recorded().wantsToStop ? recorded().wantsToStop() : recorded().cancel;
+  }
   kel::DString folder(Folder) override { return recorded().folder; }
   void count(const char* counter, long long amount) override {
     recorded().counters[counter] += amount;
