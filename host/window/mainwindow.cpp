@@ -121,7 +121,9 @@ void MainWindow::buildCommandLine() {
 
 void MainWindow::showState() {
   setWindowTitle("Tarn Image – " + QString::fromStdString(app_.documentTitle()) + "[*]");
-  setWindowModified(app_.documents().current().isModified());
+  // Setting it writes the title anew each time.
+  const bool modified = app_.documents().current().isModified();
+  if (modified != isWindowModified()) setWindowModified(modified);
   status_->showState(stateText(!session_.busy(), frontEnd_.reading(), frontEnd_.readingKind()));
 }
 

@@ -113,6 +113,7 @@ void OperationWindows::tick() {
   const bool late = running_ && progress_ && !progress_->isVisible() &&
                     progress_->part().milliseconds() >= kShownAfterMilliseconds;
   if (!late) return;
+  part()->refresh();
   progress_->show();
   hooks_.opened(progress_);
 }

@@ -24,8 +24,10 @@ class ProgressPart : public QWidget {
 
   /// Without room between the limits the bar shows only that something goes on.
   void begin(const QString& label, int minimum, int maximum);
-  void move(int position);
-  /// Shows the time that has passed; called often.
+  void move(int position) { position_ = position; }
+  /// Shows place and time as they are now.
+  void refresh();
+  /// As refresh(), some times a second; called more often.
   void tick();
   qint64 milliseconds() const { return since_.isValid() ? since_.elapsed() : 0; }
 
@@ -33,7 +35,9 @@ class ProgressPart : public QWidget {
   QLabel* label_;  ///< all three belong to the widget
   QProgressBar* bar_;
   QLabel* times_;
+  int position_ = 0;
   QElapsedTimer since_;
+  QElapsedTimer refreshed_;
 };
 
 }  // namespace tarn::host

@@ -8,6 +8,7 @@ import os
 import re
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -41,16 +42,24 @@ def check(holds, text):
 
 
 class Picture:
-    """The screen at one moment."""
+    """Pixels, of a portable pixmap or of the file that the X server keeps its screen in."""
 
     def __init__(self, data):
-        header = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", data)
-        self.width, self.height = int(header[1]), int(header[2])
-        self.bytes = data[header.end():]
+        header = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", data[:99])
+        if header:
+            self.width, self.height = int(header[1]), int(header[2])
+            self.start, self.line, self.step, self.red_first = header.end(), self.width * 3, 3, True
+        else:
+            words = struct.unpack(">25I", data[:100])
+            self.width, self.height, self.line = words[4], words[5], words[12]
+            check(words[11] == 32, f"{words[11]} bits a pixel")
+            self.start, self.step, self.red_first = words[0] + 12 * words[19], 4, False
+        self.bytes = data
 
     def at(self, x, y):
-        start = (int(y) * self.width + int(x)) * 3
-        return tuple(self.bytes[start:start + 3])
+        start = self.start + int(y) * self.line + int(x) * self.step
+        color = tuple(self.bytes[start:start + 3])
+        return color if self.red_first else color[::-1]
 
     def count(self, box, test):
         """Pixels inside (left, top, right, bottom) whose colour passes."""
@@ -98,7 +107,7 @@ class Desk:
         read_end, write_end = os.pipe()
         self.children.append(subprocess.Popen(
             ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SCREEN[0]}x{SCREEN[1]}x24",
-             "-nolisten", "tcp", "-noreset"], pass_fds=[write_end], stderr=subprocess.DEVNULL))
+             "-fbdir", self.folder, "-nolisten", "tcp", "-noreset"], pass_fds=[write_end], stderr=subprocess.DEVNULL))
         os.close(write_end)
         with os.fdopen(read_end) as pipe:
             number = pipe.readline().strip()
@@ -240,8 +249,10 @@ class Desk:
         return self.mark
 
     # ---- Keys -----------------------------------------------------------------------------------
-    def type(self, text):
-        self.run(["xdotool", "type", "--delay", "1", "--", text])
+    def type(self, text, *keys):
+        """Types, then presses keys."""
+        words = ["xdotool", "type", "--delay", "1", "--args", "1", "--", text] if text else ["xdotool"]
+        self.run(words + (["key", "--delay", "1", *keys] if keys else []))
 
     def key(self, *names):
         self.run(["xdotool", "key", "--delay", "1", *names])
@@ -249,16 +260,13 @@ class Desk:
     def enter(self, line, prompt="Command:"):
         """Types a line and waits for the prompt that follows."""
         self.began = self.skip()
-        if line:
-            self.type(line)
-        self.key("Return")
+        self.type(line, "Return")
         if prompt is not None:
             self.wait_prompt(prompt)
 
     def read_only(self, name):
         self.skip()
-        self.type("SETVAR " + name)
-        self.key("Return")
+        self.type("SETVAR " + name, "Return")
         found = self.wait_line(name + r" = (.*) \(read only\)")
         self.wait_prompt("Command:")
         return found[1]
@@ -293,7 +301,9 @@ class Desk:
 
     # ---- Pictures -------------------------------------------------------------------------------
     def picture(self):
-        return Picture(self.run(["import", "-window", "root", "-depth", "8", "ppm:-"], data=True))
+        """The screen at this moment."""
+        with open(self.path("Xvfb_screen0"), "rb") as screen:
+            return Picture(screen.read())
 
     def wait_colors(self, places):
         """Waits until the screen has these colours: (place, (r, g, b)) each, within a few levels."""

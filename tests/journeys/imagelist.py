@@ -21,8 +21,7 @@ class Panel:
         """Where a part of an item is, "box" or "label"; "#1", "#2" ... are rows."""
         desk = self.desk
         desk.enter("UICLICK 1131 Where 119", "Item:")
-        desk.type(text)
-        desk.key("Return")
+        desk.type(text, "Return")
         found = desk.wait_line(r"box (\d+),(\d+) label (\d+),(\d+)")
         desk.wait_prompt("Command:")
         return tuple(int(v) for v in (found[1:3] if part == "box" else found[3:5]))
@@ -161,7 +160,7 @@ def image_list_many(desk):
         panel.check_box("#1")
         desk.wait_colors(colors_of(view, shown, shown))
 
-    labels = [panel.item(text, "label") for text in (first, second)]
+    labels = [panel.item(row, "label") for row in ("#2", "#3")]
     desk.click_pixel(labels[0])
     desk.run(["xdotool", "keydown", "ctrl"])
     desk.click_pixel(labels[1])
@@ -174,17 +173,17 @@ def image_list_many(desk):
     desk.wait_colors(colors_of(view, True, True))
 
     # Stretching flat colours moves them to where equal shares of the pixels are; the other image stays.
-    panel.menu(first, *["Down"] * 4, "Right", shot="stretch")
+    panel.menu("#2", *["Down"] * 4, "Right", shot="stretch")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True)[4:])
     place = [round(v) for v in view.pixel(QUARTERS[0])]
     wait_until("stretched", lambda: max(abs(a - b) for a, b in zip(desk.picture().at(*place), COLORS[0])) > 10)
-    panel.menu(first, *["Down"] * 4, "Right", "Up", shot="restore")
+    panel.menu("#2", *["Down"] * 4, "Right", "Up", shot="restore")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True))
-    panel.menu(first, *["Down"] * 3)
+    panel.menu("#2", *["Down"] * 3)
     desk.wait_prompt("Command:")
-    panel.menu(first, *["Down"] * 3, shot="anti-aliasing")
+    panel.menu("#2", *["Down"] * 3, shot="anti-aliasing")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True))
 
