@@ -34,7 +34,9 @@ TilePtr CachedLevel::tile(int column, int row, uint64_t& bytesRead) const {
   const TileKey key = keyOf(column, row);
   TileCache& cache = TileCache::shared();
   if (TilePtr found = cache.find(key)) return found;
-  const std::lock_guard<std::mutex> lock(decoding_[key.index % decoding_.size()]);
+  // Neighbours in both directions have locks of their own.
+  const size_t lockIndex = static_cast<size_t>(row) * 5 + column;
+  const std::lock_guard<std::mutex> lock(decoding_[lockIndex % decoding_.size()]);
   // Another thread may have decoded it while this one waited.
   if (TilePtr found = cache.find(key)) return found;
   auto decoded = std::make_shared<Tile>();

@@ -52,7 +52,7 @@ class CachedLevel {
   const TileReader& reader_;
   uint64_t image_;
   uint32_t level_;
-  mutable std::array<std::mutex, 16> decoding_;
+  mutable std::array<std::mutex, 64> decoding_;
 };
 
 }  // namespace tarn::raster

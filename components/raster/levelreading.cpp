@@ -247,6 +247,8 @@ bool Reading::fetchTiles(const Level& level, TileBlock& block) {
     return false;
   std::atomic<uint64_t> bytes{0};
   std::atomic<bool> failed{false};
+  // Each thread has a run of its own: neighbours are often made from the same pixels.
+  const size_t runs = workerCount(), length = (missing.size() + runs - 1) / runs;
   const auto decode = [&](size_t n) {
     if (failed) return;
     const size_t i = missing[n];
@@ -261,7 +263,10 @@ bool Reading::fetchTiles(const Level& level, TileBlock& block) {
   if (level.reader->sequential() || (level.reader->cheap() && missingBytes < kWorthAThread)) {
     for (size_t n = 0; n < missing.size(); ++n) decode(n);
   } else {
-    parallelFor(missing.size(), decode);
+    parallelFor(length * runs, [&](size_t n) {
+      const size_t at = n % runs * length + n / runs;
+      if (at < missing.size()) decode(at);
+    });
   }
   counts_.bytes += bytes;
   counts_.tilesRead += missing.size();

@@ -17,6 +17,9 @@ struct Segment {
   int column = 0;
   int begin = 0;
   int end = 0;
+  /// Groups of four cells that need pixels of it.
+  int firstGroup = 0;
+  int lastGroup = 0;
 };
 
 using Rows = std::array<const uint8_t*, kMostFastTaps>;
@@ -99,6 +102,14 @@ class RowSampler {
     }
     // One pixel more than there are, for reads of four numbers at the last one.
     blended_.resize((pixels_ + across_.width + 1) * channels_);
+    for (Segment& segment : segments_) {
+      const auto groupAt = [&](int pixel) {
+        const auto at = std::lower_bound(start_.begin(), start_.end(), pixel - across_.pixelBegin);
+        return static_cast<int>(at - start_.begin());
+      };
+      segment.firstGroup = groupAt(segment.begin - across_.width + 1) / 4;
+      segment.lastGroup = (groupAt(segment.end) + 3) / 4;
+    }
   }
 
   /// The weights of cell row i as 256ths with the sum 256.
@@ -117,33 +128,58 @@ class RowSampler {
   void averageFast(int i, bool keys, uint8_t* row) {
     const int count = rowsOf(i);
     const auto weights = quantisedDown(i, count);
-    bool covered = true;
+    int group = 0;
     for (const Segment& segment : segments_) {
       Rows rows{};
       for (int k = 0; k < count; ++k) rows[k] = pixelsAt(segment, down_.start[i] + k);
       const size_t bytes = static_cast<size_t>(segment.end - segment.begin) * channels_;
       const size_t at = static_cast<size_t>(segment.begin - across_.pixelBegin) * channels_;
-      if (keys && hasKeys(rows, count, bytes)) {
-        if (covered) covers_.assign(blended_.size(), kFullCover);
-        covered = false;
+      const bool covered = !keys || !hasKeys(segment.column, down_.start[i], rows, count, bytes);
+      if (!covered) {
+        covers_.resize(blended_.size(), kFullCover);
         const Rows masks = splitRows(rows, count, bytes);
         blendRows(masks.data(), weights.data(), count, bytes, covers_.data() + at);
+        uncovered_.push_back(&segment);
       }
       blendRows(rows.data(), weights.data(), count, bytes, blended_.data() + at);
     }
+    for (const Segment* segment : uncovered_) {
+      gather(group, segment->firstGroup, true, row);
+      group = std::max(group, segment->firstGroup);
+      gather(group, segment->lastGroup, false, row);
+      group = std::max(group, segment->lastGroup);
+    }
+    gather(group, static_cast<int>(start_.size() / 4), true, row);
+    for (const Segment* segment : uncovered_) {
+      std::fill_n(
+          covers_.begin() + (segment->begin - across_.pixelBegin) * static_cast<int64_t>(channels_),
+          static_cast<size_t>(segment->end - segment->begin) * channels_, kFullCover);
+    }
+    uncovered_.clear();
+  }
+
+  /// The cells of the groups [from, to), which are all content or not.
+  void gather(int from, int to, bool covered, uint8_t* row) const {
+    const int cells = std::min(4 * to, across_.cells()) - 4 * from;
+    if (cells <= 0) return;
+    const int* start = start_.data() + 4 * static_cast<size_t>(from);
+    const uint16_t* weights = fastWeights_.data() + 16 * static_cast<size_t>(from) * across_.width;
+    uint8_t* out = row + 12 * static_cast<size_t>(from);
     if (covered) {
-      gatherCells(blended_.data(), start_.data(), fastWeights_.data(), across_.width,
-                  across_.cells(), channels_, row);
+      gatherCells(blended_.data(), start, weights, across_.width, cells, channels_, out);
     } else {
-      gatherCoveredCells(blended_.data(), covers_.data(), start_.data(), fastWeights_.data(),
-                         across_.width, across_.cells(), channels_, row);
+      gatherCoveredCells(blended_.data(), covers_.data(), start, weights, across_.width, cells,
+                         channels_, out);
     }
   }
 
-  bool hasKeys(const Rows& rows, int count, size_t bytes) const {
-    return std::any_of(rows.begin(), rows.begin() + count, [&](const uint8_t* row) {
-      return findKeys(row, bytes / channels_, channels_);
-    });
+  bool hasKeys(int column, int y, const Rows& rows, int count, size_t bytes) const {
+    for (int k = 0; k < count; ++k) {
+      if (block_.at(column, (y + k) / block_.grid.tileHeight).hasKeys &&
+          findKeys(rows[k], bytes / channels_, channels_))
+        return true;
+    }
+    return false;
   }
 
   /// Puts rows of content in the place of the rows, and gives their masks.
@@ -257,7 +293,9 @@ class RowSampler {
   size_t pixels_ = 0;
   std::vector<uint16_t> fastWeights_;
   std::vector<uint16_t> blended_;
+  /// kFullCover between rows.
   std::vector<uint16_t> covers_;
+  std::vector<const Segment*> uncovered_;
   std::vector<uint8_t> split_;
   std::vector<float> sums_;
   std::vector<float> cover_;

@@ -2,35 +2,20 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "components/raster/kernels.h"
 #include "components/raster/vectorised.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-#if defined(__x86_64__) && defined(__GNUC__)
-#include <immintrin.h>
-#define TARN_AVX2 __attribute__((target("avx2")))
-#endif
-
 namespace tarn::raster {
 namespace {
 
-constexpr int kOne = 256;
+constexpr int kOne = kWholeShare;
 constexpr uint32_t kWhite = 0xFFFFFF;
 
 struct Weights {
   int w[4];
 };
-
-inline int acrossOf(int share) {
-  return share & (kOne - 1);
-}
-
-inline int downOf(int share) {
-  return share >> 8;
-}
 
 /// Of the four pixels around a position; they sum to 256.
 inline Weights weightsOf(int share) {
@@ -46,169 +31,6 @@ inline uint32_t contentOnly(uint32_t rgb) {
   if (rgb == 0) return kNearlyBlack;
   return rgb == kWhite ? kNearlyWhite : rgb;
 }
-
-#if defined(__SSE2__)
-/// For each 256th between two neighbouring pixels of three bytes: their weights across, as 65536ths
-/// in the order of the bytes, and the 256ths down, for each byte.
-struct ShareTable {
-  alignas(16) uint16_t across[kOne][8];
-  alignas(16) uint16_t down[kOne][8];
-
-  ShareTable() {
-    for (int i = 0; i < kOne; ++i) {
-      for (int lane = 0; lane < 8; ++lane) {
-        const int weight = lane < 3 ? kOne - i : lane < 6 ? i : 0;
-        across[i][lane] = static_cast<uint16_t>(std::min(weight * kOne, 65535));
-        down[i][lane] = static_cast<uint16_t>(i);
-      }
-    }
-  }
-};
-const ShareTable kShares;
-
-inline __m128i lanesOf(const uint16_t (&lanes)[8]) {
-  return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes));
-}
-
-/// The blend of the four pixels of three bytes at `p`, times 256, in the first three lanes; reads
-/// two bytes more than they have.
-inline __m128i blendOf(const uint8_t* p, size_t stride, int share) {
-  const auto load = [](const uint8_t* at) {
-    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)),
-                             _mm_setzero_si128());
-  };
-  const __m128i top = load(p), bottom = load(p + stride);
-  // Both rows blended, times 256: exact in 16 bits.
-  const __m128i rows = _mm_add_epi16(
-      _mm_slli_epi16(top, 8),
-      _mm_mullo_epi16(_mm_sub_epi16(bottom, top), lanesOf(kShares.down[downOf(share)])));
-  const __m128i both = _mm_mulhi_epu16(rows, lanesOf(kShares.across[acrossOf(share)]));
-  return _mm_add_epi16(both, _mm_srli_si128(both, 6));
-}
-
-/// Four numbers of two blends to bytes, red first.
-inline __m128i bytesOf(__m128i first, __m128i second) {
-  const __m128i half = _mm_set1_epi16(kOne / 2);
-  return _mm_packus_epi16(_mm_srli_epi16(_mm_add_epi16(first, half), 8),
-                          _mm_srli_epi16(_mm_add_epi16(second, half), 8));
-}
-
-inline uint32_t blendColours(const uint8_t* p, size_t stride, int share) {
-  const __m128i blend = blendOf(p, stride, share);
-  return static_cast<uint32_t>(_mm_cvtsi128_si32(bytesOf(blend, blend)));
-}
-
-/// Four colours a step, all but the last four at most; returns how many.
-template <bool kAllInside>
-int sampleFours(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
-                uint8_t* out) {
-  const __m128i white = _mm_set1_epi32(static_cast<int>(kWhite));
-  const __m128i least = _mm_set1_epi32(static_cast<int>(kNearlyBlack));
-  int i = 0;
-  for (; i + 4 < count; i += 4, out += 12) {
-    const auto blend = [&](int k) {
-      return blendOf(pixels + from.offset[i + k], stride, from.share[i + k]);
-    };
-    __m128i rgb =
-        bytesOf(_mm_unpacklo_epi64(blend(0), blend(1)), _mm_unpacklo_epi64(blend(2), blend(3)));
-    rgb = _mm_and_si128(rgb, white);
-    rgb = _mm_or_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, _mm_setzero_si128()), least));
-    rgb = _mm_xor_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, white), least));
-    if (!kAllInside)
-      rgb = _mm_and_si128(rgb, _mm_loadu_si128(reinterpret_cast<const __m128i*>(from.inside + i)));
-    // The fourth byte of each is the next one's first and written again with it.
-    for (int k = 0; k < 4; ++k) {
-      const int32_t bytes = _mm_cvtsi128_si32(rgb);
-      std::memcpy(out + static_cast<size_t>(3) * k, &bytes, sizeof bytes);
-      rgb = _mm_srli_si128(rgb, 4);
-    }
-  }
-  return i;
-}
-
-#if defined(TARN_AVX2)
-TARN_AVX2 inline __m256i widened(const uint8_t* first, const uint8_t* second) {
-  const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(first));
-  return _mm256_cvtepu8_epi16(
-      _mm_unpacklo_epi64(low, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(second))));
-}
-
-TARN_AVX2 inline __m256i bothLanes(const uint16_t (&first)[8], const uint16_t (&second)[8]) {
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(lanesOf(first)), lanesOf(second), 1);
-}
-
-/// blendOf for two pixels at once, one in each half.
-TARN_AVX2 inline __m256i blendPair(const uint8_t* pixels, size_t stride, const int32_t* offset,
-                                   const int32_t* share) {
-  const uint8_t* p = pixels + offset[0];
-  const uint8_t* q = pixels + offset[1];
-  const __m256i top = widened(p, q), bottom = widened(p + stride, q + stride);
-  const __m256i down = bothLanes(kShares.down[downOf(share[0])], kShares.down[downOf(share[1])]);
-  const __m256i rows = _mm256_add_epi16(_mm256_slli_epi16(top, 8),
-                                        _mm256_mullo_epi16(_mm256_sub_epi16(bottom, top), down));
-  const __m256i both = _mm256_mulhi_epu16(
-      rows, bothLanes(kShares.across[acrossOf(share[0])], kShares.across[acrossOf(share[1])]));
-  return _mm256_add_epi16(both, _mm256_srli_si256(both, 6));
-}
-
-/// The same colours as sampleFours, twice as wide.
-template <bool kAllInside>
-TARN_AVX2 int sampleFoursWide(const uint8_t* pixels, size_t stride, const RowSources& from,
-                              int count, uint8_t* out) {
-  const __m128i white = _mm_set1_epi32(static_cast<int>(kWhite));
-  const __m128i least = _mm_set1_epi32(static_cast<int>(kNearlyBlack));
-  const __m128i packed = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-  const __m256i half = _mm256_set1_epi16(kOne / 2);
-  int i = 0;
-  // Four bytes too many are stored each time, so the last five pixels are left.
-  for (; i + 5 < count; i += 4, out += 12) {
-    const __m256i first = blendPair(pixels, stride, from.offset + i, from.share + i);
-    const __m256i second = blendPair(pixels, stride, from.offset + i + 2, from.share + i + 2);
-    // Pixels 0 and 2 in the low half, 1 and 3 in the high one.
-    __m256i sums = _mm256_unpacklo_epi64(first, second);
-    sums = _mm256_srli_epi16(_mm256_add_epi16(sums, half), 8);
-    const __m256i bytes = _mm256_packus_epi16(sums, sums);
-    __m128i rgb =
-        _mm_unpacklo_epi32(_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1));
-    rgb = _mm_and_si128(rgb, white);
-    rgb = _mm_or_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, _mm_setzero_si128()), least));
-    rgb = _mm_xor_si128(rgb, _mm_and_si128(_mm_cmpeq_epi32(rgb, white), least));
-    if (!kAllInside)
-      rgb = _mm_and_si128(rgb, _mm_loadu_si128(reinterpret_cast<const __m128i*>(from.inside + i)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(rgb, packed));
-  }
-  return i;
-}
-const bool kIsWide = __builtin_cpu_supports("avx2") != 0;
-#else
-template <bool kAllInside>
-int sampleFoursWide(const uint8_t*, size_t, const RowSources&, int, uint8_t*) {
-  return 0;
-}
-constexpr bool kIsWide = false;
-#endif
-#else
-constexpr bool kIsWide = false;
-template <bool kAllInside>
-int sampleFoursWide(const uint8_t*, size_t, const RowSources&, int, uint8_t*) {
-  return 0;
-}
-inline uint32_t blendColours(const uint8_t* p, size_t stride, int share) {
-  const Weights weights = weightsOf(share);
-  uint32_t rgb = 0;
-  for (int c = 0; c < 3; ++c) {
-    const int sum = p[c] * weights.w[0] + p[c + 3] * weights.w[1] + p[stride + c] * weights.w[2] +
-                    p[stride + c + 3] * weights.w[3] + kOne / 2;
-    rgb |= static_cast<uint32_t>(sum >> 8) << (8 * c);
-  }
-  return rgb;
-}
-
-template <bool kAllInside>
-int sampleFours(const uint8_t*, size_t, const RowSources&, int, uint8_t*) {
-  return 0;
-}
-#endif
 
 inline bool isKey(const uint8_t* p, int channels) {
   if (channels == 1) return p[0] == 0 || p[0] == 255;
@@ -256,22 +78,28 @@ inline bool keysAround(const uint8_t* p, size_t stride) {
   return isKeyAt(p) || isKeyAt(p + 3) || isKeyAt(p + stride) || isKeyAt(p + stride + 3);
 }
 
-template <bool kHasKeys, bool kAllInside>
 void sampleColours(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
   const size_t stride = patch.stride();
   const uint8_t* pixels = patch.pixels.get();
-  const auto fours = kIsWide ? sampleFoursWide<kAllInside> : sampleFours<kAllInside>;
-  const int done = kHasKeys ? 0 : fours(pixels, stride, from, count, out);
-  out += static_cast<size_t>(3) * done;
-  for (int i = done; i < count; ++i, out += 3) {
+  std::vector<uint8_t> mixed(patch.hasKeys ? (static_cast<size_t>(count) + 7) / 8 : 0);
+  const int done = blendManyColours(pixels, stride, from, count, out, patch.hasKeys, mixed.data());
+  for (int i = 0; i < done && patch.hasKeys; i += 8) {
+    for (int left = mixed[i / 8], k = i; left != 0; left >>= 1, ++k) {
+      if ((left & 1) != 0)
+        blendContent(pixels + from.offset[k], stride, 3, from.share[k],
+                     out + 3 * static_cast<size_t>(k));
+    }
+  }
+  for (int i = done; i < count; ++i) {
     const uint8_t* p = pixels + from.offset[i];
-    const bool inside = kAllInside || from.inside[i] != 0;
-    if (kHasKeys && inside && keysAround(p, stride)) {
-      blendContent(p, stride, 3, from.share[i], out);
+    uint8_t* target = out + 3 * static_cast<size_t>(i);
+    const bool inside = !from.inside || from.inside[i] != 0;
+    if (patch.hasKeys && inside && keysAround(p, stride)) {
+      blendContent(p, stride, 3, from.share[i], target);
       continue;
     }
     const uint32_t rgb = inside ? contentOnly(blendColours(p, stride, from.share[i])) : 0;
-    std::memcpy(out, &rgb, 3);
+    std::memcpy(target, &rgb, 3);
   }
 }
 
@@ -367,21 +195,12 @@ void locatePoints(const PlanePoint* points, int count, const LevelExtent& extent
   }
 }
 
-namespace {
-
-template <bool kHasKeys, bool kAllInside>
-void sampleAs(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
-  (patch.channels == 3 ? sampleColours<kHasKeys, kAllInside>
-                       : sampleGray<kHasKeys, kAllInside>)(patch, from, count, out);
-}
-
-}  // namespace
-
 void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
+  if (patch.channels == 3) return sampleColours(patch, from, count, out);
   if (from.inside) {
-    (patch.hasKeys ? sampleAs<true, false> : sampleAs<false, false>)(patch, from, count, out);
+    (patch.hasKeys ? sampleGray<true, false> : sampleGray<false, false>)(patch, from, count, out);
   } else {
-    (patch.hasKeys ? sampleAs<true, true> : sampleAs<false, true>)(patch, from, count, out);
+    (patch.hasKeys ? sampleGray<true, true> : sampleGray<false, true>)(patch, from, count, out);
   }
 }
 

@@ -4,20 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "components/raster/bilinear.h"
 #include "components/raster/cachedlevel.h"
 #include "components/raster/planemapping.h"
 
 namespace tarn::raster {
-
-/// Where the pixels of one row come from: for each the byte in the patch at which the upper left of
-/// the four pixels around it begins, how far it lies between them (256ths to the right, and to the
-/// bottom times 256), and -1 where there is an image, else 0. Without `inside` there is one
-/// everywhere.
-struct RowSources {
-  int32_t* offset = nullptr;
-  int32_t* share = nullptr;
-  int32_t* inside = nullptr;
-};
 
 /// The part of the level that counts as image, and on which side the mapping is the image's own.
 struct LevelExtent {
