@@ -50,8 +50,9 @@ PlanePoint Chain::at(PlanePoint pixel) const {
 Chain::Followed Chain::follow(PlanePoint pixel) const {
   Followed f{placed(base_, pixel), slopeOf(base_)};
   for (const Step& step : steps_) {
-    f.slope = times(slopeOf(step.after), times(step.fit.slopeAt(f.point), f.slope));
-    f.point = placed(step.after, step.fit.at(f.point));
+    Slope slope;
+    f.point = placed(step.after, step.fit.follow(f.point, slope));
+    f.slope = times(slopeOf(step.after), times(slope, f.slope));
   }
   return f;
 }

@@ -129,18 +129,35 @@ PlanePoint Fit::at(PlanePoint p) const {
 }
 
 Slope Fit::slopeAt(PlanePoint p) const {
-  const PlanePoint n = source.to(p);
-  const double x = n.x, y = n.y;
-  const auto along = [&](const Terms& c, double& byX, double& byY) {
-    byX = c[1] + 2 * c[3] * x + c[4] * y + 3 * c[6] * x * x + 2 * c[7] * x * y + c[8] * y * y;
-    byY = c[2] + c[4] * x + 2 * c[5] * y + c[7] * x * x + 2 * c[8] * x * y + 3 * c[9] * y * y;
-    byX *= target.scale / source.scale;
-    byY *= target.scale / source.scale;
-  };
   Slope slope;
-  along(u, slope.ux, slope.uy);
-  along(v, slope.vx, slope.vy);
+  follow(p, slope);
   return slope;
+}
+
+PlanePoint Fit::follow(PlanePoint p, Slope& slope) const {
+  const PlanePoint n = source.to(p);
+  const double x = n.x, y = n.y, scale = target.scale / source.scale;
+  const int degree = degreeOf(method);
+  const auto along = [&](const Terms& c, double& byX, double& byY) {
+    double value = c[0] + c[1] * x + c[2] * y;
+    byX = c[1];
+    byY = c[2];
+    if (degree > 1) {
+      value += (c[3] * x + c[4] * y) * x + c[5] * y * y;
+      byX += 2 * c[3] * x + c[4] * y;
+      byY += c[4] * x + 2 * c[5] * y;
+    }
+    if (degree > 2) {
+      value += ((c[6] * x + c[7] * y) * x + c[8] * y * y) * x + c[9] * y * y * y;
+      byX += (3 * c[6] * x + 2 * c[7] * y) * x + c[8] * y * y;
+      byY += (c[7] * x + 2 * c[8] * y) * x + 3 * c[9] * y * y;
+    }
+    byX *= scale;
+    byY *= scale;
+    return value;
+  };
+  const double u0 = along(u, slope.ux, slope.uy);
+  return target.from({u0, along(v, slope.vx, slope.vy)});
 }
 
 PlanePoint Solution::variance(PlanePoint p) const {

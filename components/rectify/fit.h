@@ -56,6 +56,8 @@ struct Fit {
 
   PlanePoint at(PlanePoint p) const;
   Slope slopeAt(PlanePoint p) const;
+  /// Both of them.
+  PlanePoint follow(PlanePoint p, Slope& slope) const;
 };
 
 /// What fitting gives, a fit or not.

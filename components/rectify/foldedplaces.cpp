@@ -8,6 +8,8 @@ namespace {
 
 constexpr int kMeshes = 64, kCells = 64;
 constexpr int kLookedAt = 32;
+// Sides are bent, so a little beyond them counts too.
+constexpr double kBeyond = -0.02;
 
 double crossOf(PlanePoint o, PlanePoint p, PlanePoint q) {
   return (p.x - o.x) * (q.y - o.y) - (p.y - o.y) * (q.x - o.x);
@@ -58,15 +60,15 @@ FoldedPlaces::FoldedPlaces(const Chain& chain, const raster::GeoTransform& frame
       const size_t o = j * kSide + i;
       for (const auto& [b, c] : {std::pair<size_t, size_t>{o + 1, o + kSide + 1},
                                  std::pair<size_t, size_t>{o + kSide + 1, o + kSide}}) {
-        const Triangle triangle{{places[o], places[b], places[c]},
-                                {pixels[o], pixels[b], pixels[c]}};
+        const Triangle triangle{
+            {places[o], places[b], places[c]}, {pixels[o], pixels[b], pixels[c]}, {}, {}};
         if (crossOf(places[o], places[b], places[c]) * side > 0) add(triangle);
       }
     }
   }
 }
 
-void FoldedPlaces::add(const Triangle& triangle) {
+void FoldedPlaces::add(Triangle triangle) {
   PlanePoint low = triangle.places[0], high = low;
   for (const PlanePoint& p : triangle.places) {
     if (!std::isfinite(p.x) || !std::isfinite(p.y)) return;
@@ -75,6 +77,10 @@ void FoldedPlaces::add(const Triangle& triangle) {
   }
   if (high.x < 0 || high.y < 0 || low.x > cell_.x * kCells || low.y > cell_.y * kCells) return;
   const auto index = static_cast<uint32_t>(triangles_.size());
+  // Two of the three shares may be kBeyond.
+  const double x = -3 * kBeyond * (high.x - low.x), y = -3 * kBeyond * (high.y - low.y);
+  triangle.low = {low.x - x, low.y - y};
+  triangle.high = {high.x + x, high.y + y};
   triangles_.push_back(triangle);
   for (int j = cellAlong(low.y, cell_.y); j <= cellAlong(high.y, cell_.y); ++j)
     for (int i = cellAlong(low.x, cell_.x); i <= cellAlong(high.x, cell_.x); ++i)
@@ -86,8 +92,7 @@ size_t FoldedPlaces::cellOf(double x, double y) const {
 }
 
 std::optional<PlanePoint> FoldedPlaces::startIn(const Triangle& t, double x, double y) const {
-  // Sides are bent, so a little beyond them counts too.
-  constexpr double kBeyond = -0.02;
+  if (x < t.low.x || x > t.high.x || y < t.low.y || y > t.high.y) return std::nullopt;
   const PlanePoint p{x, y};
   const double all = crossOf(t.places[0], t.places[1], t.places[2]);
   const double b = crossOf(t.places[0], p, t.places[2]) / all;

@@ -28,10 +28,13 @@ class FoldedPlaces {
   struct Triangle {
     PlanePoint places[3];
     PlanePoint pixels[3];
+    /// Around what startIn() may take; most triangles of a cell are passed over by it.
+    PlanePoint low;
+    PlanePoint high;
   };
   std::optional<PlanePoint> startIn(const Triangle& triangle, double x, double y) const;
   size_t cellOf(double x, double y) const;
-  void add(const Triangle& triangle);
+  void add(Triangle triangle);
 
   raster::GeoTransform frame_;
   PlanePoint cell_;
