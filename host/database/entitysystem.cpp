@@ -23,6 +23,12 @@ bool onlyMoves(const AcGeMatrix3d& m) {
   return true;
 }
 
+/// To the last bit: coordinates may be large.
+bool isIdentity(const AcGeMatrix3d& m) {
+  const AcGeVector3d offset = m.translation();
+  return onlyMoves(m) && offset.x == 0 && offset.y == 0 && offset.z == 0;
+}
+
 }  // namespace
 
 AcGeMatrix3d entityToWorld(const AcGeVector3d& normal) {
@@ -79,8 +85,8 @@ std::vector<AcGePoint3d> arcPoints(const AcGePoint3d& center, double radius, dou
 void addBulge(std::vector<AcGePoint3d>& points, const AcGePoint3d& from, const AcGePoint3d& to,
               double bulge) {
   const AcGeVector3d chord = to - from;
-  const double sweep = 4 * std::atan(bulge);
   if (bulge != 0 && std::isfinite(bulge) && chord.length() > 0) {
+    const double sweep = 4 * std::atan(bulge);
     // The centre lies beside the middle of the chord.
     const double aside = (1 - bulge * bulge) / (4 * bulge);
     const AcGePoint3d center(from.x + chord.x / 2 - chord.y * aside,
@@ -99,6 +105,7 @@ void addBulge(std::vector<AcGePoint3d>& points, const AcGePoint3d& from, const A
 }
 
 void transformAll(std::vector<AcGePoint3d>& points, const AcGeMatrix3d& matrix) {
+  if (isIdentity(matrix)) return;
   for (AcGePoint3d& point : points) point.transformBy(matrix);
 }
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "acgi.h"
 #include "dbfiler.h"
 #include "dbpl.h"
@@ -129,49 +131,69 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
   return filer->filerStatus();
 }
 
+AcGePoint3d AcDbPolyline::ownPoint(const AcDbPolylineVertex& vertex) const {
+  return inSpace_ ? vertex.point : AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
+}
+
 AcGePoint3d AcDbPolyline::worldPoint(const AcDbPolylineVertex& vertex) const {
   if (inSpace_) return vertex.point;
-  return tarn::host::entityToWorld(normal_) *
-         AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
+  return tarn::host::entityToWorld(normal_) * ownPoint(vertex);
+}
+
+template <typename Piece, typename Lone>
+void AcDbPolyline::forEachPiece(const Piece& piece, const Lone& lone) const {
+  const AcDbPolylineVertex* before = nullptr;
+  const AcDbPolylineVertex* first = nullptr;
+  for (const AcDbPolylineVertex& vertex : vertices_) {
+    if ((vertex.flags & kFramePoint) != 0) continue;
+    if (before == nullptr) first = &vertex;
+    if (before != nullptr) piece(*before, vertex);
+    before = &vertex;
+  }
+  if (before != nullptr && before == first) lone(*first);
+  if (closed_ && before != first) piece(*before, *first);
 }
 
 std::vector<tarn::host::WideSegment> AcDbPolyline::segments() const {
   std::vector<tarn::host::WideSegment> all;
-  const AcDbPolylineVertex* before = nullptr;
-  const AcDbPolylineVertex* first = nullptr;
-  const auto place = [&](const AcDbPolylineVertex& vertex) {
-    return inSpace_ ? vertex.point : AcGePoint3d(vertex.point.x, vertex.point.y, elevation_);
-  };
-  const auto add = [&](const AcDbPolylineVertex& from, const AcDbPolylineVertex& to) {
-    tarn::host::WideSegment segment{{place(from)}, from.startWidth, from.endWidth};
-    tarn::host::addBulge(segment.points, place(from), place(to), inSpace_ ? 0 : from.bulge);
-    all.push_back(std::move(segment));
-  };
-  for (const AcDbPolylineVertex& vertex : vertices_) {
-    if ((vertex.flags & kFramePoint) != 0) continue;
-    if (before == nullptr) first = &vertex;
-    if (before != nullptr) add(*before, vertex);
-    before = &vertex;
-  }
-  if (before != nullptr && before == first) all.push_back({{place(*first)}, 0, 0});
-  if (closed_ && before != first) add(*before, *first);
+  forEachPiece(
+      [&](const AcDbPolylineVertex& from, const AcDbPolylineVertex& to) {
+        tarn::host::WideSegment segment{{ownPoint(from)}, from.startWidth, from.endWidth};
+        tarn::host::addBulge(segment.points, ownPoint(from), ownPoint(to), from.bulge);
+        all.push_back(std::move(segment));
+      },
+      [](const AcDbPolylineVertex&) {});
   return all;
+}
+
+std::vector<AcGePoint3d> AcDbPolyline::middle() const {
+  std::vector<AcGePoint3d> points;
+  points.reserve(vertices_.size() + 1);
+  forEachPiece(
+      [&](const AcDbPolylineVertex& from, const AcDbPolylineVertex& to) {
+        if (points.empty()) points.push_back(ownPoint(from));
+        tarn::host::addBulge(points, ownPoint(from), ownPoint(to), inSpace_ ? 0 : from.bulge);
+      },
+      [&](const AcDbPolylineVertex& vertex) { points.push_back(ownPoint(vertex)); });
+  return points;
+}
+
+bool AcDbPolyline::isWide() const {
+  return !inSpace_ && std::any_of(vertices_.begin(), vertices_.end(), [](const auto& vertex) {
+    return vertex.startWidth > 0 || vertex.endWidth > 0;
+  });
 }
 
 /// A line along the middle, so that it is seen from far away, and areas for what is wide.
 Adesk::Boolean AcDbPolyline::subWorldDraw(AcGiWorldDraw* draw) {
   assertReadEnabled();
-  const std::vector<tarn::host::WideSegment> all = segments();
-  if (all.empty()) return Adesk::kTrue;
+  std::vector<AcGePoint3d> points = middle();
+  if (points.empty()) return Adesk::kTrue;
   const AcGeMatrix3d world = inSpace_ ? AcGeMatrix3d() : tarn::host::entityToWorld(normal_);
-  std::vector<AcGePoint3d> points{all.front().points.front()};
-  for (const tarn::host::WideSegment& segment : all) {
-    points.insert(points.end(), segment.points.begin() + 1, segment.points.end());
-  }
   tarn::host::transformAll(points, world);
   draw->geometry().polyline(static_cast<Adesk::UInt32>(points.size()), points.data());
-  if (inSpace_) return Adesk::kTrue;
-  for (std::vector<AcGePoint3d>& area : tarn::host::wideAreas(all, closed_)) {
+  if (!isWide()) return Adesk::kTrue;
+  for (std::vector<AcGePoint3d>& area : tarn::host::wideAreas(segments(), closed_)) {
     tarn::host::transformAll(area, world);
     draw->geometry().polygon(static_cast<Adesk::UInt32>(area.size()), area.data());
   }

@@ -61,9 +61,10 @@ AcDbTextLine AcDbTextLine::placed(double width) const {
 void AcDbTextLine::draw(AcGiWorldDraw& draw) const {
   const std::wstring font = tarn::host::fontOfStyle(style);
   const std::vector<tarn::host::TextRun> runs = tarn::host::textRuns(text);
-  std::vector<double> widths;  // in heights
-  for (const tarn::host::TextRun& run : runs) {
-    widths.push_back(tarn::host::textWidth(run.text, font) * widthFactor);
+  std::vector<double> widths(runs.size());  // in heights
+  const bool isMeasured = runs.size() > 1 || horizontal != 0 || vertical != 0;
+  for (size_t i = 0; isMeasured && i < runs.size(); ++i) {
+    widths[i] = tarn::host::textWidth(runs[i].text, font) * widthFactor;
   }
   const AcDbTextLine at = placed(std::accumulate(widths.begin(), widths.end(), 0.0) * height);
   const AcGeMatrix3d world = tarn::host::entityToWorld(normal);

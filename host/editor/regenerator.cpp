@@ -89,12 +89,13 @@ void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool 
     scene.remove(key);
     return;
   }
-  DisplayList list;
-  if (const DisplayList* before = scene.find(key)) list.reserve(before->size());
-  WorldDrawRecorder recorder(list, entity.database(), layer.look.color, kForeground, &abortWanted,
-                             plots);
-  setLook(recorder.subEntityTraits(), entity, layer.look, {kForeground, {}});
-  entity.worldDraw(&recorder);
+  DisplayList list = scene.take(key);
+  {
+    WorldDrawRecorder recorder(list, entity.database(), layer.look.color, kForeground, &abortWanted,
+                               plots);
+    setLook(recorder.subEntityTraits(), entity, layer.look, {kForeground, {}});
+    entity.worldDraw(&recorder);
+  }
   scene.set(key, std::move(list));
 }
 

@@ -41,7 +41,18 @@ class Bounds {
 
  private:
   void addAll(const std::vector<GroundPoint>& points) {
-    for (const GroundPoint& p : points) add(p.x, p.y);
+    if (points.empty()) return;
+    GroundPoint low = points.front();
+    GroundPoint high = low;
+    double sum = 0;  // finite when all of them are
+    for (const GroundPoint& p : points) {
+      low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+      high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+      sum += (p.x - p.x) + (p.y - p.y);
+    }
+    if (sum != 0) drawn_.isEverywhere = true;
+    add(low.x, low.y);
+    add(high.x, high.y);
   }
   void add(double x, double y) {
     if (!std::isfinite(x + y)) drawn_.isEverywhere = true;
@@ -62,15 +73,55 @@ std::pair<std::ptrdiff_t, std::ptrdiff_t> loopOf(const AreaItem& item, size_t lo
   return {loop == 0 ? 0 : item.ends[loop - 1], item.ends[loop]};
 }
 
+LineItem& ListWriter::addLine() {
+  if (count_ == list_.size()) {
+    ++count_;
+    return std::get<LineItem>(list_.emplace_back(LineItem()));
+  }
+  DisplayItem& item = list_[count_++];
+  auto* line = std::get_if<LineItem>(&item);
+  if (line == nullptr) return item.emplace<LineItem>();
+  std::vector<GroundPoint> points = std::move(line->points);
+  points.clear();
+  *line = LineItem();
+  line->points = std::move(points);
+  return *line;
+}
+
+void ListWriter::add(DisplayItem item) {
+  if (count_ == list_.size()) {
+    list_.push_back(std::move(item));
+  } else {
+    list_[count_] = std::move(item);
+  }
+  ++count_;
+}
+
+Drawn* Scene::known(Key entity) {
+  for (const size_t place : {last_, last_ + 1}) {
+    if (place >= order_.size() || order_[place] != entity) continue;
+    last_ = place;
+    return const_cast<Drawn*>(drawn_[place]);  // const for those who look at the scene
+  }
+  const auto found = entities_.find(entity);
+  return found == entities_.end() ? nullptr : &found->second;
+}
+
 void Scene::set(Key entity, DisplayList list) {
-  const auto [place, isNew] = entities_.try_emplace(entity);
-  Drawn& drawn = place->second;
-  drawn = Drawn{std::move(list), {}, false};
-  Bounds bounds(drawn);
-  for (DisplayItem& item : drawn.list) std::visit(bounds, item);
-  if (!isNew) return;
-  order_.push_back(entity);
-  drawn_.push_back(&drawn);
+  Drawn* drawn = known(entity);
+  if (drawn == nullptr) {
+    drawn = &entities_[entity];
+    order_.push_back(entity);
+    drawn_.push_back(drawn);
+  }
+  *drawn = Drawn{std::move(list), {}, false};
+  Bounds bounds(*drawn);
+  for (DisplayItem& item : drawn->list) std::visit(bounds, item);
+}
+
+DisplayList Scene::take(Key entity) {
+  Drawn* drawn = known(entity);
+  return drawn != nullptr ? std::move(drawn->list) : DisplayList();
 }
 
 void Scene::remove(Key entity) {

@@ -82,6 +82,24 @@ struct PointsItem {
 using DisplayItem = std::variant<LineItem, AreaItem, TextItem, ImageItem, PointsItem>;
 using DisplayList = std::vector<DisplayItem>;
 
+/// Fills a list anew, in the place of what it held: lines take over the storage of lines, since
+/// most entities are drawn again as they were. What is left of the old list goes with the writer.
+class ACADHOST_EXPORT ListWriter {
+ public:
+  explicit ListWriter(DisplayList& list) : list_(list) {}
+  ~ListWriter() { list_.resize(count_); }
+  ListWriter(const ListWriter&) = delete;
+  ListWriter& operator=(const ListWriter&) = delete;
+
+  /// The next item: a line without points. Valid until the next one.
+  LineItem& addLine();
+  void add(DisplayItem item);
+
+ private:
+  DisplayList& list_;
+  size_t count_ = 0;
+};
+
 /// What one entity drew, and the ground that it covers.
 struct Drawn {
   DisplayList list;
@@ -100,6 +118,8 @@ class ACADHOST_EXPORT Scene {
 
   /// Replaces the entity's list, in place; a new entity comes last.
   void set(Key entity, DisplayList list);
+  /// What the entity drew, to be drawn into and set again; empty for a new one.
+  DisplayList take(Key entity);
   void remove(Key entity);
   /// Keeps only these entities, in this order.
   void keepInOrder(const std::vector<Key>& entities);
@@ -113,9 +133,12 @@ class ACADHOST_EXPORT Scene {
   const std::vector<const Drawn*>& drawn() const { return drawn_; }
 
  private:
+  Drawn* known(Key entity);
+
   std::vector<Key> order_;
   std::vector<const Drawn*> drawn_;  ///< points into entities_, whose nodes never move
   std::unordered_map<Key, Drawn> entities_;
+  size_t last_ = 0;  ///< in the order, of the one asked for last: mostly the next one follows
 };
 
 }  // namespace tarn::host

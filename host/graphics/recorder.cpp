@@ -1,20 +1,41 @@
 #include "host/graphics/recorder.h"
 
 #include <cmath>
-
 #include <utility>
+
 #include "dbsymtb.h"
+#include "host/database/entitysystem.h"
 #include "host/database/objectaccess.h"
 
 namespace tarn::host {
 
 namespace {
 
-std::vector<GroundPoint> groundPoints(Adesk::UInt32 count, const AcGePoint3d* points) {
-  std::vector<GroundPoint> out;
+void addGroundPoints(std::vector<GroundPoint>& out, Adesk::UInt32 count,
+                     const AcGePoint3d* points) {
   out.reserve(count);
   for (Adesk::UInt32 i = 0; i < count; ++i) out.push_back({points[i].x, points[i].y});
+}
+
+std::vector<GroundPoint> groundPoints(Adesk::UInt32 count, const AcGePoint3d* points) {
+  std::vector<GroundPoint> out;
+  addGroundPoints(out, count, points);
   return out;
+}
+
+/// Closed: the last point is the first one.
+const std::vector<GroundPoint>& unitCircle() {
+  constexpr int kSides = 128;
+  constexpr double kTurn = 6.283185307179586;
+  static const std::vector<GroundPoint> points = [] {
+    std::vector<GroundPoint> made;
+    for (int i = 0; i <= kSides; ++i) {
+      const double angle = kTurn * (i % kSides) / kSides;
+      made.push_back({std::cos(angle), std::sin(angle)});
+    }
+    return made;
+  }();
+  return points;
 }
 
 inline std::uint32_t withAlpha(std::uint32_t pixel, std::uint32_t alpha) {
@@ -67,34 +88,39 @@ void RecordingTraits::setLineTypeScale(double scale) {
 }
 
 Adesk::Boolean RecordingGeometry::circle(const AcGePoint3d& center, double radius,
-                                         const AcGeVector3d&) const {
-  constexpr int kSides = 128;
-  constexpr double kTurn = 6.283185307179586;
-  LineItem item;
-  item.color = traits_.trueColor();
+                                         const AcGeVector3d& normal) const {
+  const AcGeMatrix3d plane = entityToWorld(normal);
+  const double xx = radius * plane.entry[0][0];
+  const double xy = radius * plane.entry[1][0];
+  const double yx = radius * plane.entry[0][1];
+  const double yy = radius * plane.entry[1][1];
+  LineItem& item = addLine();
   item.dashes = traits_.dashes();
-  item.points.reserve(kSides + 1);
-  for (int i = 0; i <= kSides; ++i) {
-    const double angle = kTurn * i / kSides;
-    item.points.push_back(
-        {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)});
+  item.points.reserve(unitCircle().size());
+  for (const GroundPoint& p : unitCircle()) {
+    item.points.push_back({center.x + p.x * xx + p.y * yx, center.y + p.x * xy + p.y * yy});
   }
-  list_.emplace_back(std::move(item));
   return Adesk::kFalse;
 }
 
 Adesk::Boolean RecordingGeometry::polyline(Adesk::UInt32 count, const AcGePoint3d* points,
                                            const AcGeVector3d*, Adesk::LongPtr) const {
   if (count == 0 || points == nullptr) return Adesk::kFalse;
-  LineItem item{groundPoints(count, points), traits_.trueColor()};
+  LineItem& item = addLine();
+  addGroundPoints(item.points, count, points);
   if (count > 1) item.dashes = traits_.dashes();
-  list_.emplace_back(std::move(item));
   return Adesk::kFalse;
+}
+
+LineItem& RecordingGeometry::addLine() const {
+  LineItem& item = list_.addLine();
+  item.color = traits_.trueColor();
+  return item;
 }
 
 Adesk::Boolean RecordingGeometry::polygon(Adesk::UInt32 count, const AcGePoint3d* points) const {
   if (count < 3 || points == nullptr) return Adesk::kFalse;
-  list_.emplace_back(AreaItem{
+  list_.add(AreaItem{
       groundPoints(count, points), traits_.trueColor(), traits_.fillType() == kAcGiFillAlways, {}});
   return Adesk::kFalse;
 }
@@ -108,7 +134,7 @@ Adesk::Boolean RecordingGeometry::polyPolygon(Adesk::UInt32 loops, const Adesk::
   item.points = groundPoints(all, points);
   item.color = traits_.trueColor();
   item.filled = traits_.fillType() == kAcGiFillAlways;
-  list_.emplace_back(std::move(item));
+  list_.add(std::move(item));
   return Adesk::kFalse;
 }
 
@@ -144,7 +170,7 @@ Adesk::Boolean RecordingGeometry::styledText(const AcGePoint3d& position,
   item.mirrored = across < 0;
   item.underlined = style.isUnderlined();
   item.overlined = style.isOverlined();
-  list_.emplace_back(std::move(item));
+  list_.add(std::move(item));
   return Adesk::kFalse;
 }
 
@@ -157,7 +183,7 @@ Adesk::Boolean RecordingGeometry::image(const AcGiImageBGRA32& source, const AcG
   item.origin = {position.x, position.y};
   item.u = {u.x, u.y};
   item.v = {v.x, v.y};
-  list_.emplace_back(std::move(item));
+  list_.add(std::move(item));
   return Adesk::kFalse;
 }
 
@@ -165,7 +191,7 @@ Adesk::Boolean RecordingGeometry::pointCloud(const std::shared_ptr<const AcGiPoi
                                              const AcGePoint3d& origin, const AcGeVector3d& u,
                                              const AcGeVector3d& v) const {
   if (cloud == nullptr) return Adesk::kFalse;
-  list_.emplace_back(PointsItem{cloud, {origin.x, origin.y}, {u.x, u.y}, {v.x, v.y}});
+  list_.add(PointsItem{cloud, {origin.x, origin.y}, {u.x, u.y}, {v.x, v.y}});
   return Adesk::kFalse;
 }
 

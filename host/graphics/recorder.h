@@ -39,7 +39,10 @@ class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
                             const AcGeVector3d& v) const override;
 
  private:
-  DisplayList& list_;
+  /// Without points, in the colour that is set.
+  LineItem& addLine() const;
+
+  mutable ListWriter list_;
   const RecordingTraits& traits_;
 };
 

@@ -59,8 +59,16 @@ class ACADHOST_EXPORT AcDbPolyline : public AcDbEntity {
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
  private:
-  /// In the own system, from vertex to vertex; a lone vertex is one of a single point.
+  /// In the own system, from vertex to vertex.
   std::vector<tarn::host::WideSegment> segments() const;
+  /// In the own system, along the middle.
+  std::vector<AcGePoint3d> middle() const;
+  bool isWide() const;
+  /// Calls piece(from, to) for what is drawn from vertex to vertex, and lone(vertex) where there is
+  /// but one.
+  template <typename Piece, typename Lone>
+  void forEachPiece(const Piece& piece, const Lone& lone) const;
+  AcGePoint3d ownPoint(const AcDbPolylineVertex& vertex) const;
   AcGePoint3d worldPoint(const AcDbPolylineVertex& vertex) const;
 
   std::vector<AcDbPolylineVertex> vertices_;
