@@ -43,6 +43,12 @@ class PlacedGeometry : public AcGiWorldGeometry {
     transformAll(points, map_ * world);
     return target_.polyline(static_cast<Adesk::UInt32>(points.size()), points.data());
   }
+  Adesk::Boolean ray(const AcGePoint3d& first, const AcGePoint3d& second) const override {
+    return target_.ray(map_ * first, map_ * second);
+  }
+  Adesk::Boolean xline(const AcGePoint3d& first, const AcGePoint3d& second) const override {
+    return target_.xline(map_ * first, map_ * second);
+  }
   Adesk::Boolean polyline(Adesk::UInt32 count, const AcGePoint3d* points, const AcGeVector3d*,
                           Adesk::LongPtr marker) const override {
     const std::vector<AcGePoint3d> placed = place(count, points);
@@ -100,6 +106,8 @@ class PlacedGeometry : public AcGiWorldGeometry {
 void setResolvedColor(AcGiSubEntityTraits& traits, Adesk::UInt32 color) {
   if ((color & AcGiSubEntityTraits::kTrueColor) == AcGiSubEntityTraits::kTrueColor) {
     traits.setTrueColor(color & 0xFFFFFF);
+  } else if (color == AcGiSubEntityTraits::kGroundColor) {
+    traits.setGroundColor();
   } else {
     traits.setColor(static_cast<Adesk::UInt16>(color));
   }
@@ -123,6 +131,13 @@ class PlacedTraits : public AcGiDrawableTraits {
   void setLineType(AcDbObjectId linetype) override { target_.setLineType(linetype); }
   AcDbObjectId lineTypeId() const override { return target_.lineTypeId(); }
   void setLineTypeScale(double scale) override { target_.setLineTypeScale(scale); }
+  void setLineWeight(AcDb::LineWeight weight) override { target_.setLineWeight(weight); }
+  AcDb::LineWeight lineWeight() const override { return target_.lineWeight(); }
+  void setTransparency(const AcCmTransparency& transparency) override {
+    target_.setTransparency(transparency);
+  }
+  AcCmTransparency transparency() const override { return target_.transparency(); }
+  void setGroundColor() override { target_.setGroundColor(); }
   void setFillType(AcGiFillType fill) override { target_.setFillType(fill); }
   AcGiFillType fillType() const override { return target_.fillType(); }
   void setSelectionMarker(Adesk::LongPtr marker) override { target_.setSelectionMarker(marker); }
@@ -181,7 +196,7 @@ void drawEntity(AcGiWorldDraw& draw, AcDbEntity& entity, const AcGeMatrix3d& toW
 }  // namespace
 
 InheritedLook lookOf(const AcGiSubEntityTraits& traits) {
-  return {traits.trueColor(), traits.lineTypeId()};
+  return {traits.trueColor(), traits.lineTypeId(), traits.lineWeight(), traits.transparency()};
 }
 
 InheritedLook lookOf(const AcDbLayerTableRecord& layer) {
@@ -189,7 +204,7 @@ InheritedLook lookOf(const AcDbLayerTableRecord& layer) {
   const Adesk::UInt32 rgb = static_cast<Adesk::UInt32>(color.red()) << 16 |
                             static_cast<Adesk::UInt32>(color.green()) << 8 | color.blue();
   return {color.isByColor() ? AcGiSubEntityTraits::kTrueColor | rgb : color.colorIndex(),
-          layer.linetypeObjectId()};
+          layer.linetypeObjectId(), layer.lineWeight(), layer.transparency()};
 }
 
 void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity, const InheritedLook& layer,
@@ -203,6 +218,14 @@ void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity, const Inheri
   } else {
     traits.setColor(color.colorIndex());
   }
+  const AcDb::LineWeight weight = entity.lineWeight();
+  traits.setLineWeight(weight == AcDb::kLnWtByLayer   ? layer.lineWeight
+                       : weight == AcDb::kLnWtByBlock ? insertion.lineWeight
+                                                      : weight);
+  const AcCmTransparency seen = entity.transparency();
+  traits.setTransparency(seen.isByLayer()   ? layer.transparency
+                         : seen.isByBlock() ? insertion.transparency
+                                            : seen);
   const AcDbObjectId own = entity.linetypeId();
   const AcDbObjectId linetype = own.isNull()     ? layer.linetype
                                 : isByBlock(own) ? insertion.linetype

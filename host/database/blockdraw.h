@@ -1,7 +1,9 @@
 // Drawing what stands in a block.
 #pragma once
 
+#include "acdb.h"
 #include "adesk.h"
+#include "dbcolor.h"
 #include "dbid.h"
 #include "gemat3d.h"
 
@@ -16,12 +18,15 @@ namespace tarn::host {
 /// as AcGiSubEntityTraits::trueColor() gives it.
 struct InheritedLook {
   Adesk::UInt32 color = 7;
-  AcDbObjectId linetype;
+  AcDbObjectId linetype{};
+  AcDb::LineWeight lineWeight = AcDb::kLnWtByLwDefault;
+  AcCmTransparency transparency{};
 };
 InheritedLook lookOf(const AcGiSubEntityTraits& traits);
 /// The layer must be open.
 ACADHOST_EXPORT InheritedLook lookOf(const AcDbLayerTableRecord& layer);
-/// The colour and the pattern of lines of an open entity, by itself, its layer or its insertion.
+/// Colour, pattern of lines, line weight and transparency of an open entity, by itself, its layer
+/// or its insertion.
 ACADHOST_EXPORT void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity,
                              const InheritedLook& layer, const InheritedLook& insertion);
 

@@ -13,7 +13,12 @@
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
                         0, INSERT, ObjectDBX Classes)
 
+using tarn::host::InheritedLook;
+
 namespace {
+
+constexpr Adesk::UInt16 kByBlock = 0;
+constexpr Adesk::UInt16 kByLayer = 256;
 
 AcGeMatrix3d scaleMatrix(const AcGeVector3d& scale) {
   AcGeMatrix3d matrix;
@@ -21,6 +26,44 @@ AcGeMatrix3d scaleMatrix(const AcGeVector3d& scale) {
   matrix.entry[1][1] = scale.y;
   matrix.entry[2][2] = scale.z;
   return matrix;
+}
+
+void writeAttribute(const AcDbAttributeLine& line, AcDbDwgFiler& filer) {
+  line.write(filer);
+  filer.writeHardPointerId(line.layer);
+  filer.writeUInt16(line.color);
+  filer.writeInt32(line.trueColor);
+  filer.writeBool(line.hidden);
+}
+
+void readAttribute(AcDbAttributeLine& line, AcDbDwgFiler& filer) {
+  line.read(filer);
+  filer.readHardPointerId(&line.layer);
+  filer.readUInt16(&line.color);
+  filer.readInt32(&line.trueColor);
+  filer.readBool(&line.hidden);
+}
+
+/// On layer "0" and by block it follows the insertion.
+void drawAttribute(AcGiWorldDraw& draw, AcDbAttributeLine line, const AcGeVector3d& offset,
+                   const InheritedLook& insertion) {
+  InheritedLook byLayer = insertion;
+  if (auto* layer = AcDbLayerTableRecord::cast(tarn::host::peek(line.layer))) {
+    const tarn::host::ObjectAccess::Look look(*layer);
+    if (layer->isOff() || layer->isFrozen()) return;
+    if (line.layer.database()->layerZero() != line.layer) byLayer = tarn::host::lookOf(*layer);
+  }
+  if (line.hidden) return;
+  AcGiSubEntityTraits& traits = draw.subEntityTraits();
+  if (line.trueColor >= 0) {
+    traits.setTrueColor(static_cast<Adesk::UInt32>(line.trueColor));
+  } else if (line.color == kByLayer || line.color == kByBlock) {
+    tarn::host::setResolvedColor(traits, (line.color == kByLayer ? byLayer : insertion).color);
+  } else {
+    traits.setColor(line.color);
+  }
+  line.transformBy(AcGeMatrix3d::translation(offset));
+  line.draw(draw);
 }
 
 }  // namespace
@@ -49,12 +92,12 @@ Acad::ErrorStatus AcDbBlockReference::setPlacement(const Placement& placement) {
   return Acad::eOk;
 }
 
-const std::vector<AcDbTextLine>& AcDbBlockReference::attributes() const {
+const std::vector<AcDbAttributeLine>& AcDbBlockReference::attributes() const {
   assertReadEnabled();
   return attributes_;
 }
 
-Acad::ErrorStatus AcDbBlockReference::setAttributes(std::vector<AcDbTextLine> attributes) {
+Acad::ErrorStatus AcDbBlockReference::setAttributes(std::vector<AcDbAttributeLine> attributes) {
   assertWriteEnabled();
   attributes_ = std::move(attributes);
   recordGraphicsModified();
@@ -86,7 +129,7 @@ Acad::ErrorStatus AcDbBlockReference::dwgOutFields(AcDbDwgFiler* filer) const {
   filer->writeDouble(placement_.columnSpacing);
   filer->writeDouble(placement_.rowSpacing);
   filer->writeInt32(static_cast<Adesk::Int32>(attributes_.size()));
-  for (const AcDbTextLine& line : attributes_) line.write(*filer);
+  for (const AcDbAttributeLine& line : attributes_) writeAttribute(line, *filer);
   return filer->filerStatus();
 }
 
@@ -104,9 +147,9 @@ Acad::ErrorStatus AcDbBlockReference::dwgInFields(AcDbDwgFiler* filer) {
   filer->readDouble(&placement_.columnSpacing);
   filer->readDouble(&placement_.rowSpacing);
   filer->readInt32(&count);
-  std::vector<AcDbTextLine> read;
+  std::vector<AcDbAttributeLine> read;
   for (Adesk::Int32 i = 0; i < count && filer->filerStatus() == Acad::eOk; ++i) {
-    read.emplace_back().read(*filer);
+    readAttribute(read.emplace_back(), *filer);
   }
   if (filer->filerStatus() == Acad::eOk) attributes_ = std::move(read);
   return filer->filerStatus();
@@ -117,18 +160,16 @@ Adesk::Boolean AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
   const AcGeMatrix3d first = blockTransform();
   const AcGeMatrix3d world = tarn::host::entityToWorld(placement_.normal) *
                              AcGeMatrix3d::rotation(placement_.rotation, AcGeVector3d::kZAxis);
-  AcGiSubEntityTraits& traits = draw->subEntityTraits();
-  const tarn::host::InheritedLook look = tarn::host::lookOf(traits);
+  const tarn::host::InheritedLook look = tarn::host::lookOf(draw->subEntityTraits());
   for (int row = 0; row < std::max<int>(1, placement_.rows); ++row) {
     for (int column = 0; column < std::max<int>(1, placement_.columns); ++column) {
       if (draw->regenAbort()) return Adesk::kTrue;
       const AcGeVector3d offset =
           world * AcGeVector3d(column * placement_.columnSpacing, row * placement_.rowSpacing, 0);
       tarn::host::drawBlock(*draw, block_, AcGeMatrix3d::translation(offset) * first, look);
+      for (const AcDbAttributeLine& line : attributes_) drawAttribute(*draw, line, offset, look);
     }
   }
-  tarn::host::setResolvedColor(traits, look.color);
-  for (const AcDbTextLine& line : attributes_) line.draw(*draw);
   return Adesk::kTrue;
 }
 
@@ -163,7 +204,7 @@ Acad::ErrorStatus AcDbBlockReference::subTransformBy(const AcGeMatrix3d& transfo
   placement_.columnSpacing *= change.scale;
   placement_.rowSpacing *= change.scale;
   placement_.normal = change.normal;
-  for (AcDbTextLine& line : attributes_) line.transformBy(transform);
+  for (AcDbAttributeLine& line : attributes_) line.transformBy(transform);
   recordGraphicsModified();
   return Acad::eOk;
 }

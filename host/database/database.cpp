@@ -130,6 +130,19 @@ Acad::ErrorStatus AcDbDatabase::setLtscale(double scale) {
   state_->linetypeScale = scale;
   return Acad::eOk;
 }
+bool AcDbDatabase::lineWeightDisplay() const {
+  return state_->showsLineWeights;
+}
+Acad::ErrorStatus AcDbDatabase::setLineWeightDisplay(bool display) {
+  state_->showsLineWeights = display;
+  return Acad::eOk;
+}
+Adesk::Int16 AcDbDatabase::imageFrame() const {
+  return state_->imageFrame;
+}
+Adesk::Int16 AcDbDatabase::wipeoutFrame() const {
+  return state_->wipeoutFrame;
+}
 AcDbObjectId AcDbDatabase::layerZero() const {
   return state_->layerZero;
 }

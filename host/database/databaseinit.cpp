@@ -5,16 +5,20 @@
 #include "dbdict.h"
 #include "dbdim.h"
 #include "dbents.h"
+#include "dbfcf.h"
 #include "dbhatch.h"
-#include "dbimage.h"
 #include "dblayout.h"
 #include "dbmain.h"
+#include "dbmleader.h"
 #include "dbpl.h"
 #include "dbproxy.h"
+#include "dbray.h"
 #include "dbspline.h"
 #include "dbsymtb.h"
+#include "dbtable.h"
 #include "dbtext.h"
 #include "dbtrace.h"
+#include "dbwipe.h"
 #include "dbxrecrd.h"
 #include "host/rx/rxinit.h"
 
@@ -41,8 +45,15 @@ void registerDatabaseClasses() {
   AcDbDimension::rxInit();
   AcDbLeader::rxInit();
   AcDbRasterImage::rxInit();
+  AcDbWipeout::rxInit();
+  AcDbEndlessLine::rxInit();
+  AcDbRay::rxInit();
+  AcDbXline::rxInit();
+  AcDbMLeader::rxInit();
+  AcDbFcf::rxInit();
   AcDbPolyline::rxInit();
   AcDbBlockReference::rxInit();
+  AcDbTable::rxInit();
   AcDbProxyEntity::rxInit();
   AcDbProxyObject::rxInit();
   AcDbSymbolTableRecord::rxInit();

@@ -1,8 +1,17 @@
 #include "dbfiler.h"
 #include "dbsymtb.h"
+#include "host/database/objectaccess.h"
+#include "host/database/resbufitems.h"
 
 ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTableRecord, AcDbSymbolTableRecord, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbLayerTable, AcDbSymbolTable, 0)
+
+namespace {
+
+constexpr short kApplication = 1001;
+constexpr short kLong = 1071;
+
+}  // namespace
 
 AcDbLayerTableRecord::AcDbLayerTableRecord() {
   color_.setColorIndex(7);
@@ -38,6 +47,37 @@ AcDbObjectId AcDbLayerTableRecord::linetypeObjectId() const {
 void AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId linetype) {
   assertWriteEnabled();
   linetype_ = linetype;
+}
+
+AcDb::LineWeight AcDbLayerTableRecord::lineWeight() const {
+  assertReadEnabled();
+  return weight_;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setLineWeight(AcDb::LineWeight weight) {
+  assertWriteEnabled();
+  const bool isOwn = weight == AcDb::kLnWtByLwDefault || weight >= AcDb::kLnWt000;
+  if (!isOwn || weight > AcDb::kLnWt211) return Acad::eInvalidInput;
+  weight_ = weight;
+  return Acad::eOk;
+}
+
+/// Files have it in extended data.
+AcCmTransparency AcDbLayerTableRecord::transparency() const {
+  assertReadEnabled();
+  AcCmTransparency found;
+  bool isMine = false;
+  for (const tarn::host::ResbufItem& item : tarn::host::ObjectAccess::extendedData(*this)) {
+    if (item.code == kApplication) {
+      const auto* name = std::get_if<std::wstring>(&item.value);
+      isMine = name != nullptr && *name == L"AcCmTransparency";
+    }
+    const auto* bits = std::get_if<Adesk::Int32>(&item.value);
+    if (isMine && item.code == kLong && bits != nullptr) {
+      found.serializeIn(static_cast<Adesk::UInt32>(*bits));
+    }
+  }
+  return found;
 }
 
 bool AcDbLayerTableRecord::isOff() const {
@@ -83,6 +123,7 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
   filer->writeBool(off_);
   filer->writeBool(frozen_);
   filer->writeBool(locked_);
+  filer->writeInt16(weight_);
   return filer->filerStatus();
 }
 
@@ -105,5 +146,8 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
   filer->readBool(&off_);
   filer->readBool(&frozen_);
   filer->readBool(&locked_);
+  Adesk::Int16 weight = weight_;
+  filer->readInt16(&weight);
+  weight_ = static_cast<AcDb::LineWeight>(weight);
   return filer->filerStatus();
 }

@@ -46,6 +46,10 @@ struct DatabaseState {
   AcDbObjectId layerZero;
   AcDbObjectId currentLayer;
   double linetypeScale = 1;
+  bool showsLineWeights = false;
+  // Frames of images and wipeouts: 0 none, 1 seen, 2 seen but not plotted.
+  Adesk::Int16 imageFrame = 1;
+  Adesk::Int16 wipeoutFrame = 1;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
 };

@@ -33,6 +33,7 @@ struct PlotData {
   double numerator = 1;
   double denominator = 1;
   bool model = false;
+  bool lineWeights = true;  ///< lines are as wide as their weight says
 
   /// What is on the screen, as large as fits: how a model without settings of its own is plotted.
   void showDisplay() {

@@ -36,7 +36,7 @@ void visit(Data& d, Number number, Switch flag) {
         &d.windowMaxX, &d.windowMaxY, &d.originX, &d.originY, &d.numerator, &d.denominator}) {
     number(*value);
   }
-  for (auto* value : {&d.centered, &d.fit, &d.model}) flag(*value);
+  for (auto* value : {&d.centered, &d.fit, &d.model, &d.lineWeights}) flag(*value);
 }
 
 }  // namespace
@@ -120,6 +120,10 @@ void AcDbPlotSettings::getCustomPrintScale(double& numerator, double& denominato
   assertReadEnabled();
   numerator = data_->numerator;
   denominator = data_->denominator;
+}
+bool AcDbPlotSettings::printLineweights() const {
+  assertReadEnabled();
+  return data_->lineWeights;
 }
 bool AcDbPlotSettings::modelType() const {
   assertReadEnabled();

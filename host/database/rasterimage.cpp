@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "acgi.h"
@@ -17,7 +18,7 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbRasterImage, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::k
 template <typename Filing>
 void eachField(AcDbRasterImage::Values& values, Filing& filing) {
   filing.all(values.fileName, values.origin, values.u, values.v, values.width, values.height,
-             values.shown, values.clip);
+             values.shown, values.clip, values.brightness, values.contrast, values.fade);
 }
 
 namespace {
@@ -41,6 +42,19 @@ std::vector<std::string> endsOf(std::string path) {
     ends.insert(ends.begin(), at == std::string::npos ? path : path.substr(at + 1));
   }
   return ends;
+}
+
+/// What becomes of a value by brightness and contrast: both stretch it about the middle grey.
+std::array<unsigned char, 256> tonesOf(const AcDbRasterImage::Values& values) {
+  constexpr double kMiddle = 127.5;
+  const double contrast = std::clamp<int>(values.contrast, 0, 100) / 50.0;
+  const double lift = (std::clamp<int>(values.brightness, 0, 100) - 50) / 50.0 * 255;
+  std::array<unsigned char, 256> tones{};
+  for (size_t i = 0; i < tones.size(); ++i) {
+    const double tone = (static_cast<double>(i) - kMiddle) * contrast + kMiddle + lift;
+    tones[i] = static_cast<unsigned char>(std::lround(std::clamp(tone, 0.0, 255.0)));
+  }
+  return tones;
 }
 
 bool isFile(const std::string& path) {
@@ -111,6 +125,16 @@ std::vector<AcGePoint3d> AcDbRasterImage::frame() const {
   return points;
 }
 
+Adesk::Int16 AcDbRasterImage::frameMode() const {
+  return database() != nullptr ? database()->imageFrame() : Adesk::Int16{1};
+}
+
+bool AcDbRasterImage::isFrameShown(AcGiWorldDraw& draw) const {
+  const Adesk::Int16 mode = frameMode();
+  const bool plots = draw.context() != nullptr && draw.context()->isPlotGeneration();
+  return mode == 1 || (mode == 2 && !plots);
+}
+
 bool AcDbRasterImage::drawPixels(AcGiWorldDraw& draw, const std::string& path) const {
   TarnImagePixels* source = tarnHostImagePixels();
   TarnView view;
@@ -133,6 +157,8 @@ bool AcDbRasterImage::drawPixels(AcGiWorldDraw& draw, const std::string& path) c
     return false;
   }
   const std::vector<AcGePoint3d> rim = tarn::host::shownRim(values_);
+  const std::array<unsigned char, 256> tone = tonesOf(values_);
+  const int alpha = 255 * (100 - std::clamp<int>(values_.fade, 0, 100)) / 100;
   std::vector<AcGiPixelBGRA32> pixels(count);
   for (size_t i = 0; i < count; ++i) {
     const auto column = static_cast<double>(i % static_cast<size_t>(window.width));
@@ -140,7 +166,8 @@ bool AcDbRasterImage::drawPixels(AcGiWorldDraw& draw, const std::string& path) c
     const double x = window.x + (column + 0.5) * window.reduction;
     const double y = window.y + (row + 0.5) * window.reduction;
     const bool shown = tarn::host::isShownAt(rim, x, y);
-    pixels[i].setBGRA(rgb[3 * i + 2], rgb[3 * i + 1], rgb[3 * i], shown ? 255 : 0);
+    pixels[i].setBGRA(tone[rgb[3 * i + 2]], tone[rgb[3 * i + 1]], tone[rgb[3 * i]],
+                      static_cast<Adesk::UInt8>(shown ? alpha : 0));
   }
   const double bottom = window.y + window.height * window.reduction;
   const AcGiImageBGRA32 image(static_cast<Adesk::UInt32>(window.width),
@@ -157,7 +184,9 @@ Adesk::Boolean AcDbRasterImage::subWorldDraw(AcGiWorldDraw* draw) {
   const std::string path = values_.shown ? foundFile() : std::string();
   const bool isBox = draw->regenType() == kAcGiForExplode;  // only the extents are wanted
   const bool seen = !isBox && !path.empty() && drawPixels(*draw, path);
-  draw->geometry().polyline(static_cast<Adesk::UInt32>(rim.size()), rim.data());
+  if (!seen || isFrameShown(*draw)) {
+    draw->geometry().polyline(static_cast<Adesk::UInt32>(rim.size()), rim.data());
+  }
   if (seen || isBox || !values_.shown) return Adesk::kTrue;
   const std::vector<std::string> ends = endsOf(tarn::toUtf8(values_.fileName));
   const std::wstring name = tarn::toWide(ends.empty() ? "" : ends.back());

@@ -8,8 +8,17 @@
 
 namespace tarn::host {
 
+namespace {
+
+/// Of a usual screen, so that a line looks as it does on paper.
+constexpr double kPixelsPerMillimetre = 96 / 25.4;
+
+}  // namespace
+
 void renderDocument(QPainter& painter, const HostDocument& document, int width, int height,
-                    const RenderStyle& style) {
+                    const RenderStyle& usual) {
+  RenderStyle style = usual;
+  if (document.database()->lineWeightDisplay()) style.pixelsPerMillimetre = kPixelsPerMillimetre;
   const Space& space = document.space();
   ViewState view = document.view();
   view.pixelWidth = width;

@@ -5,6 +5,7 @@
 #include "base/path.h"
 #include "base/text.h"
 #include "host/editor/documents.h"
+#include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/profile.h"
 #include "host/editor/regenerator.h"
@@ -80,6 +81,12 @@ bool writeLayer(HostApp& app, const VariableValue& value) {
   return document(app).setCurrentLayer(std::get<std::string>(value));
 }
 
+bool writeLineWeightDisplay(HostApp& app, const VariableValue& value) {
+  document(app).database()->setLineWeightDisplay(std::get<short>(value) == 1);
+  app.frontEnd().displayChanged();
+  return true;
+}
+
 bool writeLocale(HostApp& app, const VariableValue& value) {
   return app.profile().setLocale(std::get<std::string>(value));
 }
@@ -128,6 +135,11 @@ const std::vector<Rule>& rules() {
       {"LOCALE", T::kString, false,
        [](HostApp& a) -> VariableValue { return a.profile().locale(); }, std::string(),
        writeLocale},
+      {"LWDISPLAY", T::kShort, false,
+       [](HostApp& a) -> VariableValue {
+         return static_cast<short>(document(a).database()->lineWeightDisplay() ? 1 : 0);
+       },
+       short{0}, writeLineWeightDisplay, 0, 1},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},

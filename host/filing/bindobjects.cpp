@@ -64,6 +64,13 @@ AcDbLayout* readLayout(const DrawingBinding& binding, const TagView& tags) {
   return layout;
 }
 
+/// Whether frames of images and wipeouts are seen.
+void readFrameMode(const TagView& tags, DatabaseState& state) {
+  const auto mode = static_cast<Adesk::Int16>(tags.integer(70, 1));
+  if (tags.type() == "RASTERVARIABLES") state.imageFrame = mode;
+  if (tags.type() == "WIPEOUTVARIABLES") state.wipeoutFrame = mode;
+}
+
 void linkDictionary(DrawingBinding& binding, const BoundObject& bound) {
   auto* dictionary = AcDbDictionary::cast(peek(bound.id));
   if (dictionary == nullptr) return;
@@ -112,6 +119,7 @@ void bindDictionaries(DrawingBinding& binding) {
        section != nullptr && i < section->endObject; ++i) {
     const TagView tags = binding.view(i);
     const std::string_view type = tags.type();
+    readFrameMode(tags, ObjectAccess::state(*binding.database));
     AcDbObject* made = nullptr;
     if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT")
       made = new AcDbDictionary;

@@ -90,6 +90,8 @@ AcDbSymbolTableRecord* readLayer(const TagView& tags) {
   const int flags = tags.integer(70);
   layer->setIsFrozen((flags & kFrozenFlag) != 0);
   layer->setIsLocked((flags & kLockedFlag) != 0);
+  // One that is none stays the standard one here, and in the file.
+  layer->setLineWeight(static_cast<AcDb::LineWeight>(tags.integer(370, AcDb::kLnWtByLwDefault)));
   return layer;
 }
 
@@ -236,6 +238,9 @@ void bindTables(DrawingBinding& binding) {
   if (scale.begin < scale.end && parseDouble(document.word(document.tag(scale.begin)), value)) {
     binding.database->setLtscale(value);
   }
+  const TagRange weights = document.headerVariable("$LWDISPLAY");
+  binding.database->setLineWeightDisplay(weights.begin < weights.end &&
+                                         document.word(document.tag(weights.begin)) == "1");
   const TagRange current = document.headerVariable("$CLAYER");
   if (current.begin < current.end) {
     state.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));

@@ -1,5 +1,6 @@
 // Splines, dimensions and leaders.
 #include "dbdim.h"
+#include "dbfcf.h"
 #include "dbspline.h"
 #include "host/filing/entitycodec.h"
 
@@ -159,10 +160,13 @@ void writeDimension(const AcDbEntity& entity, EntityOutput& output) {
   head.setNormal(values.normal);
 }
 
+constexpr int kArrowSize = 41;
+constexpr int kTextHeight = 140;
+
 // ---- LEADER -----------------------------------------------------------------------------------
 
-/// Length of arrows in a style of dimensions.
-double arrowSizeOf(const DrawingBinding& binding, const std::wstring& style) {
+/// A length of a style of dimensions, with the style's scale.
+double lengthOfStyle(const DrawingBinding& binding, const std::wstring& style, int code) {
   constexpr double kUsual = 2.5;
   const DrawingSection* tables = binding.document.section("TABLES");
   for (std::uint32_t i = tables != nullptr ? tables->firstObject : 0;
@@ -170,7 +174,7 @@ double arrowSizeOf(const DrawingBinding& binding, const std::wstring& style) {
     if (binding.document.typeOf(i) != "DIMSTYLE") continue;
     const TagView tags = binding.view(i);
     const double scale = tags.real(40, 1);
-    if (tags.text(2) == style) return tags.real(41, kUsual) * (scale > 0 ? scale : 1);
+    if (tags.text(2) == style) return tags.real(code, kUsual) * (scale > 0 ? scale : 1);
   }
   return kUsual;
 }
@@ -188,7 +192,7 @@ AcDbEntity* readLeader(const EntityTags& tags) {
   values.hasArrow = tags.head.integer(71, 1) != 0;
   values.isSpline = tags.head.integer(72) == 1;
   values.style = tags.head.text(3);
-  values.arrowSize = arrowSizeOf(tags.binding, values.style);
+  values.arrowSize = lengthOfStyle(tags.binding, values.style, kArrowSize);
   auto* leader = new AcDbLeader;
   leader->setValues(std::move(values));
   return leader;
@@ -210,6 +214,34 @@ void writeLeader(const AcDbEntity& entity, EntityOutput& output) {
   if (head.isNew()) head.setNormal(values.normal);
 }
 
+// ---- TOLERANCE --------------------------------------------------------------------------------
+
+AcDbEntity* readTolerance(const EntityTags& tags) {
+  AcDbFcf::Values values;
+  values.location = tags.head.point(10);
+  values.normal = tags.head.normal();
+  if (tags.head.has(11)) values.direction = tags.head.point(11).asVector();
+  values.text = tags.head.text(1);
+  values.style = tags.head.text(3);
+  values.textHeight = lengthOfStyle(tags.binding, values.style, kTextHeight);
+  auto* tolerance = new AcDbFcf;
+  tolerance->setValues(std::move(values));
+  return tolerance;
+}
+
+void writeTolerance(const AcDbEntity& entity, EntityOutput& output) {
+  const AcDbFcf::Values& values = static_cast<const AcDbFcf&>(entity).values();
+  TagEditor& head = output.head;
+  head.setName(3, values.style.empty() ? L"Standard" : values.style);
+  head.setPoint(10, values.location);
+  head.setText(1, values.text);
+  head.setNormal(values.normal);
+  const AcGeVector3d usual = AcDbFcf::Values().direction;
+  if (head.isNew() || head.count(11) > 0 || !(values.direction == usual)) {
+    head.setPoint(11, {values.direction.x, values.direction.y, values.direction.z});
+  }
+}
+
 }  // namespace
 
 const std::vector<EntityCodec>& annotationCodecs() {
@@ -217,6 +249,9 @@ const std::vector<EntityCodec>& annotationCodecs() {
       {"SPLINE", "AcDbSpline", &AcDbSpline::desc, readSpline, writeSpline, false, true},
       {"DIMENSION", "AcDbDimension", &AcDbDimension::desc, readDimension, writeDimension, false,
        true},
+      {"ARC_DIMENSION", "AcDbDimension", &AcDbDimension::desc, readDimension, writeDimension, false,
+       false},
+      {"TOLERANCE", "AcDbFcf", &AcDbFcf::desc, readTolerance, writeTolerance, false, true},
       {"LEADER", "AcDbLeader", &AcDbLeader::desc, readLeader, writeLeader, false, true},
   };
   return codecs;

@@ -1,6 +1,8 @@
 // Polylines, inserted blocks, viewports.
-#include "dbblockref.h"
+#include <cmath>
+
 #include "dbpl.h"
+#include "dbtable.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/codecs_texts.h"
 #include "host/filing/entitycodec.h"
@@ -182,6 +184,20 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
 
 // ---- INSERT -----------------------------------------------------------------------------------
 
+constexpr int kHiddenAttribute = 1;
+
+AcDbAttributeLine readAttribute(DrawingBinding& binding, const TagView& tags) {
+  AcDbAttributeLine line;
+  static_cast<AcDbTextLine&>(line) = readTextLine(binding, tags);
+  const Tag* layer = tags.find(8);
+  line.layer = binding.layerOf(layer != nullptr ? tags.document().text(*layer) : "0");
+  line.color = entityColor(tags.integer(62, AcDbAttributeLine().color));
+  line.trueColor = tags.integer(420, -1);
+  const int flags = tags.has(100) ? tags.behind("AcDbAttribute").integer(70) : tags.integer(70);
+  line.hidden = (flags & kHiddenAttribute) != 0 || tags.integer(60) == 1;
+  return line;
+}
+
 AcDbEntity* readInsert(const EntityTags& tags) {
   const AcDbObjectId block = tags.binding.blockOf(tags.head.text(2));
   // Where the drawing has no such block the insertion stays in the file as it is.
@@ -198,10 +214,11 @@ AcDbEntity* readInsert(const EntityTags& tags) {
   placement.rowSpacing = tags.head.real(45);
   insert->setBlockTableRecord(block);
   insert->setPlacement(placement);
-  std::vector<AcDbTextLine> attributes;
+  std::vector<AcDbAttributeLine> attributes;
   for (std::uint32_t i = 0; i < tags.partCount(); ++i) {
-    if (tags.part(i).type() == "ATTRIB")
-      attributes.push_back(readTextLine(tags.binding, tags.part(i)));
+    if (tags.part(i).type() == "ATTRIB") {
+      attributes.push_back(readAttribute(tags.binding, tags.part(i)));
+    }
   }
   insert->setAttributes(std::move(attributes));
   return insert;
@@ -232,6 +249,36 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
     }
     output.parts += part.bytes();
   }
+}
+
+// ---- ACAD_TABLE -------------------------------------------------------------------------------
+
+/// A table is drawn by its block, turned as its direction.
+AcDbEntity* readTable(const EntityTags& tags) {
+  const TagView place = tags.head.behind("AcDbBlockReference");
+  const TagView own = tags.head.behind("AcDbTable");
+  const AcDbObjectId block = tags.binding.blockOf(place.text(2));
+  if (block.isNull()) return nullptr;
+  auto* table = new AcDbTable;
+  AcDbBlockReference::Placement placement;
+  placement.position = place.point(10);
+  placement.normal = place.normal();
+  placement.rotation = std::atan2(own.real(21), own.real(11, 1));
+  table->setBlockTableRecord(block);
+  table->setPlacement(placement);
+  return table;
+}
+
+void writeTable(const AcDbEntity& entity, EntityOutput& output) {
+  const AcDbBlockReference::Placement& placement =
+      static_cast<const AcDbTable&>(entity).placement();
+  TagEditor& head = output.head;
+  head.setPoint(10, placement.position);
+  head.enter("AcDbTable");
+  const AcGePoint3d direction(std::cos(placement.rotation), std::sin(placement.rotation), 0);
+  const AcGePoint3d before = output.old->head.behind("AcDbTable").point(11);
+  const bool isSame = std::atan2(before.y, before.x) == placement.rotation;
+  if (!isSame) head.setPoint(11, direction);
 }
 
 // ---- VIEWPORT ---------------------------------------------------------------------------------
@@ -287,6 +334,7 @@ const std::vector<EntityCodec>& compoundCodecs() {
       {"POLYLINE", nullptr, &AcDbPolyline::desc, readHeavy, writeHeavy, true, true, false, true},
       {"INSERT", "AcDbBlockReference", &AcDbBlockReference::desc, readInsert, writeInsert, true,
        true},
+      {"ACAD_TABLE", "AcDbBlockReference", &AcDbTable::desc, readTable, writeTable, false, false},
       {"VIEWPORT", "AcDbViewport", &AcDbViewport::desc, readViewport, writeViewport, true, true},
   };
   return codecs;

@@ -1,5 +1,5 @@
 // Images that the drawing names itself.
-#include "dbimage.h"
+#include "dbwipe.h"
 #include "host/filing/entitycodec.h"
 
 namespace tarn::host {
@@ -35,8 +35,10 @@ std::vector<AcGePoint3d> clipOf(const TagView& tags) {
   return clip;
 }
 
-AcDbEntity* readImage(const EntityTags& tags) {
-  const TagView own = tags.head.behind("AcDbRasterImage");
+/// Null for one without a size.
+template <class Image>
+AcDbEntity* readPlaced(const EntityTags& tags, const char* mark) {
+  const TagView own = tags.head.behind(mark);
   AcDbRasterImage::Values values;
   const auto& files = imageFiles(tags.binding);
   const auto file = files.find(own.reference(340));
@@ -48,10 +50,21 @@ AcDbEntity* readImage(const EntityTags& tags) {
   values.height = own.real(23);
   values.shown = (own.integer(70, kShow) & kShow) != 0;
   values.clip = clipOf(own);
+  values.brightness = static_cast<short>(own.integer(281, values.brightness));
+  values.contrast = static_cast<short>(own.integer(282, values.contrast));
+  values.fade = static_cast<short>(own.integer(283, values.fade));
   if (!(values.width > 0) || !(values.height > 0)) return nullptr;
-  auto* image = new AcDbRasterImage;
+  auto* image = new Image;
   image->setValues(std::move(values));
   return image;
+}
+
+AcDbEntity* readImage(const EntityTags& tags) {
+  return readPlaced<AcDbRasterImage>(tags, "AcDbRasterImage");
+}
+
+AcDbEntity* readWipeout(const EntityTags& tags) {
+  return readPlaced<AcDbWipeout>(tags, "AcDbWipeout");
 }
 
 /// A copy has none of the object that watches the definition for the other.
@@ -61,6 +74,9 @@ void writeImage(const AcDbEntity& entity, EntityOutput& output) {
   head.setPoint(10, values.origin);
   head.setPoint(11, {values.u.x, values.u.y, values.u.z});
   head.setPoint(12, {values.v.x, values.v.y, values.v.z});
+  head.setInteger(281, values.brightness, AcDbRasterImage::Values().brightness);
+  head.setInteger(282, values.contrast, AcDbRasterImage::Values().contrast);
+  head.setInteger(283, values.fade, AcDbRasterImage::Values().fade);
   if (output.isCopy) head.remove({360});
 }
 
@@ -69,6 +85,7 @@ void writeImage(const AcDbEntity& entity, EntityOutput& output) {
 const std::vector<EntityCodec>& imageCodecs() {
   static const std::vector<EntityCodec> codecs = {
       {"IMAGE", "AcDbRasterImage", &AcDbRasterImage::desc, readImage, writeImage, false, false},
+      {"WIPEOUT", "AcDbWipeout", &AcDbWipeout::desc, readWipeout, writeImage, false, false},
   };
   return codecs;
 }

@@ -383,6 +383,7 @@ class DrawingWriter {
         editor.replaceAt(layer.begin - begin, binding_.encoding.encode(recordName(current)));
       }
     }
+    writeLineWeightDisplay(*binding_.database, document_, editor);
     if (state) writeHeaderState(document_, *state, editor);
     if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
   }

@@ -7,6 +7,8 @@
 
 #include "host/filing/tagdocument.h"
 
+class AcDbDatabase;
+
 namespace tarn::host {
 
 struct DrawingBinding;
@@ -39,7 +41,9 @@ class DrawingEdits {
   std::vector<Edit> edits_;
 };
 
-/// `header` is the editor of the header section.
+// `header` is the editor of the header section.
+void writeLineWeightDisplay(const AcDbDatabase& database, const TagDocument& document,
+                            TagEditor& header);
 void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header);
 void editActiveView(const DrawingBinding& binding, const DrawingView& view, DrawingEdits& edits);
 

@@ -15,9 +15,9 @@ constexpr long long kByLayer = 256;
 const std::vector<const EntityCodec*>& allCodecs() {
   static const std::vector<const EntityCodec*> all = [] {
     std::vector<const EntityCodec*> list;
-    for (const auto* some :
-         {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(), &hatchCodecs(),
-          &imageCodecs(), &annotationCodecs(), &compoundCodecs()}) {
+    for (const auto* some : {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(),
+                             &hatchCodecs(), &imageCodecs(), &annotationCodecs(),
+                             &multiLeaderCodecs(), &endlessLineCodecs(), &compoundCodecs()}) {
       for (const EntityCodec& codec : *some) list.push_back(&codec);
     }
     return list;

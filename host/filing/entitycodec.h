@@ -58,6 +58,8 @@ const std::vector<EntityCodec>& traceCodecs();
 const std::vector<EntityCodec>& hatchCodecs();
 const std::vector<EntityCodec>& imageCodecs();
 const std::vector<EntityCodec>& annotationCodecs();
+const std::vector<EntityCodec>& multiLeaderCodecs();
+const std::vector<EntityCodec>& endlessLineCodecs();
 const std::vector<EntityCodec>& compoundCodecs();
 /// Null for a kind that is not drawn.
 const EntityCodec* codecOf(std::string_view type);

@@ -92,6 +92,8 @@ class ACADHOST_EXPORT TagEditor {
   /// Takes away `count` tags by their place in the object; for an object in which nothing was
   /// added.
   void removeAt(size_t place, size_t count);
+  /// Place of the first tag behind the present mark.
+  size_t placeBehindMark() const { return floor_; }
   /// Another value for the tag at a place.
   void replaceAt(size_t place, std::string_view value);
   bool isChanged() const;

@@ -18,7 +18,7 @@ constexpr int kModelType = 1024;
 
 int flagsOf(const PlotData& data) {
   return (data.centered ? kCentered : 0) | (data.fit ? kStandardScale : 0) |
-         (data.model ? kModelType : 0);
+         (data.lineWeights ? kPrintLineweights : 0) | (data.model ? kModelType : 0);
 }
 
 struct RealField {
@@ -59,8 +59,8 @@ void writePlotData(const PlotData& data, const PlotData& before, TagEditor& edit
     editor.setReal(field.code, data.*field.value, ifNew(0.0));
   }
   if (editor.isNew() || flagsOf(data) != flagsOf(before)) {
-    const int mask = kCentered | kStandardScale | kModelType;
-    editor.setFlags(70, mask, flagsOf(data), kPrintLineweights);
+    const int mask = kCentered | kStandardScale | kPrintLineweights | kModelType;
+    editor.setFlags(70, mask, flagsOf(data), 0);
   }
   editor.setInteger(72, data.units, ifNew(0LL));
   editor.setInteger(73, data.rotation, ifNew(0LL));
@@ -77,6 +77,7 @@ PlotData readPlotData(const TagView& tags) {
   const int flags = tags.integer(70);
   data.centered = (flags & kCentered) != 0;
   data.fit = (flags & kStandardScale) != 0 && tags.integer(75) == 0;
+  data.lineWeights = (flags & kPrintLineweights) != 0;
   data.model = (flags & kModelType) != 0;
   data.units = boundedEnum<AcDbPlotSettings::PlotPaperUnits>(tags.integer(72), 2);
   data.rotation = boundedEnum<AcDbPlotSettings::PlotRotation>(tags.integer(73), 3);

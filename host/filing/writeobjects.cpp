@@ -121,6 +121,13 @@ std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTable
            (inFile < 0) == layer.isOff();
   });
   if (!layer.color().isByColor()) editor.remove({420, 430});
+  if (!editor.isOld() && binding.document.version() >= "AC1015") {
+    AcDbLayerTableRecord asRead;
+    editor.setIntegerUnless(370, layer.lineWeight(), AcDb::kLnWtByLwDefault, [&](long long value) {
+      asRead.setLineWeight(static_cast<AcDb::LineWeight>(value));
+      return asRead.lineWeight() == layer.lineWeight();
+    });
+  }
   if (old == nullptr) {
     const std::wstring linetype = recordName(layer.linetypeObjectId());
     editor.setName(6, linetype.empty() ? L"CONTINUOUS" : linetype);

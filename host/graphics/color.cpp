@@ -30,6 +30,7 @@ QRgb colorOfIndex(unsigned index, QRgb background) {
   static constexpr std::array<int, 6> kGrays = {51, 91, 132, 173, 214, 255};
   constexpr unsigned kTrue = AcGiSubEntityTraits::kTrueColor;
   if ((index & 0xFF000000u) == kTrue) return 0xFF000000u | (index & 0xFFFFFFu);
+  if (index == AcGiSubEntityTraits::kGroundColor) return background | 0xFF000000u;
   if (index == 0 || index == 7 || index > 255) return foregroundOn(background);
   if (index < kFirst.size()) return kFirst[index];
   if (index >= 250) return qRgb(kGrays[index - 250], kGrays[index - 250], kGrays[index - 250]);

@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "acdb.h"
 #include "acgipointcloud.h"
 #include "adesk.h"
 #include "host/graphics/viewstate.h"
@@ -30,9 +31,12 @@ struct DashPattern {
 
 struct LineItem {
   std::vector<GroundPoint> points;
-  unsigned color = 7;      ///< index 1 to 255, or AcGiSubEntityTraits::kTrueColor with the colour
+  /// Index 1 to 255, AcGiSubEntityTraits::kTrueColor with the colour, or kGroundColor.
+  unsigned color = 7;
   double longestStep = 0;  ///< from point to point along an axis; known once it is in a scene
   std::shared_ptr<const DashPattern> dashes{};  ///< none for a line without gaps
+  short weight = AcDb::kLnWtByLwDefault;        ///< hundredths of a millimetre
+  std::uint8_t alpha = 255;
 };
 
 struct AreaItem {
@@ -41,7 +45,8 @@ struct AreaItem {
   bool filled = true;
   /// Where each loop ends among the points; none for a single one. An area that lies inside another
   /// of them is a hole.
-  std::vector<std::uint32_t> ends;
+  std::vector<std::uint32_t> ends{};
+  std::uint8_t alpha = 255;
 };
 
 /// The loops of an area, and which of its points they are.
@@ -60,6 +65,7 @@ struct TextItem {
   bool mirrored = false;  ///< capitals reach to the right of the direction
   bool underlined = false;
   bool overlined = false;
+  std::uint8_t alpha = 255;
 };
 
 /// A picture: `origin` is the lower left corner, u the whole width, v the whole height; row 0 of
@@ -69,6 +75,7 @@ struct ImageItem {
   GroundPoint origin;
   GroundVector u;
   GroundVector v;
+  std::uint8_t alpha = 255;
 };
 
 /// A cloud of points: its coordinates (x, y) lie at origin + x * u + y * v.

@@ -11,6 +11,8 @@ namespace tarn::host {
 
 namespace {
 
+constexpr double kEndless = 1e9;  ///< drawing units
+
 void addGroundPoints(std::vector<GroundPoint>& out, Adesk::UInt32 count,
                      const AcGePoint3d* points) {
   out.reserve(count);
@@ -115,13 +117,31 @@ Adesk::Boolean RecordingGeometry::polyline(Adesk::UInt32 count, const AcGePoint3
 LineItem& RecordingGeometry::addLine() const {
   LineItem& item = list_.addLine();
   item.color = traits_.trueColor();
+  item.weight = traits_.lineWeight();
+  item.alpha = traits_.transparency().alpha();
   return item;
+}
+
+/// Display lists know no view: the line ends where no drawing reaches.
+Adesk::Boolean RecordingGeometry::ray(const AcGePoint3d& first, const AcGePoint3d& second) const {
+  const AcGePoint3d ends[] = {first, first + (second - first).normal() * kEndless};
+  return polyline(2, ends, nullptr, -1);
+}
+
+/// In two halves, so that places near the first point are as exact as it is.
+Adesk::Boolean RecordingGeometry::xline(const AcGePoint3d& first, const AcGePoint3d& second) const {
+  const AcGeVector3d far = (second - first).normal() * kEndless;
+  const AcGePoint3d points[] = {first - far, first, first + far};
+  return polyline(3, points, nullptr, -1);
 }
 
 Adesk::Boolean RecordingGeometry::polygon(Adesk::UInt32 count, const AcGePoint3d* points) const {
   if (count < 3 || points == nullptr) return Adesk::kFalse;
-  list_.add(AreaItem{
-      groundPoints(count, points), traits_.trueColor(), traits_.fillType() == kAcGiFillAlways, {}});
+  list_.add(AreaItem{groundPoints(count, points),
+                     traits_.trueColor(),
+                     traits_.fillType() == kAcGiFillAlways,
+                     {},
+                     traits_.transparency().alpha()});
   return Adesk::kFalse;
 }
 
@@ -134,6 +154,7 @@ Adesk::Boolean RecordingGeometry::polyPolygon(Adesk::UInt32 loops, const Adesk::
   item.points = groundPoints(all, points);
   item.color = traits_.trueColor();
   item.filled = traits_.fillType() == kAcGiFillAlways;
+  item.alpha = traits_.transparency().alpha();
   list_.add(std::move(item));
   return Adesk::kFalse;
 }
@@ -170,6 +191,7 @@ Adesk::Boolean RecordingGeometry::styledText(const AcGePoint3d& position,
   item.mirrored = across < 0;
   item.underlined = style.isUnderlined();
   item.overlined = style.isOverlined();
+  item.alpha = traits_.transparency().alpha();
   list_.add(std::move(item));
   return Adesk::kFalse;
 }
@@ -183,6 +205,7 @@ Adesk::Boolean RecordingGeometry::image(const AcGiImageBGRA32& source, const AcG
   item.origin = {position.x, position.y};
   item.u = {u.x, u.y};
   item.v = {v.x, v.y};
+  item.alpha = traits_.transparency().alpha();
   list_.add(std::move(item));
   return Adesk::kFalse;
 }

@@ -19,6 +19,8 @@ class ACADHOST_EXPORT RecordingGeometry : public AcGiWorldGeometry {
 
   Adesk::Boolean circle(const AcGePoint3d& center, double radius,
                         const AcGeVector3d& normal) const override;
+  Adesk::Boolean ray(const AcGePoint3d& first, const AcGePoint3d& second) const override;
+  Adesk::Boolean xline(const AcGePoint3d& first, const AcGePoint3d& second) const override;
   Adesk::Boolean polyline(Adesk::UInt32 count, const AcGePoint3d* points,
                           const AcGeVector3d* normal, Adesk::LongPtr marker) const override;
   Adesk::Boolean polygon(Adesk::UInt32 count, const AcGePoint3d* points) const override;
@@ -72,6 +74,11 @@ class ACADHOST_EXPORT RecordingTraits : public AcGiDrawableTraits {
   AcDbObjectId lineTypeId() const override { return linetype_; }
   void setLineTypeScale(double scale) override;
   const std::shared_ptr<const DashPattern>& dashes() const { return dashes_; }
+  void setLineWeight(AcDb::LineWeight weight) override { weight_ = weight; }
+  AcDb::LineWeight lineWeight() const override { return weight_; }
+  void setTransparency(const AcCmTransparency& transparency) override { seen_ = transparency; }
+  AcCmTransparency transparency() const override { return seen_; }
+  void setGroundColor() override { color_ = kGroundColor; }
   void setFillType(AcGiFillType fill) override { fill_ = fill; }
   AcGiFillType fillType() const override { return fill_; }
   void setSelectionMarker(Adesk::LongPtr) override {}
@@ -83,6 +90,8 @@ class ACADHOST_EXPORT RecordingTraits : public AcGiDrawableTraits {
   double scale_ = 1;
   AcDbObjectId linetype_;
   std::shared_ptr<const DashPattern> dashes_;
+  AcDb::LineWeight weight_ = AcDb::kLnWtByLwDefault;
+  AcCmTransparency seen_;
   AcGiFillType fill_ = kAcGiFillAlways;
 };
 

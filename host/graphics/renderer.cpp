@@ -23,9 +23,11 @@ namespace tarn::host {
 namespace {
 
 /// Lines are cut this far outside the view, so that the painter never sees huge coordinates.
-constexpr double kClipMargin = 16;
+/// The widest line reaches this far too.
+constexpr double kClipMargin = 64;
 /// Corners of a line nearer than this to the one before are left out on a screen: nobody sees them.
 constexpr double kSmallestStep = 1;  ///< pixels
+constexpr double kFineLine = 1.5;    ///< pixels; a line of less is one pixel wide
 constexpr double kFarAway = 1e6;     ///< pixels; a line to there is cut at the view
 constexpr int kMostLines = 4096;     ///< gathered before they are painted
 /// Pixels; a smaller text is a short line. On a screen nobody can read it.
@@ -105,13 +107,15 @@ class Painter {
   }
 
   void operator()(const LineItem& item) {
-    const QRgb color = colorOfIndex(item.color, style_.background);
+    const double width = widthOf(item);
+    const QColor color = colorOf(item.color, item.alpha);
+    const bool isFine = width == 0 && item.alpha == 255;
     if (item.dashes != nullptr && item.dashes->period * perUnit_ >= kSmallestPeriod) {
-      return drawDashes(item, color);
+      return drawDashes(item, color, width, isFine);
     }
-    if (item.points.size() > 1 && style_.lineWidth == 0) return gather(item, color);
+    if (item.points.size() > 1 && isFine) return gather(item, color.rgb());
     flush();
-    painter_.setPen(pen(QColor(color)));
+    painter_.setPen(pen(color, width));
     if (item.points.size() == 1) {
       painter_.drawPoint(device(item.points.front()));
     } else {
@@ -127,8 +131,7 @@ class Painter {
       const QPolygonF loop = clippedLoop(item, i);
       if (loop.size() > 2) area.addPolygon(loop);
     }
-    if (!area.isEmpty())
-      painter_.fillPath(area, QColor(colorOfIndex(item.color, style_.background)));
+    if (!area.isEmpty()) painter_.fillPath(area, colorOf(item.color, item.alpha));
   }
 
   void operator()(const TextItem& item) {
@@ -136,28 +139,22 @@ class Painter {
     const double angle = std::atan2(item.direction.y, item.direction.x) + view_.twist;
     const QPointF at = device(item.position);
     if (!(pixels <= kLargestText) || !std::isfinite(at.x() + at.y())) return;
-    const QRgb color = colorOfIndex(item.color, style_.background);
+    const QColor color = colorOf(item.color, item.alpha);
     if (pixels < (style_.lineWidth == 0 ? kSmallestTextOnScreen : kSmallestText)) {
       const double length = pixels * 0.7 * item.text.size();
-      gather(at, at + QPointF(std::cos(angle), -std::sin(angle)) * length, color);
+      gather(at, at + QPointF(std::cos(angle), -std::sin(angle)) * length, color.rgb());
       return;
     }
     flush();
-    drawGlyphs(item, at, pixels, angle, QColor(color));
+    drawGlyphs(item, at, pixels, angle, color);
   }
 
   void operator()(const ImageItem& item) {
     flush();
-    if (style_.placeImages) return placeImage(item);
-    const BlitPlan plan = planBlit(item, view_);
-    if (plan.mode == BlitMode::kNothing) return;
-    if (plan.mode == BlitMode::kExact) {
-      painter_.drawImage(plan.exactTarget, item.image);
-      return;
-    }
-    QPoint target;
-    const QImage pixels = resample(item.image, plan, wanted_, target);
-    if (!pixels.isNull()) painter_.drawImage(target, pixels);
+    const double before = painter_.opacity();
+    painter_.setOpacity(before * item.alpha / 255.0);
+    paintImage(item);
+    painter_.setOpacity(before);
   }
 
   /// In bands, so that a large plot needs little memory.
@@ -173,16 +170,42 @@ class Painter {
   }
 
  private:
-  void drawDashes(const LineItem& item, QRgb color) {
+  QColor colorOf(unsigned color, std::uint8_t alpha) const {
+    QColor seen(colorOfIndex(color, style_.background));
+    if (alpha < 255) seen.setAlpha(alpha);
+    return seen;
+  }
+
+  /// Pixels; 0 for a line of one pixel.
+  double widthOf(const LineItem& item) const {
+    if (item.weight < 0) return style_.lineWidth;
+    const double width = item.weight / 100.0 * style_.pixelsPerMillimetre;
+    return style_.pixelsPerMillimetre == 0 || width < kFineLine ? style_.lineWidth : width;
+  }
+
+  void paintImage(const ImageItem& item) const {
+    if (style_.placeImages) return placeImage(item);
+    const BlitPlan plan = planBlit(item, view_);
+    if (plan.mode == BlitMode::kNothing) return;
+    if (plan.mode == BlitMode::kExact) {
+      painter_.drawImage(plan.exactTarget, item.image);
+      return;
+    }
+    QPoint target;
+    const QImage pixels = resample(item.image, plan, wanted_, target);
+    if (!pixels.isNull()) painter_.drawImage(target, pixels);
+  }
+
+  void drawDashes(const LineItem& item, const QColor& color, double width, bool isFine) {
     std::vector<QPointF> line;
     line.reserve(item.points.size());
     for (const GroundPoint& point : item.points) line.push_back(device(point));
-    if (style_.lineWidth == 0) {
+    if (isFine) {
       return forEachDash(line, *item.dashes, perUnit_, clip_,
-                         [&](QPointF a, QPointF b) { gather(a, b, color); });
+                         [&](QPointF a, QPointF b) { gather(a, b, color.rgb()); });
     }
     flush();
-    painter_.setPen(pen(QColor(color)));
+    painter_.setPen(pen(color, width));
     forEachDash(line, *item.dashes, perUnit_, clip_,
                 [&](QPointF a, QPointF b) { painter_.drawLine(QLineF(a, b)); });
   }
@@ -191,6 +214,7 @@ class Painter {
     for (size_t i = 0; i < loopCount(item); ++i) {
       const auto [begin, end] = loopOf(item, i);
       LineItem rim{{item.points.begin() + begin, item.points.begin() + end}, item.color};
+      rim.alpha = item.alpha;
       if (begin < end) rim.points.push_back(rim.points.front());
       if (!rim.points.empty()) (*this)(rim);
     }
@@ -282,13 +306,13 @@ class Painter {
 
   void flush() {
     if (lines_.isEmpty()) return;
-    painter_.setPen(pen(QColor(linesColor_)));
+    painter_.setPen(pen(QColor(linesColor_), style_.lineWidth));
     painter_.drawLines(lines_);
     lines_.resize(0);
   }
 
-  QPen pen(const QColor& color) const {
-    return QPen(color, style_.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+  static QPen pen(const QColor& color, double width) {
+    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
   }
 
   /// The line in pieces as long as it stays inside, so that its corners are joined.
@@ -341,7 +365,7 @@ class Painter {
     painter_.setRenderHint(QPainter::Antialiasing, true);
     painter_.fillPath(place.map(outline.path), color);
     painter_.setRenderHint(QPainter::Antialiasing, false);
-    painter_.setPen(pen(color));
+    painter_.setPen(pen(color, style_.lineWidth));
     const auto rule = [&](double y) {
       painter_.drawLine(QLineF(place.map(QPointF(0, y)), place.map(QPointF(outline.width, y))));
     };

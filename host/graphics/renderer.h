@@ -17,6 +17,8 @@ struct RenderStyle {
   QRgb background = 0xff212830;
   /// Of all lines, in pixels; 0 for one pixel on a screen.
   double lineWidth = 0;
+  /// Pixels for a millimetre of the weight that lines have; 0 draws all of them alike.
+  double pixelsPerMillimetre = 0;
   /// Pictures go to the painter's device whole, with their transformation, instead of being turned
   /// into its pixels: for devices that keep them.
   bool placeImages = false;

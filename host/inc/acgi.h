@@ -9,6 +9,7 @@
 
 #include "acdb.h"
 #include "adesk.h"
+#include "dbcolor.h"
 #include "dbid.h"
 #include "gemat3d.h"
 #include "gepnt2d.h"
@@ -117,6 +118,17 @@ class AcGiSubEntityTraits {
   virtual void setLineType(AcDbObjectId /*linetype*/) {}
   virtual AcDbObjectId lineTypeId() const { return {}; }
   virtual void setLineTypeScale(double /*scale*/) {}
+  /// Hundredths of a millimetre, or kLnWtByLwDefault. What is by layer or by block is to be
+  /// resolved before.
+  virtual void setLineWeight(AcDb::LineWeight /*weight*/) {}
+  virtual AcDb::LineWeight lineWeight() const { return AcDb::kLnWtByLwDefault; }
+  /// By alpha, or solid.
+  virtual void setTransparency(const AcCmTransparency& /*transparency*/) {}
+  virtual AcCmTransparency transparency() const { return {}; }
+  /// What follows has the colour of what the drawing stands on, until a colour is set.
+  virtual void setGroundColor() {}
+  /// What trueColor() gives then.
+  static constexpr Adesk::UInt32 kGroundColor = 0xC8000000;
   virtual void setFillType(AcGiFillType fill) = 0;
   virtual AcGiFillType fillType() const = 0;
   virtual void setSelectionMarker(Adesk::LongPtr marker) = 0;
@@ -165,6 +177,14 @@ class AcGiGeometry {
   virtual Adesk::Boolean polyline(Adesk::UInt32 count, const AcGePoint3d* points,
                                   const AcGeVector3d* normal = nullptr,
                                   Adesk::LongPtr marker = -1) const = 0;
+  /// A line without an end from the first point through the second; xline() has none at either
+  /// side. Neither has extents.
+  virtual Adesk::Boolean ray(const AcGePoint3d& /*first*/, const AcGePoint3d& /*second*/) const {
+    return Adesk::kFalse;
+  }
+  virtual Adesk::Boolean xline(const AcGePoint3d& /*first*/, const AcGePoint3d& /*second*/) const {
+    return Adesk::kFalse;
+  }
   /// A closed area, filled unless the fill type says never.
   virtual Adesk::Boolean polygon(Adesk::UInt32 count, const AcGePoint3d* points) const = 0;
   /// Areas inside one another as one: a point is filled when an odd number of the loops is around

@@ -6,6 +6,14 @@
 #include "dbents.h"
 #include "dbtext.h"
 
+/// A text that belongs to an insertion, with a layer and a colour of its own.
+struct AcDbAttributeLine : AcDbTextLine {
+  AcDbObjectId layer;
+  Adesk::UInt16 color = 256;    ///< as AcDbEntity::colorIndex()
+  Adesk::Int32 trueColor = -1;  ///< 0xRRGGBB; negative for the index
+  bool hidden = false;          ///< kept, but not seen
+};
+
 /// A block drawn at a place, once or in rows and columns. Position and angles stand in the own
 /// system of the entity.
 class ACADHOST_EXPORT AcDbBlockReference : public AcDbEntity {
@@ -28,8 +36,8 @@ class ACADHOST_EXPORT AcDbBlockReference : public AcDbEntity {
   const Placement& placement() const;
   Acad::ErrorStatus setPlacement(const Placement& placement);
   /// Texts that belong to this insertion; valid until they are changed.
-  const std::vector<AcDbTextLine>& attributes() const;
-  Acad::ErrorStatus setAttributes(std::vector<AcDbTextLine> attributes);
+  const std::vector<AcDbAttributeLine>& attributes() const;
+  Acad::ErrorStatus setAttributes(std::vector<AcDbAttributeLine> attributes);
   /// From the block to the world, for the first of the rows and columns.
   AcGeMatrix3d blockTransform() const;
 
@@ -50,5 +58,5 @@ class ACADHOST_EXPORT AcDbBlockReference : public AcDbEntity {
  private:
   AcDbObjectId block_;
   Placement placement_;
-  std::vector<AcDbTextLine> attributes_;
+  std::vector<AcDbAttributeLine> attributes_;
 };

@@ -22,6 +22,9 @@ class ACADHOST_EXPORT AcDbRasterImage : public AcDbEntity {
     bool shown = true;
     /// The part that is shown, in pixels from the upper left corner, y down; none for all of it.
     std::vector<AcGePoint3d> clip;
+    short brightness = 50;  ///< 0 black to 100 white; 50 as the file has it
+    short contrast = 50;    ///< 0 grey to 100 twice as much
+    short fade = 0;         ///< 0 to 100, where nothing is left of it
   };
   AcDbRasterImage() = default;
 
@@ -47,9 +50,14 @@ class ACADHOST_EXPORT AcDbRasterImage : public AcDbEntity {
                                      AcDbIntArray& geomIds) const override;
   Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
 
+  /// 0 frames are not seen, 1 they are, 2 only on the screen: by the drawing.
+  virtual Adesk::Int16 frameMode() const;
+  bool isFrameShown(AcGiWorldDraw& draw) const;
+  /// Around the shown part, closed.
+  std::vector<AcGePoint3d> frame() const;
+
  private:
   AcGePoint3d worldOf(double x, double y) const;
-  std::vector<AcGePoint3d> frame() const;
   bool drawPixels(AcGiWorldDraw& draw, const std::string& path) const;
 
   Values values_;

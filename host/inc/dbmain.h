@@ -167,6 +167,13 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   double ltscale() const;
   /// eInvalidInput unless above 0.
   Acad::ErrorStatus setLtscale(double scale);
+  /// Lines are drawn as wide as their weight says, on the screen too.
+  bool lineWeightDisplay() const;
+  Acad::ErrorStatus setLineWeightDisplay(bool display);
+  /// Whether frames of images are seen: 0 not, 1 they are, 2 only on the screen.
+  Adesk::Int16 imageFrame() const;
+  /// The same for wipeouts.
+  Adesk::Int16 wipeoutFrame() const;
   AcDbObjectId clayer() const;
   Acad::ErrorStatus setClayer(AcDbObjectId layer);
 

@@ -41,6 +41,8 @@ class ACADHOST_EXPORT AcDbPlotSettings : public AcDbObject {
   bool useStandardScale() const;
   /// Paper units of the numerator are drawing units of the denominator.
   void getCustomPrintScale(double& numerator, double& denominator) const;
+  /// Lines are as wide as their weight says.
+  bool printLineweights() const;
   /// True for the settings of the model, false for those of a sheet.
   bool modelType() const;
 

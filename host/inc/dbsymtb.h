@@ -113,6 +113,11 @@ class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   /// Null for lines without gaps.
   AcDbObjectId linetypeObjectId() const;
   void setLinetypeObjectId(AcDbObjectId linetype);
+  /// Hundredths of a millimetre, or kLnWtByLwDefault.
+  AcDb::LineWeight lineWeight() const;
+  /// eInvalidInput for what is none of these.
+  Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight);
+  AcCmTransparency transparency() const;
   bool isOff() const;
   void setIsOff(bool off);
   bool isFrozen() const;
@@ -128,6 +133,7 @@ class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   bool off_ = false;
   bool frozen_ = false;
   bool locked_ = false;
+  AcDb::LineWeight weight_ = AcDb::kLnWtByLwDefault;
 };
 
 class ACADHOST_EXPORT AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTableRecord> {

@@ -57,6 +57,7 @@ RenderStyle paperStyle(const PlotPlan& plan, const RenderStyle& style, PlotDevic
   RenderStyle paper = style;
   paper.background = 0xffffffff;
   paper.lineWidth = std::max(1.0, kLineMillimetres * plan.dpi / kMillimetresPerInch);
+  if (plan.lineWeights) paper.pixelsPerMillimetre = plan.dpi / kMillimetresPerInch;
   paper.placeImages = device == PlotDevice::kPdf;
   return paper;
 }

@@ -109,6 +109,7 @@ Result<PlotPlan> planPlot(const PlotData& settings, const PlotRegion& region, in
 
   PlotPlan plan;
   plan.dpi = dpi;
+  plan.lineWeights = settings.lineWeights;
   plan.paperWidth = settings.width;
   plan.paperHeight = settings.height;
   const auto pixel = [&](double x, double y) {

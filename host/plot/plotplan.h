@@ -29,8 +29,9 @@ struct PlotPlan {
   int dpi = 300;
   double paperWidth = 0;  ///< millimetres
   double paperHeight = 0;
-  ViewState page;  ///< over the whole page, in pixels of the resolution
-  QRectF clip;     ///< page pixels: the region as far as it lies within the margins
+  ViewState page;           ///< over the whole page, in pixels of the resolution
+  QRectF clip;              ///< page pixels: the region as far as it lies within the margins
+  bool lineWeights = true;  ///< lines are as wide as their weight says
 };
 
 /// The clip's upper left corner, as the region stands, falls on a whole pixel: so the pixels of

@@ -17,7 +17,9 @@ import sys
 logging.disable(logging.CRITICAL)
 try:
     import ezdxf
+    import ezdxf.render.mleader
     from ezdxf import bbox
+    from ezdxf.math import Vec2
     from ezdxf.lldxf.tagwriter import TagCollector
 except ImportError:
     sys.exit(77)
@@ -101,6 +103,34 @@ def add_compound(doc, space):
     space.add_image(definition, (40, 40), (32, 16), 20)
 
 
+def add_more(doc, space):
+    """Kinds that are not seen in every drawing."""
+    space.add_ray((1, 2), (3, 4))
+    space.add_xline((1, 2, 5), (0, 1))
+    space.add_wipeout([(60, 60), (70, 60), (68, 66)])
+    space.add_wipeout([(80, 60), (90, 70)])
+    note = space.add_multileader_mtext("Standard")
+    note.set_content("one\\Ptwo")
+    note.add_leader_line(ezdxf.render.mleader.ConnectionSide.left, [(-20, 15), (-8, 12)])
+    note.add_leader_line(ezdxf.render.mleader.ConnectionSide.right, [(40, 15)])
+    note.build(insert=Vec2(5, 4))
+    sign = doc.blocks.new("SIGN", base_point=(1, 0))
+    sign.add_circle((0, 0), 2)
+    note = space.add_multileader_block("Standard")
+    note.set_content("SIGN", scale=1.5)
+    note.add_leader_line(ezdxf.render.mleader.ConnectionSide.left, [(-20, -15)])
+    note.build(insert=Vec2(5, -14))
+    frame = space.new_entity("TOLERANCE", {"insert": (30, 30), "dimstyle": "Standard"})
+    frame.dxf.content = "{\\Fgdt;j}%%v{\\Fgdt;n}0.1{\\Fgdt;m}%%vA"
+    tree = space.add_blockref("TREE", (200, 5), {"row_count": 2, "column_count": 3, "row_spacing": 7,
+                                                 "column_spacing": 8, "rotation": 20})
+    tree.add_attrib("NUMBER", "4", (201, 6)).dxf.height = 1
+    tree.add_attrib("SECRET", "5", (201, 6)).is_invisible = True
+    for weight, clear in ((100, 0.5), (-3, 0), (0, 0.9)):
+        line = space.add_line((0, weight), (9, weight))
+        line.dxf.lineweight, line.transparency = weight, clear
+
+
 def make(path):
     doc = ezdxf.new("R2010", setup=True)
     doc.styles.new("WIDE", dxfattribs={"font": "txt.shx", "bigfont": "hztxt.shx", "width": 0.8})
@@ -110,6 +140,7 @@ def make(path):
     add_hatches(space)
     add_texts(space)
     add_compound(doc, space)
+    add_more(doc, space)
     for number, entity in enumerate(space):
         entity.dxf.linetype = "DASHED"
         entity.set_xdata("SURVEY", [(1000, "parcel"), (1040, 1.5), (1070, number)])
@@ -126,12 +157,19 @@ def image(path):
     doc.saveas(path)
 
 
-NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION"}
+NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION", "TOLERANCE"}
+
+
+def needs_fonts(entity):
+    kind = entity.dxftype()
+    if kind == "MULTILEADER":
+        return entity.context.mtext is not None
+    return kind in NEED_FONTS or (kind == "INSERT" and entity.attribs)
 
 
 def boxes(path):
     for entity in ezdxf.readfile(path).modelspace():
-        if entity.dxftype() in NEED_FONTS or (entity.dxftype() == "INSERT" and entity.attribs):
+        if needs_fonts(entity):
             continue
         box = bbox.extents([entity], flatten=0.001)
         if box.has_data:
@@ -165,7 +203,7 @@ def told(entity, doc):
         tags = [(c, math.sin(math.radians(v)) if c in (50, 51, 52, 53) else v) for c, v in tags]
     own = LEFT_OUT.get(entity.dxftype(), ())
     direction = math.hypot(*(v for c, v in tags if c in (11, 21, 31))) or 1.0
-    if entity.dxftype() == "MTEXT":
+    if entity.dxftype() in ("MTEXT", "TOLERANCE"):
         tags = [(c, v / direction if c in (11, 21, 31) else v) for c, v in tags]
     tags = [(c, v) for c, v in tags if c not in UNTOLD and c not in own]
     parts = entity.vertices if entity.dxftype() == "POLYLINE" else []
