@@ -61,6 +61,9 @@ QString faultText(const RectifyQuality& quality, const Rows& rows) {
     case RectifyFault::kNoExtent:
       return "所有点的源坐标相同，需要相互分开的点。";
     case RectifyFault::kTargetsFlat:
+      if (!quality.faultPoints.empty())
+        return QString("第 %1 点的目标坐标离其他点太远，与之相比其他点好像在同一处。")
+            .arg(concerned);
       return "目标坐标在同一点或同一直线上，影像将没有面积。";
     case RectifyFault::kAlongAxis:
       return "所有点都在一条与坐标轴平行的直线上，需要在另一方向上加点。";

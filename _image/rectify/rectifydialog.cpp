@@ -10,6 +10,7 @@
 
 #include <utility>
 
+#include "_image/rectify/modekeys.h"
 #include "_image/rectify/pointrecovery.h"
 #include "ui_rectifydialog.h"
 
@@ -90,11 +91,13 @@ void rectifyDialog::connectWidgets() {
           &rectifyDialog::on_out_rectify_image_clicked);
   connect(m_form->pointsTable, &QTableWidget::itemDoubleClicked, this,
           &rectifyDialog::on_table_item_double_clicked);
-  for (QRadioButton* mode : {m_form->radioButton_by_control_point, m_form->radioButton_moveImgage,
-                             m_form->radioButton_zoom_image, m_form->radioButton_rotate_image,
-                             m_form->radioButton_mirror}) {
-    connect(mode, &QRadioButton::toggled, this, &rectifyDialog::handleRadioButtonToggle);
+  const std::vector<QAbstractButton*> modes = {
+      m_form->radioButton_by_control_point, m_form->radioButton_moveImgage,
+      m_form->radioButton_zoom_image, m_form->radioButton_rotate_image, m_form->radioButton_mirror};
+  for (QAbstractButton* mode : modes) {
+    connect(mode, &QAbstractButton::toggled, this, &rectifyDialog::handleRadioButtonToggle);
   }
+  new tarn::image::ModeKeys(modes, this);
   connect(m_form->pushButton_get_zoom_point, &QPushButton::clicked, this,
           &rectifyDialog::on_pushButton_PickZoomPoint_clicked);
   connect(m_form->pushButton_MovePoint, &QPushButton::clicked, this,

@@ -154,8 +154,10 @@ void RectifySession::regenerate() {
 }
 
 std::string RectifySession::writePointFile(const PointRecord& record) {
-  isFileWritten_ = true;
-  return writeFileAtomically(toUtf8(recordFilePath(path_)), recordFileText(record)).message();
+  const Status written = writeFileAtomically(toUtf8(recordFilePath(path_)), recordFileText(record));
+  // What could not be written stands there as it did, and cancelling leaves it alone.
+  isFileWritten_ = isFileWritten_ || written;
+  return written.message();
 }
 
 void RectifySession::restorePointFile() {

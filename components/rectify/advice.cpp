@@ -65,6 +65,9 @@ std::string adviceOf(const RectifyQuality& quality) {
     case RectifyFault::kNoExtent:
       return "All points have the same source: points further apart are needed.";
     case RectifyFault::kTargetsFlat:
+      if (!quality.faultPoints.empty())
+        return "The targets of points " + rowsText(quality.faultPoints) +
+               " lie far away from all others, which look like one place beside them.";
       return "The targets lie on one point or line, so the image would have no area.";
     case RectifyFault::kAlongAxis:
       return "All points lie on a line along an axis: a point away from it in the other direction "

@@ -212,6 +212,28 @@ std::vector<PlanePoint> suggestPlaces(Method method, const std::vector<PlanePoin
   return suggested;
 }
 
+std::vector<int> farTargets(const std::vector<PointPair>& pairs) {
+  constexpr double kThousandfold = 1e3;
+  const auto median = [](std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+  };
+  std::vector<double> east, north, away;
+  for (const PointPair& pair : pairs) {
+    east.push_back(pair.target.x);
+    north.push_back(pair.target.y);
+  }
+  std::vector<int> rows;
+  if (pairs.empty()) return rows;
+  const PlanePoint middle{median(east), median(north)};
+  for (const PointPair& pair : pairs) away.push_back(distance(pair.target, middle));
+  const double usual = median(away);
+  for (size_t i = 0; i < pairs.size(); ++i)
+    if (usual > 0 && away[i] > kThousandfold * usual) rows.push_back(static_cast<int>(i));
+  return rows;
+}
+
 bool targetsLookSwapped(const std::vector<PointPair>& pairs) {
   constexpr double kHundredfold = 1e4;
   if (pairs.size() < 3) return false;

@@ -29,6 +29,9 @@ PlaceFault explainSources(Method method, const std::vector<PlanePoint>& sources)
 std::vector<PlanePoint> suggestPlaces(Method method, const std::vector<PlanePoint>& sources,
                                       const ImageOutline& outline);
 
+/// The rows whose targets lie a thousand times as far from the middle one as half of them do.
+std::vector<int> farTargets(const std::vector<PointPair>& pairs);
+
 /// True when exchanging east and north of the targets lowers the Helmert residuals more than a
 /// hundredfold.
 bool targetsLookSwapped(const std::vector<PointPair>& pairs);

@@ -71,7 +71,7 @@ void explainUnsolved(Method method, const std::vector<PointPair>& pairs, Rectify
     setFault(quality, kUnsolvable, places);
     return;
   }
-  setFault(quality, kUnsolvable, RectifyFault::kTargetsFlat);
+  setFault(quality, kUnsolvable, RectifyFault::kTargetsFlat, farTargets(pairs));
 }
 
 /// Least share of its length that the image keeps as width, at the place where that is most; and
@@ -218,7 +218,9 @@ Assessment assess(Method method, const std::vector<PointPair>& pairs, const Imag
     judgeStrength(method, pairs, shape, quality);
     listCoefficients(*result.solution.fit, quality);
   }
-  if (quality.status != kGood || quality.cornerFactor > kAdviseFactor) {
+  // Where the targets are at fault no further source helps.
+  const bool ofTargets = quality.fault == RectifyFault::kTargetsFlat;
+  if ((quality.status != kGood && !ofTargets) || quality.cornerFactor > kAdviseFactor) {
     std::vector<PlanePoint> sources;
     for (const PointPair& pair : pairs)
       if (isFinite(pair)) sources.push_back(pair.source);

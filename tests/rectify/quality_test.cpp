@@ -44,16 +44,20 @@ Points turned(const Points& points, double degrees, double roundTo) {
   return result;
 }
 
-/// Along the diagonal, `off` to both sides of it in turn.
+/// Along the diagonal, the two in the middle above and below it.
 Points nearDiagonal(double off) {
+  return {{0, 0}, {1000 / 3.0, 700 / 3.0 + off}, {2000 / 3.0, 1400 / 3.0 - off}, {1000, 700}};
+}
+
+/// Spread evenly and in no rows, over the left half.
+Points spreadLeft(int count) {
+  const auto reversed = [](int i, int base) {
+    double value = 0, digit = 1.0 / base;
+    for (; i > 0; i /= base, digit /= base) value += digit * (i % base);
+    return value;
+  };
   Points points;
-  const double length = std::hypot(1000, 700);
-  for (const double side : {1.0, -1.0}) {
-    for (const double t : {0.0, 1.0}) {
-      points.push_back(
-          {1000 * t - side * off * 700 / length, 700 * t + side * off * 1000 / length});
-    }
-  }
+  for (int i = 1; i <= count; ++i) points.push_back({500 * reversed(i, 2), 700 * reversed(i, 3)});
   return points;
 }
 
@@ -75,8 +79,8 @@ TEST(Quality, LayoutsOfPoints) {
        false},
       {"affine, middle fiftieth", Method::kAffine, grid(2, 2, {490, 343}, {510, 357}), 1.4, 35, 0,
        true},
-      {"affine, diagonal, 10 off", Method::kAffine, nearDiagonal(10), -1, -1, 0, true},
-      {"affine, diagonal, 2 off", Method::kAffine, nearDiagonal(2), -1, -1, 2, true},
+      {"affine, diagonal, 10 off", Method::kAffine, nearDiagonal(10), 90, 52, 0, true},
+      {"affine, diagonal, 3.5 off", Method::kAffine, nearDiagonal(3.5), 256, 147, 2, true},
       {"quadratic, 2 x 3", Method::kQuadratic, grid(3, 2, {0, 0}, {1000, 700}), kInfinite, -1, 1,
        true},
       {"quadratic, 3 x 3", Method::kQuadratic, grid(3, 3, {0, 0}, {1000, 700}), 5.9, 0.9, 0, false},
@@ -85,7 +89,7 @@ TEST(Quality, LayoutsOfPoints) {
        -1, 1, true},
       {"cubic, 4 x 4", Method::kCubic, grid(4, 4, {0, 0}, {1000, 700}), 19, 0.9, 0, false},
       {"cubic, left half", Method::kCubic, grid(3, 7, {0, 0}, {500, 700}), -1, -1, 1, true},
-      {"cubic, left half", Method::kCubic, grid(4, 5, {0, 0}, {500, 700}), -1, -1, 0, true}};
+      {"cubic, 21 in the left half", Method::kCubic, spreadLeft(21), -1, -1, 0, true}};
   for (const Row& row : table) {
     const Assessment a = assess(row.method, paired(row.points), kImage);
     EXPECT_EQ(a.quality.status, row.status) << row.name << ' ' << adviceOf(a.quality);

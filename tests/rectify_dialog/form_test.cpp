@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -136,6 +137,21 @@ TEST_F(Form, AModeEnablesItsOwnWidgetsOnly) {
   for (const auto& mode : modes) {
     choose(mode.mode);
     expectMode(mode.mode);
+  }
+  // Arrows go through the modes in their order, and stop at the ends.
+  const auto pressKey = [&](const char* mode, int key) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(&find<QWidget>(mode), &event);
+  };
+  for (int i = 4; i > 0; --i) {
+    pressKey(modes[i].mode, i % 2 == 0 ? Qt::Key_Up : Qt::Key_Left);
+    expectMode(modes[i - 1].mode);
+  }
+  pressKey(modes[0].mode, Qt::Key_Up);
+  expectMode(modes[0].mode);
+  for (int i = 0; i < 4; ++i) {
+    pressKey(modes[i].mode, i % 2 == 0 ? Qt::Key_Down : Qt::Key_Right);
+    expectMode(modes[i + 1].mode);
   }
   // Being told of a button that is off changes nothing.
   dialog().handleRadioButtonToggle(false);
