@@ -1,5 +1,6 @@
 #include "_image/imagetip.h"
 
+#include <charconv>
 #include <cmath>
 
 #include "_image/paneltext.h"
@@ -10,8 +11,13 @@
 namespace tarn::image {
 namespace {
 
+/// Digits enough for millimetres of coordinates; what a division leaves behind them helps nobody.
 std::wstring number(double value) {
-  return toWide(formatDouble(value));
+  constexpr int kDigits = 11;
+  char text[40];
+  const auto end =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::general, kDigits).ptr;
+  return {text, end};
 }
 
 std::vector<std::wstring> placeLines(int width, int height, const double* place) {

@@ -27,6 +27,34 @@ constexpr Text kLabel = {"影像转换", "Image conversion"};
 constexpr Text kNothing = {"所选位置没有影像。", "There are no images in what was chosen."};
 constexpr int kPositions = 1000;
 
+/// What became of images, in the order of convert::State.
+constexpr Text kStates[] = {{"等待", "waiting"},     {"正在转换", "running"},
+                            {"已转换", "converted"}, {"已是最新", "current"},
+                            {"已跳过", "skipped"},   {"失败", "failed"},
+                            {"已停止", "stopped"}};
+
+const char* wordOf(State state, bool isEnglish) {
+  return kStates[static_cast<size_t>(state)].in(isEnglish);
+}
+
+/// "Image conversion: 2 converted, 1 failed".
+std::string reportOf(const convert::Summary& summary, bool isEnglish) {
+  const std::pair<State, size_t> counts[] = {{State::kConverted, summary.converted},
+                                             {State::kCurrent, summary.current},
+                                             {State::kSkipped, summary.skipped},
+                                             {State::kFailed, summary.failed},
+                                             {State::kStopped, summary.stopped}};
+  std::string text;
+  for (const auto& [state, count] : counts) {
+    if (count == 0) continue;
+    text += text.empty() ? kLabel.in(isEnglish) + std::string(isEnglish ? ": " : "：")
+                         : std::string(isEnglish ? ", " : "，");
+    const std::string word = wordOf(state, isEnglish), number = std::to_string(count);
+    text += isEnglish ? number + " " + word : word + " " + number;
+  }
+  return text;
+}
+
 /// A framework object, asked for without an assertion: a service that is missing is no fault here.
 template <typename Interface>
 kel::Object<Interface> find() {
@@ -44,8 +72,11 @@ std::string joined(const std::vector<std::string>& notes) {
 /// Shows a batch to the user.
 class Shown final : public convert::BatchObserver {
  public:
-  Shown(IUserInterface& user, const std::vector<Item>& items, const char* label)
-      : user_(user), items_(items), display_(label, 0, kPositions) {}
+  Shown(IUserInterface& user, const std::vector<Item>& items, bool isEnglish)
+      : user_(user),
+        items_(items),
+        isEnglish_(isEnglish),
+        display_(kLabel.in(isEnglish), 0, kPositions) {}
 
   void started(size_t item) override {
     user_.setTask(static_cast<int>(item), kel::TaskState::kRunning, "");
@@ -63,7 +94,7 @@ class Shown final : public convert::BatchObserver {
     const bool failed = result.state == State::kFailed;
     const std::string remark = !result.message.empty() ? result.message
                                : done                  ? joined(result.notes)
-                                                       : wordOf(result.state);
+                                                       : wordOf(result.state, isEnglish_);
     user_.setTask(static_cast<int>(item),
                   done     ? kel::TaskState::kDone
                   : failed ? kel::TaskState::kFailed
@@ -74,6 +105,7 @@ class Shown final : public convert::BatchObserver {
  private:
   IUserInterface& user_;
   const std::vector<Item>& items_;
+  bool isEnglish_;
   ProgressScope display_;
 };
 
@@ -128,24 +160,23 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
     const std::vector<Item> items =
         planItems(convert::expandInputs(wish.value().names), wish.value().options);
     if (items.empty()) return say(kNothing.in(english));
-    convertItems(items, wish.value().options, kLabel.in(english));
+    convertItems(items, wish.value().options, english);
   }
 
  private:
-  void convertItems(const std::vector<Item>& items, const convert::Options& options,
-                    const char* label) {
+  void convertItems(const std::vector<Item>& items, const convert::Options& options, bool english) {
     kel::StringList names;
     for (const Item& item : items) names.emplace_back(item.input);
-    user_->beginTasks(label, names);
+    user_->beginTasks(kLabel.in(english), names);
     convert::Summary summary;
     {
-      Shown shown(*user_.get(), items, label);
+      Shown shown(*user_.get(), items, english);
       summary = runBatch(items, options, shown);
     }
     converted_ = static_cast<int>(summary.converted);
-    std::string report = std::string(label) + ": " + summary.text();
+    std::string report = reportOf(summary, english);
     if (summary.converted + summary.current > 0)
-      report += " -> " + (options.folder.empty() ? folderOf(items[0].output) : options.folder);
+      report += " → " + (options.folder.empty() ? folderOf(items[0].output) : options.folder);
     user_->endTasks(report);
   }
 

@@ -64,7 +64,9 @@ Result<Place> choosePlace(const std::string& input, const std::string& output,
       place.path = numberedName(output, number);
       continue;
     }
-    if (itself) return Status::error(input + ": would be replaced by its own conversion");
+    if (itself)
+      return Status::error(input +
+                           ": would be replaced by its own conversion; choose another folder");
     if (kind != FileKind::kRegular)
       return Status::error(place.path + ": is there and is no regular file");
     if (existing == Existing::kOverwrite) return place;

@@ -45,6 +45,12 @@ const char* wordOf(TarnTaskState state) {
   }
 }
 
+/// A sentence about a task stands beside its name and need not begin with it.
+std::string remarkOf(const std::string& task, const std::string& text) {
+  const std::string start = task + ": ";
+  return text.compare(0, start.size(), start) == 0 ? text.substr(start.size()) : text;
+}
+
 }  // namespace
 
 bool tarnHostAskForm(TarnForm& form) {
@@ -63,17 +69,20 @@ std::vector<std::string> tarnHostChooseFromListing(const TarnListing& listing) {
 }
 
 void tarnHostBeginTasks(const std::string& title, const std::vector<std::string>& tasks) {
-  if (OperationView* shown = view()) return shown->beginTasks(title, tasks);
   namesOfTasks() = tasks;
+  if (OperationView* shown = view()) return shown->beginTasks(title, tasks);
   if (HostApp* app = HostApp::instance()) app->print("\n" + title + "\n");
 }
 
 void tarnHostSetTask(size_t task, TarnTaskState state, const std::string& text) {
-  if (OperationView* shown = view()) return shown->setTask(task, state, text);
+  if (task >= namesOfTasks().size()) return;
+  const std::string remark = remarkOf(namesOfTasks()[task], text);
+  if (OperationView* shown = view()) return shown->setTask(task, state, remark);
   HostApp* app = HostApp::instance();
   const std::string word = wordOf(state);
-  if (app == nullptr || word.empty() || task >= namesOfTasks().size()) return;
-  app->print("\n" + namesOfTasks()[task] + ": " + word + (text.empty() ? "" : ": " + text) + "\n");
+  if (app == nullptr || word.empty()) return;
+  app->print("\n" + namesOfTasks()[task] + ": " + word + (remark.empty() ? "" : ": " + remark) +
+             "\n");
 }
 
 void tarnHostEndTasks(const std::string& report) {

@@ -1,5 +1,6 @@
 // A tree of the host as a widget. The host's tree holds the state; this shows it and hands on what
 // the user does.
+#include <QApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -10,6 +11,8 @@
 #include <QTreeWidget>
 
 #include "afxcmn.h"
+#include "host/editor/frontend.h"
+#include "host/editor/hostapp.h"
 #include "host/ui/windowinput.h"
 #include "host/window/dockview.h"
 
@@ -104,6 +107,7 @@ class TreeWidget final : public QTreeWidget {
       gesture(Gesture::kClick, checkBoxOf(item).center(), TreeModel::Choice::kOnly);
       return;
     }
+    if (isTyping(*event)) return typeOnCommandLine(*event);
     if (event->key() != Qt::Key_Up && event->key() != Qt::Key_Down) {
       QTreeWidget::keyPressEvent(event);
       return;
@@ -129,6 +133,18 @@ class TreeWidget final : public QTreeWidget {
   }
 
  private:
+  static bool isTyping(const QKeyEvent& event) {
+    const bool plain = (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+    return plain && !event.text().isEmpty() && event.text()[0].isPrint();
+  }
+
+  /// Who types means a command, wherever the last click was.
+  void typeOnCommandLine(QKeyEvent& event) {
+    if (HostApp* app = HostApp::instance()) app->frontEnd().focusCommandLine();
+    QWidget* line = QApplication::focusWidget();
+    if (line && line != this) QCoreApplication::sendEvent(line, &event);
+  }
+
   void fill(QTreeWidgetItem* item, const TreeNode& node) {
     QList<QTreeWidgetItem*> made;
     for (const auto& child : node.children) {

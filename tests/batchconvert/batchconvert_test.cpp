@@ -91,7 +91,7 @@ TEST_F(BatchConvert, RunsTheFormAndReportsEveryFile) {
       "0 2 ",
       "1 1 ",
       "1 4 " + (scratch_ / "b.tif") + ": is no TIFF, IMG or JPG image",
-      "影像转换: 1 converted, 1 failed -> " + (scratch_ / "out")};
+      "影像转换：已转换 1，失败 1 → " + (scratch_ / "out")};
   EXPECT_EQ(recorded().tasks, expected);
   EXPECT_EQ(progress_.starts, 1);
   EXPECT_EQ(progress_.ends, 1);
@@ -107,7 +107,7 @@ TEST_F(BatchConvert, IsStoppedByTheUserAndLeavesNothing) {
   const auto converter = make();
   converter->run();
   EXPECT_EQ(converter->convertedCount(), 0);
-  EXPECT_THAT(recorded().tasks.back(), HasSubstr("1 stopped"));
+  EXPECT_THAT(recorded().tasks.back(), HasSubstr("已停止 1"));
   EXPECT_EQ(fileKind(scratch_ / "out/a.tif"), FileKind::kMissing);
   // A form that is cancelled, and a folder without images.
   fresh();

@@ -116,7 +116,7 @@ TEST_F(OperationTest, TasksShowTheirStatesAndTheReportStaysUntilItIsClosed) {
           tarnHostBeginTasks("Conversion", {"/data/a.tif", "/data/b.tif"});
           tarnHostBeginProgress("Conversion", 0, 2);
           tarnHostSetTask(0, TarnTaskState::kDone, "");
-          tarnHostSetTask(1, TarnTaskState::kFailed, "is no image");
+          tarnHostSetTask(1, TarnTaskState::kFailed, "/data/b.tif: is no image");
           tarnHostMoveProgress(2);
           EXPECT_EQ(shownWindow("progressWindow"), nullptr) << "the tasks' window has the bar";
           tarnHostEndProgress();

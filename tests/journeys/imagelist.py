@@ -165,6 +165,8 @@ def image_list_many(desk):
     desk.run(["xdotool", "keydown", "ctrl"])
     desk.click_pixel(labels[1])
     desk.run(["xdotool", "keyup", "ctrl"])
+    # Who types means a command, also after a click in the list.
+    check(panel.rows() == [(True, first), (True, second)], f"two chosen: {panel.rows()}")
     panel.menu(labels[1], "Up", shot="several")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, False, False))
