@@ -1,6 +1,7 @@
 // IBatchImageConversion over components/convert, with the user's form and progress.
 #include <string>
 
+#include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "components/batchconvert/conversionform.h"
@@ -73,24 +74,27 @@ std::string joined(const std::vector<std::string>& notes) {
 class Shown final : public convert::BatchObserver {
  public:
   Shown(IUserInterface& user, const std::vector<Item>& items, bool isEnglish)
-      : user_(user),
-        items_(items),
-        isEnglish_(isEnglish),
-        display_(kLabel.in(isEnglish), 0, kPositions) {}
+      : user_(user), isEnglish_(isEnglish), display_(kLabel.in(isEnglish), 0, kPositions) {
+    double bytes = 0;
+    for (const Item& item : items) {
+      bytes += 1 + static_cast<double>(fileTimes(item.input).size);
+      ends_.push_back(bytes);
+    }
+  }
 
   void started(size_t item) override {
     user_.setTask(static_cast<int>(item), kel::TaskState::kRunning, "");
   }
 
   bool moved(size_t item, double part) override {
-    display_.move((static_cast<double>(item) + part) / static_cast<double>(items_.size()));
+    showPlace(item, part);
     return !user_.cancelWanted();
   }
 
   void finished(size_t item, const ItemResult& result) override {
     const bool done = result.state == State::kConverted;
     // Its last steps are over sooner than they are told.
-    display_.move(static_cast<double>(item + 1) / static_cast<double>(items_.size()));
+    showPlace(item, 1);
     const bool failed = result.state == State::kFailed;
     const std::string remark = !result.message.empty() ? result.message
                                : done                  ? joined(result.notes)
@@ -103,9 +107,15 @@ class Shown final : public convert::BatchObserver {
   }
 
  private:
+  /// A large image takes its share of the whole, so that the time left can be told.
+  void showPlace(size_t item, double part) {
+    const double start = item > 0 ? ends_[item - 1] : 0;
+    display_.move((start + part * (ends_[item] - start)) / ends_.back());
+  }
+
   IUserInterface& user_;
-  const std::vector<Item>& items_;
   bool isEnglish_;
+  std::vector<double> ends_;  ///< bytes of the inputs up to and with each
   ProgressScope display_;
 };
 

@@ -26,7 +26,7 @@ QString durationText(double seconds) {
 QString timesText(double seconds, double part) {
   QString gone = durationText(seconds) + " gone";
   if (seconds < kSoonestGuess || part < kLeastForGuess || part >= 1) return gone;
-  return gone + ", about " + durationText(seconds * (1 - part) / part) + " left";
+  return gone + ", about " + durationText(qMax(1.0, seconds * (1 - part) / part)) + " left";
 }
 
 void moveBar(QProgressBar& bar, int position) {

@@ -8,6 +8,7 @@
 #include "base/file.h"
 #include "base/filelock.h"
 #include "base/path.h"
+#include "components/convert/batch.h"
 #include "components/convert/converter.h"
 #include "components/raster/buildfolder.h"
 #include "tests/raster/testimages.h"
@@ -113,6 +114,36 @@ TEST_P(ConversionFaults, AnImageThatChangesMeanwhileIsNotConverted) {
   const auto missing = convertImage(input_, output_, options_, nullptr);
   EXPECT_FALSE(missing);
   EXPECT_TRUE(names().empty());
+}
+
+TEST_P(ConversionFaults, AnImageRemovedMeanwhileIsNamedAndTheNextIsConverted) {
+  class Remover final : public BatchObserver {
+   public:
+    explicit Remover(std::string image) : image_(std::move(image)) {}
+    void started(size_t) override {}
+    bool moved(size_t item, double part) override {
+      if (item == 0 && part > 0) removed = removeAll(image_).isOk();
+      return true;
+    }
+    void finished(size_t, const ItemResult& result) override { results.push_back(result); }
+    std::vector<ItemResult> results;
+    bool removed = false;
+
+   private:
+    std::string image_;
+  };
+  const std::string next = scratch_ / "next.tif";
+  raster::writePicture(next, raster::smooth(300, 200, 3));
+  options_.folder = scratch_ / "out";
+  Remover observer(input_);
+  const Summary summary = runBatch(planItems({input_, next}, options_), options_, observer);
+  ASSERT_TRUE(observer.removed);
+  ASSERT_EQ(observer.results.size(), 2U);
+  EXPECT_EQ(observer.results[0].state, State::kFailed);
+  EXPECT_EQ(observer.results[0].message.find(input_ + ": "), 0U) << observer.results[0].message;
+  EXPECT_EQ(observer.results[1].state, State::kConverted) << observer.results[1].message;
+  EXPECT_EQ(summary.text(), "1 converted, 1 failed");
+  for (const std::string& name : names()) EXPECT_EQ(name.find("next."), 0U) << name;
 }
 
 TEST_P(ConversionFaults, AnotherMakerOfTheSameFileIsLeftAlone) {

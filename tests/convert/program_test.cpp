@@ -1,5 +1,7 @@
 // tarnconvert as a user runs it.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -71,6 +73,60 @@ TEST(Program, GoesOnAfterBadImagesAndSaysWhatWasWrong) {
                  good[0] + "\r\n\n" + good[1] + "\n");
   EXPECT_EQ(again.exitCode, 0);
   EXPECT_NE(again.output.find("tarnconvert: 2 current"), std::string::npos) << again.output;
+}
+
+/// The superuser may do everything, so the program runs as somebody who may not.
+std::vector<std::string> asNobody() {
+  if (::geteuid() != 0) return {};
+  return {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+}
+
+TEST(Program, OneImageThatFailsLeavesNothingAndTheNextIsConverted) {
+  const struct {
+    const char* name;
+    std::vector<std::string> runner;
+    const char* locked;  ///< beside the two images; nobody may use it
+    mode_t rights;
+    const char* reason;
+  } cases[] = {
+      {"a disk that fills", {"/usr/bin/prlimit", "--fsize=400000"}, nullptr, 0, "bad.tif"},
+      {"an image that nobody may read", asNobody(), "1/bad.tif", 0, "denied"},
+      {"a folder that nobody may write", asNobody(), "1", 0555, "cannot be written"},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.name);
+    const test::Scratch scratch("tarnconvert");
+    for (const char* folder : {"1", "2"}) {
+      ASSERT_TRUE(makeFolders(scratch.at(folder)));
+      ASSERT_EQ(::chmod(scratch.at(folder).c_str(), 0777), 0);
+    }
+    ASSERT_EQ(::chmod(scratch.folder().c_str(), 0777), 0);
+    const std::string bad = scratch.at("1/bad.tif"), good = scratch.at("2/good.tif");
+    raster::writePicture(bad, raster::texture(1100, 900, 3));
+    raster::writePicture(good, raster::smooth(80, 60, 3));
+    if (one.locked != nullptr) {
+      ASSERT_EQ(::chmod(scratch.at(one.locked).c_str(), one.rights), 0);
+    }
+
+    std::vector<std::string> words = one.runner;
+    for (const std::string& word :
+         {joinPath(TARN_BIN_DIR, "tarnconvert"), std::string("--format=img"), bad, good})
+      words.push_back(word);
+    const std::string program = words.front();
+    words.erase(words.begin());
+    const Outcome run = runProgram(program, words);
+    if (run.exitCode == 127 || run.exitCode == 126) GTEST_SKIP() << run.output;
+    EXPECT_EQ(run.exitCode, 1) << run.output;
+    const auto lines = linesOf(run.output);
+    EXPECT_EQ(stateOf(lines, "bad.tif"), "failed") << run.output;
+    EXPECT_EQ(stateOf(lines, "good.tif"), "converted") << run.output;
+    const size_t said = run.output.find("tarnconvert: " + bad + ": ");
+    ASSERT_NE(said, std::string::npos) << run.output;
+    EXPECT_NE(run.output.find(one.reason, said), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("tarnconvert: 1 converted, 1 failed"), std::string::npos);
+    EXPECT_EQ(listFolder(scratch.at("1")), std::vector<std::string>{"bad.tif"});
+    EXPECT_EQ(fileKind(scratch.at("2/good.img")), FileKind::kRegular);
+  }
 }
 
 TEST(Program, RefusesFoldersWithoutRightsAndWrongUsage) {

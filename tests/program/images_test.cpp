@@ -70,7 +70,7 @@ TEST(ImagesOnTheCommandLine, AScriptConvertsImages) {
   const Outcome outcome = runCadhost(scratch, {"--script", "-"}, script);
   EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
   EXPECT_TRUE(contains(outcome.output, "\"9\": a number from 1 to 4 is needed.")) << outcome.output;
-  EXPECT_TRUE(contains(outcome.output, "影像转换: 1 converted"));
+  EXPECT_TRUE(contains(outcome.output, "影像转换：已转换 1"));
   EXPECT_EQ(readRaster(scratch.at("out/正射.img")).rgb, raster.rgb) << outcome.output;
 }
 
