@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "_image/binding/progressscope.h"
 #include "_image/binding/usesite.h"
@@ -57,15 +58,13 @@ void registerCommand(const Command& command) {
   acedRegCmds->addCommand(kGroup, command.name, command.name, command.flags, command.function);
 }
 
-/// The rest of "DrawImage" and "ShowImage": the user chooses a file, the document's entity shows
-/// it.
-void drawChosenImage(CDocData& record) {
+/// Lets the user choose an image and adds it. `isNetwork`: whether it is one of a server.
+void addChosenImage(CDocData& record, bool& isNetwork) {
   record.ensureImage();
   auto division = makeObject<IImageDivision>(kCommandsSite);
   acutPrintf(L"%d", static_cast<int>(record.images().size()));
   if (division.isNull()) printMessage(L"null0");
   TarnClientManager* client = nullptr;
-  bool isNetwork = false;
   std::wstring path;
   {
     const OpenedImage image(record, AcDb::kForRead);
@@ -82,6 +81,16 @@ void drawChosenImage(CDocData& record) {
   if (!isAdded) return;
   storeImagePath(document, record, path);
   sendCommandToHost(L"regen");
+}
+
+/// The rest of "DrawImage" and "ShowImage": the user chooses, the document's entity shows it. Of a
+/// server several images can be chosen; each is added, whatever becomes of the others.
+void drawChosenImage(CDocData& record) {
+  bool isNetwork = false;
+  addChosenImage(record, isNetwork);
+  const std::vector<std::wstring> others =
+      isNetwork ? furtherServerImages() : std::vector<std::wstring>();
+  if (!others.empty()) addImagesOf(acDocManager->curDocument(), record, others);
 }
 
 /// Writes a setting with the document locked and says what came of it.

@@ -19,6 +19,14 @@ std::vector<std::wstring> askForServerImages() {
   return names;
 }
 
+std::vector<std::wstring> furtherServerImages() {
+  const kel::StringList& chosen = QFileFind::Instance().lastChosen();
+  std::vector<std::wstring> names;
+  for (size_t i = 1; i < chosen.size(); ++i)
+    names.push_back(withoutDisplayName(toWide(chosen[i].str())));
+  return names;
+}
+
 bool addServerImage(AcApDocument* document, CDocData& record, const std::wstring& path,
                     std::unique_ptr<TarnClientManager> client) {
   record.ensureImage();

@@ -13,6 +13,8 @@ namespace tarn::image {
 
 /// Lets the user choose images of the configured servers; their names without display names.
 std::vector<std::wstring> askForServerImages();
+/// The names chosen last, but for the first: who takes one image only leaves these.
+std::vector<std::wstring> furtherServerImages();
 
 /// Adds an image whose client is open, as addOpenedImage() does.
 bool addServerImage(AcApDocument* document, CDocData& record, const std::wstring& path,

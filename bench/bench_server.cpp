@@ -83,10 +83,17 @@ class Ours final : public Way {
   std::unique_ptr<TarnClientManager> manager_;
 };
 
+/// How GDAL is asked for a view.
+enum class Asking {
+  kLevel,     ///< from the level that has all the detail of the view, as ours, averaged to it
+  kPixels,    ///< the same level's pixels under the view as they are: the least that GDAL can do
+  kOwnChoice  ///< as it does by itself: also from a level up to 1.2 times as coarse as the view
+};
+
 class Gdal final : public Way {
  public:
-  Gdal(const std::string& port, const std::string& path)
-      : name_("/vsicurl/http://127.0.0.1:" + port + "/" + path) {
+  Gdal(const std::string& port, const std::string& path, Asking asking)
+      : name_("/vsicurl/http://127.0.0.1:" + port + "/" + path), asking_(asking) {
     const char* const settings[][2] = {{"GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR"},
                                        {"CPL_VSIL_CURL_ALLOWED_EXTENSIONS", ".tif"},
                                        {"GDAL_HTTP_MULTIPLEX", "YES"},
@@ -102,31 +109,19 @@ class Gdal final : public Way {
     levels_.clear();
     dataset_.reset();
     VSICurlClearCache();
-    dataset_ = openLevel(-1);
+    dataset_ = openWith({});
     return dataset_ != nullptr;
   }
   Size size() override { return {dataset_->GetRasterXSize(), dataset_->GetRasterYSize()}; }
-  /// From the level that has all the detail of the view, as ours, for the same picture. By itself
-  /// GDAL takes the next one as soon as that is at most 1.2 times as coarse as the view, which
-  /// costs fewer bytes and shows less.
+
   bool look(const View& v) override {
     const int level = static_cast<int>(std::floor(std::log2(v.cell))) - 1;
-    GDALDataset* dataset = dataset_.get();
-    if (level >= 0) {
-      auto& opened = levels_[level];
-      if (!opened) opened = openLevel(level);
-      if (!opened) return false;
-      dataset = opened.get();
-    }
-    const double factor = level < 0 ? 1 : std::ldexp(1.0, level + 1);
-    GDALRasterIOExtraArg extra;
-    INIT_RASTERIO_EXTRA_ARG(extra);
-    extra.eResampleAlg = GRIORA_Average;
-    int bands[] = {1, 2, 3};
-    const auto at = [factor](double pixels) { return static_cast<int>(pixels / factor); };
-    return dataset->RasterIO(GF_Read, at(v.x), at(v.y), at(v.cell * kWidth), at(v.cell * kHeight),
-                             pixels_.data(), kWidth, kHeight, GDT_Byte, 3, bands, 3, 3 * kWidth, 1,
-                             &extra) == CE_None;
+    if (asking_ == Asking::kOwnChoice) return read(*dataset_, v, 1);
+    auto& opened = levels_[std::max(level, -1)];
+    if (!opened)
+      opened = openWith("OVERVIEW_LEVEL=" +
+                        (level < 0 ? std::string("NONE") : std::to_string(level) + "only"));
+    return opened && read(*opened, v, std::ldexp(1.0, std::max(level, -1) + 1));
   }
   Totals totals() override {
     // The first of each is the sum of all that follow in parts. Batches of ranges are not counted
@@ -147,18 +142,32 @@ class Gdal final : public Way {
   }
 
  private:
-  std::unique_ptr<GDALDataset> openLevel(int level) const {
-    const std::string option =
-        "OVERVIEW_LEVEL=" + (level < 0 ? std::string("NONE") : std::to_string(level) + "only");
-    const char* options[] = {option.c_str(), nullptr};
+  std::unique_ptr<GDALDataset> openWith(const std::string& option) const {
+    const char* options[] = {option.empty() ? nullptr : option.c_str(), nullptr};
     return std::unique_ptr<GDALDataset>(
         GDALDataset::Open(name_.c_str(), GDAL_OF_RASTER, nullptr, options));
+  }
+
+  /// `factor`: image pixels to one of the dataset.
+  bool read(GDALDataset& dataset, const View& v, double factor) {
+    const auto at = [factor](double pixels) { return static_cast<int>(pixels / factor); };
+    const int width = at(v.cell * kWidth), height = at(v.cell * kHeight);
+    const bool asTheyAre = asking_ == Asking::kPixels;
+    const int columns = asTheyAre ? width : kWidth, rows = asTheyAre ? height : kHeight;
+    pixels_.resize(size_t{3} * columns * rows);
+    GDALRasterIOExtraArg extra;
+    INIT_RASTERIO_EXTRA_ARG(extra);
+    extra.eResampleAlg = asTheyAre ? GRIORA_NearestNeighbour : GRIORA_Average;
+    int bands[] = {1, 2, 3};
+    return dataset.RasterIO(GF_Read, at(v.x), at(v.y), width, height, pixels_.data(), columns, rows,
+                            GDT_Byte, 3, bands, 3, 3 * columns, 1, &extra) == CE_None;
   }
 
   std::string name_;
   std::unique_ptr<GDALDataset> dataset_;
   std::map<int, std::unique_ptr<GDALDataset>> levels_;
-  std::vector<uint8_t> pixels_ = std::vector<uint8_t>(size_t{3} * kWidth * kHeight);
+  std::vector<uint8_t> pixels_;
+  Asking asking_;
 };
 
 /// One number of requests, bytes and milliseconds.
@@ -208,12 +217,16 @@ void draft(Way& way, uint64_t seed, int views, int pauseMs) {
 
 int main(int argc, char** argv) {
   if (argc < 5) {
-    std::fprintf(stderr, "usage: bench_server ours|gdal PORT PATH VIEWS [SEED PAUSE_MS]\n");
+    std::fprintf(stderr,
+                 "usage: bench_server ours|level|pixels|own PORT PATH VIEWS [SEED PAUSE_MS]\n");
     return 2;
   }
   const std::string port = argv[2], path = argv[3];
   const auto make = [&]() -> std::unique_ptr<Way> {
-    if (std::string(argv[1]) == "gdal") return std::make_unique<Gdal>(port, path);
+    const std::string way = argv[1];
+    if (way == "level") return std::make_unique<Gdal>(port, path, Asking::kLevel);
+    if (way == "pixels") return std::make_unique<Gdal>(port, path, Asking::kPixels);
+    if (way == "own") return std::make_unique<Gdal>(port, path, Asking::kOwnChoice);
     return std::make_unique<Ours>(port, path);
   };
   const std::unique_ptr<Way> cold = make(), warm = make();

@@ -40,8 +40,22 @@ int64_t sizeOf(const QJsonValue& value) {
   return bytes >= 0 && bytes < kMost ? static_cast<int64_t>(bytes) : -1;
 }
 
-std::optional<Footprint> footprintOf(const QJsonValue& box) {
-  const QJsonArray numbers = box.toArray();
+/// The box around a GeoJSON polygon as four numbers; empty for anything else.
+QJsonArray boxAround(const QJsonValue& polygon) {
+  const QJsonArray ring = polygon.toObject()["coordinates"].toArray().at(0).toArray();
+  if (ring.isEmpty()) return {};
+  double low[2] = {HUGE_VAL, HUGE_VAL}, high[2] = {-HUGE_VAL, -HUGE_VAL};
+  for (const QJsonValue& point : ring) {
+    for (int i = 0; i < 2; ++i) {
+      const double value = point.toArray().at(i).toDouble();
+      low[i] = std::min(low[i], value);
+      high[i] = std::max(high[i], value);
+    }
+  }
+  return {low[0], low[1], high[0], high[1]};
+}
+
+std::optional<Footprint> footprintOf(const QJsonArray& numbers) {
   // Six numbers when there are heights.
   const int count = numbers.size();
   if (count != 4 && count != 6) return std::nullopt;
@@ -63,9 +77,11 @@ std::optional<FolderItem> imageOf(const QJsonObject& feature) {
     item.path = pathBelow(textOf(asset["href"]));
     if (item.path.empty() || !isTiff(item.path)) continue;
     item.bytes = sizeOf(asset["file:size"]);
-    const QJsonValue box =
-        asset.contains("proj:bbox") ? asset["proj:bbox"] : properties["proj:bbox"];
-    item.footprint = footprintOf(box);
+    // The drawing is in the image's own coordinates, so longitudes and latitudes say nothing.
+    for (const QJsonObject& place : {asset, properties}) {
+      if (!item.footprint) item.footprint = footprintOf(place["proj:bbox"].toArray());
+      if (!item.footprint) item.footprint = footprintOf(boxAround(place["proj:geometry"]));
+    }
     item.time = textOf(properties["updated"]);
     if (item.time.empty()) item.time = textOf(properties["datetime"]);
     return item;

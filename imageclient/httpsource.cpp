@@ -284,6 +284,12 @@ void HttpSource::forgetAhead() {
   failedAhead_.clear();
 }
 
+void HttpSource::forgetPixels() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  pieces_.clear();
+  for (const PiecePtr& piece : head_) pieces_.emplace(piece->offset, piece);
+}
+
 /// Whether something of these ranges has been asked for ahead in vain: that is their answer.
 bool HttpSource::hasFailedAhead(const std::vector<raster::ByteRange>& ranges) const {
   const auto touches = [&](const raster::ByteRange& failed) {

@@ -46,6 +46,8 @@ class HttpSource final : public raster::RemoteBytes {
   /// Their answers, which reads find from now on, failures included, until forgetAhead().
   void takeAhead(const std::vector<PlacedRequest>& requests, std::vector<HttpAnswer> answers);
   void forgetAhead();
+  /// Forgets what has been fetched but for the directories: it turned out to be wrong.
+  void forgetPixels();
 
   /// What the directories need besides what has been read, as far as that can be told; its answer
   /// goes to takeAhead().

@@ -41,6 +41,7 @@ LOADWAY QFileFind::loadImgWay() {
 
 kel::StringList QFileFind::getImgInfo(kel::DString& imageName) {
   imageName = {};
+  chosen_ = {};
   const auto tell = [this](const std::string& message) {
     callback_ ? callback_(message.c_str()) : tarn::client::tellUser(message);
   };
@@ -50,15 +51,15 @@ kel::StringList QFileFind::getImgInfo(kel::DString& imageName) {
     return {};
   }
   kel::Listing listing;
-  listing.title = "影像服务器";
-  listing.accept = "添加";
+  listing.title = "Images on servers";
+  listing.accept = "Add";
   listing.read = [folders](const kel::DString& folder, kel::List<kel::ListingEntry>& entries) {
     // The key may stand in the entries that are about to go.
     const std::string key = folder.str();
     return kel::DString(folders->read(key, entries));
   };
   listing.preview = [folders](const kel::DString& image) { return folders->preview(image.str()); };
-  const kel::StringList chosen = tarn::client::chooseFromListing(listing);
-  if (!chosen.empty()) imageName = chosen.front();
-  return chosen;
+  chosen_ = tarn::client::chooseFromListing(listing);
+  if (!chosen_.empty()) imageName = chosen_.front();
+  return chosen_;
 }

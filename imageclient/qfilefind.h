@@ -24,8 +24,11 @@ class QFileFind {
   /// names of the chosen images and sets `imageName` to the first of them; both are
   /// empty when the user chose none.
   kel::StringList getImgInfo(kel::DString& imageName);
+  /// What the last getImgInfo() has returned.
+  const kel::StringList& lastChosen() const { return chosen_; }
 
  private:
   QFileFind() = default;
   Callback callback_ = nullptr;
+  kel::StringList chosen_;
 };

@@ -387,6 +387,7 @@ bool TarnClientManager::State::update(const Window& window) {
     succeed();
   } else if (source && !changed) {
     const HttpAnswer failure = source->failure();
+    if (failure.failure.empty()) source->forgetPixels();
     fail(source->name() + ": " +
              (failure.failure.empty() ? "some of its pixels cannot be read" : failure.failure),
          failure);

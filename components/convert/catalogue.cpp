@@ -1,5 +1,6 @@
 #include "components/convert/catalogue.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -41,17 +42,47 @@ std::string boxText(const raster::ImageOutline& outline) {
          formatDouble(t.y0) + ']';
 }
 
+/// As text, rounded to a centimetre on the globe.
+std::string degrees(double value) {
+  constexpr double kParts = 1e7;
+  return formatDouble(std::round(value * kParts) / kParts);
+}
+
+template <typename Number>
+std::string polygonText(const std::vector<raster::GroundPoint>& points, const Number& number) {
+  std::string ring;
+  for (size_t i = 0; i <= points.size(); ++i) {
+    const raster::GroundPoint& point = points[i % points.size()];
+    ring += (i ? ",[" : "[") + number(point.x) + ',' + number(point.y) + ']';
+  }
+  return "{\"type\":\"Polygon\",\"coordinates\":[[" + ring + "]]}";
+}
+
+/// The place on the globe: "geometry" and "bbox".
+std::string globeText(const std::vector<raster::GroundPoint>& points) {
+  if (points.empty()) return "\"geometry\":null";
+  raster::GroundPoint low = points.front(), high = low;
+  for (const raster::GroundPoint& point : points) {
+    low = {std::min(low.x, point.x), std::min(low.y, point.y)};
+    high = {std::max(high.x, point.x), std::max(high.y, point.y)};
+  }
+  return "\"geometry\":" + polygonText(points, degrees) + ",\"bbox\":[" + degrees(low.x) + ',' +
+         degrees(low.y) + ',' + degrees(high.x) + ',' + degrees(high.y) + ']';
+}
+
 std::string itemText(const std::string& name, const FileTimes& times,
                      const raster::ImageOutline& outline) {
   const std::string time = quotedJson(timeText(times.modifiedNs));
   std::string properties = "\"datetime\":" + time + ",\"updated\":" + time + ",\"proj:shape\":[" +
                            std::to_string(outline.height) + ',' + std::to_string(outline.width) +
                            ']';
-  if (outline.isPlaced) properties += ",\"proj:bbox\":" + boxText(outline);
+  if (outline.isPlaced)
+    properties += ",\"proj:bbox\":" + boxText(outline) +
+                  ",\"proj:geometry\":" + polygonText(outline.corners, formatDouble);
   if (outline.coordinateSystem > 0)
     properties += ",\"proj:epsg\":" + std::to_string(outline.coordinateSystem);
-  return "{\"type\":\"Feature\",\"stac_version\":\"1.0.0\",\"id\":" + quotedJson(name) +
-         ",\"geometry\":null,\"properties\":{" + properties +
+  return "{\"type\":\"Feature\",\"stac_version\":\"1.0.0\",\"id\":" + quotedJson(name) + ',' +
+         globeText(outline.geographic) + ",\"properties\":{" + properties +
          "},\"links\":[],\"assets\":{\"image\":{\"href\":" +
          quotedJson("./" + percentEncoded(name)) +
          ",\"type\":\"image/tiff; application=geotiff; profile=cloud-optimized\","

@@ -17,9 +17,9 @@ struct CatalogueReport {
 };
 
 /// Writes catalog.json into the folder and into each below it that has images there or further
-/// down: each image's file, size, time, outline (in its own coordinate system) and the folders
-/// below. Links are not followed. Fails, with a sentence that names it, on a folder that cannot be
-/// read or written; files that were there stay whole.
+/// down: each image's file, size, time, outline (on the globe and in its own coordinate system) and
+/// the folders below. Links are not followed. Fails, with a sentence that names it, on a folder
+/// that cannot be read or written; files that were there stay whole.
 Status writeCatalogues(const std::string& folder, CatalogueReport& report);
 
 }  // namespace tarn::convert

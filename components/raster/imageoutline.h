@@ -2,11 +2,17 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/result.h"
 #include "components/raster/georeference.h"
 
 namespace tarn::raster {
+
+struct GroundPoint {
+  double x = 0;
+  double y = 0;
+};
 
 struct ImageOutline {
   /// As presented, north up.
@@ -17,6 +23,10 @@ struct ImageOutline {
   bool isPlaced = false;
   /// As RasterImage::coordinateSystem().
   int coordinateSystem = -1;
+  /// Where the pixels lie, anticlockwise, from the image's own coordinates and as longitudes and
+  /// latitudes (WGS 84); empty where that is not known.
+  std::vector<GroundPoint> corners;
+  std::vector<GroundPoint> geographic;
 };
 
 /// Reads the directories of a file that a server can give out in pieces; fails on others, with a

@@ -122,7 +122,12 @@ size_t DialogBackend::choose(const std::string& question, const std::vector<std:
                                   : answers.size() - 1;
 }
 
-std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& request) {
+std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& asked) {
+  FileRequest request = asked;
+  if (request.several && !imageFilter_.empty()) {
+    request.title = imageTitle_;
+    request.filter = imageFilter_;
+  }
   QFileDialog dialog(parent_);
   dialog.setAcceptMode(request.open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
   dialog.setOption(QFileDialog::ShowDirsOnly, request.folder);

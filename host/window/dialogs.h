@@ -14,6 +14,13 @@ class DialogBackend final : public UiBackend {
   /// The window that boxes and dialogs stand before; not owned, may go away.
   void setParent(QWidget* parent) { parent_ = parent; }
 
+  /// Title and filter of dialogs for several files from now on, in place of their own; empty for
+  /// their own again.
+  void setImageFiles(const std::string& title, const std::string& filter) {
+    imageTitle_ = title;
+    imageFilter_ = filter;
+  }
+
   int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
@@ -24,6 +31,8 @@ class DialogBackend final : public UiBackend {
  private:
   QPointer<QWidget> parent_;
   WindowSystemOfWidgets windows_;
+  std::string imageTitle_;
+  std::string imageFilter_;
   QString folder_;  ///< where the last files were chosen
 };
 

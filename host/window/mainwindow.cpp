@@ -142,11 +142,10 @@ void MainWindow::fillMenus() {
 }
 
 void MainWindow::chooseImages() {
-  FileRequest request;
-  request.several = true;
-  request.title = "Add images";
-  request.filter = kImageFilter;
-  if (const auto names = dialogs_.fileNames(request)) addFiles(*names);
+  // The command knows whether files are wanted at all: images may also come from a server.
+  session_.chooseImages([this](bool begins) {
+    dialogs_.setImageFiles(begins ? "Add images" : "", begins ? kImageFilter : "");
+  });
 }
 
 void MainWindow::showAbout() {

@@ -83,13 +83,26 @@ void Session::openDrawings(const std::vector<std::string>& files) {
 
 void Session::addImages(const std::vector<std::string>& files) {
   if (files.empty()) return;
-  perform([this, files] {
+  addBy([this, files] { app_.runWithFiles("addImage", files); });
+}
+
+void Session::chooseImages(std::function<void(bool begins)> around) {
+  addBy([this, around = std::move(around)] {
+    around(true);
+    app_.runLine("addImage");
+    around(false);
+  });
+}
+
+/// What comes into an empty drawing comes into view.
+void Session::addBy(std::function<void()> add) {
+  perform([this, add = std::move(add)] {
     const auto isEmpty = [this] {
       return app_.regenerator().extents(app_.documents().current()).isEmpty();
     };
     const bool wasEmpty = isEmpty();
     app_.print("\nCommand: addImage\n");
-    app_.runWithFiles("addImage", files);
+    add();
     if (wasEmpty && !isEmpty()) app_.zoomExtents();
   });
 }

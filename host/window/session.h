@@ -46,6 +46,9 @@ class Session {
   /// A command whose file questions are answered with `files`; then, with nothing in the drawing
   /// before, the view shows it all.
   void addImages(const std::vector<std::string>& files);
+  /// The same with what the command itself asks for: files, or images of a server. `around` is told
+  /// when that begins and ends.
+  void chooseImages(std::function<void(bool begins)> around);
   /// Text that the host wants run; does nothing while a command runs.
   void runQueued();
 
@@ -59,6 +62,7 @@ class Session {
 
  private:
   bool reading() const;
+  void addBy(std::function<void()> add);
   void runNext();
   void finish();
 

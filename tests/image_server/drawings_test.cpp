@@ -131,6 +131,20 @@ TEST_F(ServerImages, ThePanelSwitchesMovesZoomsAndRemovesThem) {
   EXPECT_TRUE(image->holdsNoImage());
 }
 
+TEST_F(ServerImages, AllThatAreChosenAreLoadedByEveryCommand) {
+  useServer(server_->portText());
+  host_->frontEnd.answers = {"flat.tif", "正射", ""};
+  EXPECT_THAT(host_->run("DrawImage"), Not(HasSubstr("失败")));
+  EXPECT_THAT(stored(), ElementsAre(keyOf("flat.tif"), keyOf(kImage)));
+  EXPECT_EQ(record().images().size(), 2U);
+  // The second is new, the first is not.
+  click("Click 119 " + keyOf(kImage));
+  click("COmmand 1120");
+  host_->frontEnd.answers = {"flat.tif", "正射", ""};
+  EXPECT_THAT(host_->run("ShowImage"), HasSubstr("该影像文件已被加载！"));
+  EXPECT_THAT(stored(), ElementsAre(keyOf("flat.tif"), keyOf(kImage)));
+}
+
 TEST_F(ServerImages, AChangedFileIsSeenAtTheNextRedraw) {
   ClientTimes times = TarnClientManager::times();
   times.believed = 0;

@@ -1,4 +1,6 @@
 // Servers that misbehave while a drawing is drawn.
+#include <map>
+
 #include "imageclient/tarnclientmanager.h"
 #include "tests/image_server/fixture.h"
 #include "tests/imageclient/client.h"
@@ -18,8 +20,12 @@ class FaultyServer : public ServerImages {
     useServer(server.port());
     ASSERT_TRUE(host_->app->runWithFiles("addImage", {store_->at(kImage)}));
     local_ = picture(kView);
+    add(server, "a.tif");
+  }
+  /// Adds an image of the server; it has only one, which lies under every name.
+  void add(FaultServer& server, const std::string& name) {
     TarnClientManager* client = nullptr;
-    const std::wstring key = toWide(keyOf("a.tif", server.port()));
+    const std::wstring key = toWide(keyOf(name, server.port()));
     OpenedImage image(record(), AcDb::kForWrite);
     ASSERT_TRUE(image && image->GetImageDataFile(key, client, true)) << host_->printed();
     image->SetServerImageInfo(key, record().keepClient(std::unique_ptr<TarnClientManager>(client)));
@@ -34,19 +40,51 @@ class FaultyServer : public ServerImages {
 };
 
 TEST_F(FaultyServer, TheOtherImagesAreDrawnWhateverItDoes) {
+  ClientTimes times = shortTimes();
+  times.request = 400;
+  // Asked each time.
+  times.failures = 1000;
+  TarnClientManager::setTimes(times);
+  constexpr Fault kAll[] = {
+      Fault::kReset,      Fault::kStalled,    Fault::kDripping, Fault::kHalfBody,
+      Fault::kWrongRange, Fault::kGarbage,    Fault::kEndless,  Fault::kEndlessHead,
+      Fault::kWholeFile,  Fault::kLoop,       Fault::kToFile,   Fault::kBusy,
+      Fault::kElsewhere,  Fault::kShortRange, Fault::kGone,     Fault::kDamaged};
+  // Each a view of its own, so that nothing is known of it already.
+  const auto viewOf = [](Fault fault) {
+    return "ZOOM C 500" + std::to_string(650 + 7 * static_cast<int>(fault)) + ",3399575 900";
+  };
+  FaultServer server(flat());
+  useServer(server.port());
+  ASSERT_TRUE(host_->app->runWithFiles("addImage", {store_->at(kImage)}));
+  std::map<Fault, QImage> local;
+  for (const Fault fault : kAll) local[fault] = picture(viewOf(fault));
+  add(server, "a.tif");
+  for (const Fault fault : kAll) {
+    SCOPED_TRACE(static_cast<int>(fault));
+    server.setFault(fault);
+    host_->printed();
+    const int before = server.requests();
+    // All but the marker of the one that fails.
+    EXPECT_LE(difference(local[fault], picture(viewOf(fault))), 0.01);
+    EXPECT_GT(server.requests(), before);
+  }
+  server.setFault(Fault::kNone);
+  EXPECT_GT(difference(local[kAll[0]], picture(viewOf(kAll[0]))), 0.02) << "and it comes back";
+}
+
+TEST_F(FaultyServer, ImagesOfARedrawAreAskedForTogether) {
   FaultServer server(flat());
   addBoth(server);
-  for (const Fault fault : {Fault::kReset, Fault::kGarbage, Fault::kHalfBody, Fault::kGone,
-                            Fault::kElsewhere, Fault::kToFile, Fault::kDamaged}) {
-    server.setFault(fault);
-    // Each a view of its own, so that nothing is known of it already.
-    const int step = static_cast<int>(fault);
-    const QImage seen = picture("ZOOM C 500" + std::to_string(650 + step) + ",3399575 900");
-    OpenedImage image(record(), AcDb::kForRead);
-    EXPECT_EQ(image->serverSources().size(), 1U);
-    EXPECT_NE(seen, QImage());
-  }
-  EXPECT_LT(difference(local_, picture(kView)), 0.2) << "the local image";
+  for (const char* name : {"b.tif", "c.tif", "d.tif"}) add(server, name);
+  EXPECT_EQ(server.mostAtOnce(), 1);
+  server.setDelay(100);
+  const QImage seen = picture("ZOOM C 501475,3399875 240");
+  EXPECT_GE(server.mostAtOnce(), 4);
+  // The same picture as one after another, and as each by itself.
+  const int asked = server.requests();
+  EXPECT_EQ(picture("ZOOM C 501475,3399875 240"), seen);
+  EXPECT_EQ(server.requests(), asked);
 }
 
 TEST_F(FaultyServer, StoppingEndsTheWaitAndTheOthersAreDrawn) {

@@ -1,4 +1,6 @@
 // What is seen of images of a server.
+#include <set>
+
 #include "_image/binding/usesite.h"
 #include "imageclient/tarnclientmanager.h"
 #include "inc/iuserinterface.h"
@@ -17,6 +19,14 @@ class OpenImage : public CCadImage {
  public:
   using CCadImage::setImgInfoMap;
 };
+
+size_t coloursOf(const QImage& picture) {
+  std::set<QRgb> colours;
+  for (int y = 0; y < picture.height(); y += 3) {
+    for (int x = 0; x < picture.width(); x += 3) colours.insert(picture.pixel(x, y));
+  }
+  return colours.size();
+}
 
 TEST_F(ServerImages, AreThePicturesOfTheLocalFiles) {
   useServer(server_->portText());
@@ -40,6 +50,32 @@ TEST_F(ServerImages, AreThePicturesOfTheLocalFiles) {
   }
   host_->run("TWIST 30");
   EXPECT_LE(difference(twisted, picture("ZOOM C 500650,3399575 400")), 0.001);
+}
+
+TEST_F(ServerImages, ArePlottedAsTheLocalFiles) {
+  const std::string local = store_->at(kImage);
+  const auto plots = [this] {
+    std::vector<QImage> pages;
+    for (const char* rotation : {"0", "90"}) {
+      const std::string file = joinPath(host_->folder, std::string("page") + rotation + ".png");
+      host_->frontEnd.answers = {"Yes",       "Model",  "PNG",     "A4",  "Millimeters",
+                                 "Landscape", rotation, "Extents", "Fit", "Center",
+                                 "100",       file,     "No",      "Yes"};
+      host_->run("PLOT");
+      pages.emplace_back(QString::fromStdString(file));
+      EXPECT_GT(pages.back().width(), 500) << host_->printed();
+    }
+    return pages;
+  };
+  useServer(server_->portText());
+  addImages({"east side", "1", ""});
+  const std::vector<QImage> remote = plots();
+  host_->run("NEW");
+  ASSERT_TRUE(host_->app->runWithFiles("addImage", {local}));
+  const std::vector<QImage> expected = plots();
+  for (size_t i = 0; i < remote.size(); ++i) EXPECT_LE(difference(remote[i], expected[i]), 0.001);
+  // What is compared is an image, not an empty page.
+  EXPECT_GT(coloursOf(remote[0]), 100);
 }
 
 TEST_F(ServerImages, AreDrawnAfterLocalOnesInTheOrderOfTheList) {

@@ -99,8 +99,8 @@ void FaultServer::afterwards(int connection, Reply::After after) const {
     const linger hard{1, 0};
     ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
   }
-  std::string more(after == Reply::After::kEndless ? 65536 : 1, 'x');
-  if (after == Reply::After::kEndlessHead) more = "X-More: " + std::string(4000, 'x') + "\r\n";
+  std::string more(after == Reply::After::kEndless ? 1 << 20 : 1, 'x');
+  if (after == Reply::After::kEndlessHead) more = "X-More: " + std::string(30000, 'x') + "\r\n";
   while (!ending_ && after != Reply::After::kClose && after != Reply::After::kReset) {
     pollfd waiting{connection, POLLIN, 0};
     char byte = 0;

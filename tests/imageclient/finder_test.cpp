@@ -1,6 +1,11 @@
 // The finder: what the configuration says, and choosing among the images of servers.
 #include <gmock/gmock.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "base/file.h"
@@ -118,6 +123,51 @@ TEST_F(Finder, TheUserWalksThroughFoldersAndSeesPictures) {
   recorded().choose = nullptr;
   EXPECT_TRUE(QFileFind::Instance().getImgInfo(imageName).empty());
   EXPECT_TRUE(imageName.isEmpty());
+}
+
+/// The outline of an image on the globe, as GDAL says it.
+QJsonArray globeOutlineOf(const std::string& image) {
+  const std::string json = runProgram("/usr/bin/gdalinfo", {"-json", image}).output;
+  const QJsonObject info = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+  return info["wgs84Extent"].toObject()["coordinates"].toArray().at(0).toArray();
+}
+
+TEST_F(Finder, CataloguesSayWhereImagesLie) {
+  Scratch scratch("tarnoutline");
+  const std::string image = scratch.at("zone 40.tif"), plain = scratch.at("plain.tif");
+  ASSERT_TRUE(writeRaster(groundPicture(700, 500), plain));
+  ASSERT_EQ(
+      runProgram("/usr/bin/gdal_translate", {"-q", "-a_srs", "EPSG:4528", "-a_ullr", "40500000",
+                                             "3400000", "40500350", "3399750", plain, image})
+          .exitCode,
+      0);
+  const std::string root = scratch.at("store");
+  ASSERT_TRUE(makeFolders(root) && convertToCog(image, root) && convertToCog(plain, root));
+  ASSERT_EQ(runProgram("tarnconvert", {"--catalog", root}).exitCode, 0);
+  const auto text = readFile(root + "/catalog.json", 1 << 20);
+  ASSERT_TRUE(text);
+  const QJsonArray features = QJsonDocument::fromJson(QByteArray::fromStdString(text.value()))
+                                  .object()["features"]
+                                  .toArray();
+  ASSERT_EQ(features.size(), 2);
+  const QJsonObject unknown = features.at(0).toObject(), placed = features.at(1).toObject();
+  EXPECT_TRUE(unknown["geometry"].isNull()) << "no coordinate system, no place on the globe";
+  EXPECT_TRUE(unknown["properties"].toObject().contains("proj:geometry"));
+  const QJsonArray ring = placed["geometry"].toObject()["coordinates"].toArray().at(0).toArray();
+  const QJsonArray expected = globeOutlineOf(root + "/zone 40.tif");
+  ASSERT_GE(expected.size(), 4);
+  for (const QJsonValue& corner : expected) {
+    const bool isThere = std::any_of(ring.begin(), ring.end(), [&](const QJsonValue& point) {
+      constexpr double kNear = 1e-6;
+      return std::fabs(point.toArray().at(0).toDouble() - corner.toArray().at(0).toDouble()) <
+                 kNear &&
+             std::fabs(point.toArray().at(1).toDouble() - corner.toArray().at(1).toDouble()) <
+                 kNear;
+    });
+    EXPECT_TRUE(isThere) << corner.toArray().at(0).toDouble();
+  }
+  EXPECT_EQ(placed["properties"].toObject()["proj:epsg"].toInt(), 4528);
+  EXPECT_EQ(placed["bbox"].toArray().size(), 4);
 }
 
 TEST_F(Finder, ReleasingByPathGoesToWhoHoldsTheImages) {

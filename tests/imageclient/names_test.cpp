@@ -136,15 +136,20 @@ TEST(Lists, Catalogues) {
       {"id":"b","properties":{"updated":"2026-06-01"},"assets":{
        "meta":{"href":"b.xml"},"image":{"href":"sub/b.tif","proj:bbox":[3,2,1,4]}}},
       {"id":"c","assets":{"image":{"href":"http://elsewhere/c.tif"}}},
-      {"id":"d","assets":{"image":{"href":"../../d.tif"}}},{"id":"e"},7]})";
+      {"id":"d","assets":{"image":{"href":"../../d.tif"}}},{"id":"e"},7,
+      {"id":"f","properties":{"proj:geometry":{"type":"Polygon","coordinates":
+       [[[5,1],[9,2],[8,6],[4,5],[5,1]]]}},"assets":{"image":{"href":"t.tif"}}}]})";
   const auto items = parseCatalogue(json);
   ASSERT_TRUE(items) << items.message();
-  ASSERT_THAT(items.value(), testing::ElementsAre(Item("北", -1, ""),
-                                                  Item("a b.tif", 1234, "2026-05-01T00:00:00Z"),
-                                                  Item("sub/b.tif", -1, "2026-06-01")));
+  ASSERT_THAT(items.value(), testing::ElementsAre(
+                                 Item("北", -1, ""), Item("a b.tif", 1234, "2026-05-01T00:00:00Z"),
+                                 Item("sub/b.tif", -1, "2026-06-01"), Item("t.tif", -1, "")));
   ASSERT_TRUE(items.value()[1].footprint);
   EXPECT_EQ(items.value()[1].footprint->right, 3);
   EXPECT_FALSE(items.value()[2].footprint) << "left and right of it are swapped";
+  ASSERT_TRUE(items.value()[3].footprint) << "the box of a polygon";
+  EXPECT_EQ(items.value()[3].footprint->left, 4);
+  EXPECT_EQ(items.value()[3].footprint->top, 6);
   for (const std::string bad : {"", "{}", "[]", "{\"features\":1}", "{\"features\":[", "\xff\xfe"})
     EXPECT_FALSE(parseCatalogue(bad)) << bad;
 }

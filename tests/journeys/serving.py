@@ -82,11 +82,11 @@ def set_server(desk, address):
 def choose(desk, text):
     """addImage: looks for a text in all folders and takes the first image found."""
     desk.enter("addImage", None)
-    chooser = dialog(desk, "影像服务器")
+    chooser = dialog(desk, "Images on servers")
     desk.type(text)
     desk.key("Return")
     desk.shot("chooser")
-    confirm(desk, chooser, "影像服务器")
+    confirm(desk, chooser, "Images on servers")
 
 
 def stored(drawing):
