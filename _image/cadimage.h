@@ -132,10 +132,8 @@ class CCadImage : public AcDbEntity {
   /// caller's. False, after a message, when it is loaded already or cannot be reached.
   bool GetImageDataFile(const std::wstring& imageName, TarnClientManager*& client,
                         bool isServer) const;
-  /// The same without messages. False without a client when the name is none; with one, which may
-  /// be ready later, when the image cannot be reached.
-  static bool openServerImage(const std::wstring& imageName, bool isServer,
-                              std::unique_ptr<TarnClientManager>& manager);
+  /// A client for an image, which nobody has asked for yet; null when the name is none.
+  static std::unique_ptr<TarnClientManager> clientFor(const std::wstring& imageName, bool isServer);
   bool GetImageData(TarnClientManager* client, int& width, int& height, double& a, double& e,
                     double& y0, double& x0, double& right, double& bottom) const;
 

@@ -52,27 +52,28 @@ bool CCadImage::GetImageDataFile(const std::wstring& imageName, TarnClientManage
     printMessage(L"\n%1该影像文件已被加载！", imageName);
     return false;
   }
-  std::unique_ptr<TarnClientManager> manager;
-  if (!openServerImage(imageName, isServer, manager)) {
-    // The client has told why; a name that leads to none has not.
-    if (!manager) printMessage(L"\n%1：打开影像出错", imageName);
+  std::unique_ptr<TarnClientManager> manager = clientFor(imageName, isServer);
+  if (!manager) {
+    printMessage(L"\n%1：打开影像出错", imageName);
     return false;
   }
+  // The client tells why.
+  const auto where = tarn::image::parseServerImage(imageName);
+  if (!manager->connectServe() || !manager->setCurImg(text(where->image))) return false;
   client = manager.release();
   return true;
 }
 
-bool CCadImage::openServerImage(const std::wstring& imageName, bool isServer,
-                                std::unique_ptr<TarnClientManager>& manager) {
+std::unique_ptr<TarnClientManager> CCadImage::clientFor(const std::wstring& imageName,
+                                                        bool isServer) {
   const std::optional<ServerImage> where = tarn::image::parseServerImage(imageName);
-  if (!where) return false;
-  manager = std::make_unique<TarnClientManager>();
+  if (!where) return nullptr;
+  auto manager = std::make_unique<TarnClientManager>();
   manager->setIsServe(isServer);
   manager->setPort(text(where->port));
   manager->setServeIp(text(where->address));
-  const bool isConnected = manager->connectServe();
-  // Also without a server: the image is the one to come back to.
-  return manager->setCurImg(text(where->image)) && isConnected;
+  manager->selectImg(text(where->image));
+  return manager;
 }
 
 bool CCadImage::GetImageData(TarnClientManager* client, int& width, int& height, double& a,

@@ -110,6 +110,7 @@ bool followDrawing(AcApDocument* document) {
   for (const std::wstring& path : stored) {
     if (bindAgain(document, *record, path)) isChanged = true;
   }
+  openServerImages(*record);
   if (isChanged) record->reorder(stored);
   isChanged = followPlacements(document, *record, storedImagePaths(*record)) || isChanged;
   if (isChanged) tellImageListChanged();
@@ -129,6 +130,7 @@ bool bindFoundImages(AcApDocument* document) {
   for (const std::wstring& path : present) {
     if (!record->contains(path) && restoreImage(document, *record, path)) isAnyBound = true;
   }
+  openServerImages(*record);
   record->reorder(present);
   followPlacements(document, *record, storedImagePaths(*record));
   return isAnyBound;
@@ -147,6 +149,7 @@ void restoreImages(AcApDocument* document) {
   for (const std::wstring& path : existingStoredPaths(record, *document)) {
     if (restoreImage(document, record, path)) isAnyRestored = true;
   }
+  openServerImages(record);
   followPlacements(document, record, storedImagePaths(record));
   tellImageListChanged();
   if (isAnyRestored) sendCommandToHost(L"regen");

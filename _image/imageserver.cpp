@@ -52,9 +52,20 @@ bool restoreServerImage(AcApDocument* document, CDocData& record, const std::wst
     const OpenedImage image(record, AcDb::kForRead);
     if (!image || image->holds(path)) return false;
   }
-  std::unique_ptr<TarnClientManager> client;
-  CCadImage::openServerImage(path, true, client);
+  std::unique_ptr<TarnClientManager> client = CCadImage::clientFor(path, true);
   return client && addServerImage(document, record, path, std::move(client));
+}
+
+void openServerImages(CDocData& record) {
+  std::vector<TarnClientManager*> clients;
+  {
+    const OpenedImage image(record, AcDb::kForRead);
+    if (!image) return;
+    for (const CDocData::Image& listed : record.images()) {
+      if (TarnClientManager* client = image->clientOf(listed.path)) clients.push_back(client);
+    }
+  }
+  TarnClientManager::makeReady(clients);
 }
 
 }  // namespace tarn::image

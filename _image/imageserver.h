@@ -23,8 +23,11 @@ bool addServerImage(AcApDocument* document, CDocData& record, const std::wstring
 /// Opens an image that is not held yet and adds it; false after a message.
 bool openAndAddServerImage(AcApDocument* document, CDocData& record, const std::wstring& path);
 
-/// The same for an image that the drawing stores: it is listed also while its server cannot be
-/// reached. False when it is held already.
+/// The same for an image that the drawing stores: it is listed whatever its server says, which is
+/// not asked before openServerImages(). False when it is held already.
 bool restoreServerImage(AcApDocument* document, CDocData& record, const std::wstring& path);
+
+/// Opens all images of servers that are listed and not open, with requests that go out together.
+void openServerImages(CDocData& record);
 
 }  // namespace tarn::image

@@ -249,11 +249,15 @@ bool TarnClientManager::connectServe() {
   return state_->fail(where->text() + ": " + answer.failure, answer);
 }
 
-bool TarnClientManager::setCurImg(const kel::DString& path) {
+void TarnClientManager::selectImg(const kel::DString& path) {
   state_->image.reset();
   state_->source.reset();
   state_->pixels.clear();
   state_->path = path.str();
+}
+
+bool TarnClientManager::setCurImg(const kel::DString& path) {
+  selectImg(path);
   return state_->openIfPossible(state_->begin());
 }
 

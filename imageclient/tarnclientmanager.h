@@ -24,6 +24,8 @@ class TarnClientManager final : public AbsImageClient {
   /// opens it. False when the server has none, cannot be reached or it is no image that can be read
   /// in pieces; the path is kept for later tries all the same.
   bool setCurImg(const kel::DString& path);
+  /// Only keeps the path: isReady() opens the image.
+  void selectImg(const kel::DString& path);
   /// True when the image is open; tries to open it when it is not and its pause is over. Costs
   /// nothing else.
   bool isReady();

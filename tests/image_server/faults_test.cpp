@@ -1,6 +1,8 @@
 // Servers that misbehave while a drawing is drawn.
 #include <map>
 
+#include "_image/imageadding.h"
+#include "acdocman.h"
 #include "imageclient/tarnclientmanager.h"
 #include "tests/image_server/fixture.h"
 #include "tests/imageclient/client.h"
@@ -81,10 +83,27 @@ TEST_F(FaultyServer, ImagesOfARedrawAreAskedForTogether) {
   server.setDelay(100);
   const QImage seen = picture("ZOOM C 501475,3399875 240");
   EXPECT_GE(server.mostAtOnce(), 4);
-  // The same picture as one after another, and as each by itself.
   const int asked = server.requests();
   EXPECT_EQ(picture("ZOOM C 501475,3399875 240"), seen);
   EXPECT_EQ(server.requests(), asked);
+  // So they are when a drawing is opened.
+  std::vector<std::wstring> names;
+  for (const CDocData::Image& image : record().images()) names.push_back(image.path);
+  ASSERT_TRUE(image::storeImagePaths(acDocManager->curDocument(), record(), names));
+  const std::string drawing = joinPath(host_->folder, "several.dxf");
+  host_->ui.files = {{drawing}};
+  host_->run("SAVEAS");
+  host_->run("CLOSE");
+  FaultServer other(flat());
+  other.setDelay(100);
+  const auto text = readFile(drawing, 1 << 24);
+  ASSERT_TRUE(text);
+  ASSERT_TRUE(writeFileAtomically(
+      drawing, replaceAll(text.value(), ":" + server.port(), ":" + other.port())));
+  host_->ui.files = {{drawing}};
+  host_->run("OPEN");
+  EXPECT_EQ(stored().size(), 5U);
+  EXPECT_GE(other.mostAtOnce(), 3);
 }
 
 TEST_F(FaultyServer, StoppingEndsTheWaitAndTheOthersAreDrawn) {

@@ -57,6 +57,7 @@ void FaultServer::listen() {
     if (::poll(&waiting, 1, kStepMs) <= 0) continue;
     const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     if (connection < 0) continue;
+    ++connections_;
     threads_.emplace_back([this, connection] { serve(connection); });
   }
 }

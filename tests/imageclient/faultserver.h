@@ -45,6 +45,7 @@ class FaultServer {
   /// Another file under the same name, told apart by its tag.
   void setFile(std::string file);
   int requests() const { return requests_; }
+  int connections() const { return connections_; }
   /// The largest number of requests that were waiting for their answers at a time.
   int mostAtOnce() const { return mostAtOnce_; }
   /// Longest time, in milliseconds, that a request waits for its answer.
@@ -71,6 +72,7 @@ class FaultServer {
   std::atomic<Fault> fault_{Fault::kNone};
   std::atomic<bool> ending_{false};
   std::atomic<int> requests_{0};
+  std::atomic<int> connections_{0};
   std::atomic<int> waiting_{0};
   std::atomic<int> mostAtOnce_{0};
   std::atomic<int> delayMs_{0};
