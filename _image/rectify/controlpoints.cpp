@@ -107,9 +107,10 @@ ImportedPoints readControlPoints(QTextStream& stream) {
   ImportedPoints imported;
   QString line;
   while (imported.points.size() <= kMostImported && readLine(stream, line)) {
+    if (line.trimmed().isEmpty()) continue;
     if (const auto point = pointOfLine(line)) {
       imported.points.push_back(*point);
-    } else if (!line.trimmed().isEmpty()) {
+    } else {
       ++imported.skippedLines;
     }
   }

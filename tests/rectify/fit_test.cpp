@@ -109,24 +109,37 @@ TEST(Fit, NumbersOfOtherPrograms) {
   }
 }
 
-TEST(Fit, LinearAffineAndHelmertOfTextbooks) {
-  const Fit linear = *solve(Method::kLinear, {pair(0, 0, 10, 5), pair(10, 0, 16, 5),
-                                              pair(0, 30, 10, 8), pair(10, 30, 16, 8)})
-                          .fit;
-  EXPECT_NEAR(linear.at({9, 25}).x, 15.4, 1e-12);
-  EXPECT_NEAR(linear.at({9, 25}).y, 7.5, 1e-12);
-  const Fit affine =
-      *solve(Method::kAffine, {pair(0, 0, 440720, 3751320), pair(0, 20, 440720, 3750120),
-                               pair(20, 0, 441920, 3751320), pair(20, 20, 441920, 3750120)})
-           .fit;
-  EXPECT_NEAR(affine.at({20, 10}).x, 441920, 1e-8);
-  EXPECT_NEAR(affine.at({20, 10}).y, 3750720, 1e-8);
+class Textbooks : public testing::TestWithParam<double> {
+ protected:
+  /// The pairs with the origin of a zone added.
+  Pairs far(const Pairs& pairs) const { return moved(pairs, x_, y_); }
+  PlanePoint at(const Fit& fit, PlanePoint p) const {
+    const PlanePoint q = fit.at({p.x + x_, p.y + y_});
+    return {q.x - x_, q.y - y_};
+  }
+  const double x_ = GetParam() * kEast;
+  const double y_ = GetParam() * kNorth;
+  const Pairs linear_ = {pair(0, 0, 10, 5), pair(10, 0, 16, 5), pair(0, 30, 10, 8),
+                         pair(10, 30, 16, 8)};
+  const Pairs affine_ = {pair(0, 0, 440720, 3751320), pair(0, 20, 440720, 3750120),
+                         pair(20, 0, 441920, 3751320), pair(20, 20, 441920, 3750120)};
+};
+INSTANTIATE_TEST_SUITE_P(NearAndFar, Textbooks, testing::Values(0.0, 1.0));
 
-  const Pairs helmert = {pair(121.622, -128.066, 1049422.40, 51089.20),
-                         pair(141.228, 187.718, 1049413.95, 49659.30),
-                         pair(175.802, 135.728, 1049244.95, 49884.95)};
+TEST_P(Textbooks, LinearAffineAndHelmert) {
+  constexpr double kRounding = 3e-8;  // of coordinates beyond 40,000,000
+  const PlanePoint linear = at(*solve(Method::kLinear, far(linear_)).fit, {9, 25});
+  EXPECT_NEAR(linear.x, 15.4, kRounding);
+  EXPECT_NEAR(linear.y, 7.5, kRounding);
+  const PlanePoint affine = at(*solve(Method::kAffine, far(affine_)).fit, {20, 10});
+  EXPECT_NEAR(affine.x, 441920, kRounding);
+  EXPECT_NEAR(affine.y, 3750720, kRounding);
+
+  const Pairs helmert = far({pair(121.622, -128.066, 1049422.40, 51089.20),
+                             pair(141.228, 187.718, 1049413.95, 49659.30),
+                             pair(175.802, 135.728, 1049244.95, 49884.95)});
   const Assessment a = assess(Method::kHelmert, helmert, ImageOutline::around(helmert));
-  const Slope slope = a.solution.fit->slopeAt({0, 0});
+  const Slope slope = a.solution.fit->slopeAt(helmert[0].source);
   EXPECT_NEAR(std::hypot(slope.ux, slope.vx), 4.51962052, 5e-9);
   EXPECT_NEAR(std::fmod(std::atan2(slope.vx, slope.ux) * 180 / M_PI + 360, 360), 183.2180612, 5e-8);
   const double residuals[3][2] = {{.003838, -.029133}, {.100867, -.076742}, {-.104704, .105875}};
@@ -135,36 +148,26 @@ TEST(Fit, LinearAffineAndHelmertOfTextbooks) {
     EXPECT_NEAR(a.residuals[i].dy, residuals[i][1], 6e-7);
   }
   // A mirrored linear fit is one.
-  const Fit mirrored = *solve(Method::kLinear, {pair(0, 0, 0, 0), pair(10, 10, 10, -10)}).fit;
-  EXPECT_NEAR(mirrored.at({5, 5}).y, -5, 1e-12);
+  const Pairs mirrored = far({pair(0, 0, 0, 0), pair(10, 10, 10, -10)});
+  EXPECT_NEAR(at(*solve(Method::kLinear, mirrored).fit, {5, 5}).y, -5, kRounding);
 }
 
-TEST(Fit, IsInvertedToThePixel) {
-  const Pairs four = {pair(288, 1126, 321210, 130280), pair(2352, 716, 322698, 129979),
-                      pair(2067, 2398, 322501, 192061), pair(1102, 2209, 321803, 192198)};
+TEST_P(Textbooks, AreInvertedToThePixel) {
   struct Row {
     Method method;
     Pairs pairs;
     PlanePoint source;
     PlanePoint target;
   };
-  const Row table[] = {
-      {Method::kLinear,
-       {pair(0, 0, 10, 5), pair(10, 0, 16, 5), pair(0, 30, 10, 8), pair(10, 30, 16, 8)},
-       {9, 25},
-       {15.4, 7.5}},
-      {Method::kAffine,
-       {pair(0, 0, 440720, 3751320), pair(0, 20, 440720, 3750120), pair(20, 0, 441920, 3751320),
-        pair(20, 20, 441920, 3750120)},
-       {20, 10},
-       {441920, 3750720}},
-      {Method::kLinear, four, {288, 1000}, {321212.326847, 135047.429532}},
-      {Method::kHelmert, four, {2352, 1150}, {340495.193773, 155540.681928}},
-      {Method::kAffine, four, {2352, 1150}, {322700.263397, 146403.852285}}};
+  const Row table[] = {{Method::kLinear, linear_, {9, 25}, {15.4, 7.5}},
+                       {Method::kAffine, affine_, {20, 10}, {441920, 3750720}},
+                       {Method::kLinear, points4(), {288, 1000}, {321212.326847, 135047.429532}},
+                       {Method::kHelmert, points4(), {2352, 1150}, {340495.193773, 155540.681928}},
+                       {Method::kAffine, points4(), {2352, 1150}, {322700.263397, 146403.852285}}};
   for (const Row& row : table) {
-    const Chain chain({0, 1, 0, 0, 0, 1}, 2400, 2400, {},
-                      {{*solve(row.method, row.pairs).fit, {}}});
-    const auto found = chain.pixelOf(row.target);
+    const Chain chain({x_, 1, 0, y_, 0, 1}, 2400, 2400, {},
+                      {{*solve(row.method, far(row.pairs)).fit, {}}});
+    const auto found = chain.pixelOf({row.target.x + x_, row.target.y + y_});
     ASSERT_TRUE(found);
     // Targets are printed to a millionth of ground, where a pixel is hundreds.
     EXPECT_NEAR(found->x, row.source.x, 1e-6);

@@ -174,4 +174,35 @@ TEST(Quality, ABlunderAndExchangedAxesAreFound) {
   EXPECT_TRUE(a.quality.targetsSwapped);
 }
 
+// The formula that needs no fit anew beside one fit without each point.
+TEST(Quality, TheWorstPointIsTheOneWhoseRemovalHelpsMost) {
+  Points places = spreadLeft(24);
+  for (PlanePoint& p : places) p.x *= 2;
+  std::vector<PointPair> pairs;
+  for (size_t i = 0; i < places.size(); ++i) {
+    const PlanePoint p = places[i];
+    const double noise = std::sin(7.0 * static_cast<double>(i * i));
+    pairs.push_back({p,
+                     {40500000 + 0.9 * p.x - 0.1 * p.y + noise,
+                      3500000 + 0.1 * p.x + 0.9 * p.y + std::cos(5.0 * noise)}});
+  }
+  pairs[11].target.y -= 6;
+  for (const Method method :
+       {Method::kCubic, Method::kQuadratic, Method::kLinear, Method::kAffine, Method::kHelmert}) {
+    const kel::RectifyQuality found = assess(method, pairs, kImage).quality;
+    int worst = -1;
+    double least = found.s0;
+    for (size_t i = 0; i < pairs.size(); ++i) {
+      std::vector<PointPair> others = pairs;
+      others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
+      const double s0 = assess(method, others, kImage).quality.s0;
+      if (s0 >= least) continue;
+      least = s0;
+      worst = static_cast<int>(i);
+    }
+    EXPECT_EQ(found.worstPoint, worst) << static_cast<int>(method);
+    EXPECT_NEAR(found.s0WithoutWorst, least, 1e-6 * least) << static_cast<int>(method);
+  }
+}
+
 }  // namespace
