@@ -89,7 +89,7 @@ bool setSwitch(const std::string& name, Options& options) {
   static const std::map<std::string, bool Options::*> switches = {
       {"--help", &Options::help},        {"-h", &Options::help},
       {"--version", &Options::version},  {"--headless", &Options::headless},
-      {"--stats", &Options::statistics},
+      {"--stats", &Options::statistics}, {"--guide", &Options::guide},
   };
   const auto found = switches.find(name);
   if (found == switches.end()) return false;
@@ -165,6 +165,7 @@ without a window.
   --profile DIR             folder for settings and cache (~/.local/share/tarnimage)
   --log FILE                what the window's command line shows is appended to this file as well;
                             a line "> ..." is a prompt that waits
+  --guide                   shows the first steps beside the drawing, until they were closed for good
   --stats                   prints one JSON line for each redraw, and for each operation with progress
   --help, --version
 

@@ -27,6 +27,7 @@ struct Options {
   bool version = false;
   bool headless = false;
   bool statistics = false;
+  bool guide = false;  ///< the first steps of a new user
   int width = 1280;
   int height = 720;
   std::optional<StartView> view;

@@ -22,7 +22,10 @@ void fitWindow(host::MainWindow& window, const Options& options) {
   if (options.width != defaults.width || options.height != defaults.height) {
     const double ratio = window.devicePixelRatioF();
     const QSize wanted(qRound(options.width / ratio), qRound(options.height / ratio));
+    if (window.isMaximized() || window.isFullScreen()) window.showNormal();
     window.ensurePolished();
+    // What stands around the canvas has its height now, not only after the next event.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     window.resize(window.size() + wanted - window.canvas().size());
   }
   if (const QScreen* screen = window.screen()) {
@@ -63,6 +66,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
   host::HostApp app(frontEnd, dialogs, profile);
   host::MainWindow window(app, frontEnd, dialogs);
   if (!prepared) app.print("\n" + prepared.message() + "\n");
+  if (options.guide) window.showGuide(true);
   window.show();
   fitWindow(window, options);
 

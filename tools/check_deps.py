@@ -18,6 +18,7 @@ LIBRARIES = (
     (re.compile(r"^Eigen/"), "Eigen"),
     (re.compile(r"^curl/"), "libcurl"),
     (re.compile(r"^zlib"), "zlib"),
+    (re.compile(r"^(QtSvg/|QSvg)"), "QtSvg"),
     (re.compile(r"^(elfutils|dwarf|libelf)"), "libdw"),
 )
 QT_WIDGETS = re.compile(

@@ -1,7 +1,8 @@
 # Sourced by run and test: makes sure that the packages are there, configures and builds.
 # Needs: $TOP (the repository), $QUIET may be 1. Defines need_packages, build_preset.
 
-BUILD_PACKAGES="g++ cmake ninja-build ccache qtbase5-dev libgdal-dev libsqlite3-dev libjpeg62-turbo-dev
+BUILD_PACKAGES="g++ cmake ninja-build ccache qtbase5-dev libqt5svg5-dev qttools5-dev-tools
+ qttranslations5-l10n libgdal-dev libsqlite3-dev libjpeg62-turbo-dev
  libcurl4-openssl-dev libeigen3-dev libgtest-dev libgmock-dev libbenchmark-dev python3-minimal fonts-wqy-microhei fonts-dejavu-core"
 TEST_PACKAGES="clang-format poppler-utils xvfb xauth xdotool openbox gdal-bin sqlite3 procps util-linux strace
  python3-ezdxf imagemagick nginx-light openssl"

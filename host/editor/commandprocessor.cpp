@@ -5,6 +5,7 @@
 
 #include "accmd.h"
 #include "base/text.h"
+#include "host/editor/aliases.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
 #include "host/editor/hostapp.h"
@@ -28,7 +29,11 @@ struct FoundCommand {
 std::optional<FoundCommand> findCommand(const std::string& typed) {
   const size_t first = typed.find_first_not_of('\'');
   if (first == std::string::npos) return std::nullopt;
-  const AcEdCommand* command = acedRegCmds->lookupTyped(toWide(typed.substr(first)).c_str());
+  const std::string name = typed.substr(first);
+  const AcEdCommand* command = acedRegCmds->lookupTyped(toWide(name).c_str());
+  if (command == nullptr) {
+    command = acedRegCmds->lookupTyped(toWide(commandOfAlias(name)).c_str());
+  }
   if (command == nullptr) return std::nullopt;
   return FoundCommand{toUtf8(command->globalName()), command->commandFlags(),
                       command->functionAddr()};

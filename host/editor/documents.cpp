@@ -222,6 +222,12 @@ void Documents::activate(HostDocument& document) {
   if (current_ == &document) return;
   if (current_ != nullptr) {
     notify([&](AcApDocManagerReactor& r) { r.documentToBeDeactivated(current_); });
+    // The screen may have got another size since the drawing was seen last.
+    const ViewState& screen = current_->view();
+    ViewState& view = document.view();
+    view.height *= static_cast<double>(screen.pixelHeight) / view.pixelHeight;
+    view.pixelWidth = screen.pixelWidth;
+    view.pixelHeight = screen.pixelHeight;
   }
   notify([&](AcApDocManagerReactor& r) { r.documentToBeActivated(&document); });
   current_ = &document;
@@ -293,6 +299,12 @@ HostDocument* Documents::ofFile(const std::string& path) const {
     if (document->hasFile() && document->path() == path) return document.get();
   }
   return nullptr;
+}
+
+std::vector<HostDocument*> Documents::all() const {
+  std::vector<HostDocument*> every;
+  for (const auto& document : documents_) every.push_back(document.get());
+  return every;
 }
 
 std::vector<HostDocument*> Documents::unsaved() const {

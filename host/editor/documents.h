@@ -149,6 +149,8 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   HostDocument& create();
   /// Makes a drawing that was read from `path` current; an untouched first one goes.
   HostDocument& add(const std::string& path, std::unique_ptr<DrawingFile> drawing);
+  /// In the order of their opening.
+  std::vector<HostDocument*> all() const;
   /// The drawing of a file (a full path), or null.
   HostDocument* ofFile(const std::string& path) const;
   /// The drawings with changes that are not in a file, in the order of their opening.

@@ -9,6 +9,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/hostcommands.h"
+#include "host/editor/layeredits.h"
 
 namespace tarn::host {
 
@@ -84,30 +85,11 @@ void listLayers() {
   }
 }
 
-/// The layer of the name, made when there is none; null after a message.
-AcDbObjectId madeLayer(const std::string& name) {
-  if (name.find_first_of("<>/\\\":;?*|=`") != std::string::npos) {
-    say("\"" + name + "\" is no layer name: < > / \\ \" : ; ? * | = ` are not allowed.");
-    return {};
-  }
-  AcDbObjectId id = layerNamed(name);
-  if (!id.isNull()) return id;
-  const AcDbObjectPointer<AcDbLayerTable> layers(drawing().layerTableId(), AcDb::kForWrite);
-  auto* record = new AcDbLayerTableRecord;
-  record->setName(toWide(name).c_str());
-  if (layers.openStatus() != Acad::eOk || layers->add(id, record) != Acad::eOk) {
-    delete record;
-    say("Layer \"" + name + "\" cannot be made.");
-    return {};
-  }
-  record->close();
-  return id;
-}
-
 void makeLayers(bool makesCurrent) {
   for (const std::string& name : askNames(ACRX_T("\nName of the new layer: "))) {
-    const AcDbObjectId id = madeLayer(name);
-    if (!id.isNull() && makesCurrent) drawing().setClayer(id);
+    const Result<AcDbObjectId> made = makeLayer(drawing(), name);
+    if (!made) say(made.message());
+    if (made && makesCurrent) drawing().setClayer(made.value());
   }
 }
 

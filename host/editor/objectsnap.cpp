@@ -34,6 +34,7 @@ constexpr Kind kKinds[] = {
     {"nearest", kSnapNearest, AcDb::kOsModeNear},
 };
 constexpr size_t kShortestWord = 3;
+constexpr double kDiagonal = 1.5;  ///< above the root of two: twisted views
 
 /// Keeps the candidate nearest to the cursor, measured in pixels.
 class Nearest {
@@ -64,14 +65,20 @@ struct Segment {
   GroundPoint a, b;  ///< from the cursor
 };
 
-void addSegments(const DisplayList& list, GroundPoint cursor, std::vector<Segment>& segments) {
+/// Of the lines that come near the cursor: `reach` is ground to each side.
+void addSegments(const DisplayList& list, GroundPoint cursor, double reach,
+                 std::vector<Segment>& segments) {
+  const auto beside = [reach](double a, double b) {
+    return (a > reach && b > reach) || (a < -reach && b < -reach);
+  };
   for (const DisplayItem& item : list) {
     const auto* line = std::get_if<LineItem>(&item);
     if (line == nullptr) continue;
     for (size_t i = 1; i < line->points.size(); ++i) {
       const GroundPoint& a = line->points[i - 1];
       const GroundPoint& b = line->points[i];
-      segments.push_back({{a.x - cursor.x, a.y - cursor.y}, {b.x - cursor.x, b.y - cursor.y}});
+      const Segment one{{a.x - cursor.x, a.y - cursor.y}, {b.x - cursor.x, b.y - cursor.y}};
+      if (!beside(one.a.x, one.b.x) && !beside(one.a.y, one.b.y)) segments.push_back(one);
     }
   }
 }
@@ -118,6 +125,15 @@ void offerFeet(const std::vector<Segment>& segments, GroundPoint cursor, Nearest
   }
 }
 
+/// Told by the ground that it covers, without a look at its lines. Pictures are hit at frames that
+/// reach beyond it.
+bool isAway(const Drawn& drawn, GroundPoint cursor, double reach) {
+  const GroundBox& box = drawn.box;
+  return !drawn.isEverywhere && !hasImages(drawn.list) &&
+         (box.minX > cursor.x + reach || box.maxX < cursor.x - reach ||
+          box.minY > cursor.y + reach || box.maxY < cursor.y - reach);
+}
+
 }  // namespace
 
 std::optional<int> snapBits(const std::string& words) {
@@ -144,13 +160,17 @@ std::optional<Snap> findSnap(HostApp& app, int bits, GroundPoint cursor, bool ma
   Nearest nearest(view, cursor, magnetic ? aperture : std::numeric_limits<double>::infinity());
   const Point3 last = std::get<Point3>(*app.variables().get("LASTPOINT"));
   std::vector<Segment> segments;
+  const double reach = aperture * view.unitsPerPixel() * kDiagonal;
+  const Scene& scene = document.currentScene();
   for (const AcDbObjectId& id : currentSpaceEntities(document)) {
+    const Drawn* drawn = scene.findDrawn(id.handle().value());
+    if (drawn == nullptr || isAway(*drawn, cursor, reach)) continue;
     if (distanceTo(outlinesOf(document, id), pixel) > aperture) continue;
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) continue;
     const int offered = offerEntity(*entity.object(), bits, cursor, last, nearest);
     std::vector<Segment> own;
-    addSegments(*document.currentScene().find(id.handle().value()), cursor, own);
+    addSegments(drawn->list, cursor, reach, own);
     if ((bits & ~offered & kSnapNearest) != 0) offerFeet(own, cursor, nearest);
     if ((bits & kSnapIntersection) != 0) segments.insert(segments.end(), own.begin(), own.end());
   }

@@ -26,8 +26,16 @@ constexpr uint64_t kLongestLocale = 64;
 }  // namespace
 
 std::string Profile::locale() const {
+  const std::string chosen = chosenLocale();
+  return chosen.empty() ? kLocales[0] : chosen;
+}
+
+std::string Profile::chosenLocale() const {
   const auto kept = readFile(joinPath(configurationFolder(), "locale"), kLongestLocale);
-  return kept && kept.value() == kLocales[1] ? kLocales[1] : kLocales[0];
+  for (const char* known : kLocales) {
+    if (kept && kept.value() == known) return known;
+  }
+  return {};
 }
 
 bool Profile::setLocale(const std::string& locale) const {

@@ -19,6 +19,8 @@ class ACADHOST_EXPORT Profile {
 
   /// What the user chose for "LOCALE" ("CHS" or "ENU"), kept in a file of the profile.
   std::string locale() const;
+  /// The same; empty when nothing was chosen yet.
+  std::string chosenLocale() const;
   /// False when it could not be kept.
   bool setLocale(const std::string& locale) const;
 

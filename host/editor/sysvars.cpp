@@ -140,6 +140,7 @@ const std::vector<Rule>& rules() {
          return static_cast<short>(document(a).database()->lineWeightDisplay() ? 1 : 0);
        },
        short{0}, writeLineWeightDisplay, 0, 1},
+      {"ORTHOMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 1},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},

@@ -1,6 +1,6 @@
 #include "host/window/canvas.h"
 
-#include <QBitmap>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QMouseEvent>
 #include <QPainter>
@@ -22,26 +22,33 @@ constexpr int kClickSlack = 4;  ///< device pixels that a click may move
 constexpr QRgb kEmptyCanvas = 0xff212830;
 
 /// A light cross with a dark rim: seen on every ground. The middle stays open, so that the pixel
-/// aimed at is visible.
-QCursor crosshair(double ratio) {
-  constexpr int kSide = 41;
-  constexpr int kGap = 3;
-  constexpr int kMiddle = kSide / 2;
+/// aimed at is visible; around it a box where entities are chosen.
+QCursor crosshair(Aim aim, int pickBox, double ratio) {
+  constexpr int kMiddle = 31;
+  constexpr int kSide = 2 * kMiddle + 1;
+  const bool hasBox = aim == Aim::kCommand || aim == Aim::kSelect;
+  const int box = qRound(qBound(2 * ratio, 1.0 * pickBox, 20 * ratio) / ratio);
+  const int gap = hasBox ? box : 3;
   QPixmap shape(QSize(kSide, kSide) * ratio);
   shape.setDevicePixelRatio(ratio);
   shape.fill(Qt::transparent);
   QPainter painter(&shape);
-  const auto arms = [&](int thick, const QColor& color) {
+  const auto draw = [&](int thick, const QColor& color) {
     const int side = thick / 2;
-    const int length = kMiddle - kGap;
-    const int end = kMiddle + kGap + 1;
-    painter.fillRect(kMiddle - side, 1 - side, thick, length + side, color);
-    painter.fillRect(kMiddle - side, end, thick, length - 1 + side, color);
-    painter.fillRect(1 - side, kMiddle - side, length + side, thick, color);
-    painter.fillRect(end, kMiddle - side, length - 1 + side, thick, color);
+    const int length = kMiddle - gap;
+    const int end = kMiddle + gap + 1;
+    if (aim != Aim::kSelect) {
+      painter.fillRect(kMiddle - side, 1 - side, thick, length + side, color);
+      painter.fillRect(kMiddle - side, end, thick, length - 1 + side, color);
+      painter.fillRect(1 - side, kMiddle - side, length + side, thick, color);
+      painter.fillRect(end, kMiddle - side, length - 1 + side, thick, color);
+    }
+    if (!hasBox) return;
+    painter.setPen(QPen(color, thick, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(QRectF(kMiddle - box + 0.5, kMiddle - box + 0.5, 2 * box, 2 * box));
   };
-  arms(3, QColor(0, 0, 0, 130));
-  arms(1, QColor(255, 255, 255, 235));
+  draw(3, QColor(0, 0, 0, 130));
+  draw(1, QColor(255, 255, 255, 235));
   painter.end();
   return QCursor(shape, kMiddle, kMiddle);
 }
@@ -52,10 +59,29 @@ Canvas::Canvas(HostApp& app, Hooks hooks) : app_(app), hooks_(std::move(hooks)) 
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
   setMinimumSize(160, 120);
-  setCursor(crosshair(devicePixelRatioF()));
+  showCursor();
   settleTimer_.setSingleShot(true);
   settleTimer_.setInterval(kSettleMilliseconds);
   QObject::connect(&settleTimer_, &QTimer::timeout, this, [this] { settle(); });
+}
+
+void Canvas::setAim(Aim aim, int pickBox) {
+  if (aim == aim_ && pickBox == pickBox_) return;
+  aim_ = aim;
+  pickBox_ = pickBox;
+  if (!dragging_) showCursor();
+}
+
+void Canvas::showCursor() {
+  if (aim_ == Aim::kNothing) {
+    setCursor(Qt::BusyCursor);
+  } else {
+    setCursor(crosshair(aim_, pickBox_, devicePixelRatioF()));
+  }
+}
+
+void Canvas::contextMenuEvent(QContextMenuEvent* event) {
+  if (hooks_.mayAct() && !dragging_) hooks_.menuWanted(event->globalPos());
 }
 
 void Canvas::contentChanged() {
@@ -219,7 +245,7 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
 void Canvas::endDrag(const QMouseEvent& event, UINT message) {
   if (!dragging_) return;
   dragging_ = false;
-  setCursor(crosshair(devicePixelRatioF()));
+  showCursor();
   if (!hooks_.mayAct()) {
     settleLater();
     return;

@@ -14,6 +14,9 @@ namespace tarn::host {
 
 class HostApp;
 
+/// What the left button is for just now; the cursor says it.
+enum class Aim { kCommand, kPoint, kSelect, kNothing };
+
 class Canvas : public QWidget {
  public:
   /// What the window around it supplies; all must be set. `app` must outlive the canvas.
@@ -28,8 +31,9 @@ class Canvas : public QWidget {
     std::function<void()> left;                ///< the mouse has left the canvas
     /// Paints what lies over the picture, one unit a device pixel.
     std::function<void(QPainter&)> paintOver;
-    std::function<void()> acted;          ///< the canvas has made the host draw
-    std::function<void()> nothingToShow;  ///< zoom to extents of an empty drawing
+    std::function<void()> acted;             ///< the canvas has made the host draw
+    std::function<void()> nothingToShow;     ///< zoom to extents of an empty drawing
+    std::function<void(QPoint)> menuWanted;  ///< the right button, there on the screen
   };
   Canvas(HostApp& app, Hooks hooks);
 
@@ -39,6 +43,9 @@ class Canvas : public QWidget {
   void settleLater();
   /// The same at once, if it is due.
   void settleNow();
+  /// A cross for points, with a box of `pickBox` device pixels to each side where entities are
+  /// chosen.
+  void setAim(Aim aim, int pickBox);
   /// Zooms to the extents, or says that there is nothing to show.
   void zoomExtents();
 
@@ -54,6 +61,7 @@ class Canvas : public QWidget {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void leaveEvent(QEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   QPoint devicePixel(QPointF local) const;
@@ -64,11 +72,14 @@ class Canvas : public QWidget {
   void dragTo(QPointF local);
   void endDrag(const QMouseEvent& event, UINT message);
   void settle();
+  void showCursor();
 
   HostApp& app_;
   Hooks hooks_;
   Frame frame_;
   QTimer settleTimer_;
+  Aim aim_ = Aim::kCommand;
+  int pickBox_ = 0;
   std::optional<QPointF> mouse_;  ///< where it stands on the canvas
   QPoint dragFrom_;
   QPoint pressedAt_;  ///< left button

@@ -11,6 +11,8 @@
 #include <QTextCursor>
 #include <QVBoxLayout>
 
+#include "host/window/words.h"
+
 namespace tarn::host {
 
 namespace {
@@ -62,6 +64,14 @@ CommandLine::CommandLine(Hooks hooks)
     watched->installEventFilter(this);
   }
   setFocusProxy(input_);
+  QObject::connect(input_, &QLineEdit::textEdited, this, [this] { suggest(); });
+  speakAgain();
+}
+
+void CommandLine::speakAgain() {
+  history_->setAccessibleName(words("What was typed and answered"));
+  input_->setAccessibleName(words("Command line"));
+  input_->setPlaceholderText(words("Type a command, or F1 for all of them"));
 }
 
 void CommandLine::addLines(const std::vector<std::string>& lines) {
@@ -133,13 +143,11 @@ bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
   if (key.key() == Qt::Key_Escape) {
     input_->clear();
     recalled_ = 0;
+    if (suggestions_ != nullptr) suggestions_->hide();
     hooks_.escaped();
     return true;
   }
-  if (watched == input_) {
-    if (key.key() != Qt::Key_Tab) completion_ = -1;
-    return inputKey(key.key());
-  }
+  if (watched == input_) return inputKey(key.key());
   // Text typed over the history belongs to the input line.
   if (!typesText(key)) return false;
   input_->setFocus();
@@ -148,11 +156,15 @@ bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
 
 bool CommandLine::inputKey(int key) {
   switch (key) {
+    case Qt::Key_Space:
+      if (!input_->text().isEmpty() || !hooks_.blankIsEnter()) return false;
+      [[fallthrough]];
     case Qt::Key_Return:
     case Qt::Key_Enter: {
       const std::string line = input_->text().toStdString();
       input_->clear();
       recalled_ = 0;
+      if (suggestions_ != nullptr) suggestions_->hide();
       hooks_.entered(line);
       return true;
     }
@@ -163,7 +175,10 @@ bool CommandLine::inputKey(int key) {
       recall(-1);
       return true;
     case Qt::Key_Tab:
-      complete();
+      complete(1);
+      return true;
+    case Qt::Key_Backtab:
+      complete(-1);
       return true;
     default:
       return false;
@@ -176,19 +191,25 @@ void CommandLine::recall(int step) {
   recalled_ = qBound(0, recalled_ + step, static_cast<int>(lines.size()));
   input_->setText(recalled_ == 0 ? newLine_
                                  : QString::fromStdString(lines[lines.size() - recalled_]));
+  if (suggestions_ != nullptr) suggestions_->hide();
 }
 
-/// Tab walks through the command names that begin with what is typed.
-void CommandLine::complete() {
-  if (completion_ < 0) {
-    completions_.clear();
-    for (const std::string& name : hooks_.namesBeginningWith(input_->text().toStdString())) {
-      completions_ << QString::fromStdString(name);
-    }
+/// The commands that begin with what is typed.
+void CommandLine::suggest() {
+  if (suggestions_ == nullptr) {
+    suggestions_ = new Suggestions(window(), [this](const QString& command) {
+      input_->setText(command);
+      input_->setFocus();
+    });
   }
-  if (completions_.isEmpty()) return;
-  completion_ = (completion_ + 1) % completions_.size();
-  input_->setText(completions_[completion_]);
+  suggestions_->offer(hooks_.beginningWith(input_->text().toStdString()), *input_);
+}
+
+/// Tab walks through them.
+void CommandLine::complete(int by) {
+  if (suggestions_ == nullptr || !suggestions_->isVisible()) suggest();
+  const QString command = suggestions_->step(by);
+  if (!command.isEmpty()) input_->setText(command);
 }
 
 }  // namespace tarn::host

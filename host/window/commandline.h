@@ -3,11 +3,12 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 #include <QWidget>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "host/window/suggestions.h"
 
 class QLabel;
 class QKeyEvent;
@@ -22,7 +23,8 @@ class CommandLine : public QWidget {
     std::function<void(const std::string&)> entered;         ///< Enter: the line as typed
     std::function<void()> escaped;                           ///< Escape
     std::function<std::vector<std::string>()> earlierLines;  ///< oldest first
-    std::function<std::vector<std::string>(const std::string&)> namesBeginningWith;
+    std::function<std::vector<Suggestion>(const std::string&)> beginningWith;
+    std::function<bool()> blankIsEnter;    ///< a blank as the first letter means Enter
     std::function<bool()> pastesEntities;  ///< entities were copied: Ctrl+V means them
   };
   explicit CommandLine(Hooks hooks);
@@ -36,6 +38,8 @@ class CommandLine : public QWidget {
 
   QString historyText() const;
   QString promptText() const;
+  /// Sets names for screen readers and hints in the words of now.
+  void speakAgain();
   QLineEdit& input() { return *input_; }
   QPlainTextEdit& history() { return *history_; }
 
@@ -47,7 +51,8 @@ class CommandLine : public QWidget {
   bool inputKey(int key);
   bool leavesKey(const QKeyEvent& key) const;
   void recall(int step);
-  void complete();
+  void complete(int by);
+  void suggest();
   void elidePrompt();
   void scrollToEnd();
 
@@ -57,10 +62,9 @@ class CommandLine : public QWidget {
   QLineEdit* input_;
   QString fullPrompt_;
   bool openLine_ = false;
-  int recalled_ = 0;  ///< how far back the shown line stands; 0: a new line
-  QString newLine_;   ///< what was typed before an earlier line was recalled
-  QStringList completions_;
-  int completion_ = -1;
+  int recalled_ = 0;                    ///< how far back the shown line stands; 0: a new line
+  QString newLine_;                     ///< what was typed before an earlier line was recalled
+  Suggestions* suggestions_ = nullptr;  ///< belongs to the window
 };
 
 }  // namespace tarn::host

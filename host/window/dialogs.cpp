@@ -78,7 +78,23 @@ void fillMenu(QMenu& menu, const MenuModel& model) {
 
 }  // namespace
 
+class DialogBackend::Asking {
+ public:
+  explicit Asking(DialogBackend& of) : of_(of) {
+    if (++of_.open_ == 1 && of_.asking_) of_.asking_();
+  }
+  ~Asking() {
+    if (--of_.open_ == 0 && of_.asking_) of_.asking_();
+  }
+  Asking(const Asking&) = delete;
+  Asking& operator=(const Asking&) = delete;
+
+ private:
+  DialogBackend& of_;
+};
+
 UINT DialogBackend::popupMenu(const MenuModel& model, POINT screen) {
+  const Asking asking(*this);
   QMenu menu(parent_);
   fillMenu(menu, model);
   const QAction* chosen = menu.exec(QPoint(screen.x, screen.y));
@@ -86,6 +102,7 @@ UINT DialogBackend::popupMenu(const MenuModel& model, POINT screen) {
 }
 
 int DialogBackend::messageBox(const std::string& text, const std::string& caption, unsigned type) {
+  const Asking asking(*this);
   QMessageBox box(parent_);
   box.setWindowTitle(caption.empty() ? "Tarn Image" : QString::fromStdString(caption));
   box.setTextFormat(Qt::PlainText);
@@ -101,6 +118,7 @@ int DialogBackend::messageBox(const std::string& text, const std::string& captio
 
 size_t DialogBackend::choose(const std::string& question, const std::vector<std::string>& answers,
                              size_t standard) {
+  const Asking asking(*this);
   QMessageBox box(parent_);
   box.setWindowTitle("Tarn Image");
   box.setTextFormat(Qt::PlainText);
@@ -123,6 +141,7 @@ size_t DialogBackend::choose(const std::string& question, const std::vector<std:
 }
 
 std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileRequest& asked) {
+  const Asking asking(*this);
   FileRequest request = asked;
   if (request.several && !imageFilter_.empty()) {
     request.title = imageTitle_;

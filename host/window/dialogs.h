@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 #include "host/ui/uibackend.h"
 #include "host/window/dockview.h"
@@ -21,6 +22,10 @@ class DialogBackend final : public UiBackend {
     imageFilter_ = filter;
   }
 
+  /// Called when the first box, dialog or menu opens and when the last has gone.
+  void setAsking(std::function<void()> asking) { asking_ = std::move(asking); }
+  bool isAsking() const { return open_ > 0; }
+
   int messageBox(const std::string& text, const std::string& caption, unsigned type) override;
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
@@ -29,11 +34,15 @@ class DialogBackend final : public UiBackend {
   WindowSystemOfWidgets* windows() override { return &windows_; }
 
  private:
+  class Asking;
+
   QPointer<QWidget> parent_;
   WindowSystemOfWidgets windows_;
   std::string imageTitle_;
   std::string imageFilter_;
   QString folder_;  ///< where the last files were chosen
+  std::function<void()> asking_;
+  int open_ = 0;
 };
 
 }  // namespace tarn::host

@@ -1,17 +1,19 @@
 #include "host/window/entityoverlay.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPen>
 #include <QPolygonF>
+#include <algorithm>
 #include <cmath>
 
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
-#include "host/editor/objectsnap.h"
 #include "host/editor/picking.h"
 #include "host/editor/sysvars.h"
+#include "host/window/snapkinds.h"
 
 namespace tarn::host {
 
@@ -24,6 +26,7 @@ const QColor kHighlight(0x3d, 0x9d, 0xff);
 const QColor kGrip(0x00, 0x7f, 0xff);
 const QColor kHotGrip(0xff, 0x30, 0x30);
 const QColor kSnap(0xff, 0xd8, 0x30);
+const QColor kSnapOnLight(0xb0, 0x60, 0x00);
 
 QPointF device(const ViewState& view, GroundPoint ground) {
   const PixelPoint pixel = pixelFromGround(view, ground);
@@ -69,7 +72,9 @@ std::vector<GroundPoint> gripsOf(HostApp& app) {
   return all;
 }
 
-void paintGrips(QPainter& painter, HostApp& app, const std::optional<GroundPoint>& hot) {
+void paintGrips(QPainter& painter, HostApp& app, const PointerState& pointer) {
+  const std::optional<GroundPoint>& hot = pointer.hotGrip;
+  const double half = kGripHalf * pointer.ratio;
   const ViewState view = app.documents().current().space().mouseView();
   painter.setPen(QPen(Qt::black, 1));
   for (const GroundPoint& grip : gripsOf(app)) {
@@ -77,7 +82,7 @@ void paintGrips(QPainter& painter, HostApp& app, const std::optional<GroundPoint
     if (!isInView(view, at)) continue;
     const bool isHot = hot && hot->x == grip.x && hot->y == grip.y;
     painter.setBrush(isHot ? kHotGrip : kGrip);
-    painter.drawRect(QRectF(at.x() - kGripHalf, at.y() - kGripHalf, 2 * kGripHalf, 2 * kGripHalf));
+    painter.drawRect(QRectF(at.x() - half, at.y() - half, 2 * half, 2 * half));
   }
 }
 
@@ -91,54 +96,116 @@ void paintWindow(QPainter& painter, const ViewState& view, GroundPoint corner, G
   painter.drawRect(box.normalized());
 }
 
-void paintRubber(QPainter& painter, const ViewState& view, GroundPoint base, GroundPoint cursor) {
-  painter.setPen(QPen(QColor(0xff, 0xff, 0xff, 160), 1, Qt::DashLine));
+void paintRubber(QPainter& painter, const ViewState& view, GroundPoint base, GroundPoint cursor,
+                 const PointerState& pointer) {
+  const QColor color = pointer.lightGround ? QColor(0, 0, 0, 170) : QColor(255, 255, 255, 170);
+  painter.setPen(QPen(color, pointer.ratio, Qt::DashLine));
   painter.drawLine(device(view, base), device(view, cursor));
 }
 
-void paintSnap(QPainter& painter, HostApp& app, GroundPoint cursor) {
-  const int named = app.documents().current().selection().namedSnaps;
-  const int bits = named != 0 ? named : runningSnaps(app);
-  const auto snap = bits != 0 ? findSnap(app, bits, cursor, named == 0) : std::nullopt;
-  if (!snap) return;
-  const ViewState view = app.documents().current().space().mouseView();
-  const QPointF at = device(view, {snap->point.x, snap->point.y});
-  painter.setPen(QPen(kSnap, 2));
-  painter.setBrush(Qt::NoBrush);
-  const QRectF box(at.x() - kSnapHalf, at.y() - kSnapHalf, 2 * kSnapHalf, 2 * kSnapHalf);
-  switch (snap->bit) {
+/// Each kind of point has a mark of its own.
+void paintMark(QPainter& painter, int bit, QPointF at, const QRectF& box) {
+  switch (bit) {
     case kSnapMid:
       painter.drawPolygon(QPolygonF({{at.x(), box.top()}, box.bottomRight(), box.bottomLeft()}));
       break;
     case kSnapCenter:
       painter.drawEllipse(box);
       break;
+    case kSnapNode:
+      painter.drawEllipse(box);
+      [[fallthrough]];
     case kSnapIntersection:
-    case kSnapNearest:
       painter.drawLine(box.topLeft(), box.bottomRight());
       painter.drawLine(box.topRight(), box.bottomLeft());
+      break;
+    case kSnapQuadrant:
+      painter.drawPolygon(QPolygonF({{at.x(), box.top()},
+                                     {box.right(), at.y()},
+                                     {at.x(), box.bottom()},
+                                     {box.left(), at.y()}}));
+      break;
+    case kSnapNearest:
+      painter.drawPolygon(
+          QPolygonF({box.topLeft(), box.topRight(), box.bottomLeft(), box.bottomRight()}));
       break;
     default:
       painter.drawRect(box);
   }
 }
 
+/// The kind's name on a small plate beside the mark.
+void paintTip(QPainter& painter, const QString& text, QPointF at, const PointerState& pointer,
+              const ViewState& view) {
+  constexpr int kLetters = 12;
+  constexpr int kAway = 14;
+  constexpr int kInset = 4;
+  QFont font = painter.font();
+  font.setPixelSize(qRound(kLetters * pointer.ratio));
+  painter.setFont(font);
+  const QFontMetricsF metrics(font);
+  QRectF plate(QPointF(0, 0), QSizeF(metrics.horizontalAdvance(text), metrics.height()));
+  plate.adjust(0, 0, 2 * kInset * pointer.ratio, kInset * pointer.ratio);
+  const double away = kAway * pointer.ratio;
+  plate.moveTo(at.x() + away, at.y() + away);
+  if (plate.right() > view.pixelWidth) plate.moveRight(at.x() - away);
+  if (plate.bottom() > view.pixelHeight) plate.moveBottom(at.y() - away);
+  painter.fillRect(plate, QColor(0x1d, 0x21, 0x27, 225));
+  painter.setPen(kSnap);
+  painter.drawText(plate, Qt::AlignCenter, text);
+}
+
+void paintSnap(QPainter& painter, HostApp& app, const Snap& snap, const PointerState& pointer) {
+  const ViewState view = app.documents().current().space().mouseView();
+  const QPointF at = device(view, {snap.point.x, snap.point.y});
+  const double half = kSnapHalf * pointer.ratio;
+  const QColor color = pointer.lightGround ? kSnapOnLight : kSnap;
+  painter.setPen(QPen(color, 2 * pointer.ratio, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+  painter.setBrush(Qt::NoBrush);
+  paintMark(painter, snap.bit, at, QRectF(at.x() - half, at.y() - half, 2 * half, 2 * half));
+  for (const SnapKind& kind : kSnapKinds) {
+    if (kind.bit == snap.bit) paintTip(painter, words(kind.name), at, pointer, view);
+  }
+}
+
+/// Straight beside or above the point, whichever is nearer.
+GroundPoint straight(GroundPoint from, GroundPoint to) {
+  return std::abs(to.x - from.x) >= std::abs(to.y - from.y) ? GroundPoint{to.x, from.y}
+                                                            : GroundPoint{from.x, to.y};
+}
+
 }  // namespace
+
+AimedPoint aimedAt(HostApp& app, GroundPoint cursor) {
+  const SelectionMemory& selection = app.documents().current().selection();
+  const int named = selection.namedSnaps;
+  const int bits = named != 0 ? named : runningSnaps(app);
+  AimedPoint aimed{cursor, {}};
+  if (bits != 0) aimed.snap = findSnap(app, bits, cursor, named == 0);
+  if (aimed.snap) {
+    aimed.point = {aimed.snap->point.x, aimed.snap->point.y};
+  } else if (selection.rubberBase && app.variables().shortOf("ORTHOMODE") != 0) {
+    aimed.point = straight(*selection.rubberBase, cursor);
+  }
+  return aimed;
+}
 
 void paintOverlay(QPainter& painter, HostApp& app, const PointerState& pointer) {
   HostDocument& document = app.documents().current();
   const SelectionMemory& selection = document.selection();
   paintHighlight(painter, document, selection.pickFirst);
   paintHighlight(painter, document, selection.choosing);
-  paintGrips(painter, app, pointer.hotGrip);
+  paintGrips(painter, app, pointer);
   if (!pointer.cursor) return;
   const auto corner = pointer.windowCorner ? pointer.windowCorner : selection.windowCorner;
   const ViewState view = document.space().mouseView();
   if (corner) paintWindow(painter, view, *corner, *pointer.cursor);
+  AimedPoint aimed{*pointer.cursor, {}};
+  if (pointer.snaps) aimed = aimedAt(app, *pointer.cursor);
   if (selection.rubberBase) {
-    paintRubber(painter, view, *selection.rubberBase, *pointer.cursor);
+    paintRubber(painter, view, *selection.rubberBase, aimed.point, pointer);
   }
-  if (pointer.snaps) paintSnap(painter, app, *pointer.cursor);
+  if (aimed.snap) paintSnap(painter, app, *aimed.snap, pointer);
 }
 
 std::optional<GroundPoint> gripAt(HostApp& app, GroundPoint place) {

@@ -2,7 +2,6 @@
 
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
-#include "host/editor/objectsnap.h"
 #include "host/editor/picking.h"
 #include "host/editor/sysvars.h"
 #include "host/window/windowfrontend.h"
@@ -40,9 +39,7 @@ void EntityPicker::answer(GroundPoint from, GroundPoint to, bool dragged) {
   } else if (frontEnd_.readingKind() == InputKind::kPoint) {
     // A snap that was named is looked for by the command itself.
     const bool isNamed = app_.documents().current().selection().namedSnaps != 0;
-    const int bits = isNamed ? 0 : runningSnaps(app_);
-    const auto snap = bits != 0 ? findSnap(app_, bits, to, true) : std::nullopt;
-    frontEnd_.give(textOf(snap ? GroundPoint{snap->point.x, snap->point.y} : to));
+    frontEnd_.give(textOf(isNamed ? to : aimedAt(app_, to).point));
   }
 }
 

@@ -1,24 +1,14 @@
-// Pictures of the tool bar, drawn so that they are sharp at every size.
+// Icons of menus and tool bars.
 #pragma once
 
+#include <QColor>
 #include <QIcon>
+#include <QString>
 
 namespace tarn::host {
 
-enum class IconKind {
-  kOpen,
-  kSave,
-  kAddImages,
-  kSavePicture,
-  kUndo,
-  kRedo,
-  kZoomExtents,
-  kZoomWindow,
-  kZoomPrevious,
-  kPan,
-  kRegenerate
-};
-
-QIcon makeIcon(IconKind kind, const QColor& color);
+/// The drawing of that name in host/window/icons, in one colour and sharp at every size; an empty
+/// icon when there is none.
+QIcon makeIcon(const QString& name, const QColor& color);
 
 }  // namespace tarn::host

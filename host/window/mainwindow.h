@@ -1,21 +1,29 @@
-// The window of the program: canvas, command line, status bar, menus, files dropped on it.
+// The window of the program: canvas, command line, tabs, status bar, menus, files dropped on it.
 #pragma once
 
 #include <QMainWindow>
 #include <string>
 #include <vector>
 
+#include "host/window/menus.h"
+#include "host/window/palettes.h"
 #include "host/window/session.h"
+#include "host/window/switches.h"
+#include "host/window/windowsettings.h"
 
 class QDragEnterEvent;
 class QDropEvent;
+class QSplitter;
 
 namespace tarn::host {
 
 class Canvas;
 class CommandLine;
 class DialogBackend;
+class DrawingTabs;
+class Guide;
 class HostApp;
+class SheetTabs;
 class StatusArea;
 class WindowFrontEnd;
 
@@ -33,6 +41,9 @@ class MainWindow : public QMainWindow {
   /// message that names it.
   void addFiles(const std::vector<std::string>& paths);
 
+  /// Shows the first steps, unless `unasked` and the user has closed them for good.
+  void showGuide(bool unasked);
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -41,18 +52,36 @@ class MainWindow : public QMainWindow {
  private:
   void buildCanvas();
   void buildCommandLine();
-  void fillMenus();
+  void buildTabs();
+  void arrange();
+  MenuHooks menuHooks();
+  Switches::Hooks switchHooks();
+  void speakAgain();
   void showState();
+  void showTabs();
+  void showDrawing(int index, bool closes);
+  void showSheet(const std::string& name);
+  void openSheetMenu(const std::string& name, QPoint at);
+  void openMenuOfCanvas(QPoint at);
+  void toggleTextWindow();
   void chooseImages();
   void showAbout();
 
   HostApp& app_;
   WindowFrontEnd& frontEnd_;
   DialogBackend& dialogs_;
+  WindowSettings settings_;
   Session session_;
-  Canvas* canvas_ = nullptr;  ///< these three belong to the window
+  Menus menus_;
+  Switches switches_;
+  Palettes palettes_;
+  QSplitter* halves_ = nullptr;  ///< these seven belong to the window
+  Canvas* canvas_ = nullptr;
   CommandLine* line_ = nullptr;
   StatusArea* status_ = nullptr;
+  DrawingTabs* drawings_ = nullptr;
+  SheetTabs* sheets_ = nullptr;
+  Guide* guide_ = nullptr;
 };
 
 }  // namespace tarn::host

@@ -1,0 +1,202 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN" sourcelanguage="en">
+<context>
+    <name>Window</name>
+    <message><source>%1 entities</source><translation>%1 个对象</translation></message>
+    <message><source>&amp;About Tarn Image</source><translation>关于 Tarn Image(&amp;A)</translation></message>
+    <message><source>&amp;Bars and lists</source><translation>工具栏和列表(&amp;B)</translation></message>
+    <message><source>&amp;Bring the erased back</source><translation>恢复删除的对象(&amp;B)</translation></message>
+    <message><source>&amp;Cancel</source><translation>取消(&amp;C)</translation></message>
+    <message><source>&amp;Circle</source><translation>圆(&amp;C)</translation></message>
+    <message><source>&amp;Close</source><translation>关闭(&amp;C)</translation></message>
+    <message><source>&amp;Commands</source><translation>全部命令(&amp;C)</translation></message>
+    <message><source>&amp;Convert files...</source><translation>转换影像文件(&amp;C)...</translation></message>
+    <message><source>&amp;Coordinates of a point</source><translation>点坐标(&amp;C)</translation></message>
+    <message><source>&amp;Copy</source><translation>复制(&amp;C)</translation></message>
+    <message><source>&amp;Dark</source><translation>深色(&amp;D)</translation></message>
+    <message><source>&amp;Delete</source><translation>删除(&amp;D)</translation></message>
+    <message><source>&amp;Distance</source><translation>距离(&amp;D)</translation></message>
+    <message><source>&amp;Draw</source><translation>绘图(&amp;D)</translation></message>
+    <message><source>&amp;Edit</source><translation>编辑(&amp;E)</translation></message>
+    <message><source>&amp;Enter</source><translation>确认(&amp;E)</translation></message>
+    <message><source>&amp;Erase</source><translation>删除(&amp;E)</translation></message>
+    <message><source>&amp;Erase entities without an image</source><translation>删除没有影像的实体(&amp;E)</translation></message>
+    <message><source>&amp;File</source><translation>文件(&amp;F)</translation></message>
+    <message><source>&amp;First steps</source><translation>入门(&amp;F)</translation></message>
+    <message><source>&amp;Full screen</source><translation>全屏(&amp;F)</translation></message>
+    <message><source>&amp;Help</source><translation>帮助(&amp;H)</translation></message>
+    <message><source>&amp;Image</source><translation>影像(&amp;I)</translation></message>
+    <message><source>&amp;Kinds of snaps</source><translation>捕捉类型(&amp;K)</translation></message>
+    <message><source>&amp;Layers by prompts</source><translation>图层命令(&amp;L)</translation></message>
+    <message><source>&amp;Let go</source><translation>取消选择(&amp;L)</translation></message>
+    <message><source>&amp;Light</source><translation>浅色(&amp;L)</translation></message>
+    <message><source>&amp;Line</source><translation>直线(&amp;L)</translation></message>
+    <message><source>&amp;Load a module...</source><translation>加载模块(&amp;L)...</translation></message>
+    <message><source>&amp;Modify</source><translation>修改(&amp;M)</translation></message>
+    <message><source>&amp;Move</source><translation>移动(&amp;M)</translation></message>
+    <message><source>&amp;New</source><translation>新建(&amp;N)</translation></message>
+    <message><source>&amp;New sheet</source><translation>新建布局(&amp;N)</translation></message>
+    <message><source>&amp;North up</source><translation>北方向上(&amp;N)</translation></message>
+    <message><source>&amp;Object snaps</source><translation>对象捕捉(&amp;O)</translation></message>
+    <message><source>&amp;Open...</source><translation>打开(&amp;O)...</translation></message>
+    <message><source>&amp;Other commands</source><translation>其他命令(&amp;O)</translation></message>
+    <message><source>&amp;Paste</source><translation>粘贴(&amp;P)</translation></message>
+    <message><source>&amp;Polyline</source><translation>多段线(&amp;P)</translation></message>
+    <message><source>&amp;Previous view</source><translation>上一视图(&amp;P)</translation></message>
+    <message><source>&amp;Quit</source><translation>退出(&amp;Q)</translation></message>
+    <message><source>&amp;Rectify...</source><translation>影像校正(&amp;R)...</translation></message>
+    <message><source>&amp;Redo</source><translation>重做(&amp;R)</translation></message>
+    <message><source>&amp;Regenerate</source><translation>重生成(&amp;R)</translation></message>
+    <message><source>&amp;Rename</source><translation>重命名(&amp;R)</translation></message>
+    <message><source>&amp;Repeat %1</source><translation>重复 %1(&amp;R)</translation></message>
+    <message><source>&amp;Rotate</source><translation>旋转(&amp;R)</translation></message>
+    <message><source>&amp;Save</source><translation>保存(&amp;S)</translation></message>
+    <message><source>&amp;Scale</source><translation>缩放(&amp;S)</translation></message>
+    <message><source>&amp;Sheet</source><translation>布局(&amp;S)</translation></message>
+    <message><source>&amp;Sheets by prompts</source><translation>布局命令(&amp;S)</translation></message>
+    <message><source>&amp;Snap to</source><translation>捕捉到(&amp;S)</translation></message>
+    <message><source>&amp;Text</source><translation>文字(&amp;T)</translation></message>
+    <message><source>&amp;Tools</source><translation>工具(&amp;T)</translation></message>
+    <message><source>&amp;Twist</source><translation>旋转视图(&amp;T)</translation></message>
+    <message><source>&amp;Undo</source><translation>撤销(&amp;U)</translation></message>
+    <message><source>&amp;View</source><translation>视图(&amp;V)</translation></message>
+    <message><source>&amp;What is this?</source><translation>对象信息(&amp;W)</translation></message>
+    <message><source>&amp;Zoom to a window</source><translation>窗口缩放(&amp;Z)</translation></message>
+    <message><source>(none yet)</source><translation>（还没有）</translation></message>
+    <message><source>, too many to list values</source><translation>，数量太多，不列出数值</translation></message>
+    <message><source>1 entity</source><translation>1 个对象</translation></message>
+    <message><source>&lt;b&gt;What you see:&lt;/b&gt; an orthophoto in a drawing. The photo stays in its file; only the pixels that this view needs are read.</source><translation>&lt;b&gt;您看到的是：&lt;/b&gt;图形中的一幅正射影像。影像留在自己的文件里，只读取当前视图需要的像素。</translation></message>
+    <message><source>About Tarn Image</source><translation>关于 Tarn Image</translation></message>
+    <message><source>Add &amp;images...</source><translation>添加影像(&amp;I)...</translation></message>
+    <message><source>Add &amp;point cloud...</source><translation>加载点云(&amp;P)...</translation></message>
+    <message><source>Add images</source><translation>添加影像</translation></message>
+    <message><source>Angle</source><translation>角度</translation></message>
+    <message><source>Appearan&amp;ce</source><translation>外观(&amp;C)</translation></message>
+    <message><source>As the &amp;system</source><translation>跟随系统(&amp;S)</translation></message>
+    <message><source>Black or white</source><translation>黑或白</translation></message>
+    <message><source>Blue</source><translation>蓝</translation></message>
+    <message><source>By number...</source><translation>按编号...</translation></message>
+    <message><source>C&amp;opy beside</source><translation>复制到旁边(&amp;O)</translation></message>
+    <message><source>Center</source><translation>圆心</translation></message>
+    <message><source>Center X</source><translation>圆心 X</translation></message>
+    <message><source>Center Y</source><translation>圆心 Y</translation></message>
+    <message><source>Choose entities by clicks or a window – Enter ends</source><translation>单击或框选对象，按回车结束</translation></message>
+    <message><source>Clarit&amp;y</source><translation>清晰度(&amp;Y)</translation></message>
+    <message><source>Click a point or type its coordinates – Escape cancels</source><translation>单击一点或输入坐标，按 Esc 取消</translation></message>
+    <message><source>Click the line and drag one of its blue squares. &lt;b&gt;Ctrl+Z&lt;/b&gt; takes it back.</source><translation>单击这条线，拖动一个蓝色方块。&lt;b&gt;Ctrl+Z&lt;/b&gt; 可撤销。</translation></message>
+    <message><source>Click: make it the current one</source><translation>单击：置为当前</translation></message>
+    <message><source>Close this drawing</source><translation>关闭此图形</translation></message>
+    <message><source>Colour</source><translation>颜色</translation></message>
+    <message><source>Colour, 1 to 255:</source><translation>颜色，1 到 255：</translation></message>
+    <message><source>Command line</source><translation>命令行</translation></message>
+    <message><source>Commands that begin so</source><translation>以此开头的命令</translation></message>
+    <message><source>Current layer</source><translation>当前图层</translation></message>
+    <message><source>Cyan</source><translation>青</translation></message>
+    <message><source>Delete</source><translation>删除</translation></message>
+    <message><source>Do not show this again</source><translation>不再显示</translation></message>
+    <message><source>Draw</source><translation>绘图</translation></message>
+    <message><source>Drawing</source><translation>图形</translation></message>
+    <message><source>Drawing &amp;ground</source><translation>绘图背景(&amp;G)</translation></message>
+    <message><source>Drop an image of your own on the window, or press &lt;b&gt;Ctrl+I&lt;/b&gt;; &lt;b&gt;Ctrl+S&lt;/b&gt; saves the drawing.</source><translation>把自己的影像拖到窗口上，或按 &lt;b&gt;Ctrl+I&lt;/b&gt;；&lt;b&gt;Ctrl+S&lt;/b&gt; 保存图形。</translation></message>
+    <message><source>Drop image files on the window to add them.</source><translation>把影像文件拖到窗口上即可添加。</translation></message>
+    <message><source>Easting and northing under the mouse</source><translation>鼠标处的东坐标和北坐标</translation></message>
+    <message><source>Elevation</source><translation>标高</translation></message>
+    <message><source>End X</source><translation>终点 X</translation></message>
+    <message><source>End Y</source><translation>终点 Y</translation></message>
+    <message><source>Endpoint</source><translation>端点</translation></message>
+    <message><source>Escape leaves anything. F1 lists all commands.</source><translation>按 Esc 可退出任何操作。F1 列出全部命令。</translation></message>
+    <message><source>Fetch more &amp;around the view</source><translation>视图外扩读取(&amp;A)</translation></message>
+    <message><source>First steps</source><translation>入门</translation></message>
+    <message><source>Five things to try:</source><translation>试试这五件事：</translation></message>
+    <message><source>Free</source><translation>解锁</translation></message>
+    <message><source>Frozen</source><translation>冻结</translation></message>
+    <message><source>Gray</source><translation>灰</translation></message>
+    <message><source>Green</source><translation>绿</translation></message>
+    <message><source>Height</source><translation>高度</translation></message>
+    <message><source>Image &amp;list</source><translation>影像列表(&amp;L)</translation></message>
+    <message><source>Image &amp;servers...</source><translation>影像服务器(&amp;S)...</translation></message>
+    <message><source>Images</source><translation>影像</translation></message>
+    <message><source>Insertion</source><translation>插入点</translation></message>
+    <message><source>Intersection</source><translation>交点</translation></message>
+    <message><source>Kind</source><translation>类型</translation></message>
+    <message><source>Lan&amp;guage</source><translation>语言(&amp;G)</translation></message>
+    <message><source>Layer</source><translation>图层</translation></message>
+    <message><source>Layers</source><translation>图层</translation></message>
+    <message><source>Length</source><translation>长度</translation></message>
+    <message><source>Light gray</source><translation>浅灰</translation></message>
+    <message><source>Line type</source><translation>线型</translation></message>
+    <message><source>Line type scale</source><translation>线型比例</translation></message>
+    <message><source>Loaded &amp;modules</source><translation>已加载的模块(&amp;M)</translation></message>
+    <message><source>Locked</source><translation>锁定</translation></message>
+    <message><source>Magenta</source><translation>洋红</translation></message>
+    <message><source>Make current</source><translation>置为当前</translation></message>
+    <message><source>Midpoint</source><translation>中点</translation></message>
+    <message><source>Model and sheets</source><translation>模型和布局</translation></message>
+    <message><source>Modify</source><translation>修改</translation></message>
+    <message><source>Name</source><translation>名称</translation></message>
+    <message><source>Named &amp;views</source><translation>命名视图(&amp;V)</translation></message>
+    <message><source>Nearest</source><translation>最近点</translation></message>
+    <message><source>New &amp;viewport</source><translation>新建视口(&amp;V)</translation></message>
+    <message><source>New layer</source><translation>新建图层</translation></message>
+    <message><source>Node</source><translation>节点</translation></message>
+    <message><source>Nothing is chosen: click entities in the drawing.</source><translation>没有选择对象：请在图形中单击对象。</translation></message>
+    <message><source>Off</source><translation>关</translation></message>
+    <message><source>On</source><translation>开</translation></message>
+    <message><source>Open &amp;recent</source><translation>最近打开的文件(&amp;R)</translation></message>
+    <message><source>Open drawings</source><translation>打开的图形</translation></message>
+    <message><source>Ort&amp;ho</source><translation>正交(&amp;H)</translation></message>
+    <message><source>Ortho</source><translation>正交</translation></message>
+    <message><source>P&amp;an</source><translation>平移(&amp;A)</translation></message>
+    <message><source>P&amp;lot...</source><translation>打印(&amp;L)...</translation></message>
+    <message><source>Pa&amp;n</source><translation>平移(&amp;N)</translation></message>
+    <message><source>Point cloud with p&amp;osition...</source><translation>按位置附着点云(&amp;O)...</translation></message>
+    <message><source>Pre&amp;vious view</source><translation>上一视图(&amp;V)</translation></message>
+    <message><source>Press &lt;b&gt;Ctrl+L&lt;/b&gt;: the list of images. A check mark shows and hides an image, a double click zooms to it, the right button does the rest.</source><translation>按 &lt;b&gt;Ctrl+L&lt;/b&gt;：影像列表。勾选可显示或隐藏影像，双击缩放到影像，其余操作用右键。</translation></message>
+    <message><source>Progress</source><translation>进度</translation></message>
+    <message><source>Properties</source><translation>特性</translation></message>
+    <message><source>Quadrant</source><translation>象限点</translation></message>
+    <message><source>Radius</source><translation>半径</translation></message>
+    <message><source>Ready</source><translation>就绪</translation></message>
+    <message><source>Red</source><translation>红</translation></message>
+    <message><source>Redo s&amp;everal...</source><translation>重做多步(&amp;E)...</translation></message>
+    <message><source>Rename</source><translation>重命名</translation></message>
+    <message><source>Ro&amp;tate</source><translation>旋转(&amp;T)</translation></message>
+    <message><source>Run a &amp;script...</source><translation>运行脚本(&amp;S)...</translation></message>
+    <message><source>Save &amp;as...</source><translation>另存为(&amp;A)...</translation></message>
+    <message><source>Save &amp;picture...</source><translation>保存图片(&amp;P)...</translation></message>
+    <message><source>Scale on this screen, when a drawing unit is a metre</source><translation>屏幕比例（绘图单位为米时）</translation></message>
+    <message><source>Sho&amp;w everything</source><translation>显示全部(&amp;W)</translation></message>
+    <message><source>Shows very large georeferenced images in drawings.</source><translation>在图形中显示超大的地理参考影像。</translation></message>
+    <message><source>Snaps</source><translation>捕捉</translation></message>
+    <message><source>Standard</source><translation>标准</translation></message>
+    <message><source>Start X</source><translation>起点 X</translation></message>
+    <message><source>Start Y</source><translation>起点 Y</translation></message>
+    <message><source>System &amp;variables</source><translation>系统变量(&amp;V)</translation></message>
+    <message><source>Te&amp;xt window</source><translation>文本窗口(&amp;X)</translation></message>
+    <message><source>Text</source><translation>文字</translation></message>
+    <message><source>Thawed</source><translation>解冻</translation></message>
+    <message><source>The command waits for an input – Escape cancels</source><translation>命令等待输入，按 Esc 取消</translation></message>
+    <message><source>They differ</source><translation>各不相同</translation></message>
+    <message><source>Turn by the &amp;line of sight</source><translation>动态旋转视图(&amp;L)</translation></message>
+    <message><source>Turn the wheel over the photo to zoom in on that place; drag with the middle button to move. A double click of it shows everything.</source><translation>在影像上转动滚轮可缩放该处；按住中键拖动可平移；双击中键显示全部。</translation></message>
+    <message><source>Twist of the view</source><translation>视图旋转角</translation></message>
+    <message><source>Type &lt;b&gt;L&lt;/b&gt; and Enter, click two points, press Enter: a line. With &lt;b&gt;F3&lt;/b&gt; ends and middles of lines are taken exactly.</source><translation>输入 &lt;b&gt;L&lt;/b&gt; 并回车，单击两点，再按回车：一条直线。按 &lt;b&gt;F3&lt;/b&gt; 可精确捕捉端点和中点。</translation></message>
+    <message><source>Type a command, or F1 for all of them</source><translation>输入命令，F1 列出全部命令</translation></message>
+    <message><source>Undo se&amp;veral...</source><translation>撤销多步(&amp;V)...</translation></message>
+    <message><source>Value</source><translation>值</translation></message>
+    <message><source>Vertices</source><translation>顶点数</translation></message>
+    <message><source>Waiting for your choice – Escape leaves it</source><translation>等待您的选择，按 Esc 离开</translation></message>
+    <message><source>What the program waits for</source><translation>程序状态</translation></message>
+    <message><source>What was typed and answered</source><translation>命令记录</translation></message>
+    <message><source>Wheel: zoom. Middle button: pan; twice: show everything.</source><translation>滚轮：缩放。中键：平移；双击：显示全部。</translation></message>
+    <message><source>Work in the &amp;model</source><translation>进入模型空间(&amp;M)</translation></message>
+    <message><source>Work on the s&amp;heet</source><translation>进入图纸空间(&amp;H)</translation></message>
+    <message><source>Working – Escape stops it</source><translation>正在处理，按 Esc 停止</translation></message>
+    <message><source>X</source><translation>X</translation></message>
+    <message><source>Y</source><translation>Y</translation></message>
+    <message><source>Yellow</source><translation>黄</translation></message>
+    <message><source>Zoom &amp;extents</source><translation>范围缩放(&amp;E)</translation></message>
+    <message><source>Zoom &amp;window</source><translation>窗口缩放(&amp;W)</translation></message>
+</context>
+</TS>
