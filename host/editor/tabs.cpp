@@ -1,4 +1,6 @@
 // The tabs of a drawing as the front ends use them.
+#include "host/editor/tabs.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -24,6 +26,16 @@ constexpr double kModelMargin = 0.02;
 constexpr int kFineness = 100000;
 
 }  // namespace
+
+TabNames tabNames(HostDocument& document) {
+  TabNames names;
+  const std::string shown = document.space().tab().name;
+  for (const LayoutEntry& one : layoutsOf(*document.database())) {
+    if (one.name == shown) names.shown = names.all.size();
+    names.all.push_back(one.name);
+  }
+  return names;
+}
 
 const ViewState& HostApp::screenView() const {
   return const_cast<HostApp*>(this)->documents().current().view();

@@ -14,13 +14,13 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "host/database/layouts.h"
 #include "host/editor/aliases.h"
 #include "host/editor/clipboard.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/profile.h"
 #include "host/editor/sysvars.h"
+#include "host/editor/tabs.h"
 #include "host/window/canvas.h"
 #include "host/window/canvasmenu.h"
 #include "host/window/commandline.h"
@@ -288,14 +288,8 @@ void MainWindow::showTabs() {
                         QString::fromStdString(one->path()), one->isModified()});
   }
   drawings_->show(drawings, at);
-  std::vector<std::string> layouts;
-  const std::string shown = current.space().tab().name;
-  at = 0;
-  for (const LayoutEntry& one : layoutsOf(*current.database())) {
-    if (one.name == shown) at = static_cast<int>(layouts.size());
-    layouts.push_back(one.name);
-  }
-  sheets_->show(layouts, at);
+  const TabNames tabs = tabNames(current);
+  sheets_->show(tabs.all, static_cast<int>(tabs.shown));
   palettes_.show();
   if (current.hasFile()) settings_.addRecentFile(QString::fromStdString(current.path()));
 }
