@@ -10,7 +10,6 @@
 #include "components/interaction/interaction.h"
 #include "components/raster/rasterimage.h"
 #include "inc/ibatchimageconversion.h"
-#include "inc/icadadapter.h"
 #include "inc/iconfigmanager.h"
 #include "inc/iuserinterface.h"
 #include "inc/kplugin.h"
@@ -22,6 +21,7 @@ using convert::Item;
 using convert::ItemResult;
 using convert::State;
 using interaction::ProgressScope;
+using interaction::Text;
 
 constexpr const char* kLastOptions = "ImageConversionOptions";
 constexpr Text kLabel = {"影像转换", "Image conversion"};
@@ -161,7 +161,7 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
   void run() override {
     converted_ = 0;
     if (user_.isNull()) return;
-    const bool english = isEnglish();
+    const bool english = interaction::isEnglish();
     kel::Form form = makeForm(lastOptions(), english);
     if (!user_->askForm(form)) return;
     const Result<Wish> wish = readForm(form.fields, english);
@@ -197,11 +197,6 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
 
   void say(const std::string& text) const {
     if (!user_.isNull()) user_->message(text);
-  }
-
-  static bool isEnglish() {
-    const kel::Object<ICadAdapter> adapter = find<ICadAdapter>();
-    return !adapter.isNull() && adapter->systemVariable("LOCALE").toString().str() == "ENU";
   }
 
   static convert::Options lastOptions() {

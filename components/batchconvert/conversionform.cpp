@@ -1,11 +1,13 @@
 #include "components/batchconvert/conversionform.h"
 
 #include "base/text.h"
+#include "components/interaction/interaction.h"
 
 namespace tarn::batchconvert {
 namespace {
 
 using convert::Options;
+using interaction::Text;
 using Kind = kel::FormField::Kind;
 
 constexpr const char* kFilter =

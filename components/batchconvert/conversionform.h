@@ -17,13 +17,6 @@ struct Wish {
   std::vector<std::string> names;
 };
 
-/// A text in the user's language.
-struct Text {
-  const char* chinese;
-  const char* english;
-  const char* in(bool isEnglish) const { return isEnglish ? english : chinese; }
-};
-
 /// The form with the options that hold.
 kel::Form makeForm(const convert::Options& options, bool isEnglish);
 

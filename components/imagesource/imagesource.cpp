@@ -56,7 +56,7 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
                     int lastPosition) override {
     if (!image_) return false;
     const std::string name = nameOf(image_->path());
-    ProgressScope progress("金字塔 " + name, firstPosition, lastPosition);
+    ProgressScope progress(interaction::pyramidLabel(name), firstPosition, lastPosition);
     std::string note;
     const Status built = image_->buildPyramid(
         places(pyramidFolder ? pyramidFolder : ""),

@@ -1,16 +1,33 @@
 #include "components/interaction/interaction.h"
 
 #include "inc/callbackprogressbar.h"
+#include "inc/icadadapter.h"
 #include "inc/kcore.h"
 
 namespace tarn::interaction {
+namespace {
 
-Interaction::Interaction() {
-  // Asked without the handle's assertion: running without a user interface is no fault.
+/// Asked for without the handle's assertion: running without a host is no fault.
+template <typename Interface>
+kel::Object<Interface> find() {
   void* made = nullptr;
-  kel::createObject("N", IUserInterface::interfaceId(), &made);
-  user_ = kel::Object<IUserInterface>::adopt(static_cast<IUserInterface*>(made));
+  kel::createObject("N", Interface::interfaceId(), &made);
+  return kel::Object<Interface>::adopt(static_cast<Interface*>(made));
 }
+
+}  // namespace
+
+bool isEnglish() {
+  const kel::Object<ICadAdapter> host = find<ICadAdapter>();
+  return !host.isNull() && host->systemVariable("LOCALE").toString().str() == "ENU";
+}
+
+std::string pyramidLabel(const std::string& name) {
+  constexpr Text kPyramid = {"金字塔 ", "Pyramid of "};
+  return kPyramid.in(isEnglish()) + name;
+}
+
+Interaction::Interaction() : user_(find<IUserInterface>()) {}
 
 void Interaction::message(const std::string& text) const {
   if (!user_.isNull()) user_->message(text);

@@ -9,6 +9,20 @@
 
 namespace tarn::interaction {
 
+/// A text in the user's language.
+struct Text {
+  const char* chinese;
+  const char* english;
+  const char* in(bool isEnglish) const { return isEnglish ? english : chinese; }
+};
+
+/// What the host speaks to its user (its system variable LOCALE): English or, also without a host,
+/// Chinese.
+bool isEnglish();
+
+/// What the progress of an image's pyramid is called.
+std::string pyramidLabel(const std::string& name);
+
 class Interaction {
  public:
   Interaction();

@@ -44,7 +44,7 @@ class RectifiedSource final : public kel::Implements<RectifiedSource, IImageDivi
     if (!picture) return false;
     const auto& user = owner_.user();
     const std::string name = nameOf(picture->image->path());
-    ProgressScope progress("金字塔 " + name, firstPosition, lastPosition);
+    ProgressScope progress(interaction::pyramidLabel(name), firstPosition, lastPosition);
     std::string note;
     const Status built = picture->image->buildPyramid(
         placesIn(pyramidFolder),

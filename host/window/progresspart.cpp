@@ -43,7 +43,6 @@ ProgressPart::ProgressPart()
   times_->setObjectName("operationTimes");
   label_->setTextFormat(Qt::PlainText);
   label_->setWordWrap(true);
-  times_->setEnabled(false);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label_);

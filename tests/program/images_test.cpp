@@ -66,11 +66,15 @@ TEST(ImagesOnTheCommandLine, AScriptConvertsImages) {
   ASSERT_TRUE(writeRaster(raster, scratch.at("in/正射.tif")));
   // The folder; then IMG, and Enter to what holds; a wrong answer is asked for again.
   const std::string script = "ImageConversion\n" + scratch.at("in") + "\n\n9\n3\n" +
-                             std::string(7, '\n') + scratch.at("out") + "\n";
+                             std::string(7, '\n') + scratch.at("out") +
+                             "\nSETVAR LOCALE ENU\nImageConversion\n" + scratch.at("in") + "\n\n" +
+                             std::string(9, '\n');
   const Outcome outcome = runCadhost(scratch, {"--script", "-"}, script);
   EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
   EXPECT_TRUE(contains(outcome.output, "\"9\": a number from 1 to 4 is needed.")) << outcome.output;
-  EXPECT_TRUE(contains(outcome.output, "影像转换：已转换 1"));
+  EXPECT_TRUE(contains(outcome.output, "影像转换：已转换 1 → " + scratch.at("out")));
+  EXPECT_TRUE(contains(outcome.output, "正射.tif: skipped: current")) << "the answers were kept";
+  EXPECT_TRUE(contains(outcome.output, "Image conversion: 1 current → " + scratch.at("out")));
   EXPECT_EQ(readRaster(scratch.at("out/正射.img")).rgb, raster.rgb) << outcome.output;
 }
 
