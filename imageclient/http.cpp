@@ -71,7 +71,8 @@ class Run {
  private:
   void start(Job& job);
   void startDue(std::vector<Job>& jobs);
-  void takeFinished(std::vector<Job>& jobs);
+  /// Whether there were any.
+  bool takeFinished(std::vector<Job>& jobs);
   void finish(Job& job, CURLcode code);
   bool tryAgain(Job& job);
   void end(Job& job);
@@ -150,8 +151,9 @@ void Run::finish(Job& job, CURLcode code) {
   end(job);
 }
 
-void Run::takeFinished(std::vector<Job>& jobs) {
+bool Run::takeFinished(std::vector<Job>& jobs) {
   int queued = 0;
+  bool isAnyFinished = false;
   while (CURLMsg* message = curl_multi_info_read(multi_, &queued)) {
     if (message->msg != CURLMSG_DONE) continue;
     const CURL* easy = message->easy_handle;
@@ -159,8 +161,11 @@ void Run::takeFinished(std::vector<Job>& jobs) {
     const auto job = std::find_if(jobs.begin(), jobs.end(), [easy](const Job& candidate) {
       return candidate.transfer && candidate.transfer->easy() == easy;
     });
-    if (job != jobs.end()) finish(*job, code);
+    if (job == jobs.end()) continue;
+    finish(*job, code);
+    isAnyFinished = true;
   }
+  return isAnyFinished;
 }
 
 void Run::run(std::vector<Job>& jobs) {
@@ -176,8 +181,8 @@ void Run::run(std::vector<Job>& jobs) {
     startDue(jobs);
     int running = 0;
     curl_multi_perform(multi_, &running);
-    takeFinished(jobs);
-    if (std::all_of(jobs.begin(), jobs.end(), isDone)) break;
+    // Others may have waited for that.
+    if (takeFinished(jobs)) continue;
     curl_multi_poll(multi_, nullptr, 0, kPollMs, nullptr);
   }
   for (Job& job : jobs) end(job);

@@ -43,7 +43,7 @@ class FaultyServer : public ServerImages {
 
 TEST_F(FaultyServer, TheOtherImagesAreDrawnWhateverItDoes) {
   ClientTimes times = shortTimes();
-  times.request = 400;
+  times.request = 1000;
   // Asked each time.
   times.failures = 1000;
   TarnClientManager::setTimes(times);
