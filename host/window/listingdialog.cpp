@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "host/window/listingmap.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -26,6 +27,8 @@ constexpr int kTypingMilliseconds = 300, kRestingMilliseconds = 150;
 constexpr int kLargestPreview = 8192;
 constexpr int kKeyRole = Qt::UserRole, kReadRole = Qt::UserRole + 1;
 enum ImageColumn { kName, kSize, kTime };
+/// What those call them who have listings to choose from.
+[[maybe_unused]] constexpr const char* kGivenNames[] = {toSay("Images on servers"), toSay("Add")};
 
 QString qt(const std::string& text) {
   return QString::fromStdString(text);
@@ -57,7 +60,7 @@ QWidget* titled(const QString& title, QWidget* content) {
 ListingDialog::ListingDialog(QWidget* parent, const TarnListing& listing, Hooks hooks)
     : QDialog(parent), tree_(listing), hooks_(std::move(hooks)) {
   setObjectName("listing");
-  setWindowTitle(qt(listing.title));
+  setWindowTitle(words(listing.title.c_str()));
   auto* column = new QVBoxLayout(this);
   auto* parts = new QSplitter;
   parts->addWidget(makeFolders());
@@ -83,7 +86,7 @@ QWidget* ListingDialog::makeFolders() {
   folders_ = new QTreeWidget;
   folders_->setObjectName("folders");
   folders_->setHeaderHidden(true);
-  auto* top = new QTreeWidgetItem(folders_, {qt(tree_.listing().title)});  // the tree's
+  auto* top = new QTreeWidgetItem(folders_, {words(tree_.listing().title.c_str())});  // the tree's
   top->setData(0, kKeyRole, QString());
   top->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
   connect(folders_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
@@ -91,20 +94,20 @@ QWidget* ListingDialog::makeFolders() {
   });
   connect(folders_, &QTreeWidget::currentItemChanged, this, [this] { showWanted(); });
   folders_->setCurrentItem(top);
-  return titled("Folders", folders_);
+  return titled(words("Folders"), folders_);
 }
 
 QWidget* ListingDialog::makeImages() {
   search_ = new QLineEdit;
   search_->setObjectName("search");
-  search_->setPlaceholderText("Search in this folder and below");
+  search_->setPlaceholderText(words("Search in this folder and below"));
   search_->setClearButtonEnabled(true);
   connect(search_, &QLineEdit::textChanged, this, [this] { searchTimer_.start(); });
   images_ = new QTreeWidget;
   images_->setObjectName("images");
   images_->setRootIsDecorated(false);
   images_->setUniformRowHeights(true);
-  images_->setHeaderLabels({"Name", "Size", "Changed"});
+  images_->setHeaderLabels({words("Name"), words("Size"), words("Changed")});
   images_->header()->setStretchLastSection(false);
   images_->header()->setSectionResizeMode(kName, QHeaderView::Stretch);
   images_->setSelectionMode(tree_.listing().severalAllowed ? QAbstractItemView::ExtendedSelection
@@ -117,7 +120,7 @@ QWidget* ListingDialog::makeImages() {
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(search_);
   column->addWidget(images_, 1);
-  return titled("Images", whole);
+  return titled(words("Images"), whole);
 }
 
 QWidget* ListingDialog::makeMap() {
@@ -131,8 +134,8 @@ QWidget* ListingDialog::makeMap() {
     item->setSelected(!several || !item->isSelected());
     images_->scrollToItem(item);
   };
-  auto* drawing = new QPushButton("Drawing's view");
-  auto* all = new QPushButton("All footprints");
+  auto* drawing = new QPushButton(words("Drawing's view"));
+  auto* all = new QPushButton(words("All footprints"));
   drawing->setObjectName("showDrawing");
   all->setObjectName("showFootprints");
   connect(drawing, &QPushButton::clicked, this, [this] { map_->showDrawing(); });
@@ -158,7 +161,7 @@ QWidget* ListingDialog::makeMap() {
     preview_->setParent(this);
     preview_->hide();
   }
-  return titled("Where they lie", whole);
+  return titled(words("Where they lie"), whole);
 }
 
 void ListingDialog::addButtons(QVBoxLayout& column) {
@@ -169,7 +172,7 @@ void ListingDialog::addButtons(QVBoxLayout& column) {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   accept_ = buttons->button(QDialogButtonBox::Ok);
   const std::string& text = tree_.listing().accept;
-  if (!text.empty()) accept_->setText(qt(text));
+  if (!text.empty()) accept_->setText(words(text.c_str()));
   connect(buttons, &QDialogButtonBox::accepted, this, [this] { accept(); });
   connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
   auto* row = new QHBoxLayout;
@@ -204,7 +207,7 @@ QTreeWidgetItem* ListingDialog::currentFolder() const {
 
 /// Puts the folders inside a folder below its item.
 void ListingDialog::readFolder(QTreeWidgetItem& item) {
-  say("Reading ...", false);
+  say(words("Reading ...").toStdString(), false);
   const ListedFolder& folder = tree_.folder(item.data(0, kKeyRole).toString().toStdString());
   say(folder.reason, !folder.reason.empty());
   if (!folder.reason.empty()) return item.setExpanded(false);
@@ -231,12 +234,13 @@ void ListingDialog::showWanted() {
     QTreeWidgetItem& item = *currentFolder();
     const std::string key = item.data(0, kKeyRole).toString().toStdString();
     const std::string text = search_->text().trimmed().toStdString();
-    say("Reading ...", false);
+    say(words("Reading ...").toStdString(), false);
     if (!text.empty()) {
       SearchResult result = tree_.find(text, key, [this] { return !hooks_.cancelWanted(); });
       std::string remark = result.reason;
       if (!result.isWhole)
-        remark += std::string(remark.empty() ? "" : " ") + "Not every folder was searched.";
+        remark += std::string(remark.empty() ? "" : " ") +
+                  words("Not every folder was searched.").toStdString();
       return showEntries(std::move(result.found), true, remark);
     }
     std::vector<FoundEntry> entries;
@@ -263,8 +267,9 @@ void ListingDialog::showEntries(std::vector<FoundEntry> entries, bool withPath,
   }
   images_->addTopLevelItems(items);
   for (const int column : {kSize, kTime}) images_->resizeColumnToContents(column);
-  const std::string count =
-      std::to_string(shown_.size()) + (shown_.size() == 1 ? " image" : " images");
+  const std::string count = (shown_.size() == 1 ? words("%1 image") : words("%1 images"))
+                                .arg(shown_.size())
+                                .toStdString();
   say(remark.empty() ? count : remark, !remark.empty());
   chosenChanged();
 }
@@ -299,7 +304,7 @@ void ListingDialog::showPreview() {
     const double ratio = devicePixelRatioF();
     QImage picture = decoded(bytes, preview_->size() * ratio);
     picture.setDevicePixelRatio(ratio);
-    if (picture.isNull()) return preview_->setText("No preview");
+    if (picture.isNull()) return preview_->setText(words("No preview"));
     preview_->setPixmap(QPixmap::fromImage(picture));
   });
 }

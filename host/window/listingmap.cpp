@@ -9,6 +9,8 @@
 #include <cmath>
 #include <optional>
 
+#include "host/window/words.h"
+
 namespace tarn::host {
 
 namespace {
@@ -29,7 +31,7 @@ QPointF point(const ViewState& view, GroundPoint ground) {
 ListingMap::ListingMap(QWidget* parent) : QWidget(parent) {
   setMinimumSize(280, 200);
   setMouseTracking(false);
-  setToolTip("Wheel: zoom. Drag: move. Click: choose; with Ctrl: choose more.");
+  setToolTip(words("Wheel: zoom. Drag: move. Click: choose; with Ctrl: choose more."));
 }
 
 void ListingMap::setDrawing(const QImage& picture, const ViewState& view) {

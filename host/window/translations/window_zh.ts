@@ -198,5 +198,20 @@
     <message><source>Yellow</source><translation>黄</translation></message>
     <message><source>Zoom &amp;extents</source><translation>范围缩放(&amp;E)</translation></message>
     <message><source>Zoom &amp;window</source><translation>窗口缩放(&amp;W)</translation></message>
+    <message><source>Images on servers</source><translation>服务器上的影像</translation></message>
+    <message><source>Add</source><translation>添加</translation></message>
+    <message><source>Folders</source><translation>文件夹</translation></message>
+    <message><source>Search in this folder and below</source><translation>在此文件夹及其下级中搜索</translation></message>
+    <message><source>Size</source><translation>大小</translation></message>
+    <message><source>Changed</source><translation>修改时间</translation></message>
+    <message><source>Drawing's view</source><translation>图形视图</translation></message>
+    <message><source>All footprints</source><translation>全部范围</translation></message>
+    <message><source>Where they lie</source><translation>位置</translation></message>
+    <message><source>No preview</source><translation>无预览</translation></message>
+    <message><source>Not every folder was searched.</source><translation>并非所有文件夹都已搜索。</translation></message>
+    <message><source>%1 image</source><translation>%1 幅影像</translation></message>
+    <message><source>%1 images</source><translation>%1 幅影像</translation></message>
+    <message><source>Reading ...</source><translation>正在读取…</translation></message>
+    <message><source>Wheel: zoom. Drag: move. Click: choose; with Ctrl: choose more.</source><translation>滚轮：缩放。拖动：移动。单击：选择；按住 Ctrl：选择更多。</translation></message>
 </context>
 </TS>
