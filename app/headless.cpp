@@ -9,6 +9,7 @@
 #include "app/session.h"
 #include "app/startinputs.h"
 #include "base/log.h"
+#include "host/editor/autosave.h"
 #include "host/editor/commandlineui.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/sysvars.h"
@@ -62,6 +63,9 @@ int runHeadless(const Options& options, int& argc, char** argv) {
   app.resizeView(options.width, options.height);
   loadModules(app, QCoreApplication::applicationDirPath().toStdString());
 
+  if (const std::string notice = host::recoveryNotice(app); !notice.empty()) {
+    app.print("\n" + notice + "\n");
+  }
   bool good = startDrawing(app, options);
   good = frontEnd.run(app) && good;
   good = endDrawing(app, options) && good;

@@ -5,6 +5,7 @@
 
 #include "app/session.h"
 #include "app/startinputs.h"
+#include "host/editor/autosave.h"
 #include "host/editor/hostapp.h"
 #include "host/window/appearance.h"
 #include "host/window/canvas.h"
@@ -76,6 +77,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
     window.session().perform([&] {
       loadModules(app, QCoreApplication::applicationDirPath().toStdString());
       frontEnd.prepare();
+      host::offerRecovery(app);
       good = startDrawing(app, options);
       frontEnd.runLines(app);
       good = endDrawing(app, options) && good;

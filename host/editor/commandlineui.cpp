@@ -133,15 +133,21 @@ size_t CommandLineUi::choose(const std::string& question, const std::vector<std:
 std::optional<std::vector<std::string>> CommandLineUi::fileNames(const FileRequest& request) {
   HostApp* app = HostApp::instance();
   if (app == nullptr) return std::nullopt;
-  const std::string prompt = request.several  ? "File name (Enter ends the list): "
-                             : request.folder ? "Folder: "
-                                              : "File name: ";
+  const std::string prompt = request.several          ? "File name (Enter ends the list): "
+                             : request.folder         ? "Folder: "
+                             : !request.kinds.empty() ? "File name or [Version]: "
+                                                      : "File name: ";
   std::vector<std::string> chosen;
+  kind_.reset();
   for (;;) {
     const auto typed = app->commands().ask(prompt, InputKind::kFileName);
     if (!typed || typed->empty()) {
       if (chosen.empty()) return std::nullopt;
       return chosen;
+    }
+    if (!request.kinds.empty() && equalsIgnoreCase(std::string_view(*typed), "Version")) {
+      kind_ = choose("Version of the file", request.kinds, kind_.value_or(request.kind));
+      continue;
     }
     const std::string path = meantPath(*typed, request);
     const std::string reason = refusal(path, request);

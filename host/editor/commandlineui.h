@@ -21,11 +21,17 @@ class ACADHOST_EXPORT CommandLineUi : public UiBackend {
                 size_t standard) override;
 
   /// Asks for names, one a line; an empty line ends a choice of several. The name of a missing file
-  /// is reported and asked for again. When the input ends, the names given so far hold.
+  /// is reported and asked for again. When the input ends, the names given so far hold. Where a
+  /// file has kinds, "Version" in the place of a name asks for one.
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+
+  std::optional<size_t> chosenKind() const override { return kind_; }
 
   /// Prints the items with their numbers and asks for one; Enter takes none.
   UINT popupMenu(const MenuModel& menu, POINT screen) override;
+
+ private:
+  std::optional<size_t> kind_;
 };
 
 }  // namespace tarn::host

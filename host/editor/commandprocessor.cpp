@@ -6,6 +6,7 @@
 #include "accmd.h"
 #include "base/text.h"
 #include "host/editor/aliases.h"
+#include "host/editor/autosave.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
 #include "host/editor/hostapp.h"
@@ -261,7 +262,10 @@ CommandOutcome CommandProcessor::execute(const std::string& typedName, bool nest
   editorObject().notifyEnd(wide, outcome);
   if (running_.empty()) finishPickFirst(command->flags);
   // Commands inside another one are part of its step.
-  if (running_.empty()) app_.documents().endUndoStep(upper(command->globalName));
+  if (running_.empty()) {
+    app_.documents().endUndoStep(upper(command->globalName));
+    app_.autosave().tick();
+  }
   if (outcome == CommandOutcome::kEnded && !nested) last_ = plainName(typedName);
   if (outcome == CommandOutcome::kFailed && !nested) ++failures_;
   return outcome;

@@ -10,6 +10,7 @@
 #include "dbmain.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "host/editor/autosave.h"
 #include "host/editor/commandprocessor.h"
 #include "host/editor/databasewatch.h"
 #include "host/editor/hostapp.h"
@@ -71,6 +72,13 @@ void HostDocument::becameFile(const std::string& path) {
   hasFile_ = true;
   modified_ = false;
   database()->setFilename(widePath_.c_str());
+}
+
+void HostDocument::becameRecovered(const std::optional<FileTimes>& times) {
+  hasFile_ = times.has_value();
+  times_ = times.value_or(FileTimes());
+  modified_ = true;
+  if (hasFile_) database()->setFilename(widePath_.c_str());
 }
 
 bool HostDocument::fileWasChanged() const {
@@ -283,9 +291,20 @@ HostDocument& Documents::create() {
 }
 
 HostDocument& Documents::add(const std::string& path, std::unique_ptr<DrawingFile> drawing) {
-  HostDocument* first = current_;
   auto made = std::make_unique<HostDocument>(app_, path, std::move(drawing));
   made->becameFile(path);
+  return showNew(std::move(made));
+}
+
+HostDocument& Documents::addRecovered(const std::string& path, std::unique_ptr<DrawingFile> drawing,
+                                      const std::optional<FileTimes>& times) {
+  auto made = std::make_unique<HostDocument>(app_, path, std::move(drawing));
+  made->becameRecovered(times);
+  return showNew(std::move(made));
+}
+
+HostDocument& Documents::showNew(std::unique_ptr<HostDocument> made) {
+  HostDocument* first = current_;
   HostDocument& document = enter(std::move(made));
   activate(document);
   const bool untouched = documents_.size() == 2 && first != nullptr && !first->hasFile() &&
@@ -339,6 +358,7 @@ void Documents::destroy(HostDocument& document) {
       documents_.begin(), documents_.end(),
       [&](const std::unique_ptr<HostDocument>& one) { return one.get() == &document; });
   const std::wstring name = document.fileName();
+  app_.autosave().forget(document);
   notify([&](AcApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
   if (acdbHostApplicationServices()->workingDatabase() == document.database()) {
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);

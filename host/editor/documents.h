@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,12 +49,22 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   AcEdInputPointManager* inputPointManager() const override;
 
   const std::string& path() const { return path_; }
-  DrawingFile& drawing() { return *drawing_; }
+  DrawingFile& drawing() const { return *drawing_; }
   /// True when something was changed since it was opened or saved.
   bool isModified() const { return modified_; }
-  void setModified() { modified_ = true; }
+  void setModified() {
+    modified_ = true;
+    ++changes_;
+  }
+  /// Grows with each change.
+  std::uint64_t changes() const { return changes_; }
   /// The drawing stands in this file now, as it is.
   void becameFile(const std::string& path);
+  /// The drawing has changes that are not in its file, which was like this when it was known last;
+  /// without times it has no file.
+  void becameRecovered(const std::optional<FileTimes>& times);
+  /// Of the file when it was read or saved last.
+  const FileTimes& times() const { return times_; }
   /// False for a drawing that was never read or saved.
   bool hasFile() const { return hasFile_; }
   /// True when the file is another than the one that was read or saved last.
@@ -105,6 +116,7 @@ class ACADHOST_EXPORT HostDocument : public AcApDocument {
   FileTimes times_;
   bool hasFile_ = false;
   bool modified_ = false;
+  std::uint64_t changes_ = 0;
   UndoLog undo_;
   std::unique_ptr<DatabaseWatch> watch_;
   struct EarlierView {
@@ -151,6 +163,10 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   HostDocument& add(const std::string& path, std::unique_ptr<DrawingFile> drawing);
   /// In the order of their opening.
   std::vector<HostDocument*> all() const;
+  /// The same for one that was recovered: it counts as changed. Without times it has no file, and
+  /// `path` is what it is called.
+  HostDocument& addRecovered(const std::string& path, std::unique_ptr<DrawingFile> drawing,
+                             const std::optional<FileTimes>& times);
   /// The drawing of a file (a full path), or null.
   HostDocument* ofFile(const std::string& path) const;
   /// The drawings with changes that are not in a file, in the order of their opening.
@@ -165,6 +181,7 @@ class ACADHOST_EXPORT Documents : public AcApDocManager {
   void closeAll();
 
  private:
+  HostDocument& showNew(std::unique_ptr<HostDocument> made);
   HostDocument& enter(std::unique_ptr<HostDocument> made);
   void destroy(HostDocument& document);
   HostDocument* find(const AcApDocument* document) const;

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "host/editor/autosave.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
 #include "host/editor/hostapp.h"
@@ -43,17 +44,6 @@ bool takeState(HostDocument& document) {
   return stored.view.has_value();
 }
 
-OpeningState stateToSave(const HostDocument& document) {
-  const Space& space = document.space();
-  const GroundBox limits = space.modelLimits();
-  const ViewState view = space.modelView();
-  return {DrawingView{view.centerX, view.centerY, view.height, view.twist},
-          space.isTiled(),
-          {limits.minX, limits.minY},
-          {limits.maxX, limits.maxY},
-          space.isTiled() ? AcDbObjectId() : space.sheet().block};
-}
-
 /// Offers a later version to a drawing that its own one cannot hold.
 Status settleVersion(HostApp& app, DrawingFile& drawing) {
   const std::string reason = drawing.reasonAgainstVersion();
@@ -65,6 +55,33 @@ Status settleVersion(HostApp& app, DrawingFile& drawing) {
 }
 
 }  // namespace
+
+OpeningState stateToSave(const HostDocument& document) {
+  const Space& space = document.space();
+  const GroundBox limits = space.modelLimits();
+  const ViewState view = space.modelView();
+  return {DrawingView{view.centerX, view.centerY, view.height, view.twist},
+          space.isTiled(),
+          {limits.minX, limits.minY},
+          {limits.maxX, limits.maxY},
+          space.isTiled() ? AcDbObjectId() : space.sheet().block};
+}
+
+Result<HostDocument*> recoverDrawing(HostApp& app, const LostDrawing& lost) {
+  if (lost.hadFile && app.documents().ofFile(lost.original) != nullptr) {
+    return Status::error(lost.original + ": this drawing is open; close it to recover the copy.");
+  }
+  auto drawing = DrawingFile::open(lost.copy);
+  if (!drawing) return drawing.status();
+  // What cannot have its earlier form keeps the one of the copy.
+  static_cast<void>(drawing.value()->setForm(lost.form));
+  HostDocument& document = app.documents().addRecovered(
+      lost.original, drawing.take(),
+      lost.hadFile ? std::optional<FileTimes>(lost.times) : std::nullopt);
+  takeState(document);
+  app.regenerate();
+  return &document;
+}
 
 Status openDrawing(HostApp& app, const std::string& path) {
   Documents& documents = app.documents();
@@ -98,6 +115,7 @@ Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& pa
   }
   if (Status status = saveDrawing(path, bytes.value()); !status) return status;
   document.becameFile(path);
+  app.autosave().forget(document);
   app.frontEnd().displayChanged();
   return {};
 }

@@ -37,13 +37,19 @@ std::vector<std::string> EditorUi::takeAnswers(const FileRequest& request) {
 }
 
 std::optional<std::vector<std::string>> EditorUi::fileNames(const FileRequest& request) {
+  asked_ = nullptr;
   if (answers_) {
     std::vector<std::string> names = takeAnswers(request);
     if (names.empty()) return std::nullopt;
     return names;
   }
-  if (app_.variables().shortOf("FILEDIA") == 0) return commandLine_.fileNames(request);
-  return backend_.fileNames(request);
+  UiBackend& asked = app_.variables().shortOf("FILEDIA") == 0 ? commandLine_ : backend_;
+  asked_ = &asked;
+  return asked.fileNames(request);
+}
+
+std::optional<size_t> EditorUi::chosenKind() const {
+  return asked_ != nullptr ? asked_->chosenKind() : std::nullopt;
 }
 
 UINT EditorUi::popupMenu(const MenuModel& menu, POINT screen) {

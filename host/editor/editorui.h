@@ -21,6 +21,7 @@ class EditorUi : public UiBackend {
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+  std::optional<size_t> chosenKind() const override;
   UINT popupMenu(const MenuModel& menu, POINT screen) override;
   WindowSystem* windows() override { return backend_.windows(); }
 
@@ -40,6 +41,7 @@ class EditorUi : public UiBackend {
   UiBackend& backend_;
   CommandLineUi commandLine_;
   std::optional<std::vector<std::string>> answers_;
+  const UiBackend* asked_ = nullptr;  ///< who answered the last file dialog
   bool playing_ = false;
 };
 

@@ -1,4 +1,6 @@
 // Commands that open, save and close drawings.
+#include <algorithm>
+
 #include "acedads.h"
 #include "base/file.h"
 #include "base/text.h"
@@ -19,7 +21,8 @@ HostApp& app() {
 }
 
 /// The full path that the user names; empty when cancelled.
-std::string askFile(bool open, const std::string& title, const std::string& initial) {
+std::string askFile(bool open, const std::string& title, const std::string& initial,
+                    const std::vector<std::string>& kinds = {}, size_t kind = 0) {
   FileRequest request;
   request.open = open;
   request.mustExist = open;
@@ -28,8 +31,24 @@ std::string askFile(bool open, const std::string& title, const std::string& init
   request.initialName = initial;
   request.defaultExtension = ".dxf";
   request.filter = kFilter;
+  request.kinds = kinds;
+  request.kind = kind;
   const auto chosen = app().ui().fileNames(request);
   return chosen && !chosen->empty() ? absolutePath(chosen->front()) : std::string();
+}
+
+/// What a drawing may be saved as: in its own version or another one, as text or binary.
+std::vector<SavedForm> formsOf(const DrawingFile& drawing) {
+  std::vector<std::string> versions = savedVersions();
+  const std::string& own = drawing.form().version;
+  if (std::find(versions.begin(), versions.end(), own) == versions.end()) {
+    versions.insert(versions.begin(), own);
+  }
+  std::vector<SavedForm> forms;
+  for (const bool binary : {false, true}) {
+    for (const std::string& version : versions) forms.push_back({version, binary});
+  }
+  return forms;
 }
 
 /// False, after the reason was printed, when it could not be saved.
@@ -40,6 +59,8 @@ bool saveTo(HostDocument& document, const std::string& path) {
     return false;
   }
   app().print("\n" + path + " saved.\n");
+  const std::string& leftOut = document.drawing().leftOut();
+  if (!leftOut.empty()) app().print("\n" + leftOut + "\n");
   return true;
 }
 
@@ -57,9 +78,33 @@ bool chooseVersion(HostDocument& document) {
   return status.isOk();
 }
 
+/// False, after the reason was printed, when the drawing cannot have that form.
+bool takeForm(HostDocument& document, const SavedForm& form) {
+  DrawingFile& drawing = document.drawing();
+  Status status;
+  if (form.version != drawing.form().version) status = drawing.makeModern();
+  if (status) status = drawing.setForm(form);
+  if (!status) failCommand(app(), status.message() + " Nothing was saved.");
+  return status.isOk();
+}
+
 bool saveAs(HostDocument& document) {
-  const std::string path = askFile(false, "Save drawing as", document.path());
-  return !path.empty() && chooseVersion(document) && saveTo(document, path);
+  DrawingFile& drawing = document.drawing();
+  const std::vector<SavedForm> forms = formsOf(drawing);
+  std::vector<std::string> kinds;
+  for (const SavedForm& form : forms) {
+    kinds.push_back(nameOfVersion(form.version) + (form.binary ? "-binary" : ""));
+  }
+  const SavedForm before = drawing.form();
+  const auto own =
+      static_cast<size_t>(std::find(forms.begin(), forms.end(), before) - forms.begin());
+  const std::string path = askFile(false, "Save drawing as", document.path(), kinds, own);
+  if (path.empty()) return false;
+  const std::optional<size_t> chosen = app().ui().chosenKind();
+  if (!(chosen ? takeForm(document, forms[*chosen]) : chooseVersion(document))) return false;
+  if (saveTo(document, path)) return true;
+  static_cast<void>(drawing.setForm(before));
+  return false;
 }
 
 bool save(HostDocument& document) {

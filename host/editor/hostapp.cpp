@@ -12,6 +12,7 @@
 #include "base/file.h"
 #include "base/text.h"
 #include "host/database/textmeasure.h"
+#include "host/editor/autosave.h"
 #include "host/editor/clipboard.h"
 #include "host/editor/commandprocessor.h"
 #include "host/editor/documentpicture.h"
@@ -53,7 +54,8 @@ struct HostApp::Parts {
         variables(app),
         commands(app),
         regenerator(app),
-        ui(app, backend) {}
+        ui(app, backend),
+        autosave(app) {}
 
   FrontEnd& frontEnd;
   Profile profile;
@@ -64,6 +66,7 @@ struct HostApp::Parts {
   Regenerator regenerator;
   EditorUi ui;
   Clipboard clipboard;
+  AutoSave autosave;
   RenderStyle style;
   bool quit = false;
 };
@@ -333,6 +336,9 @@ Regenerator& HostApp::regenerator() {
 }
 Clipboard& HostApp::clipboard() {
   return parts_->clipboard;
+}
+AutoSave& HostApp::autosave() {
+  return parts_->autosave;
 }
 
 std::string formatPoint(double x, double y) {

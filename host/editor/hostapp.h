@@ -18,6 +18,7 @@ struct MSG;
 
 namespace tarn::host {
 
+class AutoSave;
 struct Clipboard;
 class CommandProcessor;
 class Documents;
@@ -152,6 +153,7 @@ class ACADHOST_EXPORT HostApp {
   Profile& profile();
   Regenerator& regenerator();
   Clipboard& clipboard();
+  AutoSave& autosave();
 
  private:
   struct Parts;

@@ -5,6 +5,7 @@
 #include "accmd.h"
 #include "acedads.h"
 #include "base/text.h"
+#include "host/editor/autosave.h"
 #include "host/editor/commandprocessor.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
@@ -242,6 +243,7 @@ void registerHostCommands() {
       {ACRX_T("PLOT"), ACRX_CMD_MODAL, &plotCommand},
       {ACRX_T("PSPACE"), ACRX_CMD_MODAL, &pspaceCommand},
       {ACRX_T("QUIT"), ACRX_CMD_SESSION, &quitCommand},
+      {ACRX_T("RECOVER"), ACRX_CMD_SESSION, &recoverCommand},
       {ACRX_T("REDO"), ACRX_CMD_MODAL, &redoCommand},
       {ACRX_T("REGEN"), ACRX_CMD_MODAL, &regenCommand},
       {ACRX_T("ROTATE"), kOnSelection, &rotateCommand},

@@ -145,6 +145,7 @@ const std::vector<Rule>& rules() {
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"REGENMODE", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
+      {"SAVETIME", T::kShort, false, nullptr, short{5}, nullptr, 0, 600},
       {"SCREENSIZE", T::kPoint2, true,
        [](HostApp& a) -> VariableValue {
          const ViewState view = a.view();

@@ -4,14 +4,13 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "host/filing/binaryvalues.h"
 
 namespace tarn::host {
 
 namespace {
 
-constexpr std::string_view kMark("AutoCAD Binary DXF\r\n\x1a\0", 22);
-
-enum class ValueKind { kText, kReal, kInt16, kInt32, kInt64, kBool, kChunk };
+using ValueKind = BinaryValue;
 
 struct CodeRange {
   int first, last;
@@ -29,13 +28,6 @@ constexpr CodeRange kRanges[] = {
     {460, 469, ValueKind::kReal},    {470, 481, ValueKind::kText},   {999, 1003, ValueKind::kText},
     {1004, 1004, ValueKind::kChunk}, {1005, 1009, ValueKind::kText}, {1010, 1059, ValueKind::kReal},
     {1060, 1070, ValueKind::kInt16}, {1071, 1071, ValueKind::kInt32}};
-
-const CodeRange* rangeOf(int code) {
-  for (const CodeRange& range : kRanges) {
-    if (code >= range.first && code <= range.last) return &range;
-  }
-  return nullptr;
-}
 
 class Reader {
  public:
@@ -135,14 +127,22 @@ class Reader {
 
 }  // namespace
 
+std::optional<BinaryValue> binaryValueOf(int code) {
+  for (const CodeRange& range : kRanges) {
+    if (code >= range.first && code <= range.last) return range.kind;
+  }
+  return std::nullopt;
+}
+
 bool isBinaryDrawing(std::string_view bytes) {
-  return bytes.substr(0, kMark.size()) == kMark;
+  return bytes.substr(0, kBinaryMark.size()) == kBinaryMark;
 }
 
 Result<std::string> asciiFromBinary(std::string_view bytes, const std::string& name) {
   // The first tag is 0 SECTION; with codes of two bytes its text begins one byte later.
-  const bool shortCodes = bytes.size() > kMark.size() + 1 && bytes[kMark.size() + 1] != 0;
-  Reader reader(bytes, kMark.size(), shortCodes);
+  const bool shortCodes =
+      bytes.size() > kBinaryMark.size() + 1 && bytes[kBinaryMark.size() + 1] != 0;
+  Reader reader(bytes, kBinaryMark.size(), shortCodes);
   std::string out;
   out.reserve(bytes.size() * 3);
   std::string value;
@@ -150,12 +150,12 @@ Result<std::string> asciiFromBinary(std::string_view bytes, const std::string& n
     const size_t place = reader.position();
     int code = 0;
     if (!reader.code(code)) break;
-    const CodeRange* range = rangeOf(code);
-    if (range == nullptr) {
+    const std::optional<BinaryValue> kind = binaryValueOf(code);
+    if (!kind) {
       return Status::error(name + ": byte " + std::to_string(place) + ": " + std::to_string(code) +
                            " is no group code.");
     }
-    if (!reader.value(range->kind, value)) {
+    if (!reader.value(*kind, value)) {
       return Status::error(name + ": byte " + std::to_string(place) + ": the value is cut off.");
     }
     out += std::to_string(code) + "\n" + value + "\n";

@@ -73,6 +73,10 @@ void bindBlocks(DrawingBinding& binding);
 void bindEntities(DrawingBinding& binding);
 void bindDictionaries(DrawingBinding& binding);
 
+/// Puts the same drawing in a later version in the place of the file that was read: the same
+/// objects in the same order.
+void raiseVersion(DrawingBinding& binding, std::string bytes);
+
 /// Makes entities of waiting ones whose class is registered now; returns how many.
 size_t bindWaiting(DrawingBinding& binding);
 

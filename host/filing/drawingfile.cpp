@@ -58,6 +58,46 @@ bool usesHandles(const TagDocument& document) {
   return false;
 }
 
+/// Brings the file that was read back after another one stood in its place.
+class GroundKeeper {
+ public:
+  explicit GroundKeeper(DrawingBinding& binding)
+      : binding_(binding),
+        document_(binding.document),
+        encoding_(binding.encoding),
+        bound_(binding.bound),
+        implied_(binding.implied),
+        blockEnds_(binding.blockEnds),
+        waiting_(binding.waiting),
+        hasHandles_(binding.hasHandles) {
+    for (AcDbStub* slot : implied_) changed_.push_back(slot->changed);
+  }
+  ~GroundKeeper() {
+    binding_.document = std::move(document_);
+    binding_.encoding = encoding_;
+    binding_.bound = std::move(bound_);
+    size_t at = 0;
+    for (AcDbStub* slot : implied_) slot->changed = changed_[at++];
+    binding_.implied = std::move(implied_);
+    binding_.blockEnds = std::move(blockEnds_);
+    binding_.waiting = std::move(waiting_);
+    binding_.hasHandles = hasHandles_;
+  }
+  GroundKeeper(const GroundKeeper&) = delete;
+  GroundKeeper& operator=(const GroundKeeper&) = delete;
+
+ private:
+  DrawingBinding& binding_;
+  TagDocument document_;
+  TextEncoding encoding_;
+  std::vector<BoundObject> bound_;
+  std::set<AcDbStub*> implied_;
+  std::unordered_map<AcDbStub*, std::uint32_t> blockEnds_;
+  std::vector<DrawingBinding::Waiting> waiting_;
+  bool hasHandles_;
+  std::vector<bool> changed_;
+};
+
 }  // namespace
 
 DrawingFile::DrawingFile() : binding_(std::make_unique<DrawingBinding>()) {}
@@ -82,11 +122,11 @@ Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
                          "the program that it comes from.");
   }
   std::unique_ptr<DrawingFile> file(new DrawingFile);
-  if (isBinaryDrawing(bytes)) {
+  file->form_.binary = isBinaryDrawing(bytes);
+  if (file->form_.binary) {
     auto ascii = asciiFromBinary(bytes, name);
     if (!ascii) return ascii.status();
     bytes = ascii.take();
-    file->notes_.push_back(nameOf(name) + " is a binary drawing; it will be saved as text.");
   }
   auto document = TagDocument::parse(std::move(bytes), name);
   if (!document) return document.status();
@@ -97,6 +137,7 @@ Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
   binding.database = std::make_unique<AcDbDatabase>(false);
   ObjectAccess::state(*binding.database).nextHandle = firstFreeHandle(binding.document);
   const TagDocument& tags = binding.document;
+  file->form_.version = tags.version();
   if (!tags.isComplete()) {
     file->notes_.push_back(
         nameOf(name) + ": the file ends at line " +
@@ -150,7 +191,40 @@ std::string DrawingFile::reasonAgainstVersion() const {
 }
 
 Status DrawingFile::makeModern() {
-  return isOld() ? modernize(*binding_) : Status::ok();
+  if (!isOld()) return {};
+  const Status status = modernize(*binding_);
+  if (status) form_.version = binding_->document.version();
+  return status;
+}
+
+Status DrawingFile::setForm(const SavedForm& form) {
+  const std::string now(binding_->document.version());
+  if (form.version != form_.version && form.version != now) {
+    auto made = asVersion(binding_->document.bytes(), form.version);
+    if (!made) return made.status();
+    // What is written anew follows the version of the ground, which so has to be the later one.
+    if (form.version > now) raiseVersion(*binding_, std::move(made.value().bytes));
+  }
+  form_ = form;
+  return {};
+}
+
+Result<std::string> DrawingFile::inForm(std::string bytes) {
+  leftOut_.clear();
+  if (form_.version != binding_->document.version()) {
+    auto made = asVersion(std::move(bytes), form_.version);
+    if (!made) return made.status();
+    bytes = std::move(made.value().bytes);
+    const size_t count = made.value().leftOut;
+    if (count > 0) {
+      leftOut_ = std::to_string(count) + (count == 1 ? " value" : " values") + " that " +
+                 nameOfVersion(form_.version) +
+                 " does not know (true colours, gradients and the like) " +
+                 (count == 1 ? "is" : "are") + " not in the file.";
+    }
+  }
+  if (!form_.binary) return bytes;
+  return binaryFromAscii(std::move(bytes), "The drawing");
 }
 
 size_t DrawingFile::bindRegisteredClasses() {
@@ -160,12 +234,25 @@ size_t DrawingFile::bindRegisteredClasses() {
 Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
   const std::string reason = reasonAgainstVersion();
   if (!reason.empty()) return Status::error(reason + " Nothing was saved.");
+  return inForm(wholeFile(state));
+}
+
+Result<std::string> DrawingFile::bytesForCopy(const std::optional<OpeningState>& state) {
+  if (reasonAgainstVersion().empty()) return wholeFile(state);
+  const GroundKeeper keeper(*binding_);
+  if (Status status = modernize(*binding_); !status) return status;
+  return wholeFile(state);
+}
+
+std::string DrawingFile::wholeFile(const std::optional<OpeningState>& state) {
   std::string saved = writeDrawing(*binding_, state);
   AcDbObjectId front = binding_->paperSpace;
   if (state && !state->frontSheet.isNull()) front = state->frontSheet;
   if (front.isErased()) front = firstSheet(database());
-  if (front == binding_->paperSpace || front.isNull()) return saved;
-  return withFrontSheet(std::move(saved), front.handle().value());
+  if (front != binding_->paperSpace && !front.isNull()) {
+    saved = withFrontSheet(std::move(saved), front.handle().value());
+  }
+  return saved;
 }
 
 }  // namespace tarn::host

@@ -12,6 +12,7 @@
 #include "base/result.h"
 #include "dbid.h"
 #include "gepnt2d.h"
+#include "host/filing/savedform.h"
 
 class AcDbDatabase;
 
@@ -63,19 +64,34 @@ class ACADHOST_EXPORT DrawingFile {
   std::string reasonAgainstVersion() const;
   /// Makes a drawing of R12 one of R2000, which the next save writes. Nothing for a later one.
   Status makeModern();
+  /// What the drawing is written as; at first what the file is.
+  const SavedForm& form() const { return form_; }
+  /// Fails, and nothing has changed, for a version that cannot hold the drawing. A drawing of R12
+  /// has to be made modern before it gets another version. With an earlier version the session
+  /// loses nothing: the file that was read stays the ground of what is written.
+  Status setForm(const SavedForm& form);
+  /// What the bytes made last do not hold, for the user; empty when they hold everything.
+  const std::string& leftOut() const { return leftOut_; }
   /// Makes entities of raw ones whose class has been registered since; returns how many.
   size_t bindRegisteredClasses();
 
   /// The whole file as it is to be saved, with `state` where it differs. An error when an R12 file
   /// cannot hold what the drawing has now.
   Result<std::string> bytes(const std::optional<OpeningState>& state = std::nullopt);
+  /// The same in the version of the file and as text, also when that version is R12 and cannot hold
+  /// the drawing: it is one of R2000 then. For copies; the session stays as it is.
+  Result<std::string> bytesForCopy(const std::optional<OpeningState>& state);
 
  private:
   DrawingFile();
   void noteKept();
+  std::string wholeFile(const std::optional<OpeningState>& state);
+  Result<std::string> inForm(std::string bytes);
 
   std::unique_ptr<DrawingBinding> binding_;
   std::vector<std::string> notes_;
+  SavedForm form_;
+  std::string leftOut_;
 };
 
 /// Why a drawing of R12 cannot be saved as such; empty when it can.

@@ -151,6 +151,8 @@ std::string encodedBy(QTextCodec& codec, wchar_t character) {
   const QString text = QString::fromWCharArray(&character, 1);
   QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
   const QByteArray bytes = codec.fromUnicode(text.constData(), text.size(), &state);
+  // What the toolkit takes for the Chinese page has more; other programs know only its pairs.
+  if (bytes.size() > 2) return escaped(character);
   // Some converters put a question mark instead of saying that there is no such character.
   if (state.invalidChars > 0 || bytes.isEmpty() || codec.toUnicode(bytes) != text) {
     return escaped(character);

@@ -73,4 +73,25 @@ Status modernize(DrawingBinding& binding) {
   return {};
 }
 
+void raiseVersion(DrawingBinding& binding, std::string bytes) {
+  auto parsed = TagDocument::parse(std::move(bytes), "the drawing");
+  if (!parsed) return;
+  const bool hadLayouts = binding.document.version() >= "AC1015";
+  const TextEncoding before = binding.encoding;
+  binding.document = parsed.take();
+  binding.encoding = TextEncoding(binding.document);
+  for (auto* names : {&binding.layers, &binding.linetypes}) {
+    std::unordered_map<std::string, AcDbObjectId> renamed;
+    for (const auto& [name, id] : *names) {
+      renamed.emplace(binding.encoding.encode(before.decode(name)), id);
+    }
+    *names = std::move(renamed);
+  }
+  for (AcDbStub* slot : binding.implied) {
+    if (!hadLayouts && slot->object->isKindOf(AcDbLayout::desc())) {
+      ObjectAccess::setChanged(*slot->object);
+    }
+  }
+}
+
 }  // namespace tarn::host

@@ -25,6 +25,10 @@ struct FileRequest {
   std::string initialName;       ///< name shown at the start, may hold a folder
   std::string defaultExtension;  ///< ".tif", "tif" or "*.tif"; added to a name without one
   std::string filter;            ///< "text|*.tif;*.img|text|*.jpg||"
+  /// Kinds of the file to write ("R2000 drawing"), in the place of a filter; none when there is
+  /// nothing to choose from. `kind` is what is proposed.
+  std::vector<std::string> kinds;
+  size_t kind = 0;
 };
 
 class UiBackend {
@@ -43,6 +47,9 @@ class UiBackend {
 
   /// Full paths in the order chosen; none when the user cancels.
   virtual std::optional<std::vector<std::string>> fileNames(const FileRequest& request) = 0;
+
+  /// Of the last fileNames() with kinds: the one chosen; nothing when nobody chose.
+  virtual std::optional<size_t> chosenKind() const { return std::nullopt; }
 
   /// Shows a menu at a place of the screen; the id of what was chosen, 0 for nothing.
   virtual UINT popupMenu(const MenuModel& /*menu*/, POINT /*screen*/) { return 0; }

@@ -76,6 +76,16 @@ void fillMenu(QMenu& menu, const MenuModel& model) {
   }
 }
 
+/// Kinds of a file differ in what is in them, not in their names.
+std::string filterOf(const FileRequest& request) {
+  if (request.kinds.empty()) return request.filter;
+  std::string filter;
+  for (const std::string& kind : request.kinds) {
+    filter += kind + " drawing|*" + request.defaultExtension + "|";
+  }
+  return filter + "|";
+}
+
 }  // namespace
 
 class DialogBackend::Asking {
@@ -161,8 +171,9 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
                                                : "Save as");
   dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
   dialog.setDefaultSuffix(plainExtension(request.defaultExtension));
-  const QStringList filters = dialogFilters(request.filter);
+  const QStringList filters = dialogFilters(filterOf(request));
   if (!filters.isEmpty()) dialog.setNameFilters(filters);
+  if (!request.kinds.empty()) dialog.selectNameFilter(filters[static_cast<int>(request.kind)]);
   const QString initial = QString::fromStdString(request.initialName);
   const QFileInfo start(initial);
   if (initial.contains('/')) {
@@ -174,6 +185,9 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
   if (!start.fileName().isEmpty() && !initial.contains('*')) dialog.selectFile(start.fileName());
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   folder_ = dialog.directory().absolutePath();
+  const int kind = filters.indexOf(dialog.selectedNameFilter());
+  kind_.reset();
+  if (!request.kinds.empty() && kind >= 0) kind_ = static_cast<size_t>(kind);
   std::vector<std::string> names;
   for (const QString& name : dialog.selectedFiles()) names.push_back(name.toStdString());
   return names;

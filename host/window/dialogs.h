@@ -30,6 +30,7 @@ class DialogBackend final : public UiBackend {
   size_t choose(const std::string& question, const std::vector<std::string>& answers,
                 size_t standard) override;
   std::optional<std::vector<std::string>> fileNames(const FileRequest& request) override;
+  std::optional<size_t> chosenKind() const override { return kind_; }
   UINT popupMenu(const MenuModel& menu, POINT screen) override;
   WindowSystemOfWidgets* windows() override { return &windows_; }
 
@@ -40,6 +41,7 @@ class DialogBackend final : public UiBackend {
   WindowSystemOfWidgets windows_;
   std::string imageTitle_;
   std::string imageFilter_;
+  std::optional<size_t> kind_;
   QString folder_;  ///< where the last files were chosen
   std::function<void()> asking_;
   int open_ = 0;

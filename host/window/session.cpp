@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "host/editor/autosave.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/regenerator.h"
@@ -10,12 +11,23 @@
 
 namespace tarn::host {
 
+namespace {
+
+constexpr int kCopyLookMs = 10000;
+
+}  // namespace
+
 Session::Session(HostApp& app, WindowFrontEnd& frontEnd, std::function<void()> closeWindow)
     : app_(app),
       frontEnd_(frontEnd),
       picker_(app, frontEnd, [this](const std::string& line) { run(line); }),
       closeWindow_(std::move(closeWindow)) {
   closeTimer_.setSingleShot(true);
+  // Also while a command waits for input; a copy of what is there then is better than none.
+  QObject::connect(&copyTimer_, &QTimer::timeout, [this] {
+    if (mayAct()) app_.autosave().tick();
+  });
+  copyTimer_.start(kCopyLookMs);
   QObject::connect(&closeTimer_, &QTimer::timeout, [this] { closeWindow_(); });
 }
 

@@ -72,6 +72,7 @@ class Session {
   std::function<void()> closeWindow_;
   std::vector<std::function<void()>> waiting_;  ///< run one after the other once nothing runs
   QTimer closeTimer_;
+  QTimer copyTimer_;  ///< looks whether automatic copies are due
   bool working_ = false;
   bool quitAsked_ = false;  ///< QUIT runs or waits because of requestClose()
   bool closeAsked_ = false;

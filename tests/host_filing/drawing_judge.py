@@ -7,6 +7,9 @@ drawing_judge.py differences OLD NEW [OLD NEW]...
 drawing_judge.py converted OLD NEW [OLD NEW]...
                                        what differs between drawings of R12 and what was made of
                                        them, and errors in the latter, one a line
+drawing_judge.py forms OLD NEW [OLD NEW]...
+                                       what differs between drawings and the same in another version,
+                                       as far as both can say it, and errors in the latter only
 drawing_judge.py old FILE              writes a drawing of R12 with every kind of entity
 Exit 77 when the reading library is not there.
 """
@@ -23,6 +26,10 @@ except ImportError:
 
 
 def read(path):
+    with open(path, "rb") as file:
+        if file.read(18) == b"AutoCAD Binary DXF":
+            doc = ezdxf.readfile(path)  # the mending reader knows only text
+            return doc, doc.audit()
     return recover.readfile(path)
 
 
@@ -33,11 +40,11 @@ def tags_of(entity, version):
         return [str(type(fault)), sorted(map(str, entity.dxfattribs().items()))]
 
 
-def objects_of(doc):
+def objects_of(doc, version=None):
     """What stands in the model and among the objects; the library makes up tables and ends itself."""
     found = {}
     for entity in list(doc.modelspace()) + list(doc.objects):
-        found[entity.dxf.handle] = (entity.dxftype(), tags_of(entity, doc.dxfversion))
+        found[entity.dxf.handle] = (entity.dxftype(), tags_of(entity, version or doc.dxfversion))
     return found
 
 
@@ -62,6 +69,44 @@ def differences(old, new):
             print(f"new {after[handle][0]} {handle}")
         elif before[handle] != after[handle]:
             print(f"changed {after[handle][0]} {handle}")
+
+
+def errors_of(doc, mended):
+    found = doc.audit()
+    return {e.code for e in mended.errors + mended.fixes + found.errors + found.fixes}
+
+
+# The library makes up other objects that it misses.
+KEPT_OBJECTS = {"XRECORD", "IMAGEDEF", "GROUP", "DICTIONARYVAR"}
+
+
+def forms(old, new):
+    try:
+        before, mended = read(old)
+        known = errors_of(before, mended)
+    except Exception:
+        return
+    after, mended = read(new)
+    for error in errors_of(after, mended) - known:
+        print(f"{old}: {error}")
+    try:
+        ezdxf.readfile(old)
+    except Exception:
+        return  # what is mended on the way need not be mended in the same way
+    ezdxf.readfile(new)
+    version = min(before.dxfversion, after.dxfversion)
+    graphic = [{e.dxf.handle for e in d.modelspace()} for d in (before, after)]
+    one, other = ({h: o for h, o in objects_of(d, version).items() if h in g or o[0] in KEPT_OBJECTS}
+                  for d, g in zip((before, after), graphic))
+    # The library gives entities of R12 handles of its own.
+    if before.dxfversion < "AC1012":
+        one, other = list(one.values()), list(other.values())
+    if one != other:
+        for key in one.keys() | other.keys() if isinstance(one, dict) else []:
+            if one.get(key) != other.get(key):
+                print(f"{old}: {one.get(key)}\n  became {other.get(key)}")
+                return
+        print(f"{old}: differs in {new}")
 
 
 # What R12 does not know, or what another version says otherwise.
@@ -169,6 +214,6 @@ if sys.argv[1] == "audit":
 elif sys.argv[1] == "old":
     write_old(sys.argv[2])
 else:
-    compare = {"differences": differences, "converted": converted}[sys.argv[1]]
+    compare = {"differences": differences, "converted": converted, "forms": forms}[sys.argv[1]]
     for old, new in zip(sys.argv[2::2], sys.argv[3::2]):
         compare(old, new)

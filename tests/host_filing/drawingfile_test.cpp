@@ -35,9 +35,7 @@ TEST(DrawingFile, eachRealDrawingIsTheSameAfterOpeningAndSaving) {
     auto saved = file.value()->bytes();
     ASSERT_TRUE(saved) << saved.message();
     const std::string before = bytesOf(path);
-    if (isBinaryDrawing(before)) {
-      EXPECT_EQ(saved.value(), asciiFromBinary(before, path).value());
-    } else if (nameOf(path) == "recover01.dxf") {
+    if (nameOf(path) == "recover01.dxf") {
       EXPECT_EQ(saved.value(), before + "  0\nEOF\n");
     } else if (nameOf(path) == "header_extended.dxf") {
       EXPECT_EQ(saved.value(), before + "  0\nENDSEC\n  0\nEOF\n");
@@ -54,6 +52,7 @@ TEST(DrawingFile, writingEachObjectAnewKeepsEveryValue) {
     SCOPED_TRACE(path);
     auto file = DrawingFile::open(path);
     if (!file) continue;
+    ASSERT_TRUE(file.value()->setForm({file.value()->form().version, false}));
     const std::string before = file.value()->bytes().take();
     touchEverything(file.value()->database(), before);
     const auto after = file.value()->bytes();

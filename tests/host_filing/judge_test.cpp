@@ -127,6 +127,7 @@ TEST_F(Judge, drawingsOfR12BecomeOnesOfR2000WithTheSameEntities) {
     if (!opened || !opened.value()->isOld()) continue;
     SCOPED_TRACE(path);
     DrawingFile& file = *opened.value();
+    ASSERT_TRUE(file.setForm({file.form().version, false}));
     const int before = modelEntities(file.database()).length();
     EXPECT_EQ(file.reasonAgainstVersion(), "");
     const Status made = file.makeModern();
