@@ -60,6 +60,8 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
 
 AcDbDatabase::~AcDbDatabase() {
   state_->observer = nullptr;
+  ObjectAccess::tell(*this, [&](AcDbDatabaseReactor& r) { r.goodbye(this); });
+  state_->reactors.clear();
   AcDbHostApplicationServices* services = acdbHostApplicationServices();
   if (services->workingDatabase() == this) services->setWorkingDatabase(nullptr);
   // Newest first, so that an object outlives what it owns.
@@ -74,6 +76,24 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obje
   if (!object->objectId().isNull()) return Acad::eAlreadyInDb;
   id = ObjectAccess::adopt(*this, object);
   if (state_->observer != nullptr) state_->observer->objectAppended(*object);
+  ObjectAccess::tell(*this, [&](AcDbDatabaseReactor& r) { r.objectAppended(this, object); });
+  ObjectAccess::completeCopy(*object);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::addReactor(AcDbDatabaseReactor* reactor) const {
+  std::vector<AcDbDatabaseReactor*>& list = state_->reactors;
+  if (reactor == nullptr) return Acad::eInvalidInput;
+  if (std::find(list.begin(), list.end(), reactor) != list.end()) return Acad::eDuplicateKey;
+  list.push_back(reactor);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::removeReactor(AcDbDatabaseReactor* reactor) const {
+  std::vector<AcDbDatabaseReactor*>& list = state_->reactors;
+  const auto found = std::find(list.begin(), list.end(), reactor);
+  if (found == list.end()) return Acad::eKeyNotFound;
+  list.erase(found);
   return Acad::eOk;
 }
 
@@ -127,7 +147,10 @@ double AcDbDatabase::ltscale() const {
 }
 Acad::ErrorStatus AcDbDatabase::setLtscale(double scale) {
   if (!(scale > 0) || !std::isfinite(scale)) return Acad::eInvalidInput;
+  const auto tell = [&](auto call) { ObjectAccess::tell(*this, call); };
+  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarWillChange(this, L"LTSCALE"); });
   state_->linetypeScale = scale;
+  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarChanged(this, L"LTSCALE", Adesk::kTrue); });
   return Acad::eOk;
 }
 bool AcDbDatabase::lineWeightDisplay() const {
@@ -152,10 +175,14 @@ AcDbObjectId AcDbDatabase::clayer() const {
 
 Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId layer) {
   const AcDbObject* record = tarn::host::peek(layer);
-  if (record == nullptr || layer.database() != this || layer.isErased()) return Acad::eInvalidInput;
+  if (record != nullptr && layer.database() != this) return Acad::eWrongDatabase;
+  if (record == nullptr || layer.isErased()) return Acad::eInvalidInput;
   if (!record->isKindOf(AcDbLayerTableRecord::desc())) return Acad::eNotThatKindOfClass;
   if (state_->observer != nullptr) state_->observer->headerWillChange();
+  const auto tell = [&](auto call) { ObjectAccess::tell(*this, call); };
+  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarWillChange(this, L"CLAYER"); });
   state_->currentLayer = layer;
+  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarChanged(this, L"CLAYER", Adesk::kTrue); });
   return Acad::eOk;
 }
 

@@ -94,6 +94,18 @@ Acad::ErrorStatus AcDbDictionary::remove(AcDbObjectId id) {
   return Acad::eKeyNotFound;
 }
 
+Acad::ErrorStatus AcDbDictionary::subErase(Adesk::Boolean erasing) {
+  const std::map<std::wstring, Entry> all = entries_;
+  for (const auto& [key, entry] : all) {
+    const AcDbObject* owned = tarn::host::peek(entry.id);
+    if (owned == nullptr || owned->ownerId() != objectId()) continue;
+    // What was erased before this stays so when this comes back.
+    if (erasing && owned->isErased()) entries_.erase(key);
+    tarn::host::eraseOwned(entry.id, erasing);
+  }
+  return Acad::eOk;
+}
+
 AcDbDictionaryIterator* AcDbDictionary::newIterator() const {
   assertReadEnabled();
   return new AcDbDictionaryIterator(*this);

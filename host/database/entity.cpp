@@ -54,6 +54,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId id, Adesk::Boolean /*doSuben
   const AcDbObject* record = tarn::host::peek(id);
   if (record == nullptr || !record->isKindOf(AcDbLayerTableRecord::desc()))
     return Acad::eInvalidInput;
+  if (database() != nullptr && id.database() != database()) return Acad::eWrongDatabase;
   layerId_ = id;
   recordGraphicsModified();
   return Acad::eOk;

@@ -70,6 +70,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
   }
   if (!knowsApplications(*this, given)) return Acad::eRegappIdNotFound;
   assertWriteEnabled();
+  extendedModified_ = isResident();
   ResbufItems items = tarn::host::ObjectAccess::extendedData(*this);
   for (auto at = given.cbegin(); at != given.cend();) {
     const auto end = nextApplication(at + 1, given.cend());

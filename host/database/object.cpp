@@ -22,6 +22,7 @@ struct AcDbObject::Reactors {
 };
 
 AcDbObjectReactor::~AcDbObjectReactor() = default;
+AcDbDatabaseReactor::~AcDbDatabaseReactor() = default;
 
 AcDbObject::AcDbObject() = default;
 
@@ -41,8 +42,8 @@ namespace tarn::host {
 
 Acad::ErrorStatus ObjectAccess::open(AcDbObject& object, AcDb::OpenMode mode, bool openErased) {
   if (object.erased_ && !openErased) return Acad::eWasErased;
-  if (object.writing_) return Acad::eWasOpenForWrite;
   if (object.notifying_) return Acad::eWasOpenForNotify;
+  if (object.writing_ && mode != AcDb::kForNotify) return Acad::eWasOpenForWrite;
   if (mode == AcDb::kForWrite && object.readers_ > 0) return Acad::eWasOpenForRead;
   if (mode == AcDb::kForRead && object.readers_ >= kMostReaders) return Acad::eAtMaxReaders;
   if (const Acad::ErrorStatus refused = object.subOpen(mode); refused != Acad::eOk) return refused;
@@ -60,6 +61,11 @@ Acad::ErrorStatus ObjectAccess::open(AcDbObject& object, AcDb::OpenMode mode, bo
   return Acad::eOk;
 }
 
+std::vector<AcDbObjectReactor*> ObjectAccess::reactorsOf(const AcDbObject& object) {
+  if (object.reactors_ == nullptr) return {};
+  return object.reactors_->list;
+}
+
 void ObjectAccess::beginWrite(AcDbObject& object) {
   object.writing_ = true;
   if (DatabaseObserver* observer = observerOf(object)) observer->objectOpenedForWrite(object);
@@ -70,10 +76,10 @@ void ObjectAccess::beginWrite(AcDbObject& object) {
 Acad::ErrorStatus AcDbObject::close() {
   if (!isResident() || (readers_ == 0 && !writing_ && !notifying_)) return Acad::eInvalidOpenState;
   if (const Acad::ErrorStatus refused = subClose(); refused != Acad::eOk) return refused;
-  if (writing_) {
-    endWrite();
-  } else if (notifying_) {
+  if (notifying_) {
     notifying_ = false;
+  } else if (writing_) {
+    endWrite();
   } else {
     --readers_;
   }
@@ -87,15 +93,40 @@ void AcDbObject::endWrite() {
   const bool graphics = std::exchange(graphicsModified_, false);
   const bool modified = std::exchange(modified_, false) || graphics;
   if (eraseChanged || modified) tarn::host::ObjectAccess::setChanged(*this);
-  const auto told = reactors_ ? reactors_->list : std::vector<AcDbObjectReactor*>();
   tarn::host::DatabaseObserver* observer = tarn::host::observerOf(*this);
-  if (eraseChanged) {
-    if (observer != nullptr) observer->objectErased(*this, erased_);
-    for (AcDbObjectReactor* reactor : told) reactor->erased(this, erased_);
+  if (observer != nullptr && eraseChanged) observer->objectErased(*this, erased_);
+  if (observer != nullptr && modified && !eraseChanged) observer->objectModified(*this);
+  tellReactors(eraseChanged, modified);
+}
+
+void AcDbObject::tellReactors(bool eraseChanged, bool modified) {
+  using tarn::host::Restoring;
+  const auto restoring = std::exchange(restoring_, Restoring::kNot);
+  const bool extended = std::exchange(extendedModified_, false);
+  const AcDbDatabase* own = database();
+  const auto tell = [&](auto one, auto all) {
+    tarn::host::ObjectAccess::tellReactors(*this, one);
+    if (own != nullptr) tarn::host::ObjectAccess::tell(*own, all);
+  };
+  const auto nobody = [](AcDbDatabaseReactor&) {};
+  if (restoring == Restoring::kUnappended) {
+    tell([&](AcDbObjectReactor& r) { r.unappended(this); },
+         [&](AcDbDatabaseReactor& r) { r.objectUnAppended(own, this); });
+  } else if (restoring == Restoring::kReappended) {
+    tell([&](AcDbObjectReactor& r) { r.reappended(this); },
+         [&](AcDbDatabaseReactor& r) { r.objectReAppended(own, this); });
+  } else if (eraseChanged) {
+    tell([&](AcDbObjectReactor& r) { r.erased(this, erased_); },
+         [&](AcDbDatabaseReactor& r) { r.objectErased(own, this, erased_); });
   } else if (modified) {
-    if (observer != nullptr) observer->objectModified(*this);
-    for (AcDbObjectReactor* reactor : told) reactor->modified(this);
+    if (restoring == Restoring::kChanged) {
+      tell([&](AcDbObjectReactor& r) { r.modifyUndone(this); }, nobody);
+    }
+    tell([&](AcDbObjectReactor& r) { r.modified(this); },
+         [&](AcDbDatabaseReactor& r) { r.objectModified(own, this); });
   }
+  if (extended) tell([&](AcDbObjectReactor& r) { r.modifiedXData(this); }, nobody);
+  tell([&](AcDbObjectReactor& r) { r.objectClosed(id_); }, nobody);
 }
 
 Acad::ErrorStatus AcDbObject::upgradeOpen() {
@@ -136,6 +167,7 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   erased_ = erasing;
   eraseChanged_ = !eraseChanged_;
   modified_ = true;
+  tarn::host::eraseOwned(extension_, erasing);
   return Acad::eOk;
 }
 
@@ -145,7 +177,13 @@ void AcDbObject::assertReadEnabled() const {
 
 void AcDbObject::assertWriteEnabled(Adesk::Boolean /*autoUndo*/, Adesk::Boolean recordModified) {
   if (!isWriteEnabled()) acrx_abort(L"eNotOpenForWrite");
-  if (recordModified) modified_ = true;
+  if (!recordModified || modified_) return;
+  modified_ = true;
+  if (!isResident() || appended_ || restoring_ != tarn::host::Restoring::kNot) return;
+  tarn::host::ObjectAccess::tellReactors(*this,
+                                         [&](AcDbObjectReactor& r) { r.openedForModify(this); });
+  tarn::host::ObjectAccess::tell(
+      *database(), [&](AcDbDatabaseReactor& r) { r.objectOpenedForModify(database(), this); });
 }
 
 void AcDbObject::assertNotifyEnabled() const {
@@ -175,12 +213,14 @@ Acad::ErrorStatus AcDbObject::dwgIn(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbObject::dwgOutFields(AcDbDwgFiler* filer) const {
   assertReadEnabled();
   filer->writeSoftPointerId(ownerId_);
+  filer->writeHardOwnershipId(extension_);
   return tarn::host::writeItems(*filer, tarn::host::ObjectAccess::extendedData(*this));
 }
 
 Acad::ErrorStatus AcDbObject::dwgInFields(AcDbDwgFiler* filer) {
   assertWriteEnabled();
   filer->readSoftPointerId(&ownerId_);
+  filer->readHardOwnershipId(&extension_);
   tarn::host::ResbufItems items;
   if (tarn::host::readItems(*filer, items) != Acad::eOk) return filer->filerStatus();
   tarn::host::ObjectAccess::setExtendedData(*this, std::move(items));

@@ -1,6 +1,7 @@
 // The state behind ids, objects and databases, and the one place that changes how objects are open.
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -52,6 +53,7 @@ struct DatabaseState {
   Adesk::Int16 wipeoutFrame = 1;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
+  std::vector<AcDbDatabaseReactor*> reactors;
 };
 
 /// Each opening of an object, for whatever purpose, goes through open(), and each beginning of a
@@ -90,12 +92,39 @@ class ObjectAccess {
     object.copiedFrom_ = source;
   }
 
+  static AcDbObjectId extension(const AcDbObject& object) { return object.extension_; }
+  static void setExtension(AcDbObject& object, AcDbObjectId dictionary) {
+    object.extension_ = dictionary;
+  }
+  /// Called with each new object that began as a copy, once its drawing owns it.
+  static void setCopyCompleter(void (*complete)(AcDbObject&));
+  static void completeCopy(AcDbObject& object);
+  /// Takes out of a dictionary what it names; nothing is erased or told.
+  static void clearEntries(AcDbDictionary& dictionary);
+
   static bool isOpen(const AcDbObject& object) {
     return object.readers_ > 0 || object.writing_ || object.notifying_;
   }
   /// Opens a closed object to bring an earlier state of it back; nobody is asked or told. close()
   /// ends it and tells.
-  static void beginRestore(AcDbObject& object) { object.writing_ = true; }
+  static void beginRestore(AcDbObject& object, Restoring what = Restoring::kNot) {
+    object.writing_ = true;
+    object.restoring_ = what;
+  }
+  template <typename Call>
+  static void tellReactors(const AcDbObject& object, Call call) {
+    for (AcDbObjectReactor* reactor : reactorsOf(object)) call(*reactor);
+  }
+  static std::vector<AcDbObjectReactor*> reactorsOf(const AcDbObject& object);
+  /// Calls each reactor of a database that is still there.
+  template <typename Call>
+  static void tell(const AcDbDatabase& database, Call call) {
+    const auto all = database.state_->reactors;
+    for (AcDbDatabaseReactor* reactor : all) {
+      const auto& now = database.state_->reactors;
+      if (std::find(now.begin(), now.end(), reactor) != now.end()) call(*reactor);
+    }
+  }
   /// Sets the mark of an object that is being restored, without asking the object.
   static void setErased(AcDbObject& object, bool erased) {
     if (object.erased_ != erased) object.eraseChanged_ = !object.eraseChanged_;
@@ -116,6 +145,10 @@ class ObjectAccess {
 
 /// The object of a valid id, open or not, for the host's own look at its tables; else null.
 AcDbObject* peek(AcDbObjectId id);
+
+/// Marks an object with its owner, or takes the mark off; nothing for null, and for one that stands
+/// so already.
+void eraseOwned(AcDbObjectId id, bool erasing);
 
 /// Makes the name known to the drawing when it is not. False when its table cannot be changed.
 bool registerApplication(AcDbDatabase& database, const ACHAR* application);

@@ -143,6 +143,7 @@ void bindDictionaries(DrawingBinding& binding) {
     record->setFromRbChain(*chain);
     ObjectAccess::finishReading(*record);
   }
+  linkExtensions(binding, firstBound);
   implyLayouts(binding);
 }
 

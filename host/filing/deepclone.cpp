@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "dbdict.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
@@ -91,6 +92,8 @@ AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
   if (copy == nullptr || object.dwgOut(&out) != Acad::eOk) return nullptr;
   TranslatingFiler in(out.bytes(), *this);
   if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
+  // Its own comes when a drawing owns it.
+  ObjectAccess::setExtension(*copy, {});
   settleExtendedData(*copy, target_, object.database() != &target_);
   const AcDbObjectId source = object.objectId();
   ObjectAccess::setCopiedFrom(*copy, source.isNull() ? ObjectAccess::copiedFrom(object) : source);
@@ -101,10 +104,60 @@ AcDbEntity* DeepCloner::clone(const AcDbEntity& entity) {
   return AcDbEntity::cast(copyOf(entity));
 }
 
+void DeepCloner::install() {
+  ObjectAccess::setCopyCompleter(&DeepCloner::completeCopy);
+}
+
+void DeepCloner::completeCopy(AcDbObject& copy) {
+  const AcDbObjectId from = ObjectAccess::copiedFrom(copy);
+  const AcDbObject* source = peek(from);
+  if (source == nullptr) return;
+  const auto told = [&](AcDbObjectReactor& reactor) { reactor.copied(source, &copy); };
+  ObjectAccess::tellReactors(*source, told);
+  const AcDbObjectId extension = ObjectAccess::extension(*source);
+  if (extension.isErased() || !ObjectAccess::extension(copy).isNull()) return;
+  DeepCloner cloner(*copy.database());
+  cloner.known_[from] = copy.objectId();
+  ObjectAccess::setExtension(copy, cloner.copyOwned(extension, copy.objectId()));
+}
+
+/// Null for what no class here is made for: it stays in the drawing that it is in.
+AcDbObjectId DeepCloner::copyOwned(AcDbObjectId id, AcDbObjectId owner) {
+  AcDbObject* source = peek(id);
+  if (source == nullptr || source->isErased()) return {};
+  const ObjectAccess::Look look(*source);
+  AcDbObject* copy = copyOf(*source);
+  if (copy == nullptr) return {};
+  ObjectAccess::setOwner(*copy, owner);
+  if (auto* dictionary = AcDbDictionary::cast(copy)) ObjectAccess::clearEntries(*dictionary);
+  AcDbObjectId made;
+  if (target_.addAcDbObject(made, copy) != Acad::eOk) {
+    delete copy;
+    return {};
+  }
+  known_[id] = made;
+  copyEntries(*source, made);
+  copy->close();
+  return made;
+}
+
+void DeepCloner::copyEntries(const AcDbObject& from, AcDbObjectId to) {
+  const auto* source = AcDbDictionary::cast(&from);
+  if (source == nullptr) return;
+  auto& dictionary = *static_cast<AcDbDictionary*>(peek(to));
+  const std::unique_ptr<AcDbDictionaryIterator> entries(source->newIterator());
+  for (; !entries->done(); entries->next()) {
+    const AcDbObject* entry = peek(entries->objectId());
+    if (entry == nullptr || entry->ownerId() != from.objectId()) continue;
+    const AcDbObjectId copy = copyOwned(entries->objectId(), to);
+    if (!copy.isNull()) ObjectAccess::addEntryRead(dictionary, entries->name(), copy);
+  }
+}
+
 AcDbObjectId DeepCloner::translate(AcDbObjectId id) {
-  if (id.isNull() || id.database() == &target_) return id;
   const auto known = known_.find(id);
   if (known != known_.end()) return known->second;
+  if (id.isNull() || id.database() == &target_) return id;
   const AcDbObject* record = peek(id);
   if (record == nullptr || !record->isKindOf(AcDbSymbolTableRecord::desc())) return {};
   return translateRecord(*record);

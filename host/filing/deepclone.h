@@ -18,6 +18,10 @@ class ACADHOST_EXPORT DeepCloner {
  public:
   explicit DeepCloner(AcDbDatabase& target) : target_(target) {}
 
+  /// From now on copies that come into a drawing get copies of the extension dictionaries of what
+  /// they were made from, with all that these own.
+  static void install();
+
   /// A new entity that belongs to the caller; null for a class that cannot be made or read.
   AcDbEntity* clone(const AcDbEntity& entity);
   /// What an id of another drawing is in the target; null when there is nothing like it.
@@ -26,6 +30,9 @@ class ACADHOST_EXPORT DeepCloner {
  private:
   AcDbObject* copyOf(const AcDbObject& object);
   AcDbObjectId translateRecord(const AcDbObject& record);
+  AcDbObjectId copyOwned(AcDbObjectId id, AcDbObjectId owner);
+  void copyEntries(const AcDbObject& from, AcDbObjectId to);
+  static void completeCopy(AcDbObject& copy);
   AcDbObjectId copyRecord(const AcDbObject& record, AcDbObjectId tableId);
   void copyBlockEntities(const AcDbObject& from, AcDbObjectId to);
 

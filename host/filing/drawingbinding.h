@@ -73,6 +73,10 @@ void bindBlocks(DrawingBinding& binding);
 void bindEntities(DrawingBinding& binding);
 void bindDictionaries(DrawingBinding& binding);
 
+/// Gives objects the extension dictionaries that they name; `firstObject` is the first of the
+/// section OBJECTS among the bound.
+void linkExtensions(DrawingBinding& binding, size_t firstObject);
+
 /// Puts the same drawing in a later version in the place of the file that was read: the same
 /// objects in the same order.
 void raiseVersion(DrawingBinding& binding, std::string bytes);

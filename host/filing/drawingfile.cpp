@@ -9,6 +9,7 @@
 #include "host/database/layouts.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/binarydrawing.h"
+#include "host/filing/deepclone.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/olddrawing.h"
 
@@ -116,6 +117,7 @@ Result<std::unique_ptr<DrawingFile>> DrawingFile::open(const std::string& path) 
 Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
                                                             const std::string& name) {
   registerDatabaseClasses();
+  DeepCloner::install();
   if (isDwg(bytes)) {
     return Status::error(name +
                          ": this is a DWG file, which cannot be read here; save it as DXF in "

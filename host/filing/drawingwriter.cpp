@@ -110,7 +110,10 @@ class DrawingWriter {
     } else if (const auto* layout = AcDbLayout::cast(object)) {
       bytes = writeLayout(binding_, *layout, &bound);
     } else {
-      return;
+      if (bound.count != 1) return;
+      TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
+      writeExtension(binding_, *object, &bound, editor);
+      bytes = editor.bytes();
     }
     edits_.replace(bound.first, bound.count, std::move(bytes));
   }

@@ -1,6 +1,7 @@
 #include "host/filing/savedform.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -133,6 +134,9 @@ bool isSolid(std::string_view type) {
          (type.size() > 7 && type.substr(type.size() - 7) == "SURFACE");
 }
 
+constexpr const char* kOtherPages[] = {"ANSI_936",  "ANSI_950",  "ANSI_932",  "ANSI_949",
+                                       "ANSI_1250", "ANSI_1251", "ANSI_1253", "ANSI_1254"};
+
 bool isPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0; });
 }
@@ -161,16 +165,18 @@ class Versioner {
  private:
   bool isBefore(std::string_view version) const { return version_ < version; }
 
-  /// The drawing's own code page, or the Chinese one when that has all texts.
+  /// The drawing's own code page, or the first one that has all texts.
   std::string targetPage() const {
     const TagRange range = document_.headerVariable("$DWGCODEPAGE");
     const std::string own =
         range.begin < range.end ? std::string(document_.word(document_.tag(range.begin))) : "";
     if (!isBefore(kR2007)) return own;
-    for (const std::string& page : {own.empty() ? "ANSI_1252" : own, std::string("ANSI_936")}) {
+    std::vector<std::string> pages = {own.empty() ? "ANSI_1252" : own};
+    pages.insert(pages.end(), std::begin(kOtherPages), std::end(kOtherPages));
+    for (const std::string& page : pages) {
       if (holdsAllTexts(TextEncoding::ofCodePage(page))) return page;
     }
-    return own.empty() ? "ANSI_1252" : own;
+    return pages.front();
   }
 
   bool holdsAllTexts(const TextEncoding& encoding) const {

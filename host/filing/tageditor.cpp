@@ -11,6 +11,7 @@ namespace tarn::host {
 namespace {
 
 constexpr int kMark = 100;
+constexpr int kGroup = 102;
 constexpr int kEmbedded = 101;
 constexpr int kFirstExtended = 1000;
 
@@ -82,6 +83,35 @@ void TagEditor::renew(std::uint64_t handle, std::uint64_t owner) {
   items_.erase(std::remove_if(items_.begin(), items_.end(), isOfGroup), items_.end());
   if (handle != 0) setHandle(5, handle);
   if (owner != 0 && !old_) setHandle(330, owner);
+}
+
+void TagEditor::setGroupHandle(std::string_view group, int code, std::uint64_t handle) {
+  const auto isBegin = [&](const Item& item) {
+    return item.code == kGroup && trim(valueOf(item)) == group;
+  };
+  const auto begin = std::find_if(items_.begin(), items_.end(), isBegin);
+  const auto isEnd = [](const Item& item) { return item.code == kGroup; };
+  const auto end = begin != items_.end() ? std::find_if(begin + 1, items_.end(), isEnd) : begin;
+  const auto makeItem = [](int itemCode, std::string value) {
+    Item item;
+    item.code = itemCode;
+    item.value = std::move(value);
+    item.changed = true;
+    return item;
+  };
+  if (begin != items_.end() && end != items_.end()) {
+    const auto place = static_cast<size_t>(begin - items_.begin());
+    if (handle == 0) return removeAt(place, static_cast<size_t>(end - begin) + 1);
+    const auto own = std::find_if(begin, end, [&](const Item& item) { return item.code == code; });
+    if (own != end)
+      return replaceAt(static_cast<size_t>(own - items_.begin()), formatHandle(handle));
+  }
+  if (handle == 0 || begin != items_.end()) return;
+  const auto isHandle = [](const Item& item) { return item.code == 5 || item.code == 105; };
+  const auto behind = std::find_if(items_.begin(), items_.end(), isHandle);
+  const auto at = behind != items_.end() ? behind + 1 : items_.begin() + 1;
+  items_.insert(at, {makeItem(kGroup, std::string(group)), makeItem(code, formatHandle(handle)),
+                     makeItem(kGroup, "}")});
 }
 
 std::string_view TagEditor::valueOf(const Item& item) const {

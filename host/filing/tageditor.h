@@ -26,6 +26,9 @@ class ACADHOST_EXPORT TagEditor {
   /// Makes the object one of its own, that began as a copy of this: another handle and owner (0
   /// for a drawing without), nobody's reactors, no dictionary. To be called first.
   void renew(std::uint64_t handle, std::uint64_t owner);
+  /// The handle in a group of braces ("{ACAD_XDICTIONARY"); 0 takes the group away, one that is
+  /// missing comes behind the object's own handle.
+  void setGroupHandle(std::string_view group, int code, std::uint64_t handle);
   /// True for a drawing of R12 and before: there are no subclass marks and no owners.
   bool isOld() const { return old_; }
   /// True for an object that does not stand in the file.

@@ -164,6 +164,7 @@ void readExtendedData(const DrawingBinding& binding, const TagView& tags, AcDbOb
 
 void writeExtendedData(const DrawingBinding& binding, const AcDbObject& object,
                        const BoundObject* old, TagEditor& editor) {
+  writeExtension(binding, object, old, editor);
   const ResbufItems& now = ObjectAccess::extendedData(object);
   if (old != nullptr) {
     const auto before = extendedDataOf(binding, binding.view(old->first));

@@ -29,6 +29,9 @@ std::optional<ResbufItems> extendedDataOf(const DrawingBinding& binding, const T
 /// Gives the file's extended data to a new object.
 void readExtendedData(const DrawingBinding& binding, const TagView& tags, AcDbObject& object);
 /// Writes the object's extended data where it differs from what stands in the file (`old`).
+/// The object's extension dictionary, where it is another one than in the file.
+void writeExtension(const DrawingBinding& binding, const AcDbObject& object, const BoundObject* old,
+                    TagEditor& editor);
 void writeExtendedData(const DrawingBinding& binding, const AcDbObject& object,
                        const BoundObject* old, TagEditor& editor);
 

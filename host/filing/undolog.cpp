@@ -36,7 +36,7 @@ void UndoLog::endStep(const std::string& name) {
   for (Touched& before : std::exchange(touched_, {})) {
     AcDbObject* object = peek(before.id);
     if (object == nullptr) continue;
-    Change change{before.id, before.erased, object->isErased(), {}};
+    Change change{before.id, before.erased, object->isErased(), before.appended, {}};
     const bool isOpen = object->isWriteEnabled();
     // Of a new object only the mark matters: as it is now it comes back.
     if (!before.appended || isOpen) {
@@ -150,7 +150,11 @@ void UndoLog::apply(const Entry& entry, bool forward) {
     const auto [place, isNew] = places.emplace(change.id, restored.size());
     if (isNew) {
       restored.push_back({object, objectBytes(*object)});
-      ObjectAccess::beginRestore(*object);
+      ObjectAccess::beginRestore(*object, Restoring::kChanged);
+    }
+    if (change.appended) {
+      ObjectAccess::beginRestore(*object,
+                                 forward ? Restoring::kReappended : Restoring::kUnappended);
     }
     Restored& state = restored[place->second];
     const bool fits =

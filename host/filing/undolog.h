@@ -67,6 +67,7 @@ class ACADHOST_EXPORT UndoLog {
     AcDbObjectId id;
     bool erasedBefore = false;
     bool erasedAfter = false;
+    bool appended = false;
     ByteDelta delta;
   };
   struct LayerChange {

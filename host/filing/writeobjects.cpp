@@ -17,6 +17,7 @@ namespace tarn::host {
 namespace {
 
 constexpr int kSoftOwner = 350;
+constexpr int kHardOwner = 360;
 constexpr int kFrozenFlag = 1;
 constexpr int kLockedFlag = 4;
 
@@ -50,17 +51,20 @@ bool isKept(const DrawingBinding& binding, const DictionaryEntry& entry,
 std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
                             const BoundObject* old) {
   TagEditor editor = editorOf(binding, old, "DICTIONARY");
+  const AcDbObject* owner = peek(dictionary.ownerId());
+  const bool isExtension = owner != nullptr && !owner->isKindOf(AcDbDictionary::desc());
   if (old == nullptr) {
     beginNew(editor, dictionary);
     editor.enter("AcDbDictionary");
+    if (isExtension) editor.setInteger(280, 1);
     editor.setInteger(281, 1);
   }
   editor.enter("AcDbDictionary");
-  int ownerCode = kSoftOwner;
+  int ownerCode = old == nullptr && isExtension ? kHardOwner : kSoftOwner;
   std::vector<DictionaryEntry> standing;
   if (old != nullptr) {
     const TagView tags = binding.view(old->first);
-    if (tags.has(360) && !tags.has(kSoftOwner)) ownerCode = 360;
+    if (tags.has(360) && !tags.has(kSoftOwner)) ownerCode = kHardOwner;
     standing = entriesOf(tags);
     const std::uint32_t begin = tags.range().begin;
     // From the end, so that the places of the others stay.

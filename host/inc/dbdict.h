@@ -43,6 +43,10 @@ class ACADHOST_EXPORT AcDbDictionary : public AcDbObject {
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
 
+ protected:
+  /// What it owns is erased and brought back with it.
+  Acad::ErrorStatus subErase(Adesk::Boolean erasing) override;
+
  private:
   friend class AcDbDictionaryIterator;
   friend class tarn::host::ObjectAccess;

@@ -23,19 +23,56 @@ class AcDbViewTable;
 namespace tarn::host {
 struct DatabaseState;
 class ObjectAccess;
+/// What undo and redo do to an object: nothing, change it, take it away, bring it back.
+enum class Restoring : unsigned char { kNot, kChanged, kUnappended, kReappended };
 }  // namespace tarn::host
 
-/// Told about one object. The object is closed during the call and may be opened for read.
+/// Told about one object. The object is closed during the call and may be opened for read, but for
+/// openedForModify() and goodbye().
 class ACADHOST_EXPORT AcDbObjectReactor {
  public:
   AcDbObjectReactor() = default;
   AcDbObjectReactor(const AcDbObjectReactor&) = delete;
   AcDbObjectReactor& operator=(const AcDbObjectReactor&) = delete;
   virtual ~AcDbObjectReactor();
+  /// The first change since it was opened for write is about to be made.
+  virtual void openedForModify(const AcDbObject*) {}
   virtual void modified(const AcDbObject*) {}
+  virtual void modifiedXData(const AcDbObject*) {}
+  /// Undo or redo has changed it.
+  virtual void modifyUndone(const AcDbObject*) {}
+  /// A copy of it has come into a drawing.
+  virtual void copied(const AcDbObject*, const AcDbObject* /*copy*/) {}
+  /// Undo has taken away what was appended, or redo has brought it back.
+  virtual void unappended(const AcDbObject*) {}
+  virtual void reappended(const AcDbObject*) {}
+  /// After all of the above, when it was open for write.
+  virtual void objectClosed(const AcDbObjectId) {}
   virtual void erased(const AcDbObject*, Adesk::Boolean) {}
   /// The object is about to be destroyed.
   virtual void goodbye(const AcDbObject*) {}
+};
+
+/// Told about all objects of a drawing; rules as for AcDbObjectReactor.
+class ACADHOST_EXPORT AcDbDatabaseReactor {
+ public:
+  AcDbDatabaseReactor() = default;
+  AcDbDatabaseReactor(const AcDbDatabaseReactor&) = delete;
+  AcDbDatabaseReactor& operator=(const AcDbDatabaseReactor&) = delete;
+  virtual ~AcDbDatabaseReactor();
+  virtual void objectAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectUnAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectReAppended(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectOpenedForModify(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectModified(const AcDbDatabase*, const AcDbObject*) {}
+  virtual void objectErased(const AcDbDatabase*, const AcDbObject*, Adesk::Boolean /*erased*/) {}
+  /// A variable of the drawing ("CLAYER", "LTSCALE").
+  virtual void headerSysVarWillChange(const AcDbDatabase*, const ACHAR*) {}
+  virtual void headerSysVarChanged(const AcDbDatabase*, const ACHAR*, Adesk::Boolean /*success*/) {}
+  /// Stand-ins have become objects of a class that is there now.
+  virtual void proxyResurrectionCompleted(const AcDbDatabase*, const ACHAR* /*application*/) {}
+  /// The drawing is about to be destroyed.
+  virtual void goodbye(const AcDbDatabase*) {}
 };
 
 /// An object that a database can own. A new one belongs to its maker until it is appended; from
@@ -92,6 +129,14 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   /// know (see acdbRegApp()).
   Acad::ErrorStatus setXData(const resbuf* chain);
 
+  /// Where programs keep what they add to the object: the object owns it, it is copied, erased and
+  /// brought back with it. Null when there is none, or an erased one.
+  AcDbObjectId extensionDictionary() const;
+  /// eAlreadyInDb when there is one. eNoDatabase, eNotOpenForWrite.
+  Acad::ErrorStatus createExtensionDictionary();
+  /// Erases an empty one. eNullObjectId when there is none, eContainerNotEmpty.
+  Acad::ErrorStatus releaseExtensionDictionary();
+
   /// Transient reactors; not owned.
   void addReactor(AcDbObjectReactor* reactor) const;
   void removeReactor(AcDbObjectReactor* reactor) const;
@@ -114,10 +159,12 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   friend class tarn::host::ObjectAccess;
   bool isResident() const { return !id_.isNull(); }
   void endWrite();
+  void tellReactors(bool eraseChanged, bool modified);
 
   AcDbObjectId id_;
   AcDbObjectId ownerId_;
   AcDbObjectId copiedFrom_;
+  AcDbObjectId extension_;
   int readers_ = 0;
   bool writing_ = false;
   bool notifying_ = false;
@@ -126,6 +173,8 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
   bool modified_ = false;
   bool graphicsModified_ = false;
   bool appended_ = false;
+  bool extendedModified_ = false;
+  tarn::host::Restoring restoring_{};
   struct Reactors;
   mutable std::unique_ptr<Reactors> reactors_;
   struct ExtendedData;
@@ -183,6 +232,10 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   AcDbHandle handseed() const;
   Adesk::Int32 approxNumObjects() const;
 
+  /// Not owned; eDuplicateKey, eKeyNotFound.
+  Acad::ErrorStatus addReactor(AcDbDatabaseReactor* reactor) const;
+  Acad::ErrorStatus removeReactor(AcDbDatabaseReactor* reactor) const;
+
   /// Full path of the drawing; empty until it was read or saved.
   Acad::ErrorStatus getFilename(const ACHAR*& path) const;
   void setFilename(const ACHAR* path);
@@ -192,9 +245,11 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   std::unique_ptr<tarn::host::DatabaseState> state_;
 };
 
-/// Opens an object. eNullObjectId, ePermanentlyErased (its drawing is gone), eWasErased (unless
-/// `openErased`), eWasOpenForWrite, eWasOpenForRead (write while there are readers),
-/// eWasOpenForNotify, eAtMaxReaders. `object` is null unless eOk.
+/// Opens an object: for read when nobody has it open for write or notification, for write when
+/// nobody has it open at all, for notification unless it is so already. eNullObjectId,
+/// ePermanentlyErased (its drawing is gone), eWasErased (unless `openErased`), eWasOpenForWrite,
+/// eWasOpenForRead (write while there are readers), eWasOpenForNotify, eAtMaxReaders. `object` is
+/// null unless eOk.
 ACADHOST_EXPORT Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbObjectId id,
                                                      AcDb::OpenMode mode, bool openErased = false);
 /// eNotAnEntity for other objects.

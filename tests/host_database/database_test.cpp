@@ -44,6 +44,10 @@ TEST_F(DatabaseTest, OpeningKeepsTheRules) {
                         Case{AcDb::kForRead, AcDb::kForWrite, Acad::eWasOpenForRead},
                         Case{AcDb::kForWrite, AcDb::kForRead, Acad::eWasOpenForWrite},
                         Case{AcDb::kForWrite, AcDb::kForWrite, Acad::eWasOpenForWrite},
+                        Case{AcDb::kForRead, AcDb::kForNotify, Acad::eOk},
+                        Case{AcDb::kForWrite, AcDb::kForNotify, Acad::eOk},
+                        Case{AcDb::kForNotify, AcDb::kForRead, Acad::eWasOpenForNotify},
+                        Case{AcDb::kForNotify, AcDb::kForNotify, Acad::eWasOpenForNotify},
                         Case{AcDb::kForNotify, AcDb::kForWrite, Acad::eWasOpenForNotify}}) {
     AcDbLine* first = nullptr;
     AcDbLine* second = nullptr;
@@ -61,6 +65,28 @@ TEST_F(DatabaseTest, OpeningKeepsTheRules) {
   AcDbEntity* entity = nullptr;
   EXPECT_EQ(acdbOpenAcDbEntity(entity, database_.layerTableId(), AcDb::kForRead),
             Acad::eNotAnEntity);
+}
+
+TEST_F(DatabaseTest, WhatIsOfNoDrawingOrOfAnotherOneIsRefused) {
+  AcDbLine loose;
+  EXPECT_EQ(loose.erase(), Acad::eNoDatabase);
+  EXPECT_EQ(loose.close(), Acad::eInvalidOpenState);
+  EXPECT_EQ(loose.upgradeOpen(), Acad::eInvalidOpenState);
+  AcDbDatabase other;
+  EXPECT_EQ(database_.setClayer(other.layerZero()), Acad::eWrongDatabase);
+  const AcDbObjectId id = addLine();
+  AcDbLine* line = nullptr;
+  ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(line->setLayer(other.layerZero()), Acad::eWrongDatabase);
+  EXPECT_EQ(line->setLayer(database_.layerTableId()), Acad::eInvalidInput);
+  AcDbObjectId again;
+  EXPECT_EQ(other.addAcDbObject(again, line), Acad::eAlreadyInDb);
+  AcDbDictionary* root = nullptr;
+  ASSERT_EQ(other.getNamedObjectsDictionary(root, AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(root->setAt(L"LINE", line, again), Acad::eWrongDatabase);
+  EXPECT_EQ(root->setAt(L"", line, again), Acad::eInvalidKey);
+  root->close();
+  line->close();
 }
 
 TEST_F(DatabaseTest, ReadersAreLimitedAndUpgradesAreExclusive) {
@@ -221,6 +247,56 @@ TEST_F(DatabaseTest, ReactorsHearOfOneObject) {
   layer->close();
   other.reset();
   EXPECT_EQ(counter.events, "meg");
+}
+
+TEST_F(DatabaseTest, ReactorsOfTheDrawingHearOfAllObjects) {
+  class Listener : public AcDbDatabaseReactor {
+   public:
+    void objectAppended(const AcDbDatabase*, const AcDbObject*) override { events += "+"; }
+    void objectOpenedForModify(const AcDbDatabase*, const AcDbObject*) override { events += "o"; }
+    void objectModified(const AcDbDatabase*, const AcDbObject*) override { events += "m"; }
+    void objectErased(const AcDbDatabase*, const AcDbObject*, Adesk::Boolean on) override {
+      events += on ? "e" : "u";
+    }
+    void headerSysVarWillChange(const AcDbDatabase*, const ACHAR*) override { events += "h"; }
+    void headerSysVarChanged(const AcDbDatabase*, const ACHAR* name, Adesk::Boolean) override {
+      events += name == std::wstring(L"CLAYER") ? "c" : "l";
+    }
+    void goodbye(const AcDbDatabase*) override { events += "g"; }
+    std::string events;
+  } listener;
+  class OfOne : public AcDbObjectReactor {
+   public:
+    void openedForModify(const AcDbObject*) override { events += "o"; }
+    void modified(const AcDbObject*) override { events += "m"; }
+    void modifiedXData(const AcDbObject*) override { events += "x"; }
+    void objectClosed(const AcDbObjectId) override { events += "c"; }
+    std::string events;
+  } one;
+  auto drawing = std::make_unique<AcDbDatabase>();
+  EXPECT_EQ(drawing->addReactor(&listener), Acad::eOk);
+  EXPECT_EQ(drawing->addReactor(&listener), Acad::eDuplicateKey);
+  AcDbLayerTableRecord* layer = nullptr;
+  ASSERT_EQ(acdbOpenObject(layer, drawing->layerZero(), AcDb::kForWrite), Acad::eOk);
+  layer->addReactor(&one);
+  layer->setIsOff(true);
+  layer->setIsOff(false);
+  EXPECT_EQ(layer->createExtensionDictionary(), Acad::eOk);
+  layer->close();
+  EXPECT_EQ(listener.events, "o+m");
+  EXPECT_EQ(one.events, "omc");
+  listener.events.clear();
+  ASSERT_EQ(acdbOpenObject(layer, drawing->layerZero(), AcDb::kForWrite), Acad::eOk);
+  layer->close();
+  ASSERT_EQ(acdbOpenObject(layer, drawing->layerZero(), AcDb::kForWrite), Acad::eOk);
+  layer->erase();
+  layer->close();
+  EXPECT_EQ(listener.events, "ee") << "with its dictionary";
+  EXPECT_EQ(one.events, "omccc");
+  EXPECT_EQ(drawing->setClayer(drawing->layerZero()), Acad::eInvalidInput);
+  EXPECT_EQ(drawing->setLtscale(2), Acad::eOk);
+  drawing.reset();
+  EXPECT_EQ(listener.events, "eehlg");
 }
 
 TEST(Status, HasItsNameAndPublicValue) {
