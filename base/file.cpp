@@ -152,6 +152,10 @@ Result<std::string> readFile(const std::string& path, uint64_t limit) {
   const int handle = openRegular(path);
   if (handle < 0) return openFailure(path);
   std::string bytes;
+  struct stat info {};
+  if (::fstat(handle, &info) == 0 && info.st_size > 0) {
+    bytes.reserve(std::min(static_cast<uint64_t>(info.st_size), limit) + 1);
+  }
   char buffer[65536];
   ssize_t count = 0;
   while ((count = ::read(handle, buffer, sizeof buffer)) != 0) {
