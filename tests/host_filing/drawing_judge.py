@@ -25,11 +25,15 @@ except ImportError:
     sys.exit(77)
 
 
-def read(path):
+def is_binary(path):
     with open(path, "rb") as file:
-        if file.read(18) == b"AutoCAD Binary DXF":
-            doc = ezdxf.readfile(path)  # the mending reader knows only text
-            return doc, doc.audit()
+        return file.read(18) == b"AutoCAD Binary DXF"
+
+
+def read(path):
+    if is_binary(path):
+        doc = ezdxf.readfile(path)  # the mending reader knows only text
+        return doc, doc.audit()
     return recover.readfile(path)
 
 
@@ -86,6 +90,8 @@ def forms(old, new):
         known = errors_of(before, mended)
     except Exception:
         return
+    if known and is_binary(new):
+        return  # nobody mends it there
     after, mended = read(new)
     for error in errors_of(after, mended) - known:
         print(f"{old}: {error}")
@@ -100,7 +106,8 @@ def forms(old, new):
                   for d, g in zip((before, after), graphic))
     # The library gives entities of R12 handles of its own.
     if before.dxfversion < "AC1012":
-        one, other = list(one.values()), list(other.values())
+        one, other = ([(kind, [t for t in tags if not isinstance(t, tuple) or t[0] not in (5, 105, 330)])
+                       for kind, tags in found.values()] for found in (one, other))
     if one != other:
         for key in one.keys() | other.keys() if isinstance(one, dict) else []:
             if one.get(key) != other.get(key):
