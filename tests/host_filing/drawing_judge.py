@@ -30,11 +30,13 @@ def is_binary(path):
         return file.read(18) == b"AutoCAD Binary DXF"
 
 
+def strict(path):
+    doc = ezdxf.readfile(path)
+    return doc, doc.audit()
+
+
 def read(path):
-    if is_binary(path):
-        doc = ezdxf.readfile(path)  # the mending reader knows only text
-        return doc, doc.audit()
-    return recover.readfile(path)
+    return strict(path) if is_binary(path) else recover.readfile(path)
 
 
 def tags_of(entity, version):
@@ -86,20 +88,21 @@ KEPT_OBJECTS = {"XRECORD", "IMAGEDEF", "GROUP", "DICTIONARYVAR"}
 
 def forms(old, new):
     try:
-        before, mended = read(old)
+        # Nobody mends what is in a binary drawing.
+        before, mended = strict(old) if is_binary(new) else read(old)
         known = errors_of(before, mended)
     except Exception:
         return
-    if known and is_binary(new):
-        return  # nobody mends it there
     after, mended = read(new)
     for error in errors_of(after, mended) - known:
         print(f"{old}: {error}")
     try:
-        ezdxf.readfile(old)
+        strict(old)
     except Exception:
         return  # what is mended on the way need not be mended in the same way
-    ezdxf.readfile(new)
+    strict(new)
+    if known:
+        return
     version = min(before.dxfversion, after.dxfversion)
     graphic = [{e.dxf.handle for e in d.modelspace()} for d in (before, after)]
     one, other = ({h: o for h, o in objects_of(d, version).items() if h in g or o[0] in KEPT_OBJECTS}

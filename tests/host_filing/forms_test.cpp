@@ -177,9 +177,14 @@ TEST_F(Forms, whatIsAddedMovedAndErasedIsAllThatDiffers) {
     std::multiset<std::string> kinds;
     for (const std::string& line : split(found.output, '\n')) {
       // The reader makes up objects that it misses; an image takes its reactor with it.
-      const std::string handle = "\n" + line.substr(line.rfind(' ') + 1) + "\n";
-      const bool was = bytesOf(before).find(handle) != std::string::npos;
-      const bool is = bytesOf(after).find(handle) != std::string::npos;
+      const std::string handle = "\n" + line.substr(line.rfind(' ') + 1);
+      const auto isIn = [&](const std::string& file) {
+        const std::string bytes = bytesOf(file);
+        return bytes.find(handle + "\n") != std::string::npos ||
+               bytes.find(handle + "\r") != std::string::npos;
+      };
+      const bool was = isIn(before);
+      const bool is = isIn(after);
       if (line.empty() || (!was && !is) || line.find("IMAGEDEF_REACTOR") != std::string::npos) {
         continue;
       }
