@@ -92,10 +92,19 @@ TARN_AVX2 inline __m256i blendPair(const Constants& c, const uint8_t* pixels, si
   return _mm256_srli_epi32(_mm256_add_epi32(sums, c.rounding), kBlendBits);
 }
 
+/// Makes the pixels black that have keys alone, and returns which are mixed.
+TARN_AVX2 inline int takeKeys(__m256i keys, __m256i& values) {
+  if (_mm256_testz_si256(keys, keys)) return 0;
+  const __m256i only = _mm256_cmpeq_epi32(keys, _mm256_set1_epi32(-1));
+  const __m256i none = _mm256_cmpeq_epi32(keys, _mm256_setzero_si256());
+  values = _mm256_andnot_si256(only, values);
+  return ~_mm256_movemask_ps(_mm256_castsi256_ps(_mm256_or_si256(only, none))) & 0xFF;
+}
+
 /// Eight pixels from the i-th on as 24 bytes, with four more behind them; returns which are mixed.
 template <bool kHasKeys, bool kAllInside>
-TARN_AVX2 inline int blendEight(const Constants& c, const uint8_t* pixels, size_t stride,
-                                const RowSources& from, int i, uint8_t* out) {
+TARN_AVX2 inline int coloursOf(const Constants& c, const uint8_t* pixels, size_t stride,
+                               const RowSources& from, int i, uint8_t* out) {
   const Shares shares = sharesOf(from.share + i);
   const int32_t* offset = from.offset + i;
   __m256i keys = _mm256_setzero_si256();
@@ -108,18 +117,12 @@ TARN_AVX2 inline int blendEight(const Constants& c, const uint8_t* pixels, size_
   rgb = _mm256_or_si256(rgb,
                         _mm256_and_si256(_mm256_cmpeq_epi32(rgb, _mm256_setzero_si256()), c.least));
   rgb = _mm256_xor_si256(rgb, _mm256_and_si256(_mm256_cmpeq_epi32(rgb, c.white), c.least));
-  int mixed = 0;
   if (!kAllInside) {
     const __m256i inside = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from.inside + i));
     rgb = _mm256_and_si256(rgb, inside);
     keys = _mm256_and_si256(keys, inside);
   }
-  if (kHasKeys && !_mm256_testz_si256(keys, keys)) {
-    const __m256i only = _mm256_cmpeq_epi32(keys, _mm256_set1_epi32(-1));
-    const __m256i none = _mm256_cmpeq_epi32(keys, _mm256_setzero_si256());
-    rgb = _mm256_andnot_si256(only, rgb);
-    mixed = ~_mm256_movemask_ps(_mm256_castsi256_ps(_mm256_or_si256(only, none))) & 0xFF;
-  }
+  const int mixed = kHasKeys ? takeKeys(keys, rgb) : 0;
   rgb = _mm256_shuffle_epi8(rgb, c.packed);
   // Each half leaves four bytes behind its twelve, which what follows overwrites.
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(rgb));
@@ -127,43 +130,94 @@ TARN_AVX2 inline int blendEight(const Constants& c, const uint8_t* pixels, size_
   return mixed;
 }
 
+/// The same for gray, 8 bytes and none behind them.
 template <bool kHasKeys, bool kAllInside>
-TARN_AVX2 int blendEights(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
+TARN_AVX2 inline int graysOf(const Constants& c, const uint8_t* pixels, size_t stride,
+                             const RowSources& from, int i, uint8_t* out) {
+  const Shares shares = sharesOf(from.share + i);
+  const __m256i offset = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from.offset + i));
+  const auto row = [](const uint8_t* at) { return reinterpret_cast<const int*>(at); };
+  const __m256i top = _mm256_i32gather_epi32(row(pixels), offset, 1);
+  const __m256i bottom = _mm256_i32gather_epi32(row(pixels + stride), offset, 1);
+  // Each number: two pixels of the upper row, two of the lower one.
+  const __m256i around = _mm256_blend_epi16(top, _mm256_slli_epi32(bottom, 16), 0xAA);
+  const __m256i across = _mm256_or_si256(shares.across, _mm256_slli_epi32(shares.across, 16));
+  const __m256i rows = _mm256_maddubs_epi16(across, _mm256_xor_si256(around, c.bias));
+  const __m256i sums = _mm256_madd_epi16(rows, shares.down);
+  __m256i values = _mm256_srli_epi32(_mm256_add_epi32(sums, c.rounding), kBlendBits);
+  values = _mm256_min_epi32(_mm256_max_epi32(values, _mm256_set1_epi32(1)), _mm256_set1_epi32(254));
+  __m256i keys = _mm256_or_si256(_mm256_cmpeq_epi8(around, _mm256_setzero_si256()),
+                                 _mm256_cmpeq_epi8(around, _mm256_set1_epi8(-1)));
+  if (!kAllInside) {
+    const __m256i inside = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from.inside + i));
+    values = _mm256_and_si256(values, inside);
+    keys = _mm256_and_si256(keys, inside);
+  }
+  const int mixed = kHasKeys ? takeKeys(keys, values) : 0;
+  const __m256i words = _mm256_packs_epi32(values, values);
+  const __m256i bytes = _mm256_packus_epi16(words, words);
+  const int32_t halves[2] = {_mm_cvtsi128_si32(_mm256_castsi256_si128(bytes)),
+                             _mm_cvtsi128_si32(_mm256_extracti128_si256(bytes, 1))};
+  std::memcpy(out, halves, sizeof halves);
+  return mixed;
+}
+
+template <int kChannels, bool kHasKeys, bool kAllInside>
+TARN_AVX2 inline int groupOf(const Constants& c, const uint8_t* pixels, size_t stride,
+                             const RowSources& from, int i, uint8_t* out) {
+  if constexpr (kChannels == 3)
+    return coloursOf<kHasKeys, kAllInside>(c, pixels, stride, from, i, out);
+  return graysOf<kHasKeys, kAllInside>(c, pixels, stride, from, i, out);
+}
+
+template <int kChannels, bool kHasKeys, bool kAllInside>
+TARN_AVX2 int blendGroups(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
                           uint8_t* out, uint8_t* mixed) {
+  constexpr auto kBytes = static_cast<size_t>(kChannels);
   const Constants c = makeConstants();
   // Two more pixels take the bytes that are stored beyond a group.
   int i = 0;
   for (; i + kGroup + 2 <= count; i += kGroup) {
-    const int left = blendEight<kHasKeys, kAllInside>(c, pixels, stride, from, i, out + 3 * i);
+    const int left =
+        groupOf<kChannels, kHasKeys, kAllInside>(c, pixels, stride, from, i, out + kBytes * i);
     if (kHasKeys) mixed[i / kGroup] = static_cast<uint8_t>(left);
   }
   while (i < count) {
     // The last ones once more with as many before them as make a group.
     const int first = count - i < kGroup ? count - kGroup : i;
-    uint8_t bytes[3 * kGroup + 8];
-    const int left = blendEight<kHasKeys, kAllInside>(c, pixels, stride, from, first, bytes);
-    const size_t known = static_cast<size_t>(3) * (i - first);
-    std::memcpy(out + 3 * static_cast<size_t>(i), bytes + known, 3 * kGroup - known);
+    uint8_t bytes[kBytes * kGroup + 8];
+    const int left =
+        groupOf<kChannels, kHasKeys, kAllInside>(c, pixels, stride, from, first, bytes);
+    const size_t known = kBytes * (i - first);
+    std::memcpy(out + kBytes * i, bytes + known, kBytes * kGroup - known);
     if (kHasKeys) mixed[i / kGroup] = static_cast<uint8_t>(left >> (i - first));
     i = first + kGroup;
   }
   return count;
 }
 
+template <int kChannels>
+int blendMany(const uint8_t* pixels, size_t stride, const RowSources& from, int count, uint8_t* out,
+              bool keys, uint8_t* mixed) {
+  const auto blend =
+      keys ? from.inside ? blendGroups<kChannels, true, false> : blendGroups<kChannels, true, true>
+      : from.inside ? blendGroups<kChannels, false, false>
+                    : blendGroups<kChannels, false, true>;
+  return blend(pixels, stride, from, count, out, mixed);
+}
+
 const bool kHasAvx2 = __builtin_cpu_supports("avx2") != 0;
 
 }  // namespace
 
-int blendManyColours(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
-                     uint8_t* out, bool keys, uint8_t* mixed) {
+int blendManyPixels(const uint8_t* pixels, size_t stride, int channels, const RowSources& from,
+                    int count, uint8_t* out, bool keys, uint8_t* mixed) {
   if (!kHasAvx2 || count < kGroup) return 0;
-  const auto blend = keys ? from.inside ? blendEights<true, false> : blendEights<true, true>
-                     : from.inside ? blendEights<false, false>
-                                   : blendEights<false, true>;
-  return blend(pixels, stride, from, count, out, mixed);
+  return channels == 3 ? blendMany<3>(pixels, stride, from, count, out, keys, mixed)
+                       : blendMany<1>(pixels, stride, from, count, out, keys, mixed);
 }
 #else
-int blendManyColours(const uint8_t*, size_t, const RowSources&, int, uint8_t*, bool, uint8_t*) {
+int blendManyPixels(const uint8_t*, size_t, int, const RowSources&, int, uint8_t*, bool, uint8_t*) {
   return 0;
 }
 #endif

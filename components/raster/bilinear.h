@@ -68,12 +68,21 @@ inline uint32_t blendColours(const uint8_t* p, size_t stride, int share) {
 }
 #endif
 
-/// Blends as many pixels of a row of `count` at once as this processor can, from the first on, and
-/// returns how many that were: all or none. Result pixels are never pure black or white where there
-/// is an image, and black elsewhere. With `keys`, those for which some of the four pixels are pure
-/// black or white are left to the caller: their bytes are not defined, and bit (i % 8) of
-/// mixed[i / 8] is set; where all four are, the result is black. Reads two bytes behind the pixels.
-int blendManyColours(const uint8_t* pixels, size_t stride, const RowSources& from, int count,
-                     uint8_t* out, bool keys, uint8_t* mixed);
+/// The same of gray pixels.
+inline int blendGray(const uint8_t* p, size_t stride, int share) {
+  const int fx = acrossOf(share) >> 1, fy = downOf(share);
+  const int top = p[0] * (128 - fx) + p[1] * fx;
+  const int bottom = p[stride] * (128 - fx) + p[stride + 1] * fx;
+  return (top * (kWholeShare - fy) + bottom * fy + kBlendHalf) >> kBlendBits;
+}
+
+/// Blends as many pixels of a row of `count`, of one or three bytes, at once as this processor can,
+/// from the first on, and returns how many that were: all or none. Results are never pure black or
+/// white where there is an image, and black elsewhere. With `keys`, those for which some of the
+/// four pixels are pure black or white are left to the caller: their bytes are not defined, and bit
+/// (i % 8) of mixed[i / 8] is set; where all four are, the result is black. Reads three bytes
+/// behind the pixels.
+int blendManyPixels(const uint8_t* pixels, size_t stride, int channels, const RowSources& from,
+                    int count, uint8_t* out, bool keys, uint8_t* mixed);
 
 }  // namespace tarn::raster

@@ -78,46 +78,21 @@ inline bool keysAround(const uint8_t* p, size_t stride) {
   return isKeyAt(p) || isKeyAt(p + 3) || isKeyAt(p + stride) || isKeyAt(p + stride + 3);
 }
 
-void sampleColours(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
-  const size_t stride = patch.stride();
-  const uint8_t* pixels = patch.pixels.get();
-  std::vector<uint8_t> mixed(patch.hasKeys ? (static_cast<size_t>(count) + 7) / 8 : 0);
-  const int done = blendManyColours(pixels, stride, from, count, out, patch.hasKeys, mixed.data());
-  for (int i = 0; i < done && patch.hasKeys; i += 8) {
-    for (int left = mixed[i / 8], k = i; left != 0; left >>= 1, ++k) {
-      if ((left & 1) != 0)
-        blendContent(pixels + from.offset[k], stride, 3, from.share[k],
-                     out + 3 * static_cast<size_t>(k));
-    }
-  }
-  for (int i = done; i < count; ++i) {
-    const uint8_t* p = pixels + from.offset[i];
-    uint8_t* target = out + 3 * static_cast<size_t>(i);
-    const bool inside = !from.inside || from.inside[i] != 0;
-    if (patch.hasKeys && inside && keysAround(p, stride)) {
-      blendContent(p, stride, 3, from.share[i], target);
-      continue;
-    }
-    const uint32_t rgb = inside ? contentOnly(blendColours(p, stride, from.share[i])) : 0;
-    std::memcpy(target, &rgb, 3);
-  }
+inline bool keysAroundGray(const uint8_t* p, size_t stride) {
+  return isKey(p, 1) || isKey(p + 1, 1) || isKey(p + stride, 1) || isKey(p + stride + 1, 1);
 }
 
-template <bool kHasKeys, bool kAllInside>
-void sampleGray(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
+/// One pixel of a position inside the image.
+inline void sampleOne(const PixelPatch& patch, const uint8_t* p, int share, uint8_t* out) {
   const size_t stride = patch.stride();
-  const uint8_t* pixels = patch.pixels.get();
-  for (int i = 0; i < count; ++i) {
-    const uint8_t* p = pixels + from.offset[i];
-    const int inside = kAllInside ? -1 : from.inside[i];
-    if (kHasKeys && inside != 0) {
-      blendContent(p, stride, 1, from.share[i], out + i);
-      continue;
-    }
-    const Weights w = weightsOf(from.share[i]);
-    const int sum = p[0] * w.w[0] + p[1] * w.w[1] + p[stride] * w.w[2] + p[stride + 1] * w.w[3];
-    const int value = std::clamp((sum + kOne / 2) >> 8, 1, 254);
-    out[i] = static_cast<uint8_t>(value & inside);
+  const bool gray = patch.channels == 1;
+  if (patch.hasKeys && (gray ? keysAroundGray(p, stride) : keysAround(p, stride))) {
+    blendContent(p, stride, patch.channels, share, out);
+  } else if (gray) {
+    *out = static_cast<uint8_t>(std::clamp(blendGray(p, stride, share), 1, 254));
+  } else {
+    const uint32_t rgb = contentOnly(blendColours(p, stride, share));
+    std::memcpy(out, &rgb, 3);
   }
 }
 
@@ -196,11 +171,25 @@ void locatePoints(const PlanePoint* points, int count, const LevelExtent& extent
 }
 
 void sampleRow(const PixelPatch& patch, const RowSources& from, int count, uint8_t* out) {
-  if (patch.channels == 3) return sampleColours(patch, from, count, out);
-  if (from.inside) {
-    (patch.hasKeys ? sampleGray<true, false> : sampleGray<false, false>)(patch, from, count, out);
-  } else {
-    (patch.hasKeys ? sampleGray<true, true> : sampleGray<false, true>)(patch, from, count, out);
+  const auto channels = static_cast<size_t>(patch.channels);
+  const uint8_t* pixels = patch.pixels.get();
+  std::vector<uint8_t> mixed(patch.hasKeys ? (static_cast<size_t>(count) + 7) / 8 : 0);
+  const int done = blendManyPixels(pixels, patch.stride(), patch.channels, from, count, out,
+                                   patch.hasKeys, mixed.data());
+  for (int i = 0; i < done && patch.hasKeys; i += 8) {
+    for (int left = mixed[i / 8], k = i; left != 0; left >>= 1, ++k) {
+      if ((left & 1) != 0)
+        blendContent(pixels + from.offset[k], patch.stride(), patch.channels, from.share[k],
+                     out + channels * k);
+    }
+  }
+  for (int i = done; i < count; ++i) {
+    uint8_t* target = out + channels * i;
+    if (from.inside && from.inside[i] == 0) {
+      std::memset(target, 0, channels);
+    } else {
+      sampleOne(patch, pixels + from.offset[i], from.share[i], target);
+    }
   }
 }
 
