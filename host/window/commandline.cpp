@@ -11,6 +11,7 @@
 #include <QTextCursor>
 #include <QVBoxLayout>
 
+#include "host/window/hostwords.h"
 #include "host/window/words.h"
 
 namespace tarn::host {
@@ -71,6 +72,7 @@ CommandLine::CommandLine(Hooks hooks)
 void CommandLine::speakAgain() {
   history_->setAccessibleName(words("What was typed and answered"));
   input_->setAccessibleName(words("Command line"));
+  setPrompt(prompted_);
   input_->setPlaceholderText(words("Type a command, or F1 for all of them"));
 }
 
@@ -100,8 +102,9 @@ void CommandLine::scrollToEnd() {
 }
 
 void CommandLine::setPrompt(const std::string& prompt) {
-  fullPrompt_ = QString::fromStdString(prompt).trimmed();
-  fullPrompt_ = fullPrompt_.mid(fullPrompt_.lastIndexOf('\n') + 1);
+  prompted_ = prompt;
+  const QString lines = QString::fromStdString(prompt).trimmed();
+  fullPrompt_ = hostWords(lines.mid(lines.lastIndexOf('\n') + 1).toStdString());
   prompt_->setToolTip(fullPrompt_);
   elidePrompt();
 }

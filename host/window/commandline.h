@@ -60,6 +60,7 @@ class CommandLine : public QWidget {
   QPlainTextEdit* history_;  ///< these three belong to the widget
   QLabel* prompt_;
   QLineEdit* input_;
+  std::string prompted_;  ///< as it was given
   QString fullPrompt_;
   bool openLine_ = false;
   int recalled_ = 0;                    ///< how far back the shown line stands; 0: a new line

@@ -11,6 +11,8 @@
 #include "host/ui/menumodel.h"
 #include "host/ui/uiservices.h"
 #include "host/window/filefilters.h"
+#include "host/window/hostwords.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -57,6 +59,11 @@ int identifierOf(int button, unsigned type) {
     default:
       return refusingButton(type);
   }
+}
+
+/// Only letters of a keyboard can be pressed.
+QString withLetter(const QString& text) {
+  return !text.isEmpty() && text[0].unicode() < 128 ? "&" + text : text;
 }
 
 void fillMenu(QMenu& menu, const MenuModel& model) {
@@ -132,13 +139,13 @@ size_t DialogBackend::choose(const std::string& question, const std::vector<std:
   QMessageBox box(parent_);
   box.setWindowTitle("Tarn Image");
   box.setTextFormat(Qt::PlainText);
-  box.setText(QString::fromStdString(question));
+  box.setText(hostWords(question));
   box.setIcon(QMessageBox::Question);
   std::vector<QAbstractButton*> buttons;
   for (const std::string& answer : answers) {
     // Only the last one refuses; the order on the screen is that of the answers.
     QPushButton* button = box.addButton(
-        "&" + QString::fromStdString(answer),
+        withLetter(hostWords(answer)),
         buttons.size() + 1 == answers.size() ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
     if (buttons.size() == standard) box.setDefaultButton(button);
     buttons.push_back(button);
@@ -165,10 +172,10 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
                      : request.open && request.mustExist ? QFileDialog::ExistingFile
                                                          : QFileDialog::AnyFile);
   // After the mode, which has a title of its own.
-  dialog.setWindowTitle(!request.title.empty() ? QString::fromStdString(request.title)
-                        : request.folder       ? "Choose a folder"
-                        : request.open         ? "Open"
-                                               : "Save as");
+  dialog.setWindowTitle(!request.title.empty() ? hostWords(request.title)
+                        : request.folder       ? words("Choose a folder")
+                        : request.open         ? words("Open")
+                                               : words("Save as"));
   dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
   dialog.setDefaultSuffix(plainExtension(request.defaultExtension));
   const QStringList filters = dialogFilters(filterOf(request));

@@ -12,6 +12,7 @@
 
 #include "host/graphics/color.h"
 #include "host/window/icons.h"
+#include "host/window/tableitem.h"
 #include "host/window/words.h"
 
 namespace tarn::host {
@@ -121,12 +122,13 @@ void LayerList::fillRow(int row) {
   const QColor ink = palette().color(QPalette::Text);
   const QColor faint = palette().color(QPalette::Disabled, QPalette::Text);
   const auto set = [&](int column, const QIcon& icon, const QString& text, const QString& spoken) {
-    auto* item = new QTableWidgetItem(icon, text);
+    QTableWidgetItem* item = itemAt(*table_, row, column);
+    item->setIcon(icon);
+    item->setText(text);
     item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled |
                    (column == kName ? Qt::ItemIsEditable : Qt::NoItemFlags));
     item->setToolTip(spoken);
     item->setData(Qt::AccessibleTextRole, spoken);
-    table_->setItem(row, column, item);
   };
   const auto icon = [&](const char* yes, const char* no, bool is) {
     return makeIcon(is ? yes : no, is ? ink : faint);

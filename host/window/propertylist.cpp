@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "host/window/tableitem.h"
 #include "host/window/words.h"
 
 namespace tarn::host {
@@ -115,16 +116,16 @@ void PropertyList::fill() {
   table_->setRowCount(static_cast<int>(values_.size()));
   for (int row = 0; row < table_->rowCount(); ++row) {
     const EntityValue& value = values_[static_cast<size_t>(row)];
-    auto* name = new QTableWidgetItem(words(value.name));
+    QTableWidgetItem* name = itemAt(*table_, row, 0);
+    name->setText(words(value.name));
     name->setFlags(Qt::ItemIsEnabled);
-    table_->setItem(row, 0, name);
-    auto* item = new QTableWidgetItem(QString::fromStdString(value.value));
-    if (value.differs) item->setToolTip(words("They differ"));
+    QTableWidgetItem* item = itemAt(*table_, row, 1);
+    item->setText(QString::fromStdString(value.value));
+    item->setToolTip(value.differs ? words("They differ") : QString());
     const bool editable = value.kind != ValueKind::kShown;
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable |
                    (editable ? Qt::ItemIsEditable : Qt::NoItemFlags));
     item->setData(kKindRole, static_cast<int>(value.kind));
-    table_->setItem(row, 1, item);
   }
   filling_ = false;
 }

@@ -98,7 +98,7 @@ void Switches::fill(QMenu& menu, QMenu* bars) {
   }
   addAppearance(*menu.addMenu(words("Appearan&ce")));
   addGround(*menu.addMenu(words("Drawing &ground")));
-  addLanguages(*menu.addMenu(words("Lan&guage")));
+  addLanguages(*menu.addMenu(words("Lang&uage")));
   menu.addAction(full_);
 }
 

@@ -74,13 +74,19 @@
     <message><source>Angle</source><translation>角度</translation></message>
     <message><source>Appearan&amp;ce</source><translation>外观(&amp;C)</translation></message>
     <message><source>As the &amp;system</source><translation>跟随系统(&amp;S)</translation></message>
+    <message><source>Base point or [Displacement] &lt;Displacement&gt;:</source><translation>基点或 [Displacement] &lt;Displacement&gt;:</translation></message>
+    <message><source>Base point or displacement:</source><translation>基点或位移:</translation></message>
+    <message><source>Base point:</source><translation>基点:</translation></message>
     <message><source>Black or white</source><translation>黑或白</translation></message>
     <message><source>Blue</source><translation>蓝</translation></message>
     <message><source>By number...</source><translation>按编号...</translation></message>
     <message><source>C&amp;opy beside</source><translation>复制到旁边(&amp;O)</translation></message>
+    <message><source>Cancel</source><translation>取消</translation></message>
     <message><source>Center</source><translation>圆心</translation></message>
     <message><source>Center X</source><translation>圆心 X</translation></message>
     <message><source>Center Y</source><translation>圆心 Y</translation></message>
+    <message><source>Center point:</source><translation>圆心:</translation></message>
+    <message><source>Choose a folder</source><translation>选择文件夹</translation></message>
     <message><source>Choose entities by clicks or a window – Enter ends</source><translation>单击或框选对象，按回车结束</translation></message>
     <message><source>Clarit&amp;y</source><translation>清晰度(&amp;Y)</translation></message>
     <message><source>Click a point or type its coordinates – Escape cancels</source><translation>单击一点或输入坐标，按 Esc 取消</translation></message>
@@ -88,12 +94,17 @@
     <message><source>Click: make it the current one</source><translation>单击：置为当前</translation></message>
     <message><source>Close this drawing</source><translation>关闭此图形</translation></message>
     <message><source>Colour</source><translation>颜色</translation></message>
-    <message><source>Colour, 1 to 255:</source><translation>颜色，1 到 255：</translation></message>
+    <message><source>Colour, 1 to 255:</source><translation>颜色，1 到 255:</translation></message>
     <message><source>Command line</source><translation>命令行</translation></message>
+    <message><source>Command:</source><translation>命令:</translation></message>
     <message><source>Commands that begin so</source><translation>以此开头的命令</translation></message>
+    <message><source>Corner of the viewport or [ON/OFF/Fit]:</source><translation>视口的角点或 [ON/OFF/Fit]:</translation></message>
+    <message><source>Corner of window, scale (nX) or [All/Center/Extents/Previous/Window]:</source><translation>窗口角点、比例 (nX) 或 [All/Center/Extents/Previous/Window]:</translation></message>
     <message><source>Current layer</source><translation>当前图层</translation></message>
     <message><source>Cyan</source><translation>青</translation></message>
     <message><source>Delete</source><translation>删除</translation></message>
+    <message><source>Discard</source><translation>放弃</translation></message>
+    <message><source>Displacement:</source><translation>位移:</translation></message>
     <message><source>Do not show this again</source><translation>不再显示</translation></message>
     <message><source>Draw</source><translation>绘图</translation></message>
     <message><source>Drawing</source><translation>图形</translation></message>
@@ -107,6 +118,8 @@
     <message><source>Endpoint</source><translation>端点</translation></message>
     <message><source>Escape leaves anything. F1 lists all commands.</source><translation>按 Esc 可退出任何操作。F1 列出全部命令。</translation></message>
     <message><source>Fetch more &amp;around the view</source><translation>视图外扩读取(&amp;A)</translation></message>
+    <message><source>First corner:</source><translation>第一个角点:</translation></message>
+    <message><source>First point:</source><translation>第一点:</translation></message>
     <message><source>First steps</source><translation>入门</translation></message>
     <message><source>Five things to try:</source><translation>试试这五件事：</translation></message>
     <message><source>Free</source><translation>解锁</translation></message>
@@ -114,19 +127,25 @@
     <message><source>Gray</source><translation>灰</translation></message>
     <message><source>Green</source><translation>绿</translation></message>
     <message><source>Height</source><translation>高度</translation></message>
+    <message><source>Height &lt;2.5&gt;:</source><translation>高度 &lt;2.5&gt;:</translation></message>
+    <message><source>Height or magnification (nX):</source><translation>高度或比例 (nX):</translation></message>
     <message><source>Image &amp;list</source><translation>影像列表(&amp;L)</translation></message>
     <message><source>Image &amp;servers...</source><translation>影像服务器(&amp;S)...</translation></message>
     <message><source>Images</source><translation>影像</translation></message>
     <message><source>Insertion</source><translation>插入点</translation></message>
+    <message><source>Insertion point &lt;0,0&gt;:</source><translation>插入点 &lt;0,0&gt;:</translation></message>
+    <message><source>Insertion point:</source><translation>插入点:</translation></message>
     <message><source>Intersection</source><translation>交点</translation></message>
     <message><source>Kind</source><translation>类型</translation></message>
-    <message><source>Lan&amp;guage</source><translation>语言(&amp;G)</translation></message>
+    <message><source>Lang&amp;uage</source><translation>语言(&amp;U)</translation></message>
     <message><source>Layer</source><translation>图层</translation></message>
     <message><source>Layers</source><translation>图层</translation></message>
+    <message><source>Layout [?/Delete/New/Rename/Set] &lt;Set&gt;:</source><translation>布局 [?/Delete/New/Rename/Set] &lt;Set&gt;:</translation></message>
     <message><source>Length</source><translation>长度</translation></message>
     <message><source>Light gray</source><translation>浅灰</translation></message>
     <message><source>Line type</source><translation>线型</translation></message>
     <message><source>Line type scale</source><translation>线型比例</translation></message>
+    <message><source>Load a module</source><translation>加载模块</translation></message>
     <message><source>Loaded &amp;modules</source><translation>已加载的模块(&amp;M)</translation></message>
     <message><source>Locked</source><translation>锁定</translation></message>
     <message><source>Magenta</source><translation>洋红</translation></message>
@@ -134,58 +153,95 @@
     <message><source>Midpoint</source><translation>中点</translation></message>
     <message><source>Model and sheets</source><translation>模型和布局</translation></message>
     <message><source>Modify</source><translation>修改</translation></message>
+    <message><source>Module to unload:</source><translation>要卸载的模块:</translation></message>
+    <message><source>Modules [?/Load/Unload]:</source><translation>模块 [?/Load/Unload]:</translation></message>
     <message><source>Name</source><translation>名称</translation></message>
+    <message><source>Name of the layer to be current:</source><translation>要置为当前的图层名:</translation></message>
+    <message><source>Name of the new layer:</source><translation>新图层名:</translation></message>
     <message><source>Named &amp;views</source><translation>命名视图(&amp;V)</translation></message>
+    <message><source>Names of the layers, or *:</source><translation>图层名，或 *:</translation></message>
     <message><source>Nearest</source><translation>最近点</translation></message>
     <message><source>New &amp;viewport</source><translation>新建视口(&amp;V)</translation></message>
+    <message><source>New angle:</source><translation>新角度:</translation></message>
     <message><source>New layer</source><translation>新建图层</translation></message>
+    <message><source>New length:</source><translation>新长度:</translation></message>
+    <message><source>Next point or [Arc/Close/Line/Undo]:</source><translation>下一点或 [Arc/Close/Line/Undo]:</translation></message>
+    <message><source>Next point or [Close/Undo]:</source><translation>下一点或 [Close/Undo]:</translation></message>
+    <message><source>Next point or [Undo]:</source><translation>下一点或 [Undo]:</translation></message>
+    <message><source>No</source><translation>否</translation></message>
     <message><source>Node</source><translation>节点</translation></message>
     <message><source>Nothing is chosen: click entities in the drawing.</source><translation>没有选择对象：请在图形中单击对象。</translation></message>
+    <message><source>Number of steps to redo or [All/Last]:</source><translation>重做的步数或 [All/Last]:</translation></message>
+    <message><source>Number of steps to undo or [BAck/BEgin/Control/End/Mark] &lt;1&gt;:</source><translation>撤销的步数或 [BAck/BEgin/Control/End/Mark] &lt;1&gt;:</translation></message>
     <message><source>Off</source><translation>关</translation></message>
     <message><source>On</source><translation>开</translation></message>
+    <message><source>Open</source><translation>打开</translation></message>
     <message><source>Open &amp;recent</source><translation>最近打开的文件(&amp;R)</translation></message>
+    <message><source>Open drawing</source><translation>打开图形</translation></message>
     <message><source>Open drawings</source><translation>打开的图形</translation></message>
+    <message><source>Opposite corner:</source><translation>对角点:</translation></message>
     <message><source>Ort&amp;ho</source><translation>正交(&amp;H)</translation></message>
     <message><source>Ortho</source><translation>正交</translation></message>
     <message><source>P&amp;an</source><translation>平移(&amp;A)</translation></message>
     <message><source>P&amp;lot...</source><translation>打印(&amp;L)...</translation></message>
     <message><source>Pa&amp;n</source><translation>平移(&amp;N)</translation></message>
     <message><source>Point cloud with p&amp;osition...</source><translation>按位置附着点云(&amp;O)...</translation></message>
+    <message><source>Point:</source><translation>点:</translation></message>
     <message><source>Pre&amp;vious view</source><translation>上一视图(&amp;V)</translation></message>
     <message><source>Press &lt;b&gt;Ctrl+L&lt;/b&gt;: the list of images. A check mark shows and hides an image, a double click zooms to it, the right button does the rest.</source><translation>按 &lt;b&gt;Ctrl+L&lt;/b&gt;：影像列表。勾选可显示或隐藏影像，双击缩放到影像，其余操作用右键。</translation></message>
     <message><source>Progress</source><translation>进度</translation></message>
     <message><source>Properties</source><translation>特性</translation></message>
     <message><source>Quadrant</source><translation>象限点</translation></message>
     <message><source>Radius</source><translation>半径</translation></message>
+    <message><source>Radius or [Diameter]:</source><translation>半径或 [Diameter]:</translation></message>
     <message><source>Ready</source><translation>就绪</translation></message>
     <message><source>Red</source><translation>红</translation></message>
     <message><source>Redo s&amp;everal...</source><translation>重做多步(&amp;E)...</translation></message>
+    <message><source>Remove objects:</source><translation>移除对象:</translation></message>
     <message><source>Rename</source><translation>重命名</translation></message>
     <message><source>Ro&amp;tate</source><translation>旋转(&amp;T)</translation></message>
+    <message><source>Rotation angle &lt;0&gt;:</source><translation>旋转角度 &lt;0&gt;:</translation></message>
+    <message><source>Rotation angle or [Reference]:</source><translation>旋转角度或 [Reference]:</translation></message>
     <message><source>Run a &amp;script...</source><translation>运行脚本(&amp;S)...</translation></message>
+    <message><source>Save</source><translation>保存</translation></message>
     <message><source>Save &amp;as...</source><translation>另存为(&amp;A)...</translation></message>
     <message><source>Save &amp;picture...</source><translation>保存图片(&amp;P)...</translation></message>
+    <message><source>Save as</source><translation>另存为</translation></message>
+    <message><source>Save drawing as</source><translation>图形另存为</translation></message>
+    <message><source>Scale factor or [Reference]:</source><translation>比例因子或 [Reference]:</translation></message>
     <message><source>Scale on this screen, when a drawing unit is a metre</source><translation>屏幕比例（绘图单位为米时）</translation></message>
+    <message><source>Script</source><translation>脚本</translation></message>
+    <message><source>Second point or &lt;use first point as displacement&gt;:</source><translation>第二点或 &lt;用第一点作为位移&gt;:</translation></message>
+    <message><source>Second point:</source><translation>第二点:</translation></message>
+    <message><source>Select objects:</source><translation>选择对象:</translation></message>
     <message><source>Sho&amp;w everything</source><translation>显示全部(&amp;W)</translation></message>
     <message><source>Shows very large georeferenced images in drawings.</source><translation>在图形中显示超大的地理参考影像。</translation></message>
     <message><source>Snaps</source><translation>捕捉</translation></message>
     <message><source>Standard</source><translation>标准</translation></message>
     <message><source>Start X</source><translation>起点 X</translation></message>
     <message><source>Start Y</source><translation>起点 Y</translation></message>
+    <message><source>Start point of the text:</source><translation>文字起点:</translation></message>
+    <message><source>Stretch to point or [Base/eXit]:</source><translation>拉伸到点或 [Base/eXit]:</translation></message>
+    <message><source>Stretch to point or [eXit]:</source><translation>拉伸到点或 [eXit]:</translation></message>
     <message><source>System &amp;variables</source><translation>系统变量(&amp;V)</translation></message>
     <message><source>Te&amp;xt window</source><translation>文本窗口(&amp;X)</translation></message>
     <message><source>Text</source><translation>文字</translation></message>
+    <message><source>Text:</source><translation>文字:</translation></message>
     <message><source>Thawed</source><translation>解冻</translation></message>
     <message><source>The command waits for an input – Escape cancels</source><translation>命令等待输入，按 Esc 取消</translation></message>
     <message><source>They differ</source><translation>各不相同</translation></message>
     <message><source>Turn by the &amp;line of sight</source><translation>动态旋转视图(&amp;L)</translation></message>
     <message><source>Turn the wheel over the photo to zoom in on that place; drag with the middle button to move. A double click of it shows everything.</source><translation>在影像上转动滚轮可缩放该处；按住中键拖动可平移；双击中键显示全部。</translation></message>
     <message><source>Twist of the view</source><translation>视图旋转角</translation></message>
+    <message><source>Twist of the view in degrees:</source><translation>视图旋转角（度）:</translation></message>
     <message><source>Type &lt;b&gt;L&lt;/b&gt; and Enter, click two points, press Enter: a line. With &lt;b&gt;F3&lt;/b&gt; ends and middles of lines are taken exactly.</source><translation>输入 &lt;b&gt;L&lt;/b&gt; 并回车，单击两点，再按回车：一条直线。按 &lt;b&gt;F3&lt;/b&gt; 可精确捕捉端点和中点。</translation></message>
     <message><source>Type a command, or F1 for all of them</source><translation>输入命令，F1 列出全部命令</translation></message>
     <message><source>Undo se&amp;veral...</source><translation>撤销多步(&amp;V)...</translation></message>
     <message><source>Value</source><translation>值</translation></message>
+    <message><source>Variable name or ?:</source><translation>变量名或 ?:</translation></message>
+    <message><source>Version of the drawing</source><translation>图形版本</translation></message>
     <message><source>Vertices</source><translation>顶点数</translation></message>
+    <message><source>View [?/Delete/Restore/Save]:</source><translation>视图 [?/Delete/Restore/Save]:</translation></message>
     <message><source>Waiting for your choice – Escape leaves it</source><translation>等待您的选择，按 Esc 离开</translation></message>
     <message><source>What the program waits for</source><translation>程序状态</translation></message>
     <message><source>What was typed and answered</source><translation>命令记录</translation></message>
@@ -196,6 +252,7 @@
     <message><source>X</source><translation>X</translation></message>
     <message><source>Y</source><translation>Y</translation></message>
     <message><source>Yellow</source><translation>黄</translation></message>
+    <message><source>Yes</source><translation>是</translation></message>
     <message><source>Zoom &amp;extents</source><translation>范围缩放(&amp;E)</translation></message>
     <message><source>Zoom &amp;window</source><translation>窗口缩放(&amp;W)</translation></message>
     <message><source>Images on servers</source><translation>服务器上的影像</translation></message>
@@ -213,5 +270,6 @@
     <message><source>%1 images</source><translation>%1 幅影像</translation></message>
     <message><source>Reading ...</source><translation>正在读取…</translation></message>
     <message><source>Wheel: zoom. Drag: move. Click: choose; with Ctrl: choose more.</source><translation>滚轮：缩放。拖动：移动。单击：选择；按住 Ctrl：选择更多。</translation></message>
+    <message><source>of</source><translation>于</translation></message>
 </context>
 </TS>
