@@ -126,9 +126,13 @@ void meetFault(const FaultCase& c) {
   EXPECT_EQ(closed->imgWei(), 0);
 
   server.setFault(Fault::kNone);
-  // Short for a machine that has much else to do: what should come may need some tries.
+  // Where the fault is to wait it waits shortly, and what should come may then need some tries on a
+  // machine that has much else to do.
   constexpr int kTries = 20;
-  times.request = std::min(times.request, 400);
+  const bool waits = c.request > 0 || c.fault == Fault::kDripping;
+  times = waits ? shortTimes() : ClientTimes();
+  if (waits) times.request = 400;
+  times.firstWait = shortTimes().firstWait;
   times.failures = 3 * kTries;
   TarnClientManager::setTimes(times);
   auto open = clientOf(server.port());
