@@ -2,14 +2,11 @@
 #include "acutmem.h"
 #include "dbents.h"
 #include "dbfiler.h"
-#include "dbproxy.h"
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
 #include "host/database/observer.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
-ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyEntity, AcDbEntity)
-ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyObject, AcDbObject)
 
 namespace {
 

@@ -86,6 +86,13 @@ void ObjectAccess::setChanged(AcDbObject& object) {
   static_cast<AcDbStub*>(object.id_)->changed = true;
 }
 
+void ObjectAccess::exchange(AcDbObjectId id, AcDbObject* object) {
+  AcDbStub* slot = id;
+  object->id_ = id;
+  object->erased_ = slot->object->erased_;
+  slot->object.reset(object);
+}
+
 void ObjectAccess::addRecordRead(AcDbSymbolTable& table, AcDbObjectId record) {
   table.records_.append(record);
   setOwner(*peek(record), table.objectId());

@@ -102,6 +102,10 @@ class ObjectAccess {
   /// Takes out of a dictionary what it names; nothing is erased or told.
   static void clearEntries(AcDbDictionary& dictionary);
 
+  /// Puts another object in the place of a closed one, which is destroyed: under its id, and
+  /// erased like it.
+  static void exchange(AcDbObjectId id, AcDbObject* object);
+
   static bool isOpen(const AcDbObject& object) {
     return object.readers_ > 0 || object.writing_ || object.notifying_;
   }

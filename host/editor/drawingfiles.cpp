@@ -8,6 +8,7 @@
 #include "host/editor/autosave.h"
 #include "host/editor/documents.h"
 #include "host/editor/editorobject.h"
+#include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/filing/drawingsave.h"
 #include "host/ui/uibackend.h"
@@ -15,6 +16,31 @@
 namespace tarn::host {
 
 namespace {
+
+/// Smaller drawings are there before anybody could read what is shown.
+constexpr std::uint64_t kShownFrom = 8 << 20;
+constexpr int kWhole = 100;
+
+/// The progress of a large drawing, as long as it lives.
+class FileProgress {
+ public:
+  FileProgress(HostApp& app, const std::string& what, const std::string& path, std::uint64_t size)
+      : frontEnd_(app.frontEnd()), shown_(size >= kShownFrom) {
+    if (shown_) frontEnd_.progressBegin(what + " " + nameOf(path), 0, kWhole);
+  }
+  ~FileProgress() {
+    if (shown_) frontEnd_.progressEnd();
+  }
+  FileProgress(const FileProgress&) = delete;
+  FileProgress& operator=(const FileProgress&) = delete;
+  void move(int position) {
+    if (shown_) frontEnd_.progressMove(position);
+  }
+
+ private:
+  FrontEnd& frontEnd_;
+  bool shown_;
+};
 
 /// The sheet that the file has in front.
 LayoutEntry frontSheet(const HostDocument& document) {
@@ -90,7 +116,8 @@ Status openDrawing(HostApp& app, const std::string& path) {
     app.regenerate();
     return {};
   }
-  auto drawing = DrawingFile::open(path);
+  FileProgress progress(app, "Opening", path, fileTimes(path).size);
+  auto drawing = DrawingFile::open(path, [&](int share) { progress.move(share); });
   if (!drawing) return drawing.status();
   const std::vector<std::string> notes = drawing.value()->notes();
   HostDocument& document = documents.add(path, drawing.take());
@@ -105,14 +132,17 @@ Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& pa
     return Status::error(path + ": this file is open as another drawing.");
   }
   if (Status status = settleVersion(app, document.drawing()); !status) return status;
-  auto bytes = document.drawing().bytes(stateToSave(document));
-  if (!bytes) return bytes.status();
   const bool isOwn = document.hasFile() && document.path() == path;
   if (isOwn && document.fileWasChanged() &&
       app.ui().choose(path + " was changed by another program since it was opened. Replace it?",
                       {"Yes", "No"}, 1) != 0) {
     return Status::error(path + ": nothing was saved.");
   }
+  constexpr int kBytesMade = 40;
+  FileProgress progress(app, "Saving", path, document.times().size);
+  auto bytes = document.drawing().bytes(stateToSave(document));
+  progress.move(kBytesMade);
+  if (!bytes) return bytes.status();
   if (Status status = saveDrawing(path, bytes.value()); !status) return status;
   document.becameFile(path);
   app.autosave().forget(document);

@@ -10,6 +10,7 @@
 #include "host/database/resbufitems.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/memoryfiler.h"
+#include "host/filing/proxies.h"
 
 namespace tarn::host {
 
@@ -89,9 +90,19 @@ AcDbObject* DeepCloner::copyOf(const AcDbObject& object) {
   std::unique_ptr<AcRxObject> made(object.isA()->create());
   auto* copy = AcDbObject::cast(made.get());
   MemoryFiler out(AcDb::kDeepCloneFiler);
+  const auto* proxy = AcDbProxyEntity::cast(&object);
+  // What stands in a file for another program cannot be told apart from its file.
+  if (proxy != nullptr && ProxyAccess::facts(*proxy).filed.empty()) return nullptr;
   if (copy == nullptr || object.dwgOut(&out) != Acad::eOk) return nullptr;
   TranslatingFiler in(out.bytes(), *this);
-  if (copy->dwgIn(&in) != Acad::eOk) return nullptr;
+  const Acad::ErrorStatus read = copy->dwgIn(&in);
+  if (read == Acad::eMakeMeProxy && object.database() == &target_) {
+    made.reset(readFiled(*object.isA(), out.bytes()));
+    copy = AcDbObject::cast(made.get());
+    if (copy == nullptr) return nullptr;
+  } else if (read != Acad::eOk) {
+    return nullptr;
+  }
   // Its own comes when a drawing owns it.
   ObjectAccess::setExtension(*copy, {});
   settleExtendedData(*copy, target_, object.database() != &target_);

@@ -1,6 +1,7 @@
 // What connects a drawing file with the objects made from it.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "dbmain.h"
+#include "dbproxy.h"
 #include "dbsymtb.h"
 #include "host/filing/encoding.h"
 #include "host/filing/tagdocument.h"
@@ -42,10 +44,14 @@ struct DrawingBinding {
   struct Waiting {
     std::uint32_t object;
     AcDbObjectId block;
+    AcDbObjectId proxy;  ///< what stands for it; null when the file does not list its class
   };
   std::vector<Waiting> waiting;
   /// The files of image definitions by their handles; read when the first image asks.
   std::optional<std::map<std::uint64_t, std::wstring>> imageFiles;
+  /// The classes that the file lists, by their names in files; read when the first one is asked
+  /// for.
+  std::optional<std::map<std::wstring, ProxyFacts>> classes;
   AcDbObjectId modelSpace;
   AcDbObjectId paperSpace;
   bool hasHandles = true;
@@ -67,10 +73,11 @@ struct DrawingBinding {
   AcDbObjectId blockOf(const std::wstring& name) const;
 };
 
-/// The steps of reading, in this order. None fails: what is broken stays in the file as it is.
+/// The steps of reading, in this order. None fails: what is broken stays in the file as it is. The
+/// progress is told now and then, as a share.
 void bindTables(DrawingBinding& binding);
 void bindBlocks(DrawingBinding& binding);
-void bindEntities(DrawingBinding& binding);
+void bindEntities(DrawingBinding& binding, const std::function<void(double)>& progress);
 void bindDictionaries(DrawingBinding& binding);
 
 /// Gives objects the extension dictionaries that they name; `firstObject` is the first of the

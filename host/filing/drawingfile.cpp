@@ -12,6 +12,7 @@
 #include "host/filing/deepclone.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/olddrawing.h"
+#include "host/filing/proxies.h"
 
 namespace tarn::host {
 
@@ -20,6 +21,11 @@ namespace {
 constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;
 /// Handles beyond are taken for damage; new ones must not follow them.
 constexpr std::uint64_t kHighestHandle = std::uint64_t{1} << 60;
+
+// How far reading has come, in hundredths.
+constexpr int kFileRead = 10;
+constexpr int kTagsFound = 35;
+constexpr int kEntitiesRead = 90;
 
 /// R2007, the first that is UTF-8 throughout.
 constexpr char kVersionOfNew[] = "AC1021";
@@ -104,18 +110,21 @@ class GroundKeeper {
 DrawingFile::DrawingFile() : binding_(std::make_unique<DrawingBinding>()) {}
 DrawingFile::~DrawingFile() = default;
 
-Result<std::unique_ptr<DrawingFile>> DrawingFile::open(const std::string& path) {
+Result<std::unique_ptr<DrawingFile>> DrawingFile::open(const std::string& path,
+                                                       const Progress& progress) {
   if (fileKind(path) == FileKind::kMissing) {
     return Status::error(path + ": there is no such file.");
   }
   if (fileKind(path) != FileKind::kRegular) return Status::error(path + ": this is no file.");
   auto bytes = readFile(path, kMostBytes);
   if (!bytes) return Status::error(bytes.message() + ".");
-  return fromBytes(bytes.take(), path);
+  if (progress) progress(kFileRead);
+  return fromBytes(bytes.take(), path, progress);
 }
 
 Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
-                                                            const std::string& name) {
+                                                            const std::string& name,
+                                                            const Progress& progress) {
   registerDatabaseClasses();
   DeepCloner::install();
   if (isDwg(bytes)) {
@@ -132,6 +141,7 @@ Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
   }
   auto document = TagDocument::parse(std::move(bytes), name);
   if (!document) return document.status();
+  if (progress) progress(kTagsFound);
   DrawingBinding& binding = *file->binding_;
   binding.document = document.take();
   binding.encoding = TextEncoding(binding.document);
@@ -151,7 +161,9 @@ Result<std::unique_ptr<DrawingFile>> DrawingFile::fromBytes(std::string bytes,
   }
   bindTables(binding);
   bindBlocks(binding);
-  bindEntities(binding);
+  bindEntities(binding, [&](double share) {
+    if (progress) progress(kTagsFound + static_cast<int>((kEntitiesRead - kTagsFound) * share));
+  });
   bindDictionaries(binding);
   file->noteKept();
   return file;
@@ -230,7 +242,13 @@ Result<std::string> DrawingFile::inForm(std::string bytes) {
 }
 
 size_t DrawingFile::bindRegisteredClasses() {
-  return bindWaiting(*binding_);
+  const size_t made = bindWaiting(*binding_);
+  if (made > 0) {
+    ObjectAccess::tell(database(), [&](AcDbDatabaseReactor& reactor) {
+      reactor.proxyResurrectionCompleted(&database(), L"");
+    });
+  }
+  return made + resurrectFiled(database());
 }
 
 Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {

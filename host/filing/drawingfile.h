@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,9 +48,13 @@ class ACADHOST_EXPORT DrawingFile {
   DrawingFile(const DrawingFile&) = delete;
   DrawingFile& operator=(const DrawingFile&) = delete;
 
+  /// Told how far reading has come, in hundredths.
+  using Progress = std::function<void(int)>;
   /// ASCII and binary, R10 to R2018. The sentence names the file and why it cannot be opened.
-  static Result<std::unique_ptr<DrawingFile>> open(const std::string& path);
-  static Result<std::unique_ptr<DrawingFile>> fromBytes(std::string bytes, const std::string& name);
+  static Result<std::unique_ptr<DrawingFile>> open(const std::string& path,
+                                                   const Progress& progress = {});
+  static Result<std::unique_ptr<DrawingFile>> fromBytes(std::string bytes, const std::string& name,
+                                                        const Progress& progress = {});
   /// A new drawing with the tables and layouts that every program expects.
   static std::unique_ptr<DrawingFile> createNew();
 

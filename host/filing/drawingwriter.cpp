@@ -175,7 +175,7 @@ class DrawingWriter {
     const std::wstring dxfName = description->dxfName() != nullptr ? description->dxfName() : L"";
     const std::string type =
         codec != nullptr ? codec->type : std::string(dxfName.begin(), dxfName.end());
-    if (type.empty()) return {};
+    if (type.empty() && from == nullptr) return {};
     TagEditor editor = editorFor(entity, from, model != nullptr, type);
     writeCommon(binding_, entity, editor);
     writeProperties(binding_, entity, from, editor);

@@ -3,6 +3,7 @@
 
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
+#include "host/filing/proxies.h"
 #include "rxclass.h"
 #include "rxdict.h"
 
@@ -91,7 +92,12 @@ std::uint32_t readEntity(DrawingBinding& binding, std::uint32_t object, std::uin
     return count;
   }
   ++binding.kept[std::string(tags.type())];
-  if (codec == nullptr && !block.isNull()) binding.waiting.push_back({object, block});
+  if (codec != nullptr || block.isNull()) return count;
+  AcDbObjectId id;
+  if (AcDbEntity* proxy = makeFileProxy(binding, tags)) {
+    id = addEntity(binding, proxy, object, count, block);
+  }
+  binding.waiting.push_back({object, block, id});
   return count;
 }
 
@@ -105,7 +111,13 @@ size_t bindWaiting(DrawingBinding& binding) {
       left.push_back(waiting);
       continue;
     }
-    addEntity(binding, entity, waiting.object, 1, waiting.block);
+    if (waiting.proxy.isNull()) {
+      addEntity(binding, entity, waiting.object, 1, waiting.block);
+    } else if (!takePlace(waiting.proxy, entity)) {
+      delete entity;
+      left.push_back(waiting);
+      continue;
+    }
     const auto kept = binding.kept.find(std::string(tags.type()));
     if (kept != binding.kept.end() && --kept->second == 0) binding.kept.erase(kept);
     ++made;

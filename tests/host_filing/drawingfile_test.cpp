@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "acutmem.h"
@@ -43,6 +44,18 @@ TEST(DrawingFile, eachRealDrawingIsTheSameAfterOpeningAndSaving) {
       EXPECT_TRUE(saved.value() == before) << "not the same bytes";
     }
   }
+}
+
+TEST(DrawingFile, readingALargeDrawingTellsHowFarItIs) {
+  std::string bytes = newDrawingBytes("AC1015");
+  std::string lines;
+  for (int i = 0; i < 30000; ++i) lines += "  0\nPOINT\n  8\n0\n 10\n1.0\n 20\n2.0\n";
+  bytes.insert(bytes.find("ENTITIES\n") + 9, lines);
+  std::vector<int> told;
+  ASSERT_TRUE(DrawingFile::fromBytes(bytes, "large", [&](int share) { told.push_back(share); }));
+  EXPECT_GE(told.size(), 4U);
+  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+  EXPECT_LE(told.back(), 100);
 }
 
 TEST(DrawingFile, writingEachObjectAnewKeepsEveryValue) {
