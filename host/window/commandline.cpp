@@ -73,7 +73,6 @@ void CommandLine::speakAgain() {
   history_->setAccessibleName(words("What was typed and answered"));
   input_->setAccessibleName(words("Command line"));
   setPrompt(prompted_);
-  input_->setPlaceholderText(words("Type a command, or F1 for all of them"));
 }
 
 void CommandLine::addLines(const std::vector<std::string>& lines) {
@@ -106,6 +105,9 @@ void CommandLine::setPrompt(const std::string& prompt) {
   const QString lines = QString::fromStdString(prompt).trimmed();
   fullPrompt_ = hostWords(lines.mid(lines.lastIndexOf('\n') + 1).toStdString());
   prompt_->setToolTip(fullPrompt_);
+  const bool wantsCommand = prompted_.empty() || prompted_ == "Command:";
+  input_->setPlaceholderText(wantsCommand ? words("Type a command, or F1 for all of them")
+                                          : QString());
   elidePrompt();
 }
 

@@ -85,6 +85,7 @@ MainWindow::MainWindow(HostApp& app, WindowFrontEnd& frontEnd, DialogBackend& di
       switches_(*this, app, settings_, switchHooks()),
       palettes_(*this, app, session_) {
   setAcceptDrops(true);
+  if (settings_.appearance() != Appearance::kDark) applyAppearance(*qApp, settings_.appearance());
   buildCanvas();
   buildCommandLine();
   buildTabs();
