@@ -14,7 +14,7 @@ constexpr TarnControlResource kControls[] = {
      WS_CHILD | WS_VISIBLE | WS_BORDER | WS_HSCROLL | TVS_HASBUTTONS | TVS_HASLINES |
          TVS_LINESATROOT | TVS_CHECKBOXES | TVS_SINGLEEXPAND | TVS_INFOTIP,
      0, 0, 271, 185},
-    {IDC_PANEL_OK, TarnControl::kButton, L"确定", WS_CHILD, 214, 164, 50, 14},
+    {IDC_PANEL_OK, TarnControl::kButton, L"确定", WS_CHILD | BS_DEFPUSHBUTTON, 214, 164, 50, 14},
     {IDC_IMAGE_LIST, TarnControl::kCheckList, L"",
      WS_CHILD | LBS_OWNERDRAWFIXED | LBS_HASSTRINGS | LBS_NOTIFY | LBS_SORT, 7, 7, 257, 150},
     {IDC_LIST_ADD, TarnControl::kButton, L"添加", WS_CHILD, 7, 164, 40, 14},
@@ -52,7 +52,7 @@ constexpr TarnMenuItem kEnglishMenu[] = {
 };
 
 constexpr TarnDialogResource kDialogs[] = {
-    {IDD_IMAGE_LIST, TarnLanguage::kChinese, 271, 185, kControls, std::size(kControls)},
+    {IDD_IMAGE_LIST, TarnLanguage::kChinese, L"MS Shell Dlg", 9, 271, 185, kControls, std::size(kControls)},
 };
 
 constexpr TarnMenuResource kMenus[] = {

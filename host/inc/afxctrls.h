@@ -8,6 +8,7 @@
 
 class ACADHOST_EXPORT CButton : public CWnd {};
 
+enum : DWORD { BS_PUSHBUTTON = 0x0, BS_DEFPUSHBUTTON = 0x1 };
 enum : DWORD { LBS_NOTIFY = 0x1, LBS_SORT = 0x2, LBS_OWNERDRAWFIXED = 0x10, LBS_HASSTRINGS = 0x40 };
 enum : int { LB_ERR = -1 };
 enum : int { BST_UNCHECKED = 0, BST_CHECKED = 1, BST_INDETERMINATE = 2 };

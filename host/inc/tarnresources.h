@@ -20,6 +20,8 @@ struct TarnControlResource {
 struct TarnDialogResource {
   UINT id;
   TarnLanguage language;
+  const ACHAR* font;  ///< by name and points; the size of a dialog unit follows from its size
+  int fontPoints;
   int width, height;
   const TarnControlResource* controls;
   size_t controlCount;

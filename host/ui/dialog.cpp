@@ -12,13 +12,14 @@ using tarn::host::WindowState;
 
 namespace {
 
-/// Pixels of four dialog units across and of eight down, in the usual font.
+/// Pixels of four dialog units across and of eight down, in the usual font of kBasePoints.
 constexpr int kBaseWidth = 7;
 constexpr int kBaseHeight = 15;
+constexpr int kBasePoints = 9;
 
-CRect pixels(int x, int y, int width, int height) {
-  const auto across = [](int units) { return units * kBaseWidth / 4; };
-  const auto down = [](int units) { return units * kBaseHeight / 8; };
+CRect pixels(int x, int y, int width, int height, int points) {
+  const auto across = [points](int units) { return units * kBaseWidth * points / kBasePoints / 4; };
+  const auto down = [points](int units) { return units * kBaseHeight * points / kBasePoints / 8; };
   return {across(x), down(y), across(x + width), down(y + height)};
 }
 
@@ -38,10 +39,11 @@ std::unique_ptr<CWnd> makeControl(TarnControl kind) {
   }
 }
 
-std::unique_ptr<WindowState> stateOf(const TarnControlResource& control, CWnd& parent) {
+std::unique_ptr<WindowState> stateOf(const TarnControlResource& control, CWnd& parent,
+                                     int points) {
   auto state = std::make_unique<WindowState>();
   state->parent = &parent;
-  state->rect = pixels(control.x, control.y, control.width, control.height);
+  state->rect = pixels(control.x, control.y, control.width, control.height, points);
   state->style = control.style;
   state->id = control.id;
   state->visible = (control.style & WS_VISIBLE) != 0;
@@ -76,7 +78,7 @@ BOOL CDialog::Create(UINT resource, CWnd* parent) {
   if (!table || GetSafeHwnd()) return FALSE;
   auto state = std::make_unique<WindowState>();
   state->parent = parent;
-  state->rect = pixels(0, 0, table->width, table->height);
+  state->rect = pixels(0, 0, table->width, table->height, table->fontPoints);
   state->style = WS_CHILD;
   state->id = static_cast<int>(table->id);
   if (tarn::host::WindowView* around = WindowAccess::viewOf(parent)) {
@@ -87,7 +89,7 @@ BOOL CDialog::Create(UINT resource, CWnd* parent) {
   openDialogs().push_back(this);
   for (size_t i = 0; i < table->controlCount; ++i) {
     controls_.push_back(makeControl(table->controls[i].kind));
-    WindowAccess::make(*controls_.back(), stateOf(table->controls[i], *this));
+    WindowAccess::make(*controls_.back(), stateOf(table->controls[i], *this, table->fontPoints));
   }
   OnInitDialog();
   for (const auto& control : controls_) {

@@ -325,6 +325,8 @@ TEST_F(Panel, TheBarIsMadeOnceAndTheTreeFillsIt) {
     EXPECT_FALSE(window->IsWindowVisible()) << one.id;
     window->GetWindowText(title);
     EXPECT_EQ(title, one.caption);
+    const bool isButton = one.id != 1132;
+    EXPECT_EQ(isButton && (window->GetStyle() & BS_DEFPUSHBUTTON) != 0, one.id == 1) << one.id;
   }
   click("CLose");
   EXPECT_FALSE(bar->IsWindowVisible());
