@@ -19,6 +19,7 @@
 
 #include "base/text.h"
 #include "host/window/filefilters.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -135,19 +136,20 @@ void FormDialog::addFiles(const TarnFormField& field, QVBoxLayout& column) {
   list->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list->setMinimumHeight(kListHeight);
   for (const std::string& path : field.values) addPath(*list, qt(path));
-  auto* files = new QPushButton("Add files ...");
-  auto* folder = new QPushButton("Add folder ...");
-  auto* remove = new QPushButton("Remove");
+  auto* files = new QPushButton(words("Add files ..."));
+  auto* folder = new QPushButton(words("Add folder ..."));
+  auto* remove = new QPushButton(words("Remove"));
   files->setObjectName("addFiles");
   folder->setObjectName("addFolder");
   remove->setObjectName("removeFiles");
   const QString filters = dialogFilters(field.filter).join(";;");
   connect(files, &QPushButton::clicked, this, [this, list, filters] {
-    for (const QString& path : QFileDialog::getOpenFileNames(this, "Add files", {}, filters))
+    for (const QString& path : QFileDialog::getOpenFileNames(this, words("Add files"), {}, filters))
       addPath(*list, path);
   });
-  connect(folder, &QPushButton::clicked, this,
-          [this, list] { addPath(*list, QFileDialog::getExistingDirectory(this, "Add folder")); });
+  connect(folder, &QPushButton::clicked, this, [this, list] {
+    addPath(*list, QFileDialog::getExistingDirectory(this, words("Add folder")));
+  });
   const auto removeChosen = [list] { qDeleteAll(list->selectedItems()); };
   connect(remove, &QPushButton::clicked, this, removeChosen);
   connect(new QShortcut(QKeySequence::Delete, list), &QShortcut::activated, this, removeChosen);
@@ -183,8 +185,8 @@ void FormDialog::addTable(const TarnFormField& field, QVBoxLayout& column) {
     if (i % width == 0) addRow();
     table->item(i / width, i % width)->setText(qt(field.values[static_cast<size_t>(i)]));
   }
-  auto* add = new QPushButton("Add");
-  auto* remove = new QPushButton("Remove");
+  auto* add = new QPushButton(words("Add"));
+  auto* remove = new QPushButton(words("Remove"));
   add->setObjectName("addRow");
   remove->setObjectName("removeRow");
   connect(add, &QPushButton::clicked, this, [table, addRow] {
@@ -214,10 +216,10 @@ QWidget* FormDialog::makeFolder(const TarnFormField& field) {
   auto* row = new QWidget;
   auto* line = new QLineEdit(qt(field.value));
   line->setObjectName("folder");
-  auto* browse = new QPushButton("Browse ...");
+  auto* browse = new QPushButton(words("Browse ..."));
   browse->setAutoDefault(false);
   connect(browse, &QPushButton::clicked, this, [this, line] {
-    const QString chosen = QFileDialog::getExistingDirectory(this, "Folder", line->text());
+    const QString chosen = QFileDialog::getExistingDirectory(this, words("Folder"), line->text());
     if (!chosen.isEmpty()) line->setText(chosen);
   });
   auto* layout = new QHBoxLayout(row);

@@ -9,6 +9,7 @@
 #include "host/window/progresspart.h"
 #include "host/window/progresswindow.h"
 #include "host/window/taskwindow.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -81,7 +82,9 @@ ProgressPart* OperationWindows::part() {
 }
 
 void OperationWindows::prepare() {
-  if (progress_) return;
+  // One of another language is made anew.
+  if (progress_ && progress_->windowTitle() == words("Working")) return;
+  delete progress_;
   progress_ = new ProgressWindow(hooks_.parent(), hooks_.cancel);
   progress_->prepare();
 }

@@ -4,6 +4,8 @@
 #include <QProgressBar>
 #include <QVBoxLayout>
 
+#include "host/window/words.h"
+
 namespace tarn::host {
 
 namespace {
@@ -24,9 +26,11 @@ QString durationText(double seconds) {
 }
 
 QString timesText(double seconds, double part) {
-  QString gone = durationText(seconds) + " gone";
-  if (seconds < kSoonestGuess || part < kLeastForGuess || part >= 1) return gone;
-  return gone + ", about " + durationText(qMax(1.0, seconds * (1 - part) / part)) + " left";
+  const QString gone = durationText(seconds);
+  if (seconds < kSoonestGuess || part < kLeastForGuess || part >= 1)
+    return words("%1 gone").arg(gone);
+  const double left = qMax(1.0, seconds * (1 - part) / part);
+  return words("%1 gone, about %2 left").arg(gone, durationText(left));
 }
 
 void moveBar(QProgressBar& bar, int position) {

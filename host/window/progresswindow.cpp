@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "host/window/progresspart.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -16,7 +17,7 @@ constexpr int kWidth = 420;
 ProgressWindow::ProgressWindow(QWidget* parent, std::function<void()> cancel)
     : QDialog(parent), cancel_(std::move(cancel)), part_(new ProgressPart) {
   setObjectName("progressWindow");
-  setWindowTitle("Working");
+  setWindowTitle(words("Working"));
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   auto* layout = new QVBoxLayout(this);

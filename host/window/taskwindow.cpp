@@ -9,6 +9,7 @@
 
 #include "base/path.h"
 #include "host/window/progresspart.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
@@ -25,15 +26,15 @@ struct Look {
 Look lookOf(TarnTaskState state) {
   switch (state) {
     case TarnTaskState::kRunning:
-      return {"running", QColor(0x6c, 0xb2, 0xea)};
+      return {toSay("running"), QColor(0x6c, 0xb2, 0xea)};
     case TarnTaskState::kDone:
-      return {"done", QColor(0x7d, 0xc8, 0x7d)};
+      return {toSay("done"), QColor(0x7d, 0xc8, 0x7d)};
     case TarnTaskState::kSkipped:
-      return {"skipped", QColor(0xd8, 0xc0, 0x70)};
+      return {toSay("skipped"), QColor(0xd8, 0xc0, 0x70)};
     case TarnTaskState::kFailed:
-      return {"failed", QColor(0xf0, 0x80, 0x78)};
+      return {toSay("failed"), QColor(0xf0, 0x80, 0x78)};
     default:
-      return {"waiting", QColor(0x80, 0x88, 0x92)};
+      return {toSay("waiting"), QColor(0x80, 0x88, 0x92)};
   }
 }
 
@@ -50,7 +51,7 @@ TaskWindow::TaskWindow(QWidget* parent, const std::string& title,
   setObjectName("taskWindow");
   setWindowTitle(QString::fromStdString(title));
   list_->setObjectName("tasks");
-  list_->setHeaderLabels({"File", "State", "Remarks"});
+  list_->setHeaderLabels({words("File"), words("State"), words("Remarks")});
   list_->setRootIsDecorated(false);
   list_->setUniformRowHeights(true);
   list_->setAlternatingRowColors(true);
@@ -80,7 +81,7 @@ void TaskWindow::setTask(size_t task, TarnTaskState state, const std::string& te
   QTreeWidgetItem* row = list_->topLevelItem(static_cast<int>(task));
   if (row == nullptr) return;
   const Look look = lookOf(state);
-  row->setText(kState, look.word);
+  row->setText(kState, words(look.word));
   row->setForeground(kState, look.colour);
   row->setText(kText, QString::fromStdString(text));
   row->setToolTip(kText, QString::fromStdString(text));

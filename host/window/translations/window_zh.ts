@@ -271,5 +271,23 @@
     <message><source>Reading ...</source><translation>正在读取…</translation></message>
     <message><source>Wheel: zoom. Drag: move. Click: choose; with Ctrl: choose more.</source><translation>滚轮：缩放。拖动：移动。单击：选择；按住 Ctrl：选择更多。</translation></message>
     <message><source>of</source><translation>于</translation></message>
+    <message><source>%1 gone</source><translation>已用 %1</translation></message>
+    <message><source>%1 gone, about %2 left</source><translation>已用 %1，约剩 %2</translation></message>
+    <message><source>Working</source><translation>正在处理</translation></message>
+    <message><source>running</source><translation>正在处理</translation></message>
+    <message><source>done</source><translation>完成</translation></message>
+    <message><source>skipped</source><translation>已跳过</translation></message>
+    <message><source>failed</source><translation>失败</translation></message>
+    <message><source>waiting</source><translation>等待</translation></message>
+    <message><source>File</source><translation>文件</translation></message>
+    <message><source>State</source><translation>状态</translation></message>
+    <message><source>Remarks</source><translation>说明</translation></message>
+    <message><source>Add files ...</source><translation>添加文件...</translation></message>
+    <message><source>Add folder ...</source><translation>添加文件夹...</translation></message>
+    <message><source>Remove</source><translation>移除</translation></message>
+    <message><source>Browse ...</source><translation>浏览...</translation></message>
+    <message><source>Add files</source><translation>添加文件</translation></message>
+    <message><source>Add folder</source><translation>添加文件夹</translation></message>
+    <message><source>Folder</source><translation>文件夹</translation></message>
 </context>
 </TS>
