@@ -52,7 +52,8 @@ constexpr TarnMenuItem kEnglishMenu[] = {
 };
 
 constexpr TarnDialogResource kDialogs[] = {
-    {IDD_IMAGE_LIST, TarnLanguage::kChinese, L"MS Shell Dlg", 9, 271, 185, kControls, std::size(kControls)},
+    {IDD_IMAGE_LIST, TarnLanguage::kChinese, L"MS Shell Dlg", 9, 271, 185, kControls,
+     std::size(kControls)},
 };
 
 constexpr TarnMenuResource kMenus[] = {

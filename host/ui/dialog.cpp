@@ -39,8 +39,7 @@ std::unique_ptr<CWnd> makeControl(TarnControl kind) {
   }
 }
 
-std::unique_ptr<WindowState> stateOf(const TarnControlResource& control, CWnd& parent,
-                                     int points) {
+std::unique_ptr<WindowState> stateOf(const TarnControlResource& control, CWnd& parent, int points) {
   auto state = std::make_unique<WindowState>();
   state->parent = &parent;
   state->rect = pixels(control.x, control.y, control.width, control.height, points);
