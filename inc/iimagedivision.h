@@ -41,7 +41,8 @@ class IImageDivision : public kel::IObject {
   /// 11. The same with the size, for images that carry their own coordinate system.
   virtual void getGeoInfo(int& width, int& height, double& x0, double& y0, double& a,
                           double& e) = 0;
-  /// 12. True: read the image file itself, look for no pyramid and make none.
+  /// 12. True: read the image file itself, look for no pyramid and make none. Before init() it lets
+  /// PNG, BMP and GIF pictures in too.
   virtual void setNoPyramid(bool noPyramid) = 0;
   /// 13. Below 0 when the image carries no coordinate system; else its EPSG number, or 0 when it
   /// has no number.

@@ -33,7 +33,8 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
                                  : path + ": no folder is named for its pyramid");
       return false;
     }
-    auto opened = RasterImage::open(path, {places(folder_), !noPyramid_});
+    // Pictures that are never given a pyramid may be of more kinds.
+    auto opened = RasterImage::open(path, {places(folder_), !noPyramid_, {}, noPyramid_});
     if (!opened) {
       user_.message(opened.message());
       return false;
@@ -43,7 +44,8 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
     const double numbers[6] = {t.a, 0, 0, t.e, t.x0, t.y0};
     std::copy(numbers, numbers + 6, geoTransform_);
     // An image is opened again once its pyramid is there; what was said then is not said twice.
-    if (path != notedPath_) {
+    // Of a picture nobody wants to know more than how it looks.
+    if (path != notedPath_ && !noPyramid_) {
       std::string all;
       for (const std::string& note : image_->notes()) all += (all.empty() ? "" : "; ") + note;
       if (!all.empty()) user_.message(nameOf(path) + ": " + all);

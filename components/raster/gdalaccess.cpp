@@ -75,6 +75,9 @@ void prepareGdal() {
     GDALRegister_GTiff();
     GDALRegister_HFA();
     GDALRegister_JPEG();
+    GDALRegister_PNG();
+    GDALRegister_BMP();
+    GDALRegister_GIF();
     OSRSetPROJEnableNetwork(0);
     // Tiles are kept in the cache of this library; GDAL's is for what it is just decoding.
     GDALSetCacheMax64(kLeastCache);
@@ -109,7 +112,8 @@ void DatasetCloser::operator()(GDALDataset* dataset) const {
   GDALClose(GDALDataset::ToHandle(dataset));
 }
 
-GuardedImage::GuardedImage(const std::string& path) : path_(path), name_(nameOf(path)) {
+GuardedImage::GuardedImage(const std::string& path, bool alsoPictures)
+    : path_(path), name_(nameOf(path)), alsoPictures_(alsoPictures) {
   prepareGdal();
   id_ = openGuardedFolder(path);
   prefix_ = guardedPrefix(id_);
@@ -143,14 +147,18 @@ Result<DatasetPtr> GuardedImage::open(const char* georeferencing) const {
   // holds for every driver.
   const std::string source = std::string("GEOREF_SOURCES=") + georeferencing;
   const char* options[] = {source.c_str(), nullptr};
-  const char* drivers[] = {"GTiff", isRemote_ ? nullptr : "HFA", "JPEG", nullptr};
+  std::vector<const char*> drivers = {"GTiff"};
+  if (!isRemote_) drivers.insert(drivers.end(), {"HFA", "JPEG"});
+  if (alsoPictures_) drivers.insert(drivers.end(), {"PNG", "BMP", "GIF"});
+  drivers.push_back(nullptr);
   const std::string name = prefix_ + name_;
-  DatasetPtr dataset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, drivers,
-                                       options, nullptr));
+  DatasetPtr dataset(GDALDataset::Open(name.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY,
+                                       drivers.data(), options, nullptr));
   if (dataset) return dataset;
   const std::string reason = cleaned(errors.text());
   if (errors.failures() == 0 || reason.find("not recognized") != std::string::npos)
-    return Status::error(path_ + ": is no TIFF, IMG or JPG image");
+    return Status::error(path_ + ": is no TIFF, IMG" +
+                         (alsoPictures_ ? ", JPG, PNG, BMP or GIF image" : " or JPG image"));
   // Failed reads are reported with addresses and positions that say nothing to a user.
   if (reason.find("VSIF") != std::string::npos)
     return Status::error(path_ + ": is cut short or damaged");

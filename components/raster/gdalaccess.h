@@ -53,7 +53,7 @@ using DatasetPtr = std::unique_ptr<GDALDataset, DatasetCloser>;
 /// valid while the object lives.
 class GuardedImage {
  public:
-  explicit GuardedImage(const std::string& path);
+  explicit GuardedImage(const std::string& path, bool alsoPictures = false);
   /// An image from far away, TIFF only, without side files.
   explicit GuardedImage(std::shared_ptr<const RemoteBytes> bytes);
   ~GuardedImage();
@@ -78,6 +78,7 @@ class GuardedImage {
   std::string prefix_;
   int id_ = 0;
   bool isRemote_ = false;
+  bool alsoPictures_ = false;  ///< PNG, BMP and GIF are allowed
 };
 
 /// Bytes that GDAL has read from guarded files on this thread so far.

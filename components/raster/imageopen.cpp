@@ -96,7 +96,7 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   if (hasMorePicturesThan(*file_, times_.size, kMostPictures))
     return Status::error(path_ + ": has more than " + std::to_string(kMostPictures) +
                          " pictures in it");
-  guarded_ = std::make_shared<GuardedImage>(path);
+  guarded_ = std::make_shared<GuardedImage>(path, options.alsoPictures);
   if (Status status = loadFullSize(options); !status) return status;
   loadPlacement();
   describeNotes();
@@ -176,7 +176,7 @@ Status RasterImage::addFullSize(DatasetPtr dataset) {
   if (plain) level.reader = makeRawTiffReader(file_, directories_[0]);
   if (plain && !level.reader) level.reader = makeJpegTiffReader(file_, directories_[0]);
   if (!level.reader) {
-    const bool sequential = facts_.driver == "JPEG";
+    const bool sequential = facts_.driver == "JPEG" || facts_.driver == "PNG";
     auto reader = makeGdalReader({guarded_, -1, presentation_, sequential}, std::move(dataset));
     if (!reader) return reader.status();
     level.reader = reader.take();

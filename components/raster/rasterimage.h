@@ -34,6 +34,8 @@ struct OpenOptions {
   /// Numbers (from 1) of the one band or the three that are shown as gray or as red, green and
   /// blue; empty for what the image itself says.
   std::vector<int> bands{};
+  /// Small pictures of other kinds are images too: PNG, BMP and GIF.
+  bool alsoPictures = false;
 };
 
 class RasterImage {

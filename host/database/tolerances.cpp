@@ -22,15 +22,17 @@ namespace {
 constexpr double kRowHeight = 2;  ///< heights of a text
 constexpr wchar_t kSignFont[] = L"{\\Fgdt;";
 
-/// The signs that stand at the letters of the font.
-wchar_t signOf(wchar_t letter) {
-  static const std::map<wchar_t, wchar_t> kSigns = {
-      {L'a', 0x2220}, {L'b', 0x27C2}, {L'c', 0x23E5}, {L'd', 0x2313}, {L'e', 0x25CB},
-      {L'f', 0x2225}, {L'g', 0x232D}, {L'h', 0x2197}, {L'i', 0x232F}, {L'j', 0x2316},
-      {L'k', 0x2312}, {L'l', 0x24C1}, {L'm', 0x24C2}, {L'n', 0x2300}, {L'p', 0x24C5},
-      {L'r', 0x25CE}, {L's', 0x24C8}, {L't', 0x2330}, {L'u', 0x23E4}};
+/// What is seen for the signs that stand at the letters of the font; where no usual font has the
+/// sign, something that is read the same.
+std::wstring signOf(wchar_t letter) {
+  static const std::map<wchar_t, std::wstring> kSigns = {
+      {L'a', L"\u2220"}, {L'b', L"\u22A5"},       {L'c', L"\u25B1"},   {L'd', L"\u2313"},
+      {L'e', L"\u25CB"}, {L'f', L"\u2225"},       {L'g', L"/\u25CB/"}, {L'h', L"\u2197"},
+      {L'i', L"="},      {L'j', L"\u2295"},       {L'k', L"\u2312"},   {L'l', L"(L)"},
+      {L'm', L"(M)"},    {L'n', L"\u2300"},       {L'p', L"(P)"},      {L'r', L"\u25CE"},
+      {L's', L"(S)"},    {L't', L"\u2197\u2197"}, {L'u', L"\u2014"}};
   const auto found = kSigns.find(letter);
-  return found != kSigns.end() ? found->second : letter;
+  return found != kSigns.end() ? found->second : std::wstring(1, letter);
 }
 
 std::vector<std::wstring> split(const std::wstring& text, const std::wstring& mark) {
@@ -49,8 +51,10 @@ std::wstring plainField(std::wstring field) {
   const std::wstring sign = kSignFont;
   for (size_t at = field.find(sign); at != std::wstring::npos; at = field.find(sign)) {
     const size_t end = field.find(L'}', at);
-    std::wstring signs = field.substr(at + sign.size(), end - at - sign.size());
-    for (wchar_t& letter : signs) letter = signOf(letter);
+    std::wstring signs;
+    for (const wchar_t letter : field.substr(at + sign.size(), end - at - sign.size())) {
+      signs += signOf(letter);
+    }
     field.replace(at, end == std::wstring::npos ? end : end - at + 1, signs);
   }
   return field;

@@ -154,6 +154,9 @@ def image(path):
     space.add_image(there, (0, 0), (40, 20))
     space.add_image(there, (50, 0), (40, 20)).set_boundary_path([(10, 5), (30, 15)])
     space.add_image(doc.add_image_def("gone.png", (40, 20)), (0, 30), (40, 20))
+    for place, name, value in ((0, "brightness", 100), (1, "fade", 100), (2, "contrast", 0)):
+        space.add_image(there, (place * 10, -20), (10, 5)).dxf.set(name, value)
+    doc.set_raster_variables(frame=0)
     doc.saveas(path)
 
 
