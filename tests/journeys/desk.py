@@ -107,7 +107,7 @@ class Desk:
         read_end, write_end = os.pipe()
         self.children.append(subprocess.Popen(
             ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SCREEN[0]}x{SCREEN[1]}x24",
-             "-fbdir", self.folder, "-nolisten", "tcp", "-noreset"], pass_fds=[write_end], stderr=subprocess.DEVNULL))
+             "-fbdir", self.folder, "-nolisten", "tcp", "-noreset", "-r"], pass_fds=[write_end], stderr=subprocess.DEVNULL))
         os.close(write_end)
         with os.fdopen(read_end) as pipe:
             number = pipe.readline().strip()
