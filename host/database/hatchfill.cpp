@@ -151,7 +151,10 @@ bool fillLines(const std::vector<Rim>& rims, const AcDbHatchLines& pattern,
   if (!canCount(low) || !canCount(high)) return false;
   if (!(count <= kMostLines) || count * static_cast<double>(sides) > kMostCrossings) return false;
   LineFiller filler(pattern, lines);
-  for (double number = std::ceil(low); number <= high; ++number) {
+  const auto first = static_cast<long long>(std::ceil(low));
+  const auto last = static_cast<long long>(std::floor(high));
+  for (long long i = first; i <= last; ++i) {
+    const auto number = static_cast<double>(i);
     const AcGePoint3d base = pattern.base + pattern.offset * number;
     const std::vector<double> places = crossings(rims, base, along);
     for (size_t i = 0; i + 1 < places.size(); i += 2) {

@@ -101,14 +101,14 @@ Acad::ErrorStatus AcDbRasterImage::dwgInFields(AcDbDwgFiler* filer) {
 
 std::string AcDbRasterImage::foundFile() const {
   assertReadEnabled();
-  const std::string stored = tarn::toUtf8(values_.fileName);
+  std::string stored = tarn::toUtf8(values_.fileName);
   const ACHAR* drawing = L"";
   if (database() != nullptr) database()->getFilename(drawing);
   const std::string folder = tarn::folderOf(tarn::toUtf8(drawing));
   if (stored.empty()) return {};
   if (stored.front() == '/' && isFile(stored)) return stored;
   for (const std::string& end : endsOf(stored)) {
-    const std::string path = folder.empty() ? end : tarn::joinPath(folder, end);
+    std::string path = folder.empty() ? end : tarn::joinPath(folder, end);
     if (isFile(path)) return path;
   }
   return {};
@@ -162,7 +162,8 @@ bool AcDbRasterImage::drawPixels(AcGiWorldDraw& draw, const std::string& path) c
   std::vector<AcGiPixelBGRA32> pixels(count);
   for (size_t i = 0; i < count; ++i) {
     const auto column = static_cast<double>(i % static_cast<size_t>(window.width));
-    const auto row = static_cast<double>(i / static_cast<size_t>(window.width));
+    const size_t rowNumber = i / static_cast<size_t>(window.width);
+    const auto row = static_cast<double>(rowNumber);
     const double x = window.x + (column + 0.5) * window.reduction;
     const double y = window.y + (row + 0.5) * window.reduction;
     const bool shown = tarn::host::isShownAt(rim, x, y);

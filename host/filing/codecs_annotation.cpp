@@ -41,14 +41,14 @@ AcDbEntity* readSpline(const EntityTags& tags) {
 
 /// Fit points that are gone leave their number behind.
 void writePoints(int code, const std::vector<AcGePoint3d>& points, TagEditor& head) {
-  for (size_t i = 0; i < points.size(); ++i) {
+  for (const AcGePoint3d& point : points) {
     if (!head.isNew()) head.nextRun(code);
     if (head.isNew()) {
-      head.addReal(code, points[i].x);
-      head.addReal(code + 10, points[i].y);
-      head.addReal(code + 20, points[i].z);
+      head.addReal(code, point.x);
+      head.addReal(code + 10, point.y);
+      head.addReal(code + 20, point.z);
     } else {
-      head.setPoint(code, points[i]);
+      head.setPoint(code, point);
     }
   }
 }
