@@ -153,8 +153,8 @@ bool fillLines(const std::vector<Rim>& rims, const AcDbHatchLines& pattern,
   LineFiller filler(pattern, lines);
   const auto first = static_cast<long long>(std::ceil(low));
   const auto last = static_cast<long long>(std::floor(high));
-  for (long long i = first; i <= last; ++i) {
-    const auto number = static_cast<double>(i);
+  for (long long line = first; line <= last; ++line) {
+    const auto number = static_cast<double>(line);
     const AcGePoint3d base = pattern.base + pattern.offset * number;
     const std::vector<double> places = crossings(rims, base, along);
     for (size_t i = 0; i + 1 < places.size(); i += 2) {

@@ -267,7 +267,7 @@ void MainWindow::showState() {
   const bool modified = app_.documents().current().isModified();
   if (modified != isWindowModified()) setWindowModified(modified);
   const bool free = !session_.busy();
-  status_->showState(dialogs_.isAsking()
+  status_->showState(dialogs_.isAsking() || frontEnd_.asking()
                          ? words("Waiting for your choice – Escape leaves it")
                          : stateText(free, frontEnd_.reading(), frontEnd_.readingKind()));
   const bool selects = frontEnd_.readingKind() == InputKind::kSelect;

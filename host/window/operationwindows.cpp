@@ -42,16 +42,25 @@ OperationWindows::~OperationWindows() {
   delete tasks_;
 }
 
+bool OperationWindows::ask(QDialog& dialog) {
+  asking_ = true;
+  hooks_.stateChanged();
+  const bool isAccepted = dialog.exec() == QDialog::Accepted;
+  asking_ = false;
+  hooks_.stateChanged();
+  return isAccepted;
+}
+
 bool OperationWindows::askForm(TarnForm& form) {
   FormDialog dialog(hooks_.parent(), form);
-  return dialog.exec() == QDialog::Accepted;
+  return ask(dialog);
 }
 
 std::vector<std::string> OperationWindows::chooseFromListing(const TarnListing& listing) {
   ListingDialog dialog(hooks_.parent(), listing,
                        {hooks_.opened, hooks_.cancel, hooks_.forgetCancel, hooks_.cancelWanted});
   if (HostApp* app = HostApp::instance()) showDrawing(*app, dialog.map());
-  if (dialog.exec() != QDialog::Accepted) return {};
+  if (!ask(dialog)) return {};
   return dialog.chosen();
 }
 
@@ -72,7 +81,7 @@ void OperationWindows::endTasks(const std::string& report) {
   if (!tasks_) return;
   hooks_.opened(nullptr);
   tasks_->end(report);
-  tasks_->exec();
+  ask(*tasks_);
   delete tasks_;
 }
 

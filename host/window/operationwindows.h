@@ -6,6 +6,7 @@
 
 #include "host/editor/operationview.h"
 
+class QDialog;
 class QWidget;
 
 namespace tarn::host {
@@ -23,6 +24,7 @@ class OperationWindows final : public OperationView {
     std::function<void()> forgetCancel;    ///< what comes next is not to stop
     std::function<void()> pump;            ///< lets the windows paint, when it is time to
     std::function<void(QWidget*)> opened;  ///< takes input while the host computes; null: none
+    std::function<void()> stateChanged;    ///< of isAsking()
   };
   explicit OperationWindows(Hooks hooks);
   ~OperationWindows() override;
@@ -36,6 +38,9 @@ class OperationWindows final : public OperationView {
   void moveProgress(int position) override;
   void endProgress() override;
 
+  /// True while a window waits for the user.
+  bool isAsking() const { return asking_; }
+
   /// Makes what progress is shown in beforehand, so that it costs no operation anything.
   void prepare();
   /// Brings times and windows up to date; called while the host computes.
@@ -43,11 +48,13 @@ class OperationWindows final : public OperationView {
 
  private:
   ProgressPart* part();
+  bool ask(QDialog& dialog);
 
   Hooks hooks_;
   QPointer<ProgressWindow> progress_;  ///< made once
   bool running_ = false;               ///< in the window of its own
   QPointer<TaskWindow> tasks_;
+  bool asking_ = false;
 };
 
 }  // namespace tarn::host

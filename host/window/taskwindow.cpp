@@ -20,21 +20,22 @@ enum Column { kName, kState, kText };
 
 struct Look {
   const char* word;
-  QColor colour;
+  QRgb onDark;
+  QRgb onLight;
 };
 
 Look lookOf(TarnTaskState state) {
   switch (state) {
     case TarnTaskState::kRunning:
-      return {toSay("running"), QColor(0x6c, 0xb2, 0xea)};
+      return {toSay("running"), 0xff6cb2ea, 0xff1a5f9e};
     case TarnTaskState::kDone:
-      return {toSay("done"), QColor(0x7d, 0xc8, 0x7d)};
+      return {toSay("done"), 0xff7dc87d, 0xff2b7a2b};
     case TarnTaskState::kSkipped:
-      return {toSay("skipped"), QColor(0xd8, 0xc0, 0x70)};
+      return {toSay("skipped"), 0xffd8c070, 0xff7a6000};
     case TarnTaskState::kFailed:
-      return {toSay("failed"), QColor(0xf0, 0x80, 0x78)};
+      return {toSay("failed"), 0xfff08078, 0xffb3261e};
     default:
-      return {toSay("waiting"), QColor(0x80, 0x88, 0x92)};
+      return {toSay("waiting"), 0xff9aa2ac, 0xff5a6068};
   }
 }
 
@@ -82,7 +83,8 @@ void TaskWindow::setTask(size_t task, TarnTaskState state, const std::string& te
   if (row == nullptr) return;
   const Look look = lookOf(state);
   row->setText(kState, words(look.word));
-  row->setForeground(kState, look.colour);
+  const bool isDark = palette().color(QPalette::Base).lightness() < 128;
+  row->setForeground(kState, QColor(isDark ? look.onDark : look.onLight));
   row->setText(kText, QString::fromStdString(text));
   row->setToolTip(kText, QString::fromStdString(text));
   if (state != TarnTaskState::kWaiting) list_->scrollToItem(row);

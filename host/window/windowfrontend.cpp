@@ -38,7 +38,7 @@ WindowFrontEnd::WindowFrontEnd()
           [this] { return canvas_ != nullptr ? canvas_->window() : nullptr; },
           [this] { cancelWanted_ = true; }, [this] { return cancelWanted(); },
           [this] { cancelHandled(); }, [this] { pumpSometimes(); },
-          [this](QWidget* window) { held_->letThrough(window); }})) {
+          [this](QWidget* window) { held_->letThrough(window); }, [this] { tellState(); }})) {
   sincePump_.start();
   queueTimer_.setSingleShot(true);
   QObject::connect(&queueTimer_, &QTimer::timeout, [this] {
@@ -144,6 +144,10 @@ void WindowFrontEnd::commandAwaited() {
 
 void WindowFrontEnd::tellState() {
   if (hooks_.stateChanged) hooks_.stateChanged();
+}
+
+bool WindowFrontEnd::asking() const {
+  return operations_->isAsking();
 }
 
 InputKind WindowFrontEnd::readingKind() const {

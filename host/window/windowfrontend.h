@@ -74,6 +74,8 @@ class WindowFrontEnd final : public FrontEnd {
 
   /// True while a command waits for a line.
   bool reading() const { return !readers_.empty(); }
+  /// True while a form, a chooser or a report waits for the user.
+  bool asking() const;
   /// What it waits for; kCommand when nothing waits.
   InputKind readingKind() const;
   /// The line for what waits; without anything waiting it is dropped.

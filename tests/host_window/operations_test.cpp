@@ -59,6 +59,7 @@ TEST_F(OperationTest, AFormIsAcceptedOnlyWhenItsAnswersDo) {
           ASSERT_NE(dialog, nullptr);
           auto* go = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
           EXPECT_EQ(go->text(), "Go");
+          EXPECT_TRUE(state().startsWith("Waiting for your choice")) << state().toStdString();
           QTest::mouseClick(go, Qt::LeftButton);
           reason = dialog->findChild<QLabel*>("reason")->text();
           EXPECT_TRUE(dialog->isVisible());
