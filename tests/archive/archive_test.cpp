@@ -117,7 +117,8 @@ void checkWarped(const RasterImage& image, const Reference& reference, const Sca
   const auto expected = reference.warp(sixOf(image), image.width(), image.height(), scale);
   ASSERT_TRUE(expected) << "GDAL cannot warp it";
   const auto ours = readOurs(image, {0, 0, image.width(), image.height()});
-  const Difference off = compare(*expected, ours, 3);
+  // Half a level is what weights of 128ths and rounding take at a steep edge.
+  const Difference off = compare(*expected, ours, 3.5);
   // Control points are fitted to a tenth of a pixel, which shows at a few steep edges.
   EXPECT_LE(off.wrong, 0.01 + 4.0 / static_cast<double>(expected->content.size()));
   // Half covered pixels of the rim may be drawn or not.

@@ -84,6 +84,7 @@ TEST(Proxies, standForEntitiesOfTheFileUntilTheirClassIsThere) {
   EXPECT_EQ(opened.value()->bindRegisteredClasses(), 1U);
   EXPECT_EQ(opened.value()->bindRegisteredClasses(), 0U);
   EXPECT_EQ(listener.calls, 1);
+  database.removeReactor(&listener);
   EXPECT_EQ(modelEntities(database).length(), 1);
   {
     const AcDbObjectPointer<Probe> probe(id, AcDb::kForRead);
