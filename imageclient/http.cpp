@@ -14,7 +14,7 @@ namespace {
 
 using Clock = Operation::Clock;
 
-constexpr int kConnectionsToAServer = 8;
+constexpr int kConnectionsToAServer = 12;
 constexpr long kConnectionsKept = 32;
 // Short, so that cancelling is felt at once.
 constexpr int kPollMs = 40;
