@@ -8,15 +8,14 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "base/file.h"
+#include "bench/watch.h"
 #include "host/editor/drawingfiles.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/modules.h"
@@ -29,25 +28,9 @@
 
 namespace {
 
+using tarn::bench::Took;
+using tarn::bench::Watch;
 using tarn::host::Canvas;
-using Clock = std::chrono::steady_clock;
-
-struct Took {
-  double passed = 0;  ///< milliseconds
-  double worked = 0;  ///< of all threads
-};
-
-class Watch {
- public:
-  Took took() const {
-    return {std::chrono::duration<double, std::milli>(Clock::now() - start_).count(),
-            1000.0 * static_cast<double>(std::clock() - work_) / CLOCKS_PER_SEC};
-  }
-
- private:
-  Clock::time_point start_ = Clock::now();
-  std::clock_t work_ = std::clock();
-};
 
 void show(Canvas& canvas) {
   canvas.repaint();

@@ -8,14 +8,13 @@
 #include <QScrollBar>
 #include <QTreeWidget>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
 #include "afxwin.h"
+#include "bench/watch.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/modules.h"
 #include "host/ui/windowinput.h"
@@ -27,26 +26,10 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using tarn::bench::Took;
+using tarn::bench::Watch;
 
 constexpr int kPanel = 1131, kOk = 1, kRefreshes = 40;
-
-struct Took {
-  double passed = 0;  ///< milliseconds
-  double worked = 0;  ///< of all threads
-};
-
-class Watch {
- public:
-  Took took() const {
-    return {std::chrono::duration<double, std::milli>(Clock::now() - start_).count(),
-            1000.0 * static_cast<double>(std::clock() - work_) / CLOCKS_PER_SEC};
-  }
-
- private:
-  Clock::time_point start_ = Clock::now();
-  std::clock_t work_ = std::clock();
-};
 
 /// Counts what is painted in a widget.
 class Paints final : public QObject {

@@ -1,5 +1,7 @@
 #include "host/editor/profile.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "base/file.h"
@@ -26,25 +28,30 @@ constexpr uint64_t kLongestLocale = 64;
 }  // namespace
 
 std::string Profile::locale() const {
-  const std::string chosen = chosenLocale();
+  const std::string& chosen = chosenLocale();
   return chosen.empty() ? kLocales[0] : chosen;
 }
 
-std::string Profile::chosenLocale() const {
-  const auto kept = readFile(joinPath(configurationFolder(), "locale"), kLongestLocale);
-  for (const char* known : kLocales) {
-    if (kept && kept.value() == known) return known;
+const std::string& Profile::chosenLocale() const {
+  if (!chosenLocale_) {
+    const auto kept = readFile(joinPath(configurationFolder(), "locale"), kLongestLocale);
+    const bool isKnown = kept && std::find(std::begin(kLocales), std::end(kLocales),
+                                           kept.value()) != std::end(kLocales);
+    chosenLocale_ = isKnown ? kept.value() : std::string();
   }
-  return {};
+  return *chosenLocale_;
 }
 
-bool Profile::setLocale(const std::string& locale) const {
-  for (const char* known : kLocales) {
-    if (locale != known) continue;
-    return makeFolders(configurationFolder()).isOk() &&
-           writeFileAtomically(joinPath(configurationFolder(), "locale"), locale).isOk();
+bool Profile::setLocale(const std::string& locale) {
+  if (std::find(std::begin(kLocales), std::end(kLocales), locale) == std::end(kLocales)) {
+    return false;
   }
-  return false;
+  if (!makeFolders(configurationFolder()) ||
+      !writeFileAtomically(joinPath(configurationFolder(), "locale"), locale)) {
+    return false;
+  }
+  chosenLocale_ = locale;
+  return true;
 }
 
 void Profile::setFurtherFolders(std::vector<std::string> folders) {

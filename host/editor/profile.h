@@ -1,6 +1,7 @@
 // The user's folder for settings and cache, and the support path.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,10 +20,10 @@ class ACADHOST_EXPORT Profile {
 
   /// What the user chose for "LOCALE" ("CHS" or "ENU"), kept in a file of the profile.
   std::string locale() const;
-  /// The same; empty when nothing was chosen yet.
-  std::string chosenLocale() const;
-  /// False when it could not be kept.
-  bool setLocale(const std::string& locale) const;
+  /// The same; empty when nothing was chosen yet. The file is read once.
+  const std::string& chosenLocale() const;
+  /// False when it could not be kept; the choice stays as it was then.
+  bool setLocale(const std::string& locale);
 
   /// Folders searched after the profile's own, first to last.
   void setFurtherFolders(std::vector<std::string> folders);
@@ -34,6 +35,7 @@ class ACADHOST_EXPORT Profile {
  private:
   std::string folder_;
   std::vector<std::string> further_;
+  mutable std::optional<std::string> chosenLocale_;
 };
 
 }  // namespace tarn::host

@@ -26,7 +26,7 @@ QTranslator& translatorOf(QApplication& application, const QString& name) {
 }  // namespace
 
 Language languageOf(const Profile& profile) {
-  const std::string chosen = profile.chosenLocale();
+  const std::string& chosen = profile.chosenLocale();
   if (!chosen.empty()) return chosen == "CHS" ? Language::kChinese : Language::kEnglish;
   return QLocale::system().language() == QLocale::Chinese ? Language::kChinese : Language::kEnglish;
 }

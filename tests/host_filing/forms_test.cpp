@@ -12,25 +12,17 @@
 #include "host/filing/binarydrawing.h"
 #include "host/filing/drawingfile.h"
 #include "tests/host_filing/drawingfixture.h"
+#include "tests/host_filing/judging.h"
 #include "tests/host_filing/realdrawings.h"
 #include "tests/support/program.h"
 
 namespace tarn::host {
 namespace {
 
-class Forms : public testing::Test {
+class Forms : public Judging {
  protected:
-  void SetUp() override {
-    if (judge({"audit"}).exitCode == 77) GTEST_SKIP() << "python3-ezdxf is not installed";
-  }
-  static test::Outcome judge(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), TARN_SOURCE_DIR "/tests/host_filing/drawing_judge.py");
-    return test::runProgram("/usr/bin/python3", arguments);
-  }
   std::string write(const std::string& bytes) {
-    const std::string path = scratch_.at(std::to_string(++files_) + ".dxf");
-    EXPECT_TRUE(writeFileAtomically(path, bytes));
-    return path;
+    return Judging::write(std::to_string(++files_) + ".dxf", bytes);
   }
   /// What a third program finds in a drawing; texts it reads by the code page in every version.
   static std::string featuresOf(const std::string& path) {
@@ -39,7 +31,6 @@ class Forms : public testing::Test {
         {"-q", "-dialect", "SQLite", "-sql", "SELECT ST_AsText(geometry) FROM entities", path});
     return std::to_string(found.exitCode) + found.output;
   }
-  test::Scratch scratch_{"tarn_forms_"};
   int files_ = 0;
 };
 
