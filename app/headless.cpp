@@ -9,6 +9,7 @@
 #include "app/session.h"
 #include "app/startinputs.h"
 #include "base/log.h"
+#include "base/program.h"
 #include "host/editor/autosave.h"
 #include "host/editor/commandlineui.h"
 #include "host/editor/hostapp.h"
@@ -28,6 +29,10 @@ void toLog(QtMsgType, const QMessageLogContext&, const QString& message) {
 
 int runHeadless(const Options& options, int& argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  // Without windows the toolkit looks for fonts in one folder only, on systems that have such one.
+  if (const std::string fonts = systemFontFolder();
+      !fonts.empty() && !qEnvironmentVariableIsSet("QT_QPA_FONTDIR"))
+    qputenv("QT_QPA_FONTDIR", QString::fromStdString(fonts).toLocal8Bit());
   qInstallMessageHandler(toLog);
 #ifdef TARN_HAS_WINDOW
   // Modules may have dialogs; scripts see none of them but may open them.
@@ -37,7 +42,7 @@ int runHeadless(const Options& options, int& argc, char** argv) {
   const QGuiApplication application(argc, argv);
 #endif
   host::HeadlessFrontEnd::installSignals();
-  host::HeadlessFrontEnd frontEnd(std::cout, host::HeadlessFrontEnd::standardOutputIsTerminal());
+  host::HeadlessFrontEnd frontEnd(std::cout, standardOutputIsTerminal());
   host::CommandLineUi ui;
   if (!options.log.empty()) {
     std::cerr

@@ -1,27 +1,15 @@
-#include <cstdlib>
 #include <iostream>
 #include <string>
-#include <vector>
 
 #include "app/options.h"
 #include "app/session.h"
 #include "base/file.h"
-
-namespace {
-
-bool hasDisplay() {
-  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
-    const char* value = std::getenv(name);
-    if (value != nullptr && *value != 0) return true;
-  }
-  return false;
-}
-
-}  // namespace
+#include "base/program.h"
 
 int main(int argc, char** argv) {
   tarn::makeWriteFailuresErrors();
-  const auto options = tarn::app::parseOptions(std::vector<std::string>(argv + 1, argv + argc));
+  tarn::prepareStandardStreams();
+  const auto options = tarn::app::parseOptions(tarn::programArguments(argc, argv));
   if (!options) {
     std::cerr << "cadhost: " << options.message() << "\n";
     return 2;
@@ -35,11 +23,11 @@ int main(int argc, char** argv) {
     return 0;
   }
 #ifdef TARN_HAS_WINDOW
-  if (!options.value().headless && hasDisplay()) {
+  if (!options.value().headless && tarn::hasDisplay()) {
     return tarn::app::runWindow(options.value(), argc, argv);
   }
 #else
-  if (!options.value().headless && hasDisplay()) {
+  if (!options.value().headless && tarn::hasDisplay()) {
     std::cerr << "cadhost: this build has no window; running without.\n";
   }
 #endif

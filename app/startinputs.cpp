@@ -1,5 +1,6 @@
 #include "app/startinputs.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -25,7 +26,8 @@ Result<std::vector<LineSource>> startInputs(const Options& options) {
     } else if (input.text == "-") {
       sources.push_back(host::linesOf(std::cin));
     } else {
-      const auto script = std::make_shared<std::ifstream>(input.text);
+      const auto script =
+          std::make_shared<std::ifstream>(std::filesystem::u8path(input.text), std::ios::binary);
       // Reading a folder opens, but gives nothing.
       if (!*script || (script->peek(), script->bad())) {
         return Status::error(input.text + ": the script cannot be read.");

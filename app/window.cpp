@@ -5,6 +5,7 @@
 
 #include "app/session.h"
 #include "app/startinputs.h"
+#include "base/program.h"
 #include "host/editor/autosave.h"
 #include "host/editor/hostapp.h"
 #include "host/window/appearance.h"
@@ -38,6 +39,7 @@ void fitWindow(host::MainWindow& window, const Options& options) {
 }  // namespace
 
 int runWindow(const Options& options, int& argc, char** argv) {
+  closeOwnConsole();
   QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
   QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
   QApplication::setHighDpiScaleFactorRoundingPolicy(

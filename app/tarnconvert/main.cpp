@@ -10,6 +10,7 @@
 #include "app/tarnconvert/arguments.h"
 #include "base/encoding.h"
 #include "base/file.h"
+#include "base/program.h"
 #include "components/convert/batch.h"
 #include "components/convert/catalogue.h"
 
@@ -98,8 +99,10 @@ int writeCatalogues(const std::vector<std::string>& folders) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  tarn::makeWriteFailuresErrors();
+  tarn::prepareStandardStreams();
   tarn::Result<Arguments> parsed =
-      tarn::convertapp::parseArguments({argv + (argc > 0 ? 1 : 0), argv + argc});
+      tarn::convertapp::parseArguments(tarn::programArguments(argc, argv));
   if (!parsed) {
     std::cerr << "tarnconvert: " << parsed.message() << "\n" << tarn::convertapp::kUsage;
     return kWrongUsage;
@@ -109,7 +112,6 @@ int main(int argc, char** argv) {
     std::cout << tarn::convertapp::kUsage;
     return kDone;
   }
-  tarn::makeWriteFailuresErrors();
   if (arguments.catalogue) return writeCatalogues(arguments.names);
   std::signal(SIGINT, onStop);
   std::signal(SIGTERM, onStop);

@@ -6,6 +6,7 @@
 
 #include "base/file.h"
 #include "base/path.h"
+#include "base/program.h"
 #include "base/text.h"
 #include "components/rectify/advice.h"
 #include "components/rectify/pointfile.h"
@@ -154,14 +155,16 @@ int usage(const std::string& why) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
+int main(int count, char** words) {
   makeWriteFailuresErrors();
+  prepareStandardStreams();
+  const std::vector<std::string> arguments = programArguments(count, words);
   int method = -1;
   std::vector<std::string> files;
   std::vector<PlanePoint> at;
-  for (int i = 1; i < count; ++i) {
-    const std::string argument = arguments[i];
-    const std::string value = i + 1 < count ? arguments[i + 1] : "";
+  for (size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    const std::string value = i + 1 < arguments.size() ? arguments[i + 1] : "";
     if (argument == "--help") {
       std::fputs(kHelp, stdout);
       return kDone;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 
 #include "acgi.h"
 #include "base/file.h"
@@ -106,7 +107,7 @@ std::string AcDbRasterImage::foundFile() const {
   if (database() != nullptr) database()->getFilename(drawing);
   const std::string folder = tarn::folderOf(tarn::toUtf8(drawing));
   if (stored.empty()) return {};
-  if (stored.front() == '/' && isFile(stored)) return stored;
+  if (std::filesystem::u8path(stored).is_absolute() && isFile(stored)) return stored;
   for (const std::string& end : endsOf(stored)) {
     std::string path = folder.empty() ? end : tarn::joinPath(folder, end);
     if (isFile(path)) return path;

@@ -1,14 +1,7 @@
 #include "host/headless/headlessfrontend.h"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -86,14 +79,6 @@ void HeadlessFrontEnd::requestCancel() {
 
 void HeadlessFrontEnd::installSignals() {
   std::signal(SIGINT, onInterrupt);
-}
-
-bool HeadlessFrontEnd::standardOutputIsTerminal() {
-#ifdef _WIN32
-  return _isatty(_fileno(stdout)) != 0;
-#else
-  return isatty(STDOUT_FILENO) == 1;
-#endif
 }
 
 void HeadlessFrontEnd::print(const std::string& text) {

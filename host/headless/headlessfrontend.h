@@ -37,7 +37,6 @@ class ACADHOST_EXPORT HeadlessFrontEnd : public FrontEnd {
   /// An interrupt stops the running operation, a second one the program; a closed pipe at the
   /// output is an error of the stream, no signal.
   static void installSignals();
-  static bool standardOutputIsTerminal();
 
   void print(const std::string& text) override;
   std::optional<std::string> readLine(const std::string& prompt, InputKind kind) override;

@@ -1,11 +1,13 @@
 #include "host/window/transcript.h"
 
+#include <filesystem>
+
 #include "base/text.h"
 
 namespace tarn::host {
 
 Status Transcript::open(const std::string& path) {
-  file_.open(path, std::ios::app | std::ios::binary);
+  file_.open(std::filesystem::u8path(path), std::ios::app | std::ios::binary);
   if (!file_) return Status::error(path + ": the log cannot be written.");
   return {};
 }
