@@ -71,6 +71,9 @@ Status giveSecondName(const std::string& path, const std::string& second);
 /// is untouched and nothing is left behind.
 Status writeFileAtomically(const std::string& path, std::string_view bytes);
 
+/// True for a path that needs no working folder.
+bool isAbsolutePath(std::string_view path);
+
 /// Absolute form of a path, relative to the working folder; does not need to exist.
 std::string absolutePath(const std::string& path);
 
@@ -109,7 +112,7 @@ class RandomFile final : public RandomBytes {
   bool readAt(uint64_t offset, void* out, size_t size) const override;
 
  private:
-  int handle_ = -1;
+  std::intptr_t handle_ = -1;
 };
 
 /// A file written from start to end or at known offsets by several threads at once; the caller
@@ -141,7 +144,7 @@ class OutputFile {
   Status close();
 
   std::string path_;
-  int handle_ = -1;
+  std::intptr_t handle_ = -1;
 };
 
 }  // namespace tarn

@@ -1,6 +1,7 @@
 // A lock on a file that ends with the process that holds it, however that ends.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "base/result.h"
@@ -20,7 +21,7 @@ class FileLock {
   void unlock();
 
  private:
-  int handle_ = -1;
+  std::intptr_t handle_ = -1;
 };
 
 }  // namespace tarn

@@ -1,21 +1,21 @@
 #include "base/stagedfile.h"
 
-#include <unistd.h>
-
 #include "base/path.h"
+#include "base/process.h"
+#include "base/systemfile.h"
 #include "base/text.h"
 
 namespace tarn {
 
 StagedFile::~StagedFile() {
-  if (isNamed_) ::unlink(temporary_.c_str());
+  if (isNamed_) system::removeName(temporary_);
 }
 
 Status StagedFile::write(const std::string& path, std::string_view bytes) {
   auto target = linkTarget(path);
   if (!target) return target.status();
   target_ = target.take();
-  temporary_ = target_ + ".tmp" + std::to_string(::getpid());
+  temporary_ = target_ + ".tmp" + std::to_string(processNumber());
   const std::string folder = folderOf(target_);
   const bool isInRoot = folder.empty() && target_.front() == '/';
   if (!file_.createUnnamed(isInRoot ? "/" : folder, path)) {

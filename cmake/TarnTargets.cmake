@@ -14,6 +14,7 @@ set(TARN_BIN_DIR ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${TARN_BIN_DIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${TARN_BIN_DIR})
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(TARN_LIBRARY_SUFFIX ${CMAKE_SHARED_LIBRARY_SUFFIX})
 
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
@@ -41,13 +42,25 @@ function(tarn_target target)
   target_link_libraries(${target} PRIVATE tarn_options)
 endfunction()
 
-# tarn_plugin(<target> SOURCES... LIBS...): a framework plug-in, bin/plugins/<target>.so.
+# What a build for Windows finds at run time stands beside its programs, as on a user's machine.
+if(WIN32)
+  include(${CMAKE_SOURCE_DIR}/cmake/WindowsRuntime.cmake)
+endif()
+
+# tarn_defs(<target>): a shared library in which nothing is left for others to define. On Windows none ever can be.
+function(tarn_defs target)
+  if(NOT WIN32 AND NOT TARN_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
+  endif()
+endfunction()
+
+# tarn_plugin(<target> SOURCES... LIBS...): a framework plug-in, bin/plugins/<target>.so (.dll on Windows).
 function(tarn_plugin target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_library(${target} MODULE ${ARG_SOURCES})
   tarn_target(${target})
   target_link_libraries(${target} PRIVATE ${ARG_LIBS})
-  set_target_properties(${target} PROPERTIES PREFIX "" SUFFIX ".so"
+  set_target_properties(${target} PROPERTIES PREFIX "" SUFFIX ${TARN_LIBRARY_SUFFIX}
     LIBRARY_OUTPUT_DIRECTORY ${TARN_BIN_DIR}/plugins BUILD_RPATH "$ORIGIN/..")
 endfunction()
 
@@ -58,30 +71,40 @@ function(tarn_module target name)
   add_library(${target} MODULE ${ARG_SOURCES})
   tarn_target(${target})
   target_link_libraries(${target} PRIVATE ${ARG_LIBS})
-  target_link_options(${target} PRIVATE
-    -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/arx.map -Wl,-z,defs)
-  if(TARN_SANITIZE)
-    target_link_options(${target} PRIVATE -Wl,-z,undefs)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/arx.def)
+  else()
+    target_link_options(${target} PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/arx.map)
   endif()
+  tarn_defs(${target})
   set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name} SUFFIX ".arx"
     BUILD_RPATH "$ORIGIN" LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/arx.map)
 endfunction()
 
 # The leak checker leaves dynamic thread-local storage alone: it crashes there now and then.
-# tarn_test(<name> SOURCES... LIBS... [TIMEOUT seconds]): one GoogleTest program, one ctest entry.
+# tarn_test(<name> SOURCES... [POSIX...] LIBS... [TIMEOUT seconds]): one GoogleTest program, one ctest entry.
 # Programs and plug-ins under test are found through TARN_BIN_DIR, real files nobody here wrote
-# through TARN_DATA_DIR (may be missing: tests then skip and say so).
+# through TARN_DATA_DIR (may be missing: tests then skip and say so). Sources under POSIX are about that kind of
+# system (signals, modes, pipes among files): on Windows they are left out, and an entry that is skipped says so.
 find_package(GTest REQUIRED)
 function(tarn_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
-  add_executable(${name} ${ARG_SOURCES})
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;POSIX;LIBS" ${ARGN})
+  if(WIN32)
+    foreach(source ${ARG_POSIX})
+      get_filename_component(stem ${source} NAME_WE)
+      add_test(NAME ${name}_${stem}_posix COMMAND ${CMAKE_COMMAND} -E echo "${name}: ${source} is about POSIX systems")
+      set_tests_properties(${name}_${stem}_posix PROPERTIES SKIP_REGULAR_EXPRESSION "about POSIX")
+    endforeach()
+    set(ARG_POSIX)
+  endif()
+  add_executable(${name} ${ARG_SOURCES} ${ARG_POSIX})
   tarn_target(${name})
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest GTest::gtest_main ${ARG_LIBS})
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests BUILD_RPATH ${TARN_BIN_DIR})
   target_compile_definitions(${name} PRIVATE
-    TARN_BIN_DIR="${TARN_BIN_DIR}" TARN_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-    TARN_DATA_DIR="${CMAKE_SOURCE_DIR}/../shared/data")
+    TARN_BIN_DIR="${TARN_RUN_ROOT}${TARN_BIN_DIR}" TARN_SOURCE_DIR="${TARN_RUN_ROOT}${CMAKE_SOURCE_DIR}"
+    TARN_DATA_DIR="${TARN_RUN_ROOT}${CMAKE_SOURCE_DIR}/../shared/data")
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
   endif()

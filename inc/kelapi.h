@@ -1,12 +1,13 @@
-// What libkelpie_core exports.
+// What libkelpie_core exports, and what plug-ins do.
 #pragma once
 
-#if defined(_WIN32)
+#include "base/export.h"
+
 #ifdef KELPIE_CORE_BUILD
-#define KEL_API __declspec(dllexport)
+#define KEL_API TARN_EXPORT
 #else
-#define KEL_API __declspec(dllimport)
+#define KEL_API TARN_IMPORT
 #endif
-#else
-#define KEL_API __attribute__((visibility("default")))
-#endif
+
+/// Marks the entry of a plug-in.
+#define KEL_PLUGIN_API TARN_EXPORT

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks every #include of the repository against tools/deps.txt.
+"""Checks every #include of the repository against tools/deps.txt, and that what differs from one
+operating system to another stays in the folders made for it.
 
 Prints one line a fault and exits 1 when there is any. Files under _image/ that stand in no folder
 belong to one of two rooms: the entity files (the entity and what it needs) and the shell files.
@@ -29,6 +30,16 @@ QT_GUI = re.compile(
     r"^(QtGui/|Q(GuiApplication|Painter|PainterPath|Image|Pixmap|Color|Font|FontMetrics|FontMetricsF|"
     r"FontDatabase|Pen|Brush|Transform|Polygon|PolygonF|PdfWriter|Icon|Screen|Window|"
     r"KeyEvent|MouseEvent|WheelEvent|DropEvent|DragEnterEvent|Cursor|KeySequence)$)")
+# Where systems may be told apart and called.
+SYSTEM_ROOMS = ("base", "host", "commoncode/crashreport")
+CONDITION = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b")
+SYSTEM_MACROS = re.compile(
+    r".*\b(_WIN32|_WIN64|WIN32|__linux__|linux|__unix__|unix|__APPLE__|"
+    r"__MINGW32__|__CYGWIN__|_MSC_VER|Q_OS_\w+|Q_CC_\w+)\b")
+SYSTEM_HEADERS = re.compile(
+    r"^((sys|arpa|netinet|linux)/.*|(unistd|fcntl|dlfcn|dirent|poll|pthread|semaphore|pwd|signal|spawn|termios|"
+    r"execinfo|link|windows|winsock2|ws2tcpip|shlobj|shellapi|io|direct|process|dbghelp|aclapi|tlhelp32|psapi)\.h)$",
+    re.IGNORECASE)
 
 
 def read_rules():
@@ -91,14 +102,23 @@ def faults_of(path, rules):
         yield f"{path}: stands in no room of tools/deps.txt"
         return
     allowed, libraries = rules[room]
+    may_know_system = room.startswith(SYSTEM_ROOMS)
     with open(os.path.join(ROOT, path), encoding="utf-8") as text:
+        is_condition = False
         for number, line in enumerate(text, 1):
+            is_condition = bool(CONDITION.match(line)) or (is_condition and continued)
+            continued = line.endswith("\\\n")
+            system = SYSTEM_MACROS.match(line) if is_condition and not may_know_system else None
+            if system:
+                yield f"{path}:{number}: {room} may not ask for the system ({system.group(1)})"
             match = re.match(r'\s*#\s*include\s*[<"]([^>"]+)[>"]', line)
             if not match:
                 continue
             name = match.group(1)
             target = resolve(name, path)
             if target is None:
+                if not may_know_system and SYSTEM_HEADERS.match(name):
+                    yield f"{path}:{number}: {room} may not call the system ({name})"
                 library = library_fault(name, libraries)
                 if library:
                     yield f"{path}:{number}: {room} may not use {library} ({name})"

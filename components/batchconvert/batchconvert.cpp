@@ -218,6 +218,6 @@ class BatchConversion final : public kel::Implements<BatchConversion, IBatchImag
 }  // namespace
 }  // namespace tarn::batchconvert
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   tarn::batchconvert::BatchConversion::registerSelf();
 }

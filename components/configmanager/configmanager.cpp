@@ -78,6 +78,6 @@ class ConfigManager final : public Implements<ConfigManager, IConfigManager> {
 }  // namespace
 }  // namespace kel
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   kel::ConfigManager::registerSelf();
 }

@@ -1,6 +1,5 @@
 #include "components/convert/converter.h"
 
-#include <filesystem>
 #include <optional>
 
 #include "base/file.h"
@@ -35,11 +34,6 @@ std::string markIn(const std::string& path) {
   const raster::GdalErrors quiet;
   const char* mark = dataset ? dataset.value()->GetMetadataItem(kMarkItem) : nullptr;
   return mark ? mark : "";
-}
-
-bool isSameFile(const std::string& a, const std::string& b) {
-  std::error_code none;
-  return std::filesystem::equivalent(a, b, none);
 }
 
 /// What to do with the place of an output.

@@ -192,6 +192,6 @@ class ImageSource final : public kel::Implements<ImageSource, IImageDivision> {
 }  // namespace
 }  // namespace tarn::imagesource
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   tarn::imagesource::ImageSource::registerSelf();
 }

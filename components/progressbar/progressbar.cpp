@@ -78,6 +78,6 @@ class ProgressBar final : public Implements<ProgressBar, IProgressBar> {
 }  // namespace
 }  // namespace kel
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   kel::ProgressBar::registerSelf();
 }

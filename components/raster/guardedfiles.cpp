@@ -1,7 +1,6 @@
 #include "components/raster/guardedfiles.h"
 
 #include <cpl_vsi.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstring>

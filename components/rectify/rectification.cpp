@@ -265,6 +265,6 @@ void Rectification::stateChanged() {
 
 }  // namespace tarn::rectify
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   tarn::rectify::Rectification::registerSelf();
 }

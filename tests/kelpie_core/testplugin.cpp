@@ -12,6 +12,6 @@ class TestObject final : public kel::Implements<TestObject, ITestObject> {
 
 }  // namespace
 
-extern "C" KEL_API void kelRegisterPlugin() {
+extern "C" KEL_PLUGIN_API void kelRegisterPlugin() {
   TestObject::registerSelf();
 }

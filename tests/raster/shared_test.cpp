@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <filesystem>
 #include <thread>
 
 #include "base/file.h"
@@ -203,7 +203,7 @@ TEST(OpenImage, ChangedOnTheDisk) {
   };
   const auto image = openImage(path);
   EXPECT_EQ(read(*image), "");
-  ASSERT_EQ(truncate(path.c_str(), 1000), 0);
+  std::filesystem::resize_file(std::filesystem::u8path(path), 1000);
   EXPECT_NE(read(*image).find("has been changed"), std::string::npos) << "cut short";
   ASSERT_TRUE(removeAll(path));
   EXPECT_NE(read(*image).find("not there"), std::string::npos) << "deleted";

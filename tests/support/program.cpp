@@ -31,7 +31,7 @@ Outcome runProgram(const std::string& program, const std::vector<std::string>& a
   QProcess process;
   process.setProcessEnvironment(environment);
   process.setProcessChannelMode(QProcess::MergedChannels);
-  const std::string path = program.front() == '/' ? program : joinPath(TARN_BIN_DIR, program);
+  const std::string path = isAbsolutePath(program) ? program : joinPath(TARN_BIN_DIR, program);
   process.start(QString::fromStdString(path), words);
   process.write(input.data(), static_cast<qint64>(input.size()));
   process.closeWriteChannel();

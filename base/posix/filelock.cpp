@@ -18,9 +18,10 @@ FileLock::~FileLock() {
 
 Status FileLock::tryLock(const std::string& path) {
   unlock();
-  handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (handle_ < 0) return Status::error(path + ": cannot create: " + lastSystemError());
-  if (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {
+  const int handle = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  handle_ = handle;
+  if (handle < 0) return Status::error(path + ": cannot create: " + lastSystemError());
+  if (::flock(handle, LOCK_EX | LOCK_NB) != 0) {
     const bool taken = errno == EWOULDBLOCK;
     const std::string reason = lastSystemError();
     unlock();
@@ -30,7 +31,7 @@ Status FileLock::tryLock(const std::string& path) {
   // Between opening and locking somebody else may have finished and removed the file.
   struct stat opened {
   }, named{};
-  if (::fstat(handle_, &opened) == 0 && ::stat(path.c_str(), &named) == 0 &&
+  if (::fstat(handle, &opened) == 0 && ::stat(path.c_str(), &named) == 0 &&
       opened.st_ino == named.st_ino && opened.st_dev == named.st_dev)
     return Status::ok();
   unlock();
@@ -38,7 +39,7 @@ Status FileLock::tryLock(const std::string& path) {
 }
 
 void FileLock::unlock() {
-  if (handle_ >= 0) ::close(std::exchange(handle_, -1));
+  if (handle_ != -1) ::close(static_cast<int>(std::exchange(handle_, -1)));
 }
 
 }  // namespace tarn

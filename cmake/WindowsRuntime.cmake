@@ -1,0 +1,18 @@
+# Copies what the programs need at run time beside them: the libraries' DLLs, the framework's own plug-ins, the tables
+# of coordinate systems. TARN_WIN32_DEPS is set by tools/win32/toolchain.cmake.
+set(TARN_RUN_ROOT "")
+if(CMAKE_CROSSCOMPILING)
+  # The drive by which the emulator shows this machine's files.
+  set(TARN_RUN_ROOT "Z:")
+endif()
+set(deps $ENV{TARN_WIN32_DEPS})
+if(deps)
+  file(GLOB libraries ${deps}/bin/*.dll ${deps}/qt/bin/Qt5*.dll)
+  list(FILTER libraries EXCLUDE REGEX "Qt5Test")
+  file(COPY ${libraries} DESTINATION ${TARN_BIN_DIR})
+  file(GLOB kinds LIST_DIRECTORIES ON ${deps}/qt/plugins/*)
+  file(COPY ${kinds} DESTINATION ${TARN_BIN_DIR})
+  file(COPY ${deps}/share/gdal ${deps}/share/proj DESTINATION ${TARN_BIN_DIR}/share)
+  file(COPY ${deps}/qt/bin/Qt5Test.dll DESTINATION ${CMAKE_BINARY_DIR}/tests)
+  file(WRITE ${CMAKE_BINARY_DIR}/tests/qt.conf "[Paths]\nPrefix=../bin\nPlugins=.\n")
+endif()

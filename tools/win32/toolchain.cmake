@@ -1,0 +1,20 @@
+# 32-bit Windows by Debian's MinGW compiler, with the libraries in the folder that deps.sh made.
+if(NOT DEFINED ENV{TARN_WIN32_DEPS})
+  execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/deps.sh --where
+    OUTPUT_VARIABLE deps OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  set(ENV{TARN_WIN32_DEPS} ${deps})
+endif()
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32 $ENV{TARN_WIN32_DEPS} $ENV{TARN_WIN32_DEPS}/qt)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+foreach(language C CXX)
+  # SSE arithmetic: doubles are rounded as in a 64-bit build. A host may call on a stack that is aligned to 4 bytes only.
+  set(CMAKE_${language}_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign -D_WIN32_WINNT=0x0601")
+endforeach()
