@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "dbents.h"
 #include "dbsymtb.h"
+#include "host/database/draworder.h"
 #include "host/database/entitysystem.h"
 #include "host/database/objectaccess.h"
 
@@ -242,7 +243,7 @@ void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWo
   if (record == nullptr || state.depth >= kDeepest) return;
   if (state.depth == 0) state.entities = 0;
   ++state.depth;
-  for (const AcDbObjectId& id : record->entityIds()) {
+  for (const AcDbObjectId& id : drawnOrder(*record)) {
     if (++state.entities > kMostEntities || draw.regenAbort()) break;
     auto* entity = AcDbEntity::cast(peek(id));
     if (entity == nullptr || entity->isErased()) continue;

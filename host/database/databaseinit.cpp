@@ -21,6 +21,7 @@
 #include "dbwipe.h"
 #include "dbxrecrd.h"
 #include "host/rx/rxinit.h"
+#include "sorttab.h"
 
 namespace tarn::host {
 
@@ -72,6 +73,7 @@ void registerDatabaseClasses() {
   AcDbViewTable::rxInit();
   AcDbDictionary::rxInit();
   AcDbXrecord::rxInit();
+  AcDbSortentsTable::rxInit();
   AcDbPlotSettings::rxInit();
   AcDbLayout::rxInit();
 }

@@ -7,6 +7,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/regenerator.h"
+#include "sorttab.h"
 
 namespace tarn::host {
 
@@ -35,12 +36,15 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
     document_.setModified();
     if (object.isKindOf(AcDbLayerTableRecord::desc())) {
       app_.regenerator().redrawLayer(document_, object.objectId());
+    } else if (object.isKindOf(AcDbSortentsTable::desc())) {
+      reorder(object.objectId());
     } else {
       redrawClosed(object);
     }
   }
   void objectErased(AcDbObject& object, bool erased) override {
     document_.setModified();
+    if (object.isKindOf(AcDbSortentsTable::desc())) return reorder(object.objectId());
     auto* entity = AcDbEntity::cast(&object);
     if (entity == nullptr) return;
     if (erased) {
@@ -52,6 +56,11 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
   void drawWanted(AcDbEntity& entity) override { app_.regenerator().redraw(entity); }
 
  private:
+  void reorder(AcDbObjectId id) {
+    const AcDbObjectPointer<AcDbSortentsTable> table(id, AcDb::kForRead, true);
+    if (table.openStatus() == Acad::eOk) app_.regenerator().reorder(document_, table->blockId());
+  }
+
   void redrawClosed(const AcDbObject& object) {
     if (!object.isKindOf(AcDbEntity::desc())) return;
     const AcDbObjectPointer<AcDbEntity> entity(object.objectId(), AcDb::kForRead);

@@ -3,6 +3,7 @@
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "host/database/draworder.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/hostcommands.h"
@@ -29,6 +30,17 @@ bool isOnLockedLayer(const AcDbEntity& entity) {
 EntityIds currentSpaceEntities(HostDocument& document) {
   EntityIds ids;
   addEntities(document.space().currentBlock(), ids);
+  return ids;
+}
+
+EntityIds currentSpaceInDrawnOrder(HostDocument& document) {
+  EntityIds ids;
+  const AcDbObjectPointer<AcDbBlockTableRecord> block(document.space().currentBlock(),
+                                                      AcDb::kForRead);
+  if (block.openStatus() != Acad::eOk) return ids;
+  for (const AcDbObjectId& id : drawnOrder(*block.object())) {
+    if (!id.isErased()) ids.push_back(id);
+  }
   return ids;
 }
 

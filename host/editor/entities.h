@@ -15,8 +15,10 @@ namespace tarn::host {
 class HostApp;
 class HostDocument;
 
-/// In drawing order, erased ones left out.
+/// As they were made, erased ones left out.
 ACADHOST_EXPORT EntityIds currentSpaceEntities(HostDocument& document);
+/// The same in the order in which they are drawn.
+EntityIds currentSpaceInDrawnOrder(HostDocument& document);
 /// All that the drawing's spaces hold: model first.
 EntityIds allEntities(HostDocument& document);
 

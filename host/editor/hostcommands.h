@@ -31,6 +31,7 @@ void copyclipCommand();
 void pasteclipCommand();
 
 void distCommand();
+void drawOrderCommand();
 void helpCommand();
 void idCommand();
 void listCommand();

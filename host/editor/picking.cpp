@@ -78,8 +78,10 @@ class DrawnInOrder {
   explicit DrawnInOrder(const Scene& scene) : scene_(scene) {}
   const Drawn* of(AcDbObjectId id) {
     const Scene::Key key = id.handle().value();
-    if (next_ < scene_.size() && scene_.order()[next_] == key) return scene_.drawn()[next_++];
-    return scene_.findDrawn(key);
+    if (next_ >= scene_.order().size() || scene_.order()[next_] != key)
+      return scene_.findDrawn(key);
+    const Drawn* drawn = scene_.drawn()[next_++];
+    return drawn->isGone ? nullptr : drawn;
   }
 
  private:
@@ -240,7 +242,7 @@ AcDbObjectId entityAt(HostApp& app, GroundPoint point) {
   HostDocument& document = app.documents().current();
   const PixelPoint pixel = pixelFromGround(document.space().mouseView(), point);
   const double reach = app.variables().shortOf("PICKBOX") + 0.5;
-  const EntityIds ids = currentSpaceEntities(document);
+  const EntityIds ids = currentSpaceInDrawnOrder(document);
   const auto found = std::find_if(ids.rbegin(), ids.rend(), [&](const AcDbObjectId& id) {
     return distanceTo(outlinesOf(document, id), pixel) <= reach;
   });
@@ -254,7 +256,7 @@ EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPoint b, bool cros
   const WindowSieve sieve(view, box);
   DrawnInOrder drawn(document.currentScene());
   EntityIds found;
-  for (const AcDbObjectId& id : currentSpaceEntities(document)) {
+  for (const AcDbObjectId& id : currentSpaceInDrawnOrder(document)) {
     const Drawn* seen = drawn.of(id);
     if (seen == nullptr || sieve.isOutside(*seen)) continue;
     if (sieve.isInside(*seen)) {

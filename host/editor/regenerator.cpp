@@ -12,6 +12,7 @@
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "host/database/blockdraw.h"
+#include "host/database/draworder.h"
 #include "host/editor/documents.h"
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
@@ -37,7 +38,7 @@ class Nesting {
 
 AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
   const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-  return record.openStatus() == Acad::eOk ? record->entityIds() : AcDbObjectIdArray();
+  return record.openStatus() == Acad::eOk ? drawnOrder(*record.object()) : AcDbObjectIdArray();
 }
 
 struct LayerState {
@@ -100,8 +101,8 @@ void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool 
 }
 
 void countImages(const Scene& scene, long long& images, long long& pixels) {
-  for (const Scene::Key key : scene.order()) {
-    for (const DisplayItem& item : *scene.find(key)) {
+  for (const Drawn* drawn : scene.drawn()) {
+    for (const DisplayItem& item : drawn->list) {
       const auto* image = std::get_if<ImageItem>(&item);
       if (image == nullptr) continue;
       ++images;
@@ -119,14 +120,35 @@ void Regenerator::draw(Scene& scene, AcDbEntity& entity, bool plots) const {
 size_t Regenerator::drawBlock(Scene& scene, AcDbObjectId block) const {
   LayerStates layers;
   std::vector<Scene::Key> order;
+  size_t count = 0;
   for (const AcDbObjectId& id : entitiesOf(block)) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-    if (entity.openStatus() != Acad::eOk) continue;
-    drawEntity(scene, *entity.object(), layers.of(*entity.object()), false);
-    order.push_back(id.handle().value());
+    const Scene::Key key = id.handle().value();
+    if (entity.openStatus() == Acad::eOk) {
+      drawEntity(scene, *entity.object(), layers.of(*entity.object()), false);
+      ++count;
+    }
+    // One that is erased or not seen may come back, and then to its place.
+    if (scene.keepsPlaceOf(key)) order.push_back(key);
   }
   scene.keepInOrder(order);
-  return order.size();
+  return count;
+}
+
+void Regenerator::reorder(HostDocument& document, AcDbObjectId block) {
+  const auto keep = [&](Scene& scene) {
+    std::vector<Scene::Key> order;
+    for (const AcDbObjectId& id : entitiesOf(block)) {
+      const Scene::Key key = id.handle().value();
+      if (scene.keepsPlaceOf(key)) order.push_back(key);
+    }
+    scene.keepInOrder(order);
+  };
+  if (block == document.space().shownBlock()) keep(document.scene());
+  if (block == document.space().modelBlock()) {
+    for (auto& window : document.windowScenes()) keep(window.second);
+  }
+  app_.frontEnd().displayChanged();
 }
 
 /// Calls `drawInto` with the scene of each viewport that is on the screen, while the view variables

@@ -29,6 +29,8 @@ class ACADHOST_EXPORT Regenerator {
   void redraw(AcDbEntity& entity);
   /// Draws the entities of one layer of the model space anew.
   void redrawLayer(HostDocument& document, AcDbObjectId layer);
+  /// Brings what is drawn of a block into its order of drawing.
+  void reorder(HostDocument& document, AcDbObjectId block);
   /// Takes an entity out of the picture.
   void forget(AcDbEntity& entity);
 

@@ -12,6 +12,7 @@
 #include "host/filing/objectcodec.h"
 #include "host/filing/tagvalues.h"
 #include "host/rx/resbuf_kind.h"
+#include "sorttab.h"
 
 namespace tarn::host {
 
@@ -127,6 +128,8 @@ void bindDictionaries(DrawingBinding& binding) {
       made = makeRecord(tags);
     else if (type == "LAYOUT")
       made = readLayout(binding, tags);
+    else if (type == "SORTENTSTABLE")
+      made = readSortTable(binding, tags);
     if (made == nullptr) made = new AcDbProxyObject(std::wstring(type.begin(), type.end()));
     const AcDbObjectId id = binding.add(made, i);
     if (root.isNull() && type == "DICTIONARY") root = id;

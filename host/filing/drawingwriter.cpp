@@ -16,6 +16,7 @@
 #include "host/filing/objectcodec.h"
 #include "host/filing/tagvalues.h"
 #include "rxclass.h"
+#include "sorttab.h"
 
 namespace tarn::host {
 
@@ -109,6 +110,8 @@ class DrawingWriter {
       bytes = writeRecord(binding_, *record, &bound);
     } else if (const auto* layout = AcDbLayout::cast(object)) {
       bytes = writeLayout(binding_, *layout, &bound);
+    } else if (const auto* order = AcDbSortentsTable::cast(object)) {
+      bytes = writeSortTable(binding_, *order, &bound);
     } else {
       if (bound.count != 1) return;
       TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
@@ -218,7 +221,7 @@ class DrawingWriter {
         if (!slot->changed || object->isErased() || known_.count(slot) > 0) continue;
         const auto* dictionary = AcDbDictionary::cast(object);
         if (dictionary == nullptr && !object->isKindOf(AcDbXrecord::desc()) &&
-            !object->isKindOf(AcDbLayout::desc())) {
+            !object->isKindOf(AcDbLayout::desc()) && !object->isKindOf(AcDbSortentsTable::desc())) {
           continue;
         }
         need(object->ownerId());
@@ -260,6 +263,7 @@ class DrawingWriter {
             writeBlockRecord(binding_, *block, handleInFile(binding_.database->blockTableId()));
       } else {
         objects += objectBytes(*object);
+        if (object->isKindOf(AcDbSortentsTable::desc())) classes_.insert(object->isA());
       }
     }
     for (const auto& [table, bytes] : defined) {
@@ -292,6 +296,9 @@ class DrawingWriter {
     }
     if (const auto* layout = AcDbLayout::cast(&object)) {
       return writeLayout(binding_, *layout, nullptr);
+    }
+    if (const auto* order = AcDbSortentsTable::cast(&object)) {
+      return writeSortTable(binding_, *order, nullptr);
     }
     return {};
   }

@@ -11,6 +11,7 @@
 class AcDbDictionary;
 class AcDbLayerTableRecord;
 class AcDbLayout;
+class AcDbSortentsTable;
 class AcDbXrecord;
 class AcRxClass;
 
@@ -28,6 +29,10 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
                             const BoundObject* old);
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old);
+std::string writeSortTable(const DrawingBinding& binding, const AcDbSortentsTable& table,
+                           const BoundObject* old);
+/// Null for one whose block is missing.
+AcDbSortentsTable* readSortTable(const DrawingBinding& binding, const TagView& tags);
 AcDbSymbolTableRecord* readLinetypeRecord(const TagView& tags);
 AcDbSymbolTableRecord* readStyleRecord(const TagView& tags);
 AcDbSymbolTableRecord* readViewRecord(const TagView& tags);

@@ -148,7 +148,7 @@ std::string writeClass(const DrawingBinding& binding, const AcRxClass& descripti
   editor.addInteger(90, description.proxyFlags());
   if (binding.document.version() >= "AC1018") editor.addInteger(91, 1);
   editor.addInteger(280, 0);
-  editor.addInteger(281, 1);
+  editor.addInteger(281, description.isDerivedFrom(AcDbEntity::desc()) ? 1 : 0);
   return editor.bytes();
 }
 

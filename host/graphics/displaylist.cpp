@@ -114,7 +114,7 @@ void Scene::set(Key entity, DisplayList list) {
     order_.push_back(entity);
     drawn_.push_back(drawn);
   }
-  *drawn = Drawn{std::move(list), {}, false};
+  *drawn = Drawn{std::move(list), {}, false, false};
   Bounds bounds(*drawn);
   for (DisplayItem& item : drawn->list) std::visit(bounds, item);
 }
@@ -125,12 +125,12 @@ DisplayList Scene::take(Key entity) {
 }
 
 void Scene::remove(Key entity) {
-  const auto found = entities_.find(entity);
-  if (found == entities_.end()) return;
-  const auto place = std::find(order_.begin(), order_.end(), entity) - order_.begin();
-  order_.erase(order_.begin() + place);
-  drawn_.erase(drawn_.begin() + place);
-  entities_.erase(found);
+  if (Drawn* drawn = known(entity)) *drawn = Drawn{{}, {}, false, true};
+}
+
+size_t Scene::size() const {
+  return static_cast<size_t>(std::count_if(drawn_.begin(), drawn_.end(),
+                                           [](const Drawn* drawn) { return !drawn->isGone; }));
 }
 
 void Scene::keepInOrder(const std::vector<Key>& entities) {
@@ -160,7 +160,7 @@ const DisplayList* Scene::find(Key entity) const {
 
 const Drawn* Scene::findDrawn(Key entity) const {
   const auto found = entities_.find(entity);
-  return found == entities_.end() ? nullptr : &found->second;
+  return found == entities_.end() || found->second.isGone ? nullptr : &found->second;
 }
 
 }  // namespace tarn::host

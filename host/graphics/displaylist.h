@@ -112,6 +112,7 @@ struct Drawn {
   DisplayList list;
   GroundBox box;
   bool isEverywhere = false;  ///< nobody knows where: the box says nothing
+  bool isGone = false;        ///< it is not seen now; its place in the order is kept
 };
 
 /// The display lists of one drawing in drawing order.
@@ -127,12 +128,15 @@ class ACADHOST_EXPORT Scene {
   void set(Key entity, DisplayList list);
   /// What the entity drew, to be drawn into and set again; empty for a new one.
   DisplayList take(Key entity);
+  /// The entity is not seen any more; when it comes back it gets its place in the order.
   void remove(Key entity);
   /// Keeps only these entities, in this order.
   void keepInOrder(const std::vector<Key>& entities);
   void clear();
-  size_t size() const { return order_.size(); }
-  /// Null when the entity has drawn nothing yet.
+  /// How many are seen.
+  size_t size() const;
+  bool keepsPlaceOf(Key entity) { return known(entity) != nullptr; }
+  /// Null when the entity is not seen.
   const DisplayList* find(Key entity) const;
   const Drawn* findDrawn(Key entity) const;
   const std::vector<Key>& order() const { return order_; }

@@ -3,6 +3,9 @@
 entity_judge.py make FILE              writes a drawing with entities of every kind that is drawn
 entity_judge.py image FILE             writes a drawing with pictures there.png, whole and clipped,
                                        and one that is missing
+entity_judge.py stacked FILE HOW       writes a drawing with four areas in colours 1 to 4, the last on
+                                       top, or HOW "turned" the first
+entity_judge.py order FILE             colours of entities as they are drawn, and what is wrong
 entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
 entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
                                        leaves different from NEW, one entity a line
@@ -160,6 +163,26 @@ def image(path):
     doc.saveas(path)
 
 
+def stacked(path, way):
+    doc = ezdxf.new("R2010")
+    space = doc.modelspace()
+    for color in range(1, 5):
+        corners = [(-color, 0), (10, 0), (-color, 10), (10, 10)]
+        space.add_solid(corners, dxfattribs={"color": color})
+    if way == "turned":
+        handles = [e.dxf.handle for e in space]
+        space.set_redraw_order(zip(handles, reversed(handles)))
+    doc.saveas(path)
+
+
+def order(path):
+    doc = ezdxf.readfile(path)
+    print(*(e.dxf.color for e in doc.modelspace().entities_in_redraw_order()))
+    auditor = doc.audit()
+    for error in auditor.errors + auditor.fixes:
+        print(error.message)
+
+
 NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION", "TOLERANCE"}
 
 
@@ -268,6 +291,10 @@ if sys.argv[1] == "make":
     make(sys.argv[2])
 elif sys.argv[1] == "image":
     image(sys.argv[2])
+elif sys.argv[1] == "stacked":
+    stacked(*sys.argv[2:4])
+elif sys.argv[1] == "order":
+    order(sys.argv[2])
 elif sys.argv[1] == "boxes":
     boxes(sys.argv[2])
 elif sys.argv[1] == "changed":

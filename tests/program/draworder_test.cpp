@@ -1,0 +1,63 @@
+// What covers what, before the eyes of another program that reads and writes such drawings.
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include "tests/support/program.h"
+
+namespace tarn::test {
+namespace {
+
+Outcome judge(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), TARN_SOURCE_DIR "/tests/host_entities/entity_judge.py");
+  return runProgram("/usr/bin/python3", arguments);
+}
+
+/// All four areas of the drawing lie over one another here.
+constexpr const char* kMiddle = "5,5,30";
+
+TEST(DrawOrder, isReadDrawnChangedAndWritten) {
+  struct Case {
+    const char* how;     ///< the drawing is stacked
+    const char* script;  ///< areas are picked at their left rims
+    const char* order;   ///< colours from the bottom to the top
+  };
+  constexpr unsigned kSeen[] = {0, 0xFF0000, 0xFFFF00, 0x00FF00, 0x00FFFF};
+  const Case cases[] = {
+      {"plain", "REGEN\n", "1 2 3 4"},
+      {"turned", "REGEN\n", "4 3 2 1"},
+      {"plain", "DRAWORDER\n0,0.2\n\nB\n", "4 1 2 3"},
+      {"plain", "DRAWORDER\nW\n-2.5,-1\n11,11\n\nF\n", "3 4 1 2"},
+      {"turned", "DRAWORDER\n0,0.2\n\nB\n", "1 4 3 2"},
+      {"turned", "DRAWORDER\n-3.5,5\n\nF\n", "3 2 1 4"},
+      {"turned", "DRAWORDER\nL\n\nA\nW\n-2.5,-1\n11,11\n\n", "3 2 1 4"},
+      {"plain", "DRAWORDER\nL\n\nU\nW\n-2.5,-1\n11,11\n\n", "4 1 2 3"},
+      {"plain", "DRAWORDER\nL\n\nB\nU\n", "1 2 3 4"},
+      {"turned", "DRAWORDER\nL\n\nF\nU\nREDO\n", "3 2 1 4"},
+      // An area that is taken away and brought back lies where it lay.
+      {"plain", "ERASE\n-1.5,5\n\nOOPS\n", "1 2 3 4"},
+      {"turned", "ERASE\nL\n\nREGEN\nU\n", "4 3 2 1"},
+  };
+  for (const Case& c : cases) {
+    const Scratch scratch("tarn_order_");
+    const std::string drawing = scratch.at("stack.dxf");
+    const Outcome made = judge({"stacked", drawing, c.how});
+    if (made.exitCode == 77) GTEST_SKIP() << "python3-ezdxf is not installed";
+    ASSERT_EQ(made.exitCode, 0) << made.output;
+    const std::string out = scratch.at("out.dxf");
+    const Outcome outcome = runCadhost(scratch,
+                                       {drawing, "--view", kMiddle, "--script", "-", "--picture",
+                                        scratch.at("seen.png"), "--save", out},
+                                       c.script);
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
+    const unsigned top = static_cast<unsigned>(std::string(c.order).back() - '0');
+    const QImage seen(QString::fromStdString(scratch.at("seen.png")));
+    EXPECT_EQ(seen.pixel(seen.width() / 2, seen.height() / 2) & 0xFFFFFF, kSeen[top])
+        << c.how << ' ' << c.script << outcome.output;
+    EXPECT_EQ(judge({"order", out}).output, std::string(c.order) + "\n")
+        << c.how << ' ' << c.script << outcome.output;
+  }
+}
+
+}  // namespace
+}  // namespace tarn::test
