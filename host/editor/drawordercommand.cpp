@@ -63,18 +63,7 @@ Acad::ErrorStatus change(AcDbBlockTableRecord& block, const AcDbObjectIdArray& i
   return status;
 }
 
-}  // namespace
-
-void drawOrderCommand() {
-  EntityIds chosen;
-  if (!selectForCommand(chosen)) return;
-  const Order order = askOrder();
-  if (order == Order::kNone) return;
-  EntityIds references;
-  if (order == Order::kAbove || order == Order::kUnder) {
-    app().print("\nReference objects:\n");
-    if (!selectForCommand(references)) return;
-  }
+void putInOrder(const EntityIds& chosen, Order order, const EntityIds& references) {
   HostDocument& document = app().documents().current();
   if (document.drawing().isOld()) {
     return failCommand(app(), "A drawing of R12 has no order of drawing; save it as R2000 first.");
@@ -88,6 +77,31 @@ void drawOrderCommand() {
     return failCommand(app(), "The order of drawing was not changed.");
   }
   app().print("\n" + std::to_string(ids.length()) + " brought into their place.\n");
+}
+
+}  // namespace
+
+void drawOrderCommand() {
+  EntityIds chosen;
+  if (!selectForCommand(chosen)) return;
+  const Order order = askOrder();
+  if (order == Order::kNone) return;
+  EntityIds references;
+  if (order == Order::kAbove || order == Order::kUnder) {
+    app().print("\nReference objects:\n");
+    if (!selectForCommand(references)) return;
+  }
+  putInOrder(chosen, order, references);
+}
+
+void bringToFrontCommand() {
+  EntityIds chosen;
+  if (selectForCommand(chosen)) putInOrder(chosen, Order::kFront, {});
+}
+
+void sendToBackCommand() {
+  EntityIds chosen;
+  if (selectForCommand(chosen)) putInOrder(chosen, Order::kBack, {});
 }
 
 }  // namespace tarn::host

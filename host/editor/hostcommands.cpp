@@ -222,6 +222,8 @@ void registerHostCommands() {
       {ACRX_T("DIST"), ACRX_CMD_TRANSPARENT, &distCommand},
       {ACRX_T("DVIEW"), ACRX_CMD_MODAL, &dviewCommand},
       {ACRX_T("DRAWORDER"), kOnSelection, &drawOrderCommand},
+      {ACRX_T("BRINGTOFRONT"), kOnSelection, &bringToFrontCommand},
+      {ACRX_T("SENDTOBACK"), kOnSelection, &sendToBackCommand},
       {ACRX_T("ERASE"), kOnSelection, &eraseCommand},
       {ACRX_T("GRIP_STRETCH"), kOnSelection | ACRX_CMD_REDRAW, &gripStretchCommand},
       {ACRX_T("HELP"), ACRX_CMD_TRANSPARENT, &helpCommand},

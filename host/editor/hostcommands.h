@@ -32,6 +32,8 @@ void pasteclipCommand();
 
 void distCommand();
 void drawOrderCommand();
+void bringToFrontCommand();
+void sendToBackCommand();
 void helpCommand();
 void idCommand();
 void listCommand();

@@ -13,6 +13,7 @@
 #include "dbsymtb.h"
 #include "host/database/blockdraw.h"
 #include "host/database/draworder.h"
+#include "host/database/objectaccess.h"
 #include "host/editor/documents.h"
 #include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
@@ -36,9 +37,12 @@ class Nesting {
   int& depth_;
 };
 
+/// Whoever changes the order may still have the block open.
 AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
-  const AcDbObjectPointer<AcDbBlockTableRecord> record(block, AcDb::kForRead);
-  return record.openStatus() == Acad::eOk ? drawnOrder(*record.object()) : AcDbObjectIdArray();
+  auto* record = AcDbBlockTableRecord::cast(peek(block));
+  if (record == nullptr || record->isErased()) return AcDbObjectIdArray();
+  const ObjectAccess::Look look(*record);
+  return drawnOrder(*record);
 }
 
 struct LayerState {

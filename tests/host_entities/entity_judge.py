@@ -3,9 +3,9 @@
 entity_judge.py make FILE              writes a drawing with entities of every kind that is drawn
 entity_judge.py image FILE             writes a drawing with pictures there.png, whole and clipped,
                                        and one that is missing
-entity_judge.py stacked FILE HOW       writes a drawing with four areas in colours 1 to 4, the last on
-                                       top, or HOW "turned" the first
-entity_judge.py order FILE             colours of entities as they are drawn, and what is wrong
+entity_judge.py stacked PLAIN TURNED   writes a drawing with four areas in colours 1 to 4, the last on
+                                       top, and one with the first on top
+entity_judge.py order FILE...          colours of entities as they are drawn, and what is wrong
 entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
 entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
                                        leaves different from NEW, one entity a line
@@ -163,16 +163,16 @@ def image(path):
     doc.saveas(path)
 
 
-def stacked(path, way):
+def stacked(plain, turned):
     doc = ezdxf.new("R2010")
     space = doc.modelspace()
     for color in range(1, 5):
         corners = [(-color, 0), (10, 0), (-color, 10), (10, 10)]
         space.add_solid(corners, dxfattribs={"color": color})
-    if way == "turned":
-        handles = [e.dxf.handle for e in space]
-        space.set_redraw_order(zip(handles, reversed(handles)))
-    doc.saveas(path)
+    doc.saveas(plain)
+    handles = [e.dxf.handle for e in space]
+    space.set_redraw_order(zip(handles, reversed(handles)))
+    doc.saveas(turned)
 
 
 def order(path):
@@ -294,7 +294,8 @@ elif sys.argv[1] == "image":
 elif sys.argv[1] == "stacked":
     stacked(*sys.argv[2:4])
 elif sys.argv[1] == "order":
-    order(sys.argv[2])
+    for path in sys.argv[2:]:
+        order(path)
 elif sys.argv[1] == "boxes":
     boxes(sys.argv[2])
 elif sys.argv[1] == "changed":

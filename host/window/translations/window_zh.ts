@@ -50,6 +50,9 @@
     <message><source>&amp;Regenerate</source><translation>重生成(&amp;R)</translation></message>
     <message><source>&amp;Rename</source><translation>重命名(&amp;R)</translation></message>
     <message><source>&amp;Repeat %1</source><translation>重复 %1(&amp;R)</translation></message>
+    <message><source>To the &amp;front</source><translation>置于最前(&amp;F)</translation></message>
+    <message><source>To the bac&amp;k</source><translation>置于最后(&amp;K)</translation></message>
+    <message><source>&amp;Above or under others</source><translation>置于其他实体之上或之下(&amp;A)</translation></message>
     <message><source>&amp;Rotate</source><translation>旋转(&amp;R)</translation></message>
     <message><source>&amp;Save</source><translation>保存(&amp;S)</translation></message>
     <message><source>&amp;Scale</source><translation>缩放(&amp;S)</translation></message>
