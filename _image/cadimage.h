@@ -27,6 +27,10 @@ class AcGiViewportDraw;
 class AcGiWorldDraw;
 class TarnClientManager;
 
+namespace tarn::image {
+class ImageFade;
+}
+
 /// Paths are full paths of image files, or names of images on servers, and the keys of every map.
 /// Local sources are counted; the entity keeps a count of its own for each. Clients of servers
 /// belong to the document's record.
@@ -86,6 +90,14 @@ class CCadImage : public AcDbEntity {
   }
   /// Closes the source of one image and forgets it; false when there was none.
   bool releaseImage(const std::wstring& path);
+
+  // ---- Fading (cadimage_fade.cpp) ------------------------------------------------------------
+  /// From the next drawing on the screen shows one image with this opacity (0 to 1), until
+  /// endFade(). None of these draws.
+  void startFade(const std::wstring& path, double opacity);
+  /// The next drawing of the same view shows the pixels already there; sources are not asked.
+  void changeFade(double opacity);
+  void endFade();
 
   // ---- View (cadimage_view.cpp) --------------------------------------------------------------
   void getScreenPixelNumXY(int& width, int& height);
@@ -196,6 +208,15 @@ class CCadImage : public AcDbEntity {
   const std::vector<ShownImage>& shownImages(const CDocData& record) const;
   void drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw,
                       const tarn::image::ViewState& view) const;
+  void drawKept(AcGiWorldDraw* worldDraw) const;
+  /// The fading that a drawing is subject to; null for none.
+  tarn::image::ImageFade* fadeFor(AcGiWorldDraw* worldDraw) const;
+  void keepShown(const std::wstring& path, const tarn::image::ImageExtent& extent,
+                 const std::optional<tarn::image::PixelRequest>& request, AcGiWorldDraw* worldDraw,
+                 const unsigned char* pixels) const;
+  /// Draws what was asked for, as opaque as the image is to be.
+  void drawPixels(const std::wstring& path, const tarn::image::PixelRequest& request,
+                  AcGiWorldDraw* worldDraw, const unsigned char* pixels) const;
   /// An image of a server that is shown: where it is, and what is asked for, if anything.
   struct ServerView {
     std::wstring path;
@@ -226,6 +247,7 @@ class CCadImage : public AcDbEntity {
   std::map<std::wstring, Corners> m_mapImageCorners;
   std::map<std::wstring, TarnClientManager*> m_mapImageClient;
   std::wstring m_strCurImage;
+  std::unique_ptr<tarn::image::ImageFade> m_fade;  ///< null while none is wanted
   /// Footprint of the image bound last.
   Corners m_footprint;
   int m_screenPixelWidth = 0;

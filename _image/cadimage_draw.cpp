@@ -4,6 +4,7 @@
 
 #include "_image/adskdmgr.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_fade.h"
 #include "_image/cadimage_pixels.h"
 #include "_image/docdata.h"
 #include "_image/moduleglobals.h"
@@ -31,7 +32,11 @@ Adesk::Boolean CCadImage::subWorldDraw(AcGiWorldDraw* worldDraw) {
   AcGiContext* context = worldDraw->context();
   if (context && context->isPlotGeneration()) return subWorldDrawPlot(worldDraw);
   const ViewState view = currentView();
-  drawShownImages(worldDraw, view);
+  if (m_fade && m_fade->takesKept(view, !tarn::image::g_suppressPixels)) {
+    drawKept(worldDraw);
+  } else {
+    drawShownImages(worldDraw, view);
+  }
   return true;
 }
 
@@ -69,7 +74,7 @@ void CCadImage::drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw
   if (tarn::image::g_suppressPixels) return;
 
   std::optional<PixelRequest> request = tarn::image::planPixelRequest(view, extent);
-  if (!request) return;
+  if (!request) return keepShown(*shown.path, extent, request, worldDraw, nullptr);
   const AcGiContext* context = worldDraw->context();
   if (context && context->isPlotGeneration() && request->coarserBy < 1) {
     tarn::cad::printMessage(L"\n%1选择范围过大！", *shown.path);
@@ -80,9 +85,8 @@ void CCadImage::drawLocalImage(const ShownImage& shown, AcGiWorldDraw* worldDraw
   IImageDivision& source = *shown.source;
   const PixelBuffer pixels = tarn::image::readPixels(source, *request, view.clarity);
   if (!pixels) return;
-  DrawImage(request->columns, request->rows, request->columns + 1, request->rows + 1,
-            request->spanU, request->spanV, AcGePoint3d(request->originX, request->originY, 0),
-            worldDraw, pixels.get());
+  drawPixels(*shown.path, *request, worldDraw, pixels.get());
+  keepShown(*shown.path, extent, request, worldDraw, pixels.get());
   UpdateImageThread::request.buffer = nullptr;
   UpdateImageThread::request.source.reset();
 }

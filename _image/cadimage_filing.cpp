@@ -1,6 +1,7 @@
 // Class description, filing, cloning, binding to images.
 #include "_image/binding/usesite.h"
 #include "_image/cadimage.h"
+#include "_image/cadimage_fade.h"
 #include "_image/cadimage_spec.h"
 #include "acedads.h"
 #include "commoncode/cadutil/drawingscale.h"

@@ -176,13 +176,14 @@ void CCadImage::drawServerImages(const CDocData& record, AcGiWorldDraw* worldDra
     const ImageExtent& extent = shown.extent;
     DrawImageWrapPoints(worldDraw, extent.top, extent.left, extent.right, extent.bottom);
     if (shown.isTooLarge) printMessage(L"\n%1选择范围过大！", shown.path);
-    if (!shown.request) continue;
-    const PixelRequest& r = *shown.request;
-    if (!shown.client->updateImage(r.rect.left, r.rect.top, r.columns, r.rows, r.cellX, r.cellY,
-                                   nullptr))
-      continue;
-    if (const unsigned char* pixels = shown.client->getMaybeImgData())
-      DrawImage(r.columns, r.rows, r.columns + 1, r.rows + 1, r.spanU, r.spanV,
-                AcGePoint3d(r.originX, r.originY, 0), worldDraw, pixels);
+    const unsigned char* pixels = nullptr;
+    if (shown.request) {
+      const PixelRequest& r = *shown.request;
+      if (shown.client->updateImage(r.rect.left, r.rect.top, r.columns, r.rows, r.cellX, r.cellY,
+                                    nullptr))
+        pixels = shown.client->getMaybeImgData();
+      if (pixels) drawPixels(shown.path, r, worldDraw, pixels);
+    }
+    keepShown(shown.path, extent, shown.request, worldDraw, pixels);
   }
 }

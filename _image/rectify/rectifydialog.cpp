@@ -10,6 +10,7 @@
 
 #include <utility>
 
+#include "_image/rectify/fadebar.h"
 #include "_image/rectify/modekeys.h"
 #include "_image/rectify/pointrecovery.h"
 #include "ui_rectifydialog.h"
@@ -70,8 +71,8 @@ rectifyDialog::rectifyDialog() : m_form(std::make_unique<Ui::rectifyDialog>()) {
   // It only shows the mode.
   m_form->_is_rectify->setAttribute(Qt::WA_TransparentForMouseEvents);
   m_form->_is_rectify->setFocusPolicy(Qt::NoFocus);
-  resize(sizeHint().expandedTo(QSize(kWidth, kHeight)).boundedTo(roomOnScreen()));
   m_form->pointsTable->setTabKeyNavigation(false);
+  resize(sizeHint().expandedTo(QSize(kWidth, kHeight)).boundedTo(roomOnScreen()));
   connectWidgets();
   selectFirstMode();
 }
@@ -106,6 +107,10 @@ void rectifyDialog::connectWidgets() {
           &rectifyDialog::on_pushButton_choose_rotate_point);
   connect(m_form->selMirrorLine, &QPushButton::clicked, this,
           &rectifyDialog::on_pushButton_choose_mirror_point);
+  connect(m_form->fadeBar, &tarn::image::FadeBar::opacityChanged, this, [this](double opacity) {
+    if (m_session) m_session->fade(opacity);
+  });
+  connect(m_form->fadeBar, &tarn::image::FadeBar::comparing, this, &rectifyDialog::setComparing);
   connect(m_form->checkPoint, &QPushButton::clicked, this, &rectifyDialog::toggleCheckPoint);
   connect(m_form->undoTable, &QPushButton::clicked, this, [this] { stepRows(true); });
   connect(m_form->redoTable, &QPushButton::clicked, this, [this] { stepRows(false); });
@@ -121,7 +126,10 @@ void rectifyDialog::selectFirstMode() {
 void rectifyDialog::setImage(std::unique_ptr<RectifySession> session) {
   m_watch.reset();
   ClearPointPair();
+  if (m_session) takePreviewBack();
   m_session = std::move(session);
+  m_session->fade(m_form->fadeBar->opacity());
+  previewChanged();
   m_watch = std::make_unique<DrawingWatch>(
       m_session->document(),
       DrawingWatch::Hooks{[this] { m_markers.repaint(); }, [this] { delete this; }});
@@ -155,7 +163,7 @@ void rectifyDialog::showModal(bool isModal) {
 // Closing keeps what was applied; only a preview goes.
 void rectifyDialog::reject() {
   if (m_session) {
-    if (m_session->endPreview()) Regen_Image();
+    takePreviewBack();
     tarn::image::keepForRecovery(m_session->path(), {});
   }
   QDialog::reject();

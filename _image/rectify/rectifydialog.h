@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QRect>
 
 #include <functional>
 #include <memory>
@@ -87,6 +88,9 @@ class rectifyDialog : public QDialog {
  public Q_SLOTS:
   void reject() override;
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   rectifyDialog();
   void connectWidgets();
@@ -130,12 +134,20 @@ class rectifyDialog : public QDialog {
   void swapTargets();
   void note(const QString& text);
 
+  // Seeing a preview (rectifydialog_preview.cpp).
+  void setComparing(bool isOn);
+  void previewChanged();
+  void takePreviewBack();
+
   void pickInto(QLineEdit* east, QLineEdit* north);
   void exportTo(const std::wstring& path, const std::string& format);
 
   std::unique_ptr<Ui::rectifyDialog> m_form;
   std::unique_ptr<tarn::image::RectifySession> m_session;
   std::unique_ptr<tarn::image::DrawingWatch> m_watch;
+  /// What comparing has hidden, and where the dialog stood before.
+  std::vector<QWidget*> m_folded;
+  QRect m_unfolded;
   tarn::image::PairMarkers m_markers;
   tarn::image::TableHistory m_history;
   /// Length of the residual of each fitted row after the last computation, in ground units.

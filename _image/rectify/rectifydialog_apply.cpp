@@ -79,6 +79,7 @@ void rectifyDialog::on_calError_clicked() {
     return;
   }
   m_session->preview();
+  previewChanged();
   Regen_Image();
   showQuality();
 }
@@ -90,6 +91,7 @@ void rectifyDialog::on_calRectify_clicked() {
   } else {
     applyMode();
   }
+  previewChanged();
   Regen_Image();
 }
 
@@ -163,7 +165,7 @@ void rectifyDialog::rectifyByPoints() {
 
 void rectifyDialog::applyMode() {
   IRectifyDialog& component = m_session->component();
-  if (m_session->endPreview()) Regen_Image();
+  takePreviewBack();
   component.imageQueryA();
   component.imageQueryB();
   kel::RectifyPlacement* placement = component.imageQueryC();

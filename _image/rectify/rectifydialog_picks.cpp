@@ -49,7 +49,7 @@ class HiddenDialog {
 void rectifyDialog::on_pickOld_clicked() {
   if (m_session) {
     // The point is taken on the image as it is placed, not on a preview.
-    if (m_session->endPreview()) Regen_Image();
+    takePreviewBack();
     m_session->component().imageQueryA();
     m_session->component().imageQueryB();
     m_session->component().imageQueryC();

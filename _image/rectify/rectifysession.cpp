@@ -50,6 +50,10 @@ RectifySession::RectifySession(kel::Object<IRectifyDialog> component, AcApDocume
   before_ = kel::Object<IImageDivision>::adopt(source);
 }
 
+RectifySession::~RectifySession() {
+  if (std::exchange(isPreviewed_, false)) followFade();
+}
+
 CDocData* RectifySession::record() const {
   return g_dataMap ? g_dataMap->find(document_) : nullptr;
 }
@@ -88,14 +92,40 @@ bool RectifySession::bind(const kel::Object<IImageDivision>& division) {
   return true;
 }
 
+void RectifySession::followFade() {
+  CDocData* data = record();
+  if (!data) return;
+  const OpenedImage image(*data, AcDb::kForRead);
+  if (!image) return;
+  if (isPreviewed_) {
+    image->startFade(path_, opacity_);
+  } else {
+    image->endFade();
+  }
+}
+
+void RectifySession::fade(double opacity) {
+  opacity_ = opacity;
+  CDocData* data = record();
+  if (!data || !isPreviewed_) return;
+  {
+    const OpenedImage image(*data, AcDb::kForRead);
+    if (!image) return;
+    image->changeFade(opacity);
+  }
+  regenerate();
+}
+
 void RectifySession::preview() {
   bind(kel::Object<IImageDivision>::adopt(component_->imageSource()));
   isPreviewed_ = true;
+  followFade();
 }
 
 bool RectifySession::endPreview() {
   component_->setRectifyMethod(-1);
   if (!std::exchange(isPreviewed_, false)) return false;
+  followFade();
   if (wasAccepted_) {
     bind(kel::Object<IImageDivision>::adopt(component_->imageSource()));
   } else {
@@ -128,8 +158,9 @@ bool RectifySession::keepAccepted() {
   wasAccepted_ = true;
   // From now on the component knows its points by where they are drawn.
   component_->prepare(0);
-  preview();
+  bind(kel::Object<IImageDivision>::adopt(component_->imageSource()));
   isPreviewed_ = false;
+  followFade();
   return true;
 }
 
@@ -142,6 +173,7 @@ void RectifySession::cancel() {
   if (wasAccepted_ || isPreviewed_) bind(before_);
   wasAccepted_ = false;
   isPreviewed_ = false;
+  followFade();
 }
 
 void RectifySession::regenerate() {

@@ -21,6 +21,8 @@ class RectifySession {
   /// Takes over the component, which has the image open. The document must have a record; it must
   /// outlive the session.
   RectifySession(kel::Object<IRectifyDialog> component, AcApDocument* document, std::wstring path);
+  /// Ends the fading alone.
+  ~RectifySession();
   RectifySession(const RectifySession&) = delete;
   RectifySession& operator=(const RectifySession&) = delete;
 
@@ -48,6 +50,8 @@ class RectifySession {
   bool keepAccepted();
   /// The image and the drawing's record as they were before the session.
   void cancel();
+  /// How much is seen of a preview, from now on: 0 to 1. Sources are not read again for it.
+  void fade(double opacity);
   /// Draws the entity anew.
   void regenerate();
   /// Writes the record file beside the image; the sentence says why it failed. cancel() brings the
@@ -57,6 +61,8 @@ class RectifySession {
  private:
   CDocData* record() const;
   bool bind(const kel::Object<IImageDivision>& division);
+  /// The image is seen through while a preview is shown.
+  void followFade();
   bool store(const kel::List<double>& state);
   void restorePointFile();
 
@@ -70,6 +76,7 @@ class RectifySession {
   kel::List<double> accepted_;
   std::optional<std::string> fileBefore_;
   bool isFileWritten_ = false;
+  double opacity_ = 1;
   bool isPreviewed_ = false;
   bool wasAccepted_ = false;
 };
