@@ -54,6 +54,15 @@ function(tarn_defs target)
   endif()
 endfunction()
 
+# tarn_export_all(<target>): a shared library that offers whatever its own sources define; what it links in stays its own.
+function(tarn_export_all target)
+  set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET default
+    VISIBILITY_INLINES_HIDDEN OFF WINDOWS_EXPORT_ALL_SYMBOLS ON)
+  if(MINGW)
+    target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)
+  endif()
+endfunction()
+
 # tarn_plugin(<target> SOURCES... LIBS...): a framework plug-in, bin/plugins/<target>.so (.dll on Windows).
 function(tarn_plugin target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})

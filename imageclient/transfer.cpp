@@ -1,9 +1,9 @@
 #include "imageclient/transfer.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
+#include "base/program.h"
 #include "base/text.h"
 
 namespace tarn::client {
@@ -176,9 +176,10 @@ void Transfer::setRequest(const ServerPlace& place) {
 void Transfer::setLogin(const ServerPlace& place) {
   curl_easy_setopt(easy_, CURLOPT_HTTPAUTH, CURLAUTH_BASIC);
   curl_easy_setopt(easy_, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_OPTIONAL));
-  if (const char* file = std::getenv("NETRC")) curl_easy_setopt(easy_, CURLOPT_NETRC_FILE, file);
-  const char* logins = std::getenv(kLoginVariable);
-  const std::string login = logins ? loginFor(logins, place) : std::string();
+  const std::string file = environmentValue("NETRC");
+  if (!file.empty()) curl_easy_setopt(easy_, CURLOPT_NETRC_FILE, file.c_str());
+  const std::string logins = environmentValue(kLoginVariable);
+  const std::string login = logins.empty() ? std::string() : loginFor(logins, place);
   if (!login.empty()) curl_easy_setopt(easy_, CURLOPT_USERPWD, login.c_str());
 }
 

@@ -8,6 +8,8 @@ TEST_PACKAGES="clang-format poppler-utils xvfb xauth xdotool openbox gdal-bin sq
  python3-ezdxf imagemagick nginx-light openssl"
 TIDY_PACKAGES="clang-tidy"
 FUZZ_PACKAGES="clang"
+# For the 32-bit Windows build: the compiler, what makes its libraries, what makes a system with Wine.
+WIN32_PACKAGES="g++-mingw-w64-i686-posix libz-mingw-w64-dev mmdebstrap arch-test zstd dpkg-dev make patch perl sqlite3 tcl"
 
 say() { printf '%s\n' "$*" >&2; }
 

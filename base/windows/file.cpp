@@ -5,6 +5,7 @@
 #include <aclapi.h>
 
 #include <algorithm>
+#include <cwchar>
 #include <random>
 
 #include "base/path.h"
@@ -148,7 +149,7 @@ std::string lastSystemError() {
   DWORD length = ::FormatMessageW(
       FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
       nullptr, error, 0, text, sizeof text / sizeof *text, nullptr);
-  while (length > 0 && (text[length - 1] == L' ' || text[length - 1] == L'.')) --length;
+  while (length > 0 && std::wcschr(L" .\x3002", text[length - 1]) != nullptr) --length;
   ::SetLastError(error);
   return length > 0 ? toUtf8({text, length}) : "error " + std::to_string(error);
 }
@@ -229,9 +230,19 @@ Result<std::string> makeTemporaryFolder(const std::string& folder, const std::st
 }
 
 Status replaceFile(const std::string& from, const std::string& to) {
-  const bool isMoved = ::MoveFileExW(widePath(from).c_str(), widePath(to).c_str(),
-                                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-  return isMoved ? Status::ok() : failure(to, "cannot rename into place");
+  const std::wstring wideFrom = widePath(from), wideTo = widePath(to);
+  if (::MoveFileExW(wideFrom.c_str(), wideTo.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+    return Status::ok();
+  // A file that somebody reads is not moved over, but it is replaced.
+  const DWORD error = ::GetLastError();
+  if (error == ERROR_ACCESS_DENIED && fileIsWritable(to) &&
+      ::ReplaceFileW(wideTo.c_str(), wideFrom.c_str(), nullptr,
+                     REPLACEFILE_IGNORE_MERGE_ERRORS | REPLACEFILE_WRITE_THROUGH, nullptr,
+                     nullptr) != 0)
+    return Status::ok();
+  ::SetLastError(error);
+  return failure(to, "cannot rename into place");
 }
 
 Result<std::string> linkTarget(const std::string& path) {

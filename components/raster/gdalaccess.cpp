@@ -13,6 +13,8 @@
 #include <mutex>
 #include <utility>
 
+#include "base/file.h"
+#include "base/library.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "components/raster/guardedfiles.h"
@@ -64,6 +66,19 @@ void CPL_STDCALL collectError(CPLErr kind, CPLErrorNum, const char* text) {
   if (kind >= CE_Warning) errors->add(kind >= CE_Failure, text);
 }
 
+/// Where the tables of coordinate systems stand beside this library, they are used; elsewhere the
+/// libraries find their own.
+void useTablesBesideThis() {
+  const std::string share =
+      joinPath(folderOfCode(reinterpret_cast<const void*>(&prepareGdal)), "share");
+  const std::string systems = joinPath(share, "proj"), data = joinPath(share, "gdal");
+  if (fileKind(joinPath(systems, "proj.db")) == FileKind::kRegular) {
+    const char* const places[] = {systems.c_str(), nullptr};
+    OSRSetPROJSearchPaths(places);
+  }
+  if (fileKind(data) == FileKind::kFolder) CPLSetConfigOption("GDAL_DATA", data.c_str());
+}
+
 constexpr GIntBig kLeastCache = 32 << 20, kMostCache = 512 << 20;
 std::mutex g_cacheMutex;
 
@@ -78,6 +93,7 @@ void prepareGdal() {
     GDALRegister_PNG();
     GDALRegister_BMP();
     GDALRegister_GIF();
+    useTablesBesideThis();
     OSRSetPROJEnableNetwork(0);
     // Tiles are kept in the cache of this library; GDAL's is for what it is just decoding.
     GDALSetCacheMax64(kLeastCache);

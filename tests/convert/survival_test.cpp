@@ -296,7 +296,7 @@ TEST(Survival, OfRealFiles) {
                           "rgbsmall_cmyk.tif", "unsupported-srs.tif"};
   int converted = 0, refused = 0;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(TARN_DATA_DIR)) {
-    const std::string input = entry.path().string();
+    const std::string input = entry.path().u8string();
     if (!entry.is_regular_file() || !isImage(entry.path())) continue;
     if (std::find(std::begin(kOther), std::end(kOther), nameOf(input)) != std::end(kOther))
       continue;

@@ -10,7 +10,7 @@ HASH=$(cat "$HERE/deps.sh" "$HERE/toolchain.cmake" | sha256sum | cut -c1-12)
 ARCHIVE=${TARN_WIN32_ARCHIVE:-$TOP/../shared/win32/deps-i686.tar.zst}
 DEPS=$BASE/deps-$HASH
 WORK=$BASE/build-$HASH
-PIECES="runtime sqlite jpeg curl gtest proj gdal qtbase qtsvg"
+PIECES="runtime sqlite jpeg curl gtest proj gdal drivers qtbase qtsvg"
 FLAGS="-O2 -msse2 -mfpmath=sse -mstackrealign"
 JOBS=${TARN_WIN32_JOBS:-$(nproc)}
 
@@ -105,6 +105,19 @@ make_gdal() {
     -DGDAL_BUILD_OPTIONAL_DRIVERS=OFF -DOGR_BUILD_OPTIONAL_DRIVERS=OFF -DGDAL_ENABLE_DRIVER_JPEG=ON \
     -DGDAL_ENABLE_DRIVER_PNG=ON -DBUILD_APPS=ON -DBUILD_PYTHON_BINDINGS=OFF -DGDAL_USE_JPEG12_INTERNAL=OFF \
     -DGDAL_USE_LERC_INTERNAL=OFF -DENABLE_IPO=OFF $sqlite
+}
+
+# Two small drivers that GDAL is not made with above, as a library of their own.
+make_drivers() {
+  local source file options
+  source=$(source_of gdal 'gdal_*.orig.tar.xz')/frmts
+  options="$FLAGS -D_WIN32_WINNT=0x0601 -DRENAME_INTERNAL_GIFLIB_SYMBOLS -DHAVE_GIF -I$DEPS/include -I$source/gif/giflib"
+  mkdir -p "$WORK/drivers"
+  for file in "$source"/bmp/*.cpp "$source"/gif/*.cpp "$source"/gif/giflib/*.c; do
+    i686-w64-mingw32-g++-posix $options $([ "${file##*.}" = c ] && echo "-x c") -c "$file" \
+      -o "$WORK/drivers/$(basename "$file").o"
+  done
+  i686-w64-mingw32-ar rcs "$DEPS/lib/libgdaldrivers.a" "$WORK"/drivers/*.o
 }
 
 make_qtbase() {
