@@ -204,7 +204,7 @@ TEST(ArchiveTable, NamesEveryRaster) {
   const std::set<std::string> endings{".tif", ".tiff", ".img", ".jpg"};
   const std::string root = TARN_DATA_DIR;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-    const std::string path = entry.path().u8string();
+    const std::string path = entry.path().generic_u8string();
     if (!entry.is_regular_file() || endings.count(toLower(extensionOf(path))) == 0) continue;
     EXPECT_EQ(known.count(path.substr(root.size() + 1)), 1U) << path;
   }

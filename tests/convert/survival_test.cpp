@@ -284,7 +284,7 @@ TEST(Survival, AlphaBecomesAMaskWhereAFormatHasNone) {
 }
 
 bool isImage(const std::filesystem::path& path) {
-  const std::string ending = toLower(path.extension().string());
+  const std::string ending = toLower(path.extension().u8string());
   return ending == ".tif" || ending == ".tiff" || ending == ".img" || ending == ".jpg";
 }
 
@@ -296,7 +296,7 @@ TEST(Survival, OfRealFiles) {
                           "rgbsmall_cmyk.tif", "unsupported-srs.tif"};
   int converted = 0, refused = 0;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(TARN_DATA_DIR)) {
-    const std::string input = entry.path().u8string();
+    const std::string input = entry.path().generic_u8string();
     if (!entry.is_regular_file() || !isImage(entry.path())) continue;
     if (std::find(std::begin(kOther), std::end(kOther), nameOf(input)) != std::end(kOther))
       continue;

@@ -58,7 +58,7 @@ TEST(RealFiles, NoneCrashesAndThoseShownAreGdals) {
   int shown = 0, refused = 0, overviews = 0;
   CPLPushErrorHandler(CPLQuietErrorHandler);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(TARN_DATA_DIR)) {
-    const std::string path = entry.path().u8string();
+    const std::string path = entry.path().generic_u8string();
     const std::string ending = toLower(extensionOf(path));
     const bool isImage =
         ending == ".tif" || ending == ".tiff" || ending == ".img" || ending == ".jpg";
