@@ -63,6 +63,7 @@ int runHeadless(const Options& options, int& argc, char** argv) {
   const std::string profile = profileFolder(options);
   const Status prepared = prepareProfile(profile);
   host::HostApp app(frontEnd, ui, profile);
+  speakSystemLanguage(app);
   if (!prepared) app.print("\n" + prepared.message() + "\n");
   app.variables().set("FILEDIA", short{0});
   app.resizeView(options.width, options.height);

@@ -1,5 +1,6 @@
 #include "app/session.h"
 
+#include <QLocale>
 #include <QStandardPaths>
 #include <algorithm>
 #include <iterator>
@@ -11,6 +12,7 @@
 #include "host/editor/hostapp.h"
 #include "host/editor/modules.h"
 #include "host/editor/namedrecords.h"
+#include "host/editor/profile.h"
 
 namespace tarn::app {
 
@@ -28,6 +30,11 @@ Status prepareProfile(const std::string& folder) {
   // An empty file is a valid, empty database.
   if (fileKind(database) != FileKind::kMissing) return {};
   return writeFileAtomically(database, "");
+}
+
+void speakSystemLanguage(host::HostApp& app) {
+  const bool isChinese = QLocale::system().language() == QLocale::Chinese;
+  app.profile().setUsualLocale(isChinese ? "CHS" : "ENU");
 }
 
 namespace {

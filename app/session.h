@@ -18,6 +18,10 @@ std::string profileFolder(const Options& options);
 /// Makes the profile's folders and, at the first start, an empty configuration database.
 Status prepareProfile(const std::string& folder);
 
+/// Until the user chooses one, the program and its modules speak the system's language: Chinese in
+/// a Chinese locale, else English.
+void speakSystemLanguage(host::HostApp& app);
+
 /// Loads the CAD adapter and the image module from the program's folder; a missing one is reported
 /// on the command line and left out.
 void loadModules(host::HostApp& app, const std::string& programFolder);

@@ -68,6 +68,7 @@ int runWindow(const Options& options, int& argc, char** argv) {
   const Status prepared = prepareProfile(profile);
   host::HostApp app(frontEnd, dialogs, profile);
   host::MainWindow window(app, frontEnd, dialogs);
+  speakSystemLanguage(app);
   if (!prepared) app.print("\n" + prepared.message() + "\n");
   if (options.guide) window.showGuide(true);
   window.show();

@@ -1,6 +1,8 @@
 #include "components/batchconvert/conversionform.h"
 
+#include "base/path.h"
 #include "base/text.h"
+#include "components/convert/inputs.h"
 #include "components/interaction/interaction.h"
 
 namespace tarn::batchconvert {
@@ -17,6 +19,10 @@ constexpr Text kTitle = {"影像转换", "Image conversion"};
 constexpr Text kAccept = {"开始转换", "Start"};
 constexpr Text kImages = {"影像与文件夹", "Images and folders"};
 constexpr Text kNoImages = {"请先添加影像或文件夹。", "Add images or folders first."};
+
+constexpr Text kItself = {"会被自身的转换结果取代：请指定目标文件夹，或选择另起新名。",
+                          " would be replaced by its own conversion: name a target folder, or "
+                          "choose to write under new names."};
 
 constexpr Text kFormats[] = {{"分块 GeoTIFF", "GeoTIFF, tiled"},
                              {"云优化 GeoTIFF (COG)", "Cloud-optimised GeoTIFF"},
@@ -88,6 +94,16 @@ std::string wordOf(const Question& question, const std::string& value) {
   return isIndex ? words[static_cast<size_t>(index)] : value;
 }
 
+/// Why a wish cannot be granted to one of its images; empty when it can. Found before anything
+/// begins.
+std::string clashOf(const Wish& wish, bool isEnglish) {
+  if (wish.options.existing == convert::Existing::kRename) return {};
+  for (const convert::Item& item : planItems(convert::expandInputs(wish.names), wish.options)) {
+    if (item.input == item.output) return nameOf(item.input) + kItself.in(isEnglish);
+  }
+  return {};
+}
+
 }  // namespace
 
 kel::Form makeForm(const Options& options, bool isEnglish) {
@@ -111,7 +127,8 @@ kel::Form makeForm(const Options& options, bool isEnglish) {
     form.fields.push_back(std::move(field));
   }
   form.check = [isEnglish](const kel::List<kel::FormField>& fields) {
-    return kel::DString(readForm(fields, isEnglish).message());
+    const Result<Wish> wish = readForm(fields, isEnglish);
+    return kel::DString(wish ? clashOf(wish.value(), isEnglish) : wish.message());
   };
   return form;
 }

@@ -9,7 +9,14 @@
 
 namespace tarn::host {
 
-Profile::Profile(std::string folder) : folder_(std::move(folder)) {
+namespace {
+
+constexpr const char* kLocales[] = {"CHS", "ENU"};
+constexpr uint64_t kLongestLocale = 64;
+
+}  // namespace
+
+Profile::Profile(std::string folder) : folder_(std::move(folder)), usualLocale_(kLocales[0]) {
   if (!folder_.empty()) folder_ = absolutePath(folder_);
 }
 
@@ -20,16 +27,9 @@ std::string Profile::cacheFolder() const {
   return joinPath(folder_, "cache");
 }
 
-namespace {
-
-constexpr const char* kLocales[] = {"CHS", "ENU"};
-constexpr uint64_t kLongestLocale = 64;
-
-}  // namespace
-
 std::string Profile::locale() const {
   const std::string& chosen = chosenLocale();
-  return chosen.empty() ? kLocales[0] : chosen;
+  return chosen.empty() ? usualLocale_ : chosen;
 }
 
 const std::string& Profile::chosenLocale() const {

@@ -18,8 +18,11 @@ class ACADHOST_EXPORT Profile {
   std::string configurationFolder() const;
   std::string cacheFolder() const;
 
-  /// What the user chose for "LOCALE" ("CHS" or "ENU"), kept in a file of the profile.
+  /// What the user chose for "LOCALE" ("CHS" or "ENU"), kept in a file of the profile; before that
+  /// the usual one.
   std::string locale() const;
+  /// One of the two: what holds until the user chooses. At first it is "CHS".
+  void setUsualLocale(const std::string& locale) { usualLocale_ = locale; }
   /// The same; empty when nothing was chosen yet. The file is read once.
   const std::string& chosenLocale() const;
   /// False when it could not be kept; the choice stays as it was then.
@@ -35,6 +38,7 @@ class ACADHOST_EXPORT Profile {
  private:
   std::string folder_;
   std::vector<std::string> further_;
+  std::string usualLocale_;
   mutable std::optional<std::string> chosenLocale_;
 };
 

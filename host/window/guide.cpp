@@ -15,11 +15,8 @@ constexpr int kWidth = 300;
 
 }  // namespace
 
-Guide::Guide(QWidget* parent, std::function<void()> closedForGood)
-    : QDockWidget(parent),
-      closedForGood_(std::move(closedForGood)),
-      text_(new QLabel),
-      never_(new QCheckBox) {
+Guide::Guide(QWidget* parent, bool isNever, std::function<void(bool)> chosen)
+    : QDockWidget(parent), text_(new QLabel), never_(new QCheckBox) {
   setObjectName("guide");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   text_->setWordWrap(true);
@@ -36,6 +33,8 @@ Guide::Guide(QWidget* parent, std::function<void()> closedForGood)
   column->addWidget(scroll, 1);
   auto* foot = new QHBoxLayout;
   foot->setContentsMargins(10, 0, 10, 0);
+  never_->setChecked(isNever);
+  connect(never_, &QCheckBox::toggled, this, std::move(chosen));
   foot->addWidget(never_);
   column->addLayout(foot);
   content->setMinimumWidth(kWidth);
@@ -64,11 +63,6 @@ void Guide::speakAgain() {
       item(toSay("Drop an image of your own on the window, or press <b>Ctrl+I</b>; "
                  "<b>Ctrl+S</b> saves the drawing.")) +
       "</ol><p>" + words("Escape leaves anything. F1 lists all commands.") + "</p>");
-}
-
-void Guide::closeEvent(QCloseEvent* event) {
-  QDockWidget::closeEvent(event);
-  if (never_->isChecked()) closedForGood_();
 }
 
 }  // namespace tarn::host

@@ -11,15 +11,11 @@ namespace tarn::host {
 
 class Guide final : public QDockWidget {
  public:
-  /// `closedForGood` is called when it is closed with the box checked.
-  Guide(QWidget* parent, std::function<void()> closedForGood);
+  /// `chosen` hears of every choice whether it shall not come again, however it is left afterwards.
+  Guide(QWidget* parent, bool isNever, std::function<void(bool)> chosen);
   void speakAgain();
 
- protected:
-  void closeEvent(QCloseEvent* event) override;
-
  private:
-  std::function<void()> closedForGood_;
   QLabel* text_;  ///< these belong to the dock
   QCheckBox* never_;
 };

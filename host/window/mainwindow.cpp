@@ -96,7 +96,8 @@ MainWindow::MainWindow(HostApp& app, WindowFrontEnd& frontEnd, DialogBackend& di
   status_->addSwitch(switches_.snaps(), kinds);
   status_->addSwitch(switches_.ortho(), nullptr);
   arrange();
-  guide_ = new Guide(this, [this] { settings_.setNumber("guideClosed", 1); });
+  guide_ = new Guide(this, settings_.number("guideClosed", 0) != 0,
+                     [this](bool never) { settings_.setNumber("guideClosed", never ? 1 : 0); });
   addDockWidget(Qt::RightDockWidgetArea, guide_);
   guide_->hide();
   dialogs_.setParent(this);

@@ -62,8 +62,11 @@ void select(QComboBox& combo, int value) {
   combo.setCurrentIndex(std::max(0, combo.findData(value)));
 }
 
+/// The key of the row's label goes to its first widget.
 QWidget* row(std::initializer_list<QWidget*> widgets) {
   auto* whole = new QWidget;
+  whole->setFocusPolicy(Qt::ClickFocus);
+  whole->setFocusProxy(*widgets.begin());
   auto* layout = new QHBoxLayout(whole);
   layout->setContentsMargins(0, 0, 0, 0);
   for (QWidget* widget : widgets) layout->addWidget(widget);
@@ -95,7 +98,7 @@ PlotDialog::PlotDialog(QWidget* parent, HostApp& app, PlotJob& job)
   message_->setWordWrap(true);
   message_->setMinimumHeight(4 * message_->fontMetrics().lineSpacing());
   message_->setAlignment(Qt::AlignTop);
-  keeps_ = new QCheckBox("&Save these settings with the layout");
+  keeps_ = new QCheckBox("Sa&ve these settings with the layout");
   keeps_->setObjectName("keeps");
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
   plot_ = buttons->addButton("&Plot", QDialogButtonBox::AcceptRole);
@@ -189,7 +192,7 @@ QWidget* PlotDialog::outputGroup() {
   connect(browse, &QPushButton::clicked, this, [this] { this->browse(); });
   auto* group = new QGroupBox("Output");
   auto* form = new QFormLayout(group);
-  form->addRow("F&ormat", row({device_, dpi_}));
+  form->addRow("For&mat", row({device_, dpi_}));
   form->addRow("Fil&e", row({file_, browse}));
   return group;
 }

@@ -14,7 +14,7 @@ import sys
 import tempfile
 import time
 
-LONGEST = 30  # seconds until a wait is given up; sanitizers are slow
+LONGEST = 60  # seconds until a wait is given up; sanitizers are slow
 SCREEN = (1920, 1080)
 CANVAS = (1280, 700)
 PROBE = ((0.3, 0.3), (0.7, 0.7))  # of the window's width and height: surely on the canvas
@@ -149,6 +149,14 @@ class Desk:
 
     def start(self, *files):
         """Starts the program and waits until it awaits a command; measures where its canvas is."""
+        self.launch(*files)
+        self.wait_prompt("Command:")
+        self.run(["xdotool", "windowactivate", "--sync", self.window])
+        if self.middle is None:
+            self.calibrate()
+
+    def launch(self, *files):
+        """Starts the program and waits for its window."""
         open(self.log_path, "ab").close()
         self.mark = os.path.getsize(self.log_path)
         self.program = subprocess.Popen(
@@ -156,10 +164,6 @@ class Desk:
              "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files], env=self.environment, cwd=self.folder)
         self.children.append(self.program)
         self.window = self.wait_window()
-        self.wait_prompt("Command:")
-        self.run(["xdotool", "windowactivate", "--sync", self.window])
-        if self.middle is None:
-            self.calibrate()
 
     def wait_window(self):
         """The first start reads all the fonts of the machine; whoever ended before is named."""

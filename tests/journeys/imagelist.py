@@ -82,53 +82,6 @@ def colors_of(view, first, second):
             for quarters, shown in ((QUARTERS, first), (SECOND, second)) for at, color in zip(quarters, COLORS)]
 
 
-def image_list(desk):
-    """Add by the menu and the file dialog, hide, show, zoom, move, remove."""
-    first = make_image(desk, "first.tif")
-    second = make_second(desk, first)
-    drawing = desk.path("list.dxf")
-    desk.start()
-    panel = Panel(desk)
-
-    def stored():
-        save(desk)
-        return [tag.value for tag in content(drawing).rootdict["ImagePath"]["ImagePath"].tags if tag.code == 1]
-
-    panel.menu("#1", "Down")
-    answer_dialog(desk, "Open", f'"{first}" "{second}"')
-    desk.enter("ZOOM E")
-    view = seen_view(desk)
-    expect_quarters(desk, view)
-    desk.shot("added")
-    for shown in (False, True):
-        panel.check_box(first)
-        desk.wait_colors(colors_of(view, shown, True))
-    label = panel.item(second, "label")
-    desk.skip()
-    desk.click_pixel(label, times=2)
-    desk.wait_redraw()
-    desk.wait_prompt("Command:")
-    center = desk.point_variable("VIEWCTR")
-    check(near(center, (MIDDLE[0] + WIDE * UNIT, MIDDLE[1]), 1e-6), f"zoomed to {center}")
-    desk.shot("zoomed")
-
-    desk.skip()
-    desk.key("ctrl+s")
-    answer_dialog(desk, "Save drawing as", drawing)
-    wait_until("title", lambda: desk.title().endswith("list.dxf"))
-    check(stored() == [first, second], f"stored {stored()}")
-    panel.menu(second, "Up", "Up")
-    desk.wait_redraw()
-    desk.wait_prompt("Command:")
-    check(stored() == [second, first], f"moved up: {stored()}")
-    panel.menu(second, *["Down"] * 5)
-    desk.wait_line(".*" + second + ".*已被删除!")
-    desk.wait_prompt("Command:")
-    check(stored() == [first], f"removed: {stored()}")
-    desk.key("ctrl+q")
-    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
-
-
 def drag_onto(desk, place, *files):
     """Files from another program's window."""
     source = subprocess.Popen([os.path.join(desk.bin, "dragsource"), *files], env=desk.environment)
@@ -144,29 +97,64 @@ def drag_onto(desk, place, *files):
     source.terminate()
 
 
-def image_list_many(desk):
-    """Files dropped on the panel, the root's box, several selected at once, anti-aliasing, stretch, files that moved."""
+def image_list(desk):
+    """A day with the panel, in Chinese: added by the menu and by dropping, hidden, shown, zoomed to, stretched, moved, lost, found."""
     first = make_image(desk, "first.tif")
     second = make_second(desk, first)
     drawing = desk.path("list.dxf")
+    desk.environment["LANG"] = "zh_CN.UTF-8"
     desk.start()
     panel = Panel(desk)
+    panel.menu("#1", "Down")
+    answer_dialog(desk, "打开", first)
     root = panel.item("#1", "label")
-    drag_onto(desk, (root[0], root[1] + 120), first, second)
-    check(panel.rows() == [(True, first), (True, second)], f"dropped: {panel.rows()}")
+    drag_onto(desk, (root[0], root[1] + 120), second)
+    check(panel.rows() == [(True, first), (True, second)], f"added: {panel.rows()}")
     desk.enter("ZOOM E")
     view = seen_view(desk)
+    desk.wait_colors(colors_of(view, True, True))
+    desk.shot("added")
+    show_and_hide(desk, panel, view, first)
+    zoom_to(desk, panel, second)
+    desk.enter("ZOOM P")
+    restyle(desk, panel, view)
+    coarser(desk)
+
+    desk.skip()
+    desk.key("ctrl+s")
+    answer_dialog(desk, "图形另存为", drawing)
+    wait_until("title", lambda: desk.title().endswith("list.dxf"))
+    check(stored(desk, drawing) == [first, second], f"stored {stored(desk, drawing)}")
+    panel.menu(second, "Up", "Up")
+    desk.wait_redraw()
+    desk.wait_prompt("Command:")
+    check(stored(desk, drawing) == [second, first], f"moved up: {stored(desk, drawing)}")
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+    lose_and_find(desk, drawing, second, first)
+
+
+def stored(desk, drawing):
+    """The paths that the saved drawing holds."""
+    save(desk)
+    return [tag.value for tag in content(drawing).rootdict["ImagePath"]["ImagePath"].tags if tag.code == 1]
+
+
+def show_and_hide(desk, panel, view, first):
+    """One box, the root's box, several at once by the menu."""
+    for shown in (False, True):
+        panel.check_box(first)
+        desk.wait_colors(colors_of(view, shown, True))
     for shown in (False, True):
         panel.check_box("#1")
         desk.wait_colors(colors_of(view, shown, shown))
-
     labels = [panel.item(row, "label") for row in ("#2", "#3")]
     desk.click_pixel(labels[0])
     desk.run(["xdotool", "keydown", "ctrl"])
     desk.click_pixel(labels[1])
     desk.run(["xdotool", "keyup", "ctrl"])
     # Who types means a command, also after a click in the list.
-    check(panel.rows() == [(True, first), (True, second)], f"two chosen: {panel.rows()}")
+    check([mark for mark, _ in panel.rows()] == [True, True], f"two chosen: {panel.rows()}")
     panel.menu(labels[1], "Up", shot="several")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, False, False))
@@ -174,7 +162,20 @@ def image_list_many(desk):
     panel.check_box("#1")
     desk.wait_colors(colors_of(view, True, True))
 
-    # Stretching flat colours moves them to where equal shares of the pixels are; the other image stays.
+
+def zoom_to(desk, panel, second):
+    label = panel.item(second, "label")
+    desk.skip()
+    desk.click_pixel(label, times=2)
+    desk.wait_redraw()
+    desk.wait_prompt("Command:")
+    center = desk.point_variable("VIEWCTR")
+    check(near(center, (MIDDLE[0] + WIDE * UNIT, MIDDLE[1]), 1e-6), f"zoomed to {center}")
+    desk.shot("zoomed")
+
+
+def restyle(desk, panel, view):
+    """Stretching flat colours moves them to where equal shares of the pixels are; the other image stays."""
     panel.menu("#2", *["Down"] * 4, "Right", shot="stretch")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True)[4:])
@@ -183,31 +184,50 @@ def image_list_many(desk):
     panel.menu("#2", *["Down"] * 4, "Right", "Up", shot="restore")
     desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True))
-    panel.menu("#2", *["Down"] * 3)
-    desk.wait_prompt("Command:")
-    panel.menu("#2", *["Down"] * 3, shot="anti-aliasing")
-    desk.wait_prompt("Command:")
+    for _ in range(2):
+        panel.menu("#2", *["Down"] * 3, shot="anti-aliasing")
+        desk.wait_prompt("Command:")
     desk.wait_colors(colors_of(view, True, True))
 
-    desk.skip()
-    desk.key("ctrl+s")
-    answer_dialog(desk, "Save drawing as", drawing)
-    wait_until("title", lambda: desk.title().endswith("list.dxf"))
-    desk.key("ctrl+q")
-    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+
+def coarser(desk):
+    """The drawing's clarity: a quarter of the pixels each way, and all of them again."""
+    def pixels(ratio):
+        desk.enter("SetImageClarityRatio", "指定清晰度比率")
+        desk.enter(ratio)
+        desk.enter("REGEN", None)
+        found = int(desk.wait_line(r'\{"ms":.*"pixels":(\d+),.*\}')[1])
+        desk.wait_prompt("Command:")
+        return found
+
+    coarse, fine = pixels("4"), pixels("1")
+    check(10 < fine / coarse < 20, f"{coarse} pixels at a clarity ratio of 4, {fine} at 1")
+
+
+def lose_and_find(desk, drawing, *images):
+    """The files move while the drawing is closed: they are named, found again below a folder, and one is removed."""
     elsewhere = desk.path("archive", "deep")
     os.makedirs(elsewhere)
-    for path in (first, second):
+    for path in images:
         os.rename(path, os.path.join(elsewhere, os.path.basename(path)))
     desk.start(drawing)
     panel = Panel(desk)
     check(panel.rows() == [], f"missing: {panel.rows()}")
     panel.menu("#1", "Up", shot="missing")
-    answer_dialog(desk, "Choose a folder", desk.path("archive"), None)
+    answer_dialog(desk, "选择文件夹", desk.path("archive"), None)
     desk.wait_line(r".*已重新链接2幅影像。.*")
     desk.wait_prompt("Command:")
-    moved = [(True, os.path.join(elsewhere, os.path.basename(path))) for path in (first, second)]
-    check(panel.rows() == moved, f"found again: {panel.rows()}")
+    moved = [os.path.join(elsewhere, os.path.basename(path)) for path in images]
+    check(panel.rows() == [(True, path) for path in moved], f"found again: {panel.rows()}")
     desk.enter("ZOOM E")
+    view = seen_view(desk)
     desk.wait_colors(colors_of(view, True, True))
     desk.shot("found-again")
+    panel.menu(moved[0], *["Down"] * 5)
+    desk.wait_line(".*" + moved[0] + ".*已被删除!")
+    desk.wait_prompt("Command:")
+    desk.wait_colors(colors_of(view, True, False))
+    check(stored(desk, drawing) == moved[1:], f"removed: {stored(desk, drawing)}")
+    desk.shot("removed")
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")

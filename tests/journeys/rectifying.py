@@ -3,6 +3,7 @@ import os
 import re
 
 from desk import check, wait_until
+from ground import COLORS, EAST, NORTH, QUARTERS, SOUTH, WEST, expect_quarters, make_image
 
 DIALOG = "影像纠正"
 LAST_BUTTON = (50, 24)  # of "确定", from the dialog's lower right corner
@@ -56,7 +57,7 @@ def add_pair(desk, source, target):
     tab(desk, -7)
 
 
-def rectify(desk, image, corners, targets):
+def place(desk, image, corners, targets):
     """Opens the dialog and puts the image where its corners belong; gives the lines of the record file."""
     view = desk.view()
     desk.enter("OSMODE", None)
@@ -81,3 +82,26 @@ def rectify(desk, image, corners, targets):
     wait_until("the dialog to go", lambda: not window(desk))
     check(lines[0] == "4", f"the method is {lines[0]}")
     return lines
+
+
+def rectify(desk):
+    """Two corners of the image, picked with a snap, get another place; undo, redo."""
+    image = make_image(desk)
+    desk.start(image)
+    desk.enter("ZOOM", "Corner")
+    desk.enter("0.6x")
+    view = desk.view()
+    expect_quarters(desk, view)
+    move = (40.0, -25.0)
+    corners = ((WEST, NORTH), (EAST, SOUTH))
+    targets = tuple((x + move[0], y + move[1]) for x, y in corners)
+    lines = place(desk, image, corners, targets)
+    points = [f"{i},o,{x:f},{y:f}" for i, (x, y) in enumerate(corners)]
+    points += [f"{i},n,{x:f},{y:f}" for i, (x, y) in enumerate(targets)]
+    check(lines[1:] == points + [""], f"the record file says {lines}")
+    moved = [((x + move[0], y + move[1]), color) for (x, y), color in zip(QUARTERS, COLORS)]
+    desk.wait_colors([(view.pixel(at), color) for at, color in moved])
+    desk.enter("U")
+    expect_quarters(desk, view)
+    desk.enter("REDO")
+    desk.wait_colors([(view.pixel(at), color) for at, color in moved])

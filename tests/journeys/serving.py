@@ -5,6 +5,7 @@ import subprocess
 import urllib.request
 
 from desk import Failure, check, wait_until
+from ground import MIDDLE, answer_dialog, content, expect_quarters, make_image
 
 FOLDER, NAME = "east side", "正射 100%.tif"
 CONFIGURATION = """daemon off; master_process off; pid {0}/nginx.pid; error_log {0}/error.log;
@@ -90,10 +91,39 @@ def choose(desk, text):
 
 
 def stored(drawing):
-    import ezdxf
-    tags = ezdxf.readfile(drawing).rootdict["ImagePath"]["ImagePath"].tags
+    tags = content(drawing).rootdict["ImagePath"]["ImagePath"].tags
     return [tag.value for tag in tags if tag.code == 1]
 
 
 def check_stored(drawing, port):
     check(stored(drawing) == [f"127.0.0.1:{port}/{FOLDER}:{NAME}"], f"stored {stored(drawing)}")
+
+
+def image_server(desk):
+    """An image of a web server: settings, chooser with a search, pan, save, open again."""
+    drawing = desk.path("served.dxf")
+    port = serve(desk, [(make_image(desk, "plain.tif"), FOLDER, NAME)])
+    desk.start()
+    set_server(desk, f"127.0.0.1:{port}")
+    choose(desk, "100%")
+    desk.enter("ZOOM E")
+    view = desk.view()
+    expect_quarters(desk, view)
+    desk.shot("added")
+    start = view.pixel(MIDDLE)
+    desk.skip()
+    desk.drag(start, (start[0] + 60, start[1] - 40), button=2)
+    desk.wait_redraw()
+    expect_quarters(desk, desk.view())
+    desk.key("ctrl+s")
+    answer_dialog(desk, "Save drawing as", drawing)
+    wait_until("title", lambda: desk.title().endswith("served.dxf"))
+    check_stored(drawing, port)
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
+    desk.start(drawing)
+    desk.enter("ZOOM E")
+    expect_quarters(desk, desk.view())
+    desk.shot("opened-again")
+    desk.key("ctrl+q")
+    check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
