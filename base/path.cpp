@@ -1,5 +1,7 @@
 #include "base/path.h"
 
+#include "base/text.h"
+
 namespace tarn {
 namespace {
 
@@ -64,6 +66,21 @@ std::wstring replacePathPiece(std::wstring path, std::wstring_view a, std::wstri
     }
   }
   return path;
+}
+
+std::string pathBelow(std::string folder, const std::string& relative) {
+  bool climbs = true;
+  for (const std::string& part : split(relative, '/')) {
+    if (part.empty() || part == ".") continue;
+    climbs = climbs && part == "..";
+    if (climbs) {
+      folder = folderOf(folder);
+      if (folder.empty()) folder = "/";
+    } else {
+      folder = joinPath(folder, part);
+    }
+  }
+  return folder;
 }
 
 }  // namespace tarn

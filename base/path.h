@@ -23,6 +23,11 @@ std::string stemOf(std::string_view path);
 /// `folder` and `name` joined by '/', unless the folder is empty or ends in a separator already.
 std::string joinPath(std::string_view folder, std::string_view name);
 
+/// `relative` below an absolute folder whose parts are no links: without "." and doubled
+/// separators, and each ".." at its beginning takes a part from the folder. A ".." further inside
+/// stays, since what stands before it may be a link.
+std::string pathBelow(std::string folder, const std::string& relative);
+
 /// `path` with the piece `a<separator>b` replaced by `to`; the separator may be '/' or '\'.
 std::wstring replacePathPiece(std::wstring path, std::wstring_view a, std::wstring_view b,
                               std::wstring_view to);

@@ -183,10 +183,10 @@ bool isAbsolutePath(std::string_view path) {
 }
 
 std::string absolutePath(const std::string& path) {
-  if (isAbsolutePath(path)) return path;
+  if (isAbsolutePath(path)) return pathBelow("/", path);
   char buffer[PATH_MAX];
   if (!::getcwd(buffer, sizeof buffer)) return path;
-  return joinPath(buffer, path);
+  return pathBelow(buffer, path);
 }
 
 Status OutputFile::createUnnamed(const std::string& folder, const std::string& path) {

@@ -29,6 +29,7 @@ namespace {
 
 constexpr const char* kCustom = "Custom";
 constexpr double kMillimetresPerInch = 25.4;
+constexpr double kMillimetresPerMetre = 1000;
 
 struct Choice {
   const char* text;
@@ -324,13 +325,14 @@ void PlotDialog::changed() {
 QString PlotDialog::summary(const PlotPlan& plan) const {
   const double millimetre = edited_.dpi / kMillimetresPerInch;
   return QString(
-             "%1 × %2 mm are plotted at %3 drawing units a millimetre.\n"
-             "The page has %4 × %5 pixels.")
+             "%1 × %2 mm are plotted at %3 drawing units a millimetre (1 : %6 where they are "
+             "metres).\nThe page has %4 × %5 pixels.")
       .arg(std::round(plan.clip.width() / millimetre * 10) / 10)
       .arg(std::round(plan.clip.height() / millimetre * 10) / 10)
       .arg(plan.page.unitsPerPixel() * millimetre)
       .arg(plan.page.pixelWidth)
-      .arg(plan.page.pixelHeight);
+      .arg(plan.page.pixelHeight)
+      .arg(std::round(plan.page.unitsPerPixel() * millimetre * kMillimetresPerMetre), 0, 'f', 0);
 }
 
 void PlotDialog::chooseLayout() {

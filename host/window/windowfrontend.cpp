@@ -105,7 +105,12 @@ std::optional<std::string> WindowFrontEnd::readLine(const std::string& prompt, I
 PlotChoice WindowFrontEnd::choosePlot(PlotJob& job) {
   if (closing_) return PlotChoice::kCancel;
   if (line_ == nullptr || !script_.empty()) return PlotChoice::kByPrompts;
-  return PlotDialog(line_->window(), *HostApp::instance(), job).choose();
+  plans_ = true;
+  tellState();
+  const PlotChoice choice = PlotDialog(line_->window(), *HostApp::instance(), job).choose();
+  plans_ = false;
+  tellState();
+  return choice;
 }
 
 void WindowFrontEnd::addLines(LineSource source) {
@@ -147,7 +152,7 @@ void WindowFrontEnd::tellState() {
 }
 
 bool WindowFrontEnd::asking() const {
-  return operations_->isAsking();
+  return plans_ || operations_->isAsking();
 }
 
 InputKind WindowFrontEnd::readingKind() const {

@@ -113,6 +113,7 @@ class WindowFrontEnd final : public FrontEnd {
   std::vector<Reader*> readers_;
   std::unique_ptr<HeldInput> held_;
   std::unique_ptr<OperationWindows> operations_;
+  bool plans_ = false;  ///< the dialog of a plot is open
   QElapsedTimer sincePump_;
   QTimer queueTimer_;
   bool pumping_ = false;

@@ -22,6 +22,22 @@ TEST(Path, SplitsAtTheLastSeparatorOfEitherKind) {
   }
 }
 
+TEST(Path, RelativePathsBecomePlain) {
+  const struct {
+    const char *folder, *relative, *expected;
+  } cases[] = {
+      {"/home/ann", "a.tif", "/home/ann/a.tif"},
+      {"/home/ann", "./a//b/./c.tif", "/home/ann/a/b/c.tif"},
+      {"/home/ann", "../bob/a.tif", "/home/bob/a.tif"},
+      {"/home/ann", "../../../a.tif", "/a.tif"},
+      {"/home/ann", "link/../a.tif", "/home/ann/link/../a.tif"},
+      {"/", "..", "/"},
+      {"/home/ann", "", "/home/ann"},
+  };
+  for (const auto& one : cases)
+    EXPECT_EQ(pathBelow(one.folder, one.relative), one.expected) << one.relative;
+}
+
 TEST(Path, PieceIsFoundWithEitherSeparator) {
   EXPECT_EQ(replacePathPiece(L"/p/system/tarnconfig.db", L"system", L"tarnconfig.db", L"tarn_log/"),
             L"/p/tarn_log/");

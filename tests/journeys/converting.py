@@ -29,7 +29,7 @@ def convert(desk):
     desk.type(target, "Return")
     outputs = [os.path.join(target, name) for name in ("ortho.tif", "photo.tif")]
     wait_until("outputs", lambda: all(os.path.exists(path) for path in outputs))
-    desk.wait_line("Image conversion: 2 converted.*")
+    desk.wait_line(r'\{.*"progress":"Image conversion","reached":1,.*\}')
     desk.shot("report")
     desk.key("Escape")
     desk.wait_prompt("Command:")
@@ -49,8 +49,7 @@ def convert(desk):
     desk.wait_colors([(view.pixel(at), color) for at, color in zip(QUARTERS, COLORS)])
     desk.enter("addImage", None)
     answer_dialog(desk, "Open", photo)
-    check(os.listdir(target) == sorted(os.path.basename(path) for path in outputs) or len(os.listdir(target)) == 2,
-          f"beside the conversions: {os.listdir(target)}")
+    check(len(os.listdir(target)) == 2, f"beside the conversions: {os.listdir(target)}")
     levels = json.loads(desk.run(["gdalinfo", "-json", photo]))["bands"][0]["overviews"]
     check([level["size"] for level in levels][:1] == [[SIZE[0] // 2, SIZE[1] // 2]], f"levels {levels}")
     desk.shot("added")
