@@ -65,8 +65,8 @@ TEST(ImagesOnTheCommandLine, AScriptConvertsImages) {
   ASSERT_TRUE(makeFolders(scratch.at("in")));
   ASSERT_TRUE(writeRaster(raster, scratch.at("in/正射.tif")));
   // The folder; then IMG, and Enter to what holds; a wrong answer is asked for again.
-  const std::string script = "ImageConversion\n" + scratch.at("in") + "\n\n9\n3\n" +
-                             std::string(7, '\n') + scratch.at("out") +
+  const std::string script = "SETVAR LOCALE CHS\nImageConversion\n" + scratch.at("in") +
+                             "\n\n9\n3\n" + std::string(7, '\n') + scratch.at("out") +
                              "\nSETVAR LOCALE ENU\nImageConversion\n" + scratch.at("in") + "\n\n" +
                              std::string(9, '\n');
   const Outcome outcome = runCadhost(scratch, {"--script", "-"}, script);
