@@ -14,7 +14,8 @@
 
 class QPainter;
 class AcApDocument;
-struct MSG;
+struct tagMSG;
+using MSG = tagMSG;
 
 namespace tarn::host {
 

@@ -1,7 +1,8 @@
 // Watchers of window messages.
 #pragma once
 
-struct MSG;
+struct tagMSG;
+using MSG = tagMSG;
 
 namespace tarn::host {
 

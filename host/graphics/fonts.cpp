@@ -53,8 +53,9 @@ QStringList familiesFor(const QString& wanted) {
 }  // namespace
 
 const QStringList& usualFamilies() {
-  static const QStringList families = {"WenQuanYi Micro Hei", "WenQuanYi Zen Hei",
-                                       "Noto Sans CJK SC", "Droid Sans Fallback", "DejaVu Sans"};
+  static const QStringList families = {
+      "WenQuanYi Micro Hei", "WenQuanYi Zen Hei", "Noto Sans CJK SC", "Microsoft YaHei", "SimSun",
+      "Droid Sans Fallback", "DejaVu Sans"};
   return families;
 }
 

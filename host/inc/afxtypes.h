@@ -14,7 +14,8 @@ using ULONG_PTR = std::uintptr_t;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
-using HWND = void*;
+// As systems name what stands behind them, so that their own declarations may stand beside these.
+using HWND = struct HWND__*;
 using POSITION = const void*;
 using INT_PTR = std::intptr_t;
 using UINT_PTR = std::uintptr_t;
@@ -111,7 +112,7 @@ class CRect : public RECT {
   int Height() const { return bottom - top; }
 };
 
-struct MSG {
+struct tagMSG {
   HWND hwnd = nullptr;
   UINT message = 0;
   WPARAM wParam = 0;
@@ -119,6 +120,7 @@ struct MSG {
   DWORD time = 0;
   POINT pt;
 };
+using MSG = tagMSG;
 
 /// Data of WM_COPYDATA; owned by the sender, valid during the call.
 struct COPYDATASTRUCT {

@@ -69,7 +69,7 @@ INT_PTR CFileDialog::DoModal() {
   request.title = utf8OrEmpty(m_ofn.lpstrTitle);
   const auto names = uiServices().backend->fileNames(request);
   if (!names || names->empty()) return IDCANCEL;
-  for (const std::string& name : *names) parts_->chosen.emplace_back(tarn::toWide(name));
+  for (const std::string& name : *names) parts_->chosen.emplace_back(tarn::toWide(name).c_str());
   return IDOK;
 }
 

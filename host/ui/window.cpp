@@ -78,7 +78,7 @@ CWnd::~CWnd() {
 }
 
 HWND CWnd::GetSafeHwnd() const {
-  return state_ ? const_cast<CWnd*>(this) : nullptr;
+  return state_ ? reinterpret_cast<HWND>(const_cast<CWnd*>(this)) : nullptr;
 }
 
 BOOL CWnd::DestroyWindow() {

@@ -1,5 +1,6 @@
 #include "host/window/dialogs.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
@@ -181,7 +182,7 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
   const QStringList filters = dialogFilters(filterOf(request));
   if (!filters.isEmpty()) dialog.setNameFilters(filters);
   if (!request.kinds.empty()) dialog.selectNameFilter(filters[static_cast<int>(request.kind)]);
-  const QString initial = QString::fromStdString(request.initialName);
+  const QString initial = QDir::fromNativeSeparators(QString::fromStdString(request.initialName));
   const QFileInfo start(initial);
   if (initial.contains('/')) {
     dialog.setDirectory(start.path());

@@ -49,7 +49,7 @@ class Headless : public testing::Test {
  protected:
   void SetUp() override {
     noted.clear();
-    folder = makeTemporaryFolder("/tmp", "headless").take();
+    folder = makeTemporaryFolder(testing::TempDir(), "headless").take();
     for (const char* name : {"a b.tif", "影像.tif", "old.txt"}) {
       ASSERT_TRUE(writeFileAtomically(joinPath(folder, name), "x"));
     }

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QStandardPaths>
 #include <utility>
 
 #include "base/file.h"
@@ -31,8 +32,10 @@ Outcome runProgram(const std::string& program, const std::vector<std::string>& a
   QProcess process;
   process.setProcessEnvironment(environment);
   process.setProcessChannelMode(QProcess::MergedChannels);
-  const std::string path = isAbsolutePath(program) ? program : joinPath(TARN_BIN_DIR, program);
-  process.start(QString::fromStdString(path), words);
+  const QString path =
+      QStandardPaths::findExecutable(QString::fromStdString(program), {TARN_BIN_DIR});
+  if (path.isEmpty()) return {kNoSuchProgram, program + ": there is no such program here\n"};
+  process.start(path, words);
   process.write(input.data(), static_cast<qint64>(input.size()));
   process.closeWriteChannel();
   Outcome outcome;

@@ -20,8 +20,11 @@ class Scratch {
   std::string folder_;
 };
 
+/// What judges also answer that lack something.
+constexpr int kNoSuchProgram = 77;
+
 struct Outcome {
-  int exitCode = -1;   // 128 + signal when it was killed
+  int exitCode = -1;   // 128 + signal when it was killed, kNoSuchProgram when it is not installed
   std::string output;  // standard output and error as they came
 };
 
