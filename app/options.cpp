@@ -99,7 +99,9 @@ bool setSwitch(const std::string& name, Options& options) {
 
 Status addFile(const std::string& path, Options& options) {
   if (path.empty()) return Status::error("A file name is empty.");
-  if (equalsIgnoreCase(std::string_view(extensionOf(path)), ".dxf")) {
+  const std::string ending = toLower(extensionOf(path));
+  // DWG is no image either; opening it says what to do.
+  if (ending == ".dxf" || ending == ".dwg") {
     options.drawings.push_back(path);
     return {};
   }

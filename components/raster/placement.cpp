@@ -266,7 +266,10 @@ Placement placeImage(const std::vector<GeoCandidate>& candidates, int width, int
     chosen->width = width;
     chosen->height = height;
     chosen->transform.y0 = height;
-    notes.emplace_back("has no georeferencing: shown at the origin, one unit a pixel");
+    notes.emplace_back(
+        "has no georeferencing: shown at the origin, one unit a pixel; rectifyImage puts it into "
+        "its "
+        "place");
   }
   chosen->notes.insert(chosen->notes.begin(), notes.begin(), notes.end());
   return *chosen;

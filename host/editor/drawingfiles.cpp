@@ -128,6 +128,9 @@ Status openDrawing(HostApp& app, const std::string& path) {
 }
 
 Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& path) {
+  if (equalsIgnoreCase(std::string_view(extensionOf(path)), ".dwg")) {
+    return Status::error(path + ": drawings are written as DXF; choose a name that ends in .dxf.");
+  }
   if (HostDocument* other = app.documents().ofFile(path); other != nullptr && other != &document) {
     return Status::error(path + ": this file is open as another drawing.");
   }

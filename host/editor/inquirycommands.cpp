@@ -82,14 +82,4 @@ void listCommand() {
   }
 }
 
-void helpCommand() {
-  std::string text = "\nCommands:";
-  for (const std::string& name : app().commandsBeginningWith("")) text += " " + name;
-  app().print(text +
-              "\nEnter repeats the last command, Escape cancels. A name with ' in front runs while "
-              "another command waits ('ZOOM, 'PAN). Points: 3,4 or @3,4 from the last one or "
-              "@5<90; END, MID, CEN, INT, NEA and others take one of an entity. A variable's name "
-              "shows and changes it.\n");
-}
-
 }  // namespace tarn::host

@@ -58,9 +58,11 @@ DroppedFiles sortDropped(const std::vector<std::string>& paths) {
     const std::string ending = toLower(extensionOf(path));
     const bool image =
         std::find(kImageEndings.begin(), kImageEndings.end(), ending) != kImageEndings.end();
-    std::vector<std::string>& kind = image              ? sorted.images
-                                     : ending == ".dxf" ? sorted.drawings
-                                                        : sorted.others;
+    // DWG is tried, too: opening it says what to do.
+    const bool drawing = ending == ".dxf" || ending == ".dwg";
+    std::vector<std::string>& kind = image     ? sorted.images
+                                     : drawing ? sorted.drawings
+                                               : sorted.others;
     kind.push_back(path);
   }
   return sorted;

@@ -7,6 +7,7 @@
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/regenerator.h"
+#include "host/graphics/viewstate.h"
 #include "host/window/windowfrontend.h"
 
 namespace tarn::host {
@@ -14,6 +15,22 @@ namespace tarn::host {
 namespace {
 
 constexpr int kCopyLookMs = 10000;
+
+bool reachesBeyond(const GroundBox& box, const GroundBox& other) {
+  return box.minX < other.minX || box.minY < other.minY || box.maxX > other.maxX ||
+         box.maxY > other.maxY;
+}
+
+/// True when the view shows all of the box.
+bool isWithin(const GroundBox& box, const ViewState& view) {
+  for (const double x : {box.minX, box.maxX}) {
+    for (const double y : {box.minY, box.maxY}) {
+      const PixelPoint at = pixelFromGround(view, {x, y});
+      if (at.x < 0 || at.y < 0 || at.x > view.pixelWidth || at.y > view.pixelHeight) return false;
+    }
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -106,16 +123,20 @@ void Session::chooseImages(std::function<void(bool begins)> around) {
   });
 }
 
-/// What comes into an empty drawing comes into view.
+/// What comes into an empty drawing comes into view; of what comes elsewhere it is said how to see
+/// it.
 void Session::addBy(std::function<void()> add) {
   perform([this, add = std::move(add)] {
-    const auto isEmpty = [this] {
-      return app_.regenerator().extents(app_.documents().current()).isEmpty();
-    };
-    const bool wasEmpty = isEmpty();
+    const auto extents = [this] { return app_.regenerator().extents(app_.documents().current()); };
+    const GroundBox before = extents();
     app_.print("\nCommand: addImage\n");
     add();
-    if (wasEmpty && !isEmpty()) app_.zoomExtents();
+    const GroundBox after = extents();
+    if (before.isEmpty()) {
+      if (!after.isEmpty()) app_.zoomExtents();
+    } else if (reachesBeyond(after, before) && !isWithin(after, app_.view())) {
+      app_.print("\nThe drawing reaches beyond this view: ZOOM E shows all of it.\n");
+    }
   });
 }
 

@@ -89,7 +89,7 @@ TEST(Inquiry, tellsWhatIsThere) {
       {{"DIST END 1,0 END 9,0"}, "Distance = 10  angle = 0"},
       {{"LIST L", ""}, "LINE  layer \"0\"  handle "},
       {{"LIST L", ""}, "from 0,0,0 to 10,0,0, length 10"},
-      {{"HELP"}, " MOVE "},
+      {{"HELP"}, "Change: MOVE (M), COPY (CO), ROTATE (RO)"},
   };
   for (const Case& c : cases) {
     ScriptedHost host;

@@ -93,6 +93,7 @@ def first_start(desk):
 
     # The box counts, however the first steps are left.
     desk.click_pixel(tuple(m + size / 2 + more for m, size, more in zip(desk.middle, CANVAS, BOX)))
+    desk.shot("never-again")
     desk.key("ctrl+q")
     check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
     desk.middle = None
