@@ -13,6 +13,7 @@
 #include "host/editor/modules.h"
 #include "host/editor/namedrecords.h"
 #include "host/editor/profile.h"
+#include "host/editor/regenerator.h"
 
 namespace tarn::app {
 
@@ -84,6 +85,20 @@ bool addImages(host::HostApp& app, const std::vector<std::string>& images) {
   return all;
 }
 
+host::GroundBox extentsOf(host::HostApp& app) {
+  return app.regenerator().extents(app.documents().current());
+}
+
+/// True when all of `whole` in a view leaves nothing to be seen of `part`.
+bool isFarLarger(const host::GroundBox& whole, const host::GroundBox& part) {
+  constexpr double kTooFar = 100;
+  if (part.isEmpty()) return false;
+  const auto sizeOf = [](const host::GroundBox& box) {
+    return std::max(box.maxX - box.minX, box.maxY - box.minY);
+  };
+  return sizeOf(whole) > kTooFar * std::max(sizeOf(part), 1.0);
+}
+
 }  // namespace
 
 bool startDrawing(host::HostApp& app, const Options& options) {
@@ -106,8 +121,14 @@ bool startDrawing(host::HostApp& app, const Options& options) {
   }
   if (options.view && !options.drawings.empty()) app.regenerate();
   if (options.images.empty()) return good;
+  const host::GroundBox before = extentsOf(app);
   const bool added = addImages(app, options.images);
   if (!options.view) app.zoomExtents();
+  if (isFarLarger(extentsOf(app), before)) {
+    app.print(
+        "\nThe images lie far from the rest of the drawing, so that little of either is seen: "
+        "a double click in the image list shows one.\n");
+  }
   return added && good;
 }
 
