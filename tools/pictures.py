@@ -74,7 +74,7 @@ def window(desk):
 
 def panel(desk, name="panel", language="C.UTF-8"):
     """The list of images with its menu."""
-    desk.environment["LANG"] = language
+    desk.locale = language
     first = desk.photo("orthophoto.tif")
     second = desk.path("relief.tif")
     subprocess.run(["gdal_translate", "-q", "-b", "2", "-a_ullr", str(WEST + SIDE * UNIT), str(NORTH), str(WEST + 2 * SIDE * UNIT),

@@ -98,6 +98,7 @@ class Desk:
         self.program = None
         self.middle = None
         self.shots = 0
+        self.locale = "C.UTF-8"  # of the program alone: the tools need not know it
 
     def path(self, *names):
         return os.path.join(self.folder, *names)
@@ -114,7 +115,8 @@ class Desk:
         check(number, "no X server")
         self.environment = dict(os.environ, DISPLAY=":" + number, QT_QPA_PLATFORM="xcb", LANG="C.UTF-8",
                                 HOME=self.folder, XDG_RUNTIME_DIR=self.folder, QT_SCALE_FACTOR="1")
-        self.environment.pop("WAYLAND_DISPLAY", None)
+        for name in ("WAYLAND_DISPLAY", "LC_ALL", "LC_MESSAGES", "LANGUAGE"):
+            self.environment.pop(name, None)
         self.children.append(subprocess.Popen(["openbox", "--sm-disable"], env=self.environment,
                                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
         try:
@@ -161,7 +163,8 @@ class Desk:
         self.mark = os.path.getsize(self.log_path)
         self.program = subprocess.Popen(
             [os.path.join(self.bin, "cadhost"), "--profile", self.path("profile"), "--log", self.log_path,
-             "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files], env=self.environment, cwd=self.folder)
+             "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
+            env=dict(self.environment, LANG=self.locale), cwd=self.folder)
         self.children.append(self.program)
         self.window = self.wait_window()
 

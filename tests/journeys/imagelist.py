@@ -102,7 +102,7 @@ def image_list(desk):
     first = make_image(desk, "first.tif")
     second = make_second(desk, first)
     drawing = desk.path("list.dxf")
-    desk.environment["LANG"] = "zh_CN.UTF-8"
+    desk.locale = "zh_CN.UTF-8"
     desk.start()
     panel = Panel(desk)
     panel.menu("#1", "Down")

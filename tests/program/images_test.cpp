@@ -59,8 +59,8 @@ TEST(ImagesOnTheCommandLine, WhatANewUserMeetsIsAnswered) {
   const Scratch scratch("tarn_cli_");
   ASSERT_TRUE(writeFileAtomically(scratch.at("a.dwg"), "AC1015\0\0\0\0"));
   EXPECT_TRUE(contains(runCadhost(scratch, {scratch.at("a.dwg")}).output, "save it as DXF"));
-  const Outcome saved =
-      runCadhost(scratch, {"--command", "LINE 0,0 9,9 ", "--save", scratch.at("b.dwg")});
+  const Outcome saved = runCadhost(
+      scratch, {"--command", "LINE 0,0 9,9", "--command", "", "--save", scratch.at("b.dwg")});
   EXPECT_EQ(saved.exitCode, 1);
   EXPECT_TRUE(contains(saved.output, "choose a name that ends in .dxf")) << saved.output;
   EXPECT_EQ(fileKind(scratch.at("b.dwg")), FileKind::kMissing);
@@ -68,9 +68,10 @@ TEST(ImagesOnTheCommandLine, WhatANewUserMeetsIsAnswered) {
   const Raster raster =
       makeRaster(60, 50, 40500000, 3512600, 0.5, [](int, int, uint8_t* rgb) { rgb[0] = 90; });
   ASSERT_TRUE(writeRaster(raster, scratch.at("a.tif")));
-  ASSERT_EQ(
-      runCadhost(scratch, {"--command", "LINE 0,0 9,9 ", "--save", scratch.at("c.dxf")}).exitCode,
-      0);
+  ASSERT_EQ(runCadhost(scratch, {"--command", "LINE 0,0 9,9", "--command", "", "--save",
+                                 scratch.at("c.dxf")})
+                .exitCode,
+            0);
   EXPECT_TRUE(contains(
       runCadhost(scratch, {scratch.at("c.dxf"), scratch.at("a.tif"), "--command", "REGEN"}).output,
       "lie far from the rest of the drawing"));
