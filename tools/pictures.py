@@ -72,14 +72,14 @@ def window(desk):
     desk.take("window")
 
 
-def panel(desk, name="panel", language="C.UTF-8"):
+def panel(desk, name="panel", language="ENU"):
     """The list of images with its menu."""
-    desk.locale = language
     first = desk.photo("orthophoto.tif")
     second = desk.path("relief.tif")
     subprocess.run(["gdal_translate", "-q", "-b", "2", "-a_ullr", str(WEST + SIDE * UNIT), str(NORTH), str(WEST + 2 * SIDE * UNIT),
                     str(NORTH - SIDE * UNIT), first, second], check=True)
     desk.start(first, second)
+    desk.enter("SETVAR LOCALE " + language)
     list_of_images = Panel(desk)
     desk.enter("ZOOM E")
     label = list_of_images.item(first, "label")
@@ -91,7 +91,7 @@ def panel(desk, name="panel", language="C.UTF-8"):
 
 
 def chinese(desk):
-    panel(desk, "chinese", "zh_CN.UTF-8")
+    panel(desk, "chinese", "CHS")
 
 
 def rectify(desk):

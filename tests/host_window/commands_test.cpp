@@ -202,14 +202,14 @@ TEST_F(CommandTest, EscapeStopsAComputationAndKeysWaitForItsEnd) {
 TEST_F(CommandTest, DroppedImagesAreAddedAndOthersRefusedByName) {
   QMimeData data;
   data.setUrls({QUrl::fromLocalFile(makeFile("影像 one.tif")),
-                QUrl::fromLocalFile("/data/plan.dwg"), QUrl::fromLocalFile(makeFile("two.JPG"))});
+                QUrl::fromLocalFile("/data/plan.pdf"), QUrl::fromLocalFile(makeFile("two.JPG"))});
   QDragEnterEvent enterEvent({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(window_.get(), &enterEvent);
   EXPECT_TRUE(enterEvent.isAccepted());
   QDropEvent drop({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(window_.get(), &drop);
   EXPECT_TRUE(history().contains("adding 影像 one.tif\nadding two.JPG")) << history().toStdString();
-  EXPECT_TRUE(history().contains("/data/plan.dwg: only drawings"));
+  EXPECT_TRUE(history().contains("/data/plan.pdf: only drawings"));
   EXPECT_NEAR(app_->view().centerX, 50, 1e-6) << "the first images are shown whole";
   const double height = app_->view().height;
   wheel({10, 10}, 1);

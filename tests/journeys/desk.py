@@ -98,7 +98,6 @@ class Desk:
         self.program = None
         self.middle = None
         self.shots = 0
-        self.locale = "C.UTF-8"  # of the program alone: the tools need not know it
 
     def path(self, *names):
         return os.path.join(self.folder, *names)
@@ -164,7 +163,7 @@ class Desk:
         self.program = subprocess.Popen(
             [os.path.join(self.bin, "cadhost"), "--profile", self.path("profile"), "--log", self.log_path,
              "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
-            env=dict(self.environment, LANG=self.locale), cwd=self.folder)
+            env=self.environment, cwd=self.folder)
         self.children.append(self.program)
         self.window = self.wait_window()
 

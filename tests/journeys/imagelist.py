@@ -102,8 +102,8 @@ def image_list(desk):
     first = make_image(desk, "first.tif")
     second = make_second(desk, first)
     drawing = desk.path("list.dxf")
-    desk.locale = "zh_CN.UTF-8"
     desk.start()
+    desk.enter("SETVAR LOCALE CHS")
     panel = Panel(desk)
     panel.menu("#1", "Down")
     answer_dialog(desk, "打开", first)

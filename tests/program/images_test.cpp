@@ -57,7 +57,7 @@ TEST(ImagesOnTheCommandLine, WhatCannotBeDoneYetIsRefusedInOneLine) {
 
 TEST(ImagesOnTheCommandLine, WhatANewUserMeetsIsAnswered) {
   const Scratch scratch("tarn_cli_");
-  ASSERT_TRUE(writeFileAtomically(scratch.at("a.dwg"), "AC1015\0\0\0\0"));
+  ASSERT_TRUE(writeFileAtomically(scratch.at("a.dwg"), "AC1015" + std::string(20, '\0')));
   EXPECT_TRUE(contains(runCadhost(scratch, {scratch.at("a.dwg")}).output, "save it as DXF"));
   const Outcome saved = runCadhost(
       scratch, {"--command", "LINE 0,0 9,9", "--command", "", "--save", scratch.at("b.dwg")});
