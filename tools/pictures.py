@@ -9,6 +9,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path.insert(0, os.path.join(TOP, "tests", "journeys"))
@@ -22,20 +23,26 @@ WEST, NORTH, UNIT, SIDE = 40500000.0, 3512600.0, 0.1, 4000  # of the made-up pho
 
 
 class Photographer(desks.Desk):
-    def take(self, name, window=None):
-        """The program's window, or a dialog."""
-        path = os.path.join(TOP, "docs", "images", name + ".png")
-        self.run(["import", "-window", window or self.window, "-strip", "PNG8:" + path])
-        print("docs/images/" + name + ".png")
+    def __init__(self, bin_folder, name, keep):
+        super().__init__(bin_folder, name, keep)
+        os.rmdir(self.folder)
+        # What is seen in titles and lists.
+        self.folder = os.path.join(tempfile.gettempdir(), "survey")
+        os.mkdir(self.folder, 0o700)
+        self.log_path = self.path("log.txt")
 
-    def take_all(self, name):
-        """The program's window with what lies over it."""
-        whole = self.path("screen.png")
-        self.run(["import", "-window", "root", whole])
-        left, top = (round(m - c / 2) for m, c in zip(self.middle, CANVAS))
-        self.run(["convert", whole, "-crop", f"{CANVAS[0] + 60}x{CANVAS[1] + 250}+{left - 45}+{top - 105}", "+repage", "-strip",
-                  "PNG8:" + os.path.join(TOP, "docs", "images", name + ".png")])
-        print("docs/images/" + name + ".png")
+    def take(self, name, window=None):
+        """The program's window with what lies over it, or a dialog, when nothing changes any more."""
+        window = window or self.window
+        path = os.path.join(TOP, "docs", "images", name + ".png")
+
+        def still():
+            before = self.picture().bytes
+            time.sleep(0.5)
+            return before == self.picture().bytes
+        desks.wait_until("still picture", still)
+        self.run(["import", "-screen", "-window", window, "-strip", "-define", "png:compression-level=9", "PNG24:" + path])
+        print("docs/images/" + name + ".png", flush=True)
 
     def photo(self, name):
         path = self.path(name)
@@ -81,12 +88,13 @@ def panel(desk, name="panel", language="ENU"):
     desk.start(first, second)
     desk.enter("SETVAR LOCALE " + language)
     list_of_images = Panel(desk)
-    desk.enter("ZOOM E")
     label = list_of_images.item(first, "label")
+    for line in ("ZOOM E", "SetImageClarityRatio 1", "ZOOM E"):
+        desk.enter(line)
     desk.click_pixel(label, button=3)
     desks.wait_until("menu", lambda: desk.picture().at(label[0] + 40, label[1] + 12) != (30, 33, 39))
     desk.key("Down", "Down", "Down", "Down", "Right")
-    desk.take_all(name)
+    desk.take(name)
     desk.key("Escape", "Escape", "Escape")
 
 

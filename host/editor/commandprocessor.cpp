@@ -210,7 +210,7 @@ std::optional<std::string> CommandProcessor::ask(const std::string& prompt, Inpu
 
 void CommandProcessor::reportUnknown(const std::string& name) {
   const std::string plain = upper(plainName(name));
-  app_.print("\nUnknown command \"" + plain + "\".\n");
+  app_.print("\nUnknown command \"" + plain + "\". HELP lists all.\n");
   editorObject().notifyUnknown(toWide(plain), app_.documents().current().database());
 }
 

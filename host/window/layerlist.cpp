@@ -19,6 +19,8 @@ namespace tarn::host {
 
 namespace {
 
+constexpr int kWidth = 340;  // names of a dozen letters are read whole
+
 enum Column { kCurrent, kName, kOn, kThawed, kLock, kColor, kColumns };
 
 bool same(const LayerEntry& a, const LayerEntry& b) {
@@ -54,6 +56,7 @@ LayerList::LayerList(QWidget* parent, Hooks hooks)
   column->addWidget(table_);
   setWidget(content);
   table_->setColumnCount(kColumns);
+  table_->setMinimumWidth(kWidth);
   table_->setFrameShape(QFrame::NoFrame);
   table_->setShowGrid(false);
   table_->verticalHeader()->hide();

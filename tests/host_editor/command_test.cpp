@@ -116,7 +116,7 @@ TEST_F(Commands, endOfInputCancelsAndIsAFailure) {
 
 TEST_F(Commands, unknownAndThrowingCommandsFailAndTheHostGoesOn) {
   const std::string text = host.run({"nosuch 1 2", "THROW", "MARK"});
-  EXPECT_NE(text.find("Unknown command \"NOSUCH\".\n"), std::string::npos);
+  EXPECT_NE(text.find("Unknown command \"NOSUCH\". HELP lists all.\n"), std::string::npos);
   EXPECT_NE(text.find("no more paper"), std::string::npos);
   EXPECT_EQ(host.app().failedCommands(), 2);
   EXPECT_EQ(noted, "marked;");
