@@ -20,14 +20,16 @@ namespace {
 
 constexpr int kCornersOfPicture = 4;
 
-/// A picture's frame: its extents, and the corner points of each image, four by four.
-void addPictureFrame(Outlines& outlines, const AcDbEntity& entity, const ViewState& view) {
+void addExtents(Outlines& outlines, const AcDbEntity& entity, const ViewState& view) {
   AcDbExtents box;
-  if (entity.getGeomExtents(box) == Acad::eOk) {
-    const AcGePoint3d low = box.minPoint();
-    const AcGePoint3d high = box.maxPoint();
-    addFrame(outlines, {{low.x, low.y}, {high.x, low.y}, {high.x, high.y}, {low.x, high.y}}, view);
-  }
+  if (entity.getGeomExtents(box) != Acad::eOk) return;
+  const AcGePoint3d low = box.minPoint();
+  const AcGePoint3d high = box.maxPoint();
+  addFrame(outlines, {{low.x, low.y}, {high.x, low.y}, {high.x, high.y}, {low.x, high.y}}, view);
+}
+
+/// The corner points of each image, four by four.
+void addCorners(Outlines& outlines, const AcDbEntity& entity, const ViewState& view) {
   AcGePoint3dArray grips;
   AcDbIntArray modes;
   AcDbIntArray ids;
@@ -225,17 +227,25 @@ class Choice {
 
 }  // namespace
 
-Outlines outlinesOf(HostDocument& document, AcDbObjectId id) {
+static Outlines outlinesWith(HostDocument& document, AcDbObjectId id, bool corners) {
   const DisplayList* list = document.currentScene().find(id.handle().value());
   if (list == nullptr) return {};
   const ViewState view = document.space().mouseView();
   if (!hasImages(*list)) return outlinesOf(*list, view);
   Outlines outlines;
   const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-  if (entity.openStatus() == Acad::eOk) {
-    addPictureFrame(outlines, *entity.object(), view);
-  }
+  if (entity.openStatus() != Acad::eOk) return outlines;
+  addExtents(outlines, *entity.object(), view);
+  if (corners) addCorners(outlines, *entity.object(), view);
   return outlines;
+}
+
+Outlines outlinesOf(HostDocument& document, AcDbObjectId id) {
+  return outlinesWith(document, id, true);
+}
+
+Outlines highlightOf(HostDocument& document, AcDbObjectId id) {
+  return outlinesWith(document, id, false);
 }
 
 AcDbObjectId entityAt(HostApp& app, GroundPoint point) {

@@ -15,6 +15,9 @@ namespace tarn::host {
 /// shows pictures is hit at their frame, the rim of the extents and the corners that snaps and
 /// grips know, and not at lines that the pictures cover.
 ACADHOST_EXPORT Outlines outlinesOf(HostDocument& document, AcDbObjectId id);
+/// The same for showing what is chosen: of pictures only the rim of their extents, since corners
+/// may stand where nothing is to be seen.
+ACADHOST_EXPORT Outlines highlightOf(HostDocument& document, AcDbObjectId id);
 
 /// The uppermost entity whose lines come within PICKBOX pixels of the point; null when there is
 /// none.

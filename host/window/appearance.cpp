@@ -19,6 +19,9 @@ struct Shades {
 };
 constexpr Shades kDark = {0xff2b3037, 0xff1d2127, 0xff383e47, 0xffdde1e6,
                           0xff959da7, 0xff33709f, 0xff6cb2ea, 0xff5a636f};
+/// What is wrong, in words on the window.
+constexpr QRgb kWarningOnDark = 0xfff29a92;
+constexpr QRgb kWarningOnLight = 0xffa32018;
 constexpr Shades kLight = {0xfff1f2f4, 0xffffffff, 0xffe4e6ea, 0xff1c2127,
                            0xff5d6570, 0xff1f6aa5, 0xff1560a0, 0xffa3aab4};
 
@@ -28,7 +31,10 @@ class RimmedStyle final : public QProxyStyle {
   RimmedStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
   int pixelMetric(PixelMetric metric, const QStyleOption* option,
                   const QWidget* widget) const override {
-    return metric == PM_MenuPanelWidth ? 1 : QProxyStyle::pixelMetric(metric, option, widget);
+    if (metric == PM_MenuPanelWidth) return 1;
+    // Smaller than usual: all commands have a place without a second row.
+    if (metric == PM_ToolBarIconSize) return 20;
+    return QProxyStyle::pixelMetric(metric, option, widget);
   }
   /// The style's own buttons of docks are black on every window.
   QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
@@ -70,6 +76,11 @@ double contrast(const QColor& a, const QColor& b) {
   const double first = luminance(a) + 0.05;
   const double second = luminance(b) + 0.05;
   return first > second ? first / second : second / first;
+}
+
+QColor warningOn(const QPalette& palette) {
+  const bool isDark = palette.color(QPalette::Window).lightness() < 128;
+  return QColor(isDark ? kWarningOnDark : kWarningOnLight);
 }
 
 QPalette paletteOf(Appearance appearance) {

@@ -15,6 +15,9 @@ void applyAppearance(QApplication& application, Appearance appearance = Appearan
 /// The colours of one choice (kSystem: light).
 QPalette paletteOf(Appearance appearance);
 
+/// Of texts that say what is wrong.
+QColor warningOn(const QPalette& palette);
+
 /// How well two colours can be told apart, 1 to 21 (WCAG 2.1, contrast ratio).
 double contrast(const QColor& a, const QColor& b);
 

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <utility>
 
+#include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
 #include "host/window/mousemessage.h"
 
@@ -139,9 +140,12 @@ void Canvas::paintEvent(QPaintEvent*) {
   const QSize size = deviceSize();
   const ViewState view = app_.screenView();
   if (hooks_.mayAct() && view.pixelWidth == size.width() && view.pixelHeight == size.height()) {
-    frame_.update(view, [&](QPainter& painter) {
-      app_.renderTo(painter, view.pixelWidth, view.pixelHeight);
-    });
+    // What is drawn in the model is only read; a sheet is looked up in the drawing while it is
+    // painted.
+    const bool atOnce = app_.documents().current().space().isTiled();
+    frame_.update(
+        view, [&](QPainter& painter) { app_.renderTo(painter, view.pixelWidth, view.pixelHeight); },
+        atOnce);
   }
   QPainter painter(this);
   if (frame_.image().size() != size) painter.fillRect(rect(), QColor(kEmptyCanvas));

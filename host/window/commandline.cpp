@@ -43,6 +43,7 @@ CommandLine::CommandLine(Hooks hooks)
   history_->setReadOnly(true);
   history_->setUndoRedoEnabled(false);
   history_->setMaximumBlockCount(kMostHistoryLines);
+  history_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   history_->setFrameShape(QFrame::NoFrame);
   history_->setFont(lineFont());
   prompt_->setObjectName("prompt");
@@ -143,6 +144,11 @@ bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
     event->ignore();
     return true;
   }
+  if (event->type() == QEvent::ShortcutOverride && watched == history_ &&
+      copiesText(static_cast<QKeyEvent&>(*event))) {
+    event->accept();
+    return true;
+  }
   if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
   auto& key = static_cast<QKeyEvent&>(*event);
   if (key.key() == Qt::Key_Escape) {
@@ -152,11 +158,25 @@ bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
     hooks_.escaped();
     return true;
   }
-  if (watched == input_) return inputKey(key.key());
-  // Text typed over the history belongs to the input line.
+  return watched == input_ ? inputKey(key.key()) : historyKey(key);
+}
+
+/// What is chosen in the history goes to the clipboard, not what is chosen in the drawing.
+bool CommandLine::copiesText(const QKeyEvent& key) const {
+  return key.matches(QKeySequence::SelectAll) ||
+         (key.matches(QKeySequence::Copy) && history_->textCursor().hasSelection());
+}
+
+/// Text typed over the history belongs to the input line.
+bool CommandLine::historyKey(QKeyEvent& key) {
   if (!typesText(key)) return false;
   input_->setFocus();
-  return inputKey(key.key()) || (input_->event(event), true);
+  return inputKey(key.key()) || (input_->event(&key), true);
+}
+
+void CommandLine::turnPages(int by) {
+  QScrollBar* bar = history_->verticalScrollBar();
+  bar->setValue(bar->value() + by * bar->pageStep());
 }
 
 bool CommandLine::inputKey(int key) {
@@ -178,6 +198,12 @@ bool CommandLine::inputKey(int key) {
       return true;
     case Qt::Key_Down:
       recall(-1);
+      return true;
+    case Qt::Key_PageUp:
+      turnPages(-1);
+      return true;
+    case Qt::Key_PageDown:
+      turnPages(1);
       return true;
     case Qt::Key_Tab:
       complete(1);

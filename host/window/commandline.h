@@ -49,6 +49,9 @@ class CommandLine : public QWidget {
 
  private:
   bool inputKey(int key);
+  bool copiesText(const QKeyEvent& key) const;
+  bool historyKey(QKeyEvent& key);
+  void turnPages(int by);
   bool leavesKey(const QKeyEvent& key) const;
   void recall(int step);
   void complete(int by);

@@ -122,9 +122,9 @@ UINT DialogBackend::popupMenu(const MenuModel& model, POINT screen) {
 int DialogBackend::messageBox(const std::string& text, const std::string& caption, unsigned type) {
   const Asking asking(*this);
   QMessageBox box(parent_);
-  box.setWindowTitle(caption.empty() ? "Tarn Image" : QString::fromStdString(caption));
+  box.setWindowTitle(caption.empty() ? "Tarn Image" : hostWords(caption));
   box.setTextFormat(Qt::PlainText);
-  box.setText(QString::fromStdString(text));
+  box.setText(hostWords(text));
   box.setIcon(iconOf(type));
   box.setStandardButtons(buttonsOf(type));
   box.exec();

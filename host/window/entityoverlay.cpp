@@ -1,6 +1,7 @@
 #include "host/window/entityoverlay.h"
 
 #include <QFontMetricsF>
+#include <QLineF>
 #include <QPainter>
 #include <QPen>
 #include <QPolygonF>
@@ -38,15 +39,15 @@ bool isInView(const ViewState& view, QPointF at) {
          at.y() <= view.pixelHeight + kGripHalf;
 }
 
-void paintHighlight(QPainter& painter, HostDocument& document, const EntityIds& ids) {
-  painter.setPen(QPen(kHighlight, 2, Qt::DashLine));
+void paintHighlight(QPainter& painter, HostDocument& document, const EntityIds& ids, double ratio) {
+  painter.setPen(QPen(kHighlight, 2 * ratio, Qt::DashLine));
   painter.setBrush(Qt::NoBrush);
   // A line far outside would be walked dash by dash.
   const ViewState screen = document.view();
   const QRectF shown =
       QRectF(0, 0, screen.pixelWidth, screen.pixelHeight).adjusted(-4000, -4000, 4000, 4000);
   for (const AcDbObjectId& id : ids) {
-    for (const Outline& outline : outlinesOf(document, id)) {
+    for (const Outline& outline : highlightOf(document, id)) {
       QPolygonF line;
       for (const PixelPoint& p : outline.points) {
         line << QPointF(std::clamp(p.x, shown.left(), shown.right()),
@@ -76,7 +77,7 @@ void paintGrips(QPainter& painter, HostApp& app, const PointerState& pointer) {
   const std::optional<GroundPoint>& hot = pointer.hotGrip;
   const double half = kGripHalf * pointer.ratio;
   const ViewState view = app.documents().current().space().mouseView();
-  painter.setPen(QPen(Qt::black, 1));
+  painter.setPen(QPen(Qt::black, pointer.ratio));
   for (const GroundPoint& grip : gripsOf(app)) {
     const QPointF at = device(view, grip);
     if (!isInView(view, at)) continue;
@@ -87,20 +88,26 @@ void paintGrips(QPainter& painter, HostApp& app, const PointerState& pointer) {
 }
 
 /// Blue for a window, green and dashed for what it touches.
-void paintWindow(QPainter& painter, const ViewState& view, GroundPoint corner, GroundPoint cursor) {
+void paintWindow(QPainter& painter, const ViewState& view, GroundPoint corner, GroundPoint cursor,
+                 double ratio) {
   const QRectF box = QRectF(device(view, corner), device(view, cursor));
   const bool crossing = box.width() < 0;
   const QColor color = crossing ? QColor(0x40, 0xc0, 0x60) : QColor(0x40, 0x80, 0xff);
-  painter.setPen(QPen(color, 1, crossing ? Qt::DashLine : Qt::SolidLine));
+  painter.setPen(QPen(color, ratio, crossing ? Qt::DashLine : Qt::SolidLine));
   painter.setBrush(QColor(color.red(), color.green(), color.blue(), 50));
   painter.drawRect(box.normalized());
 }
 
+/// Dashes on a line of the other brightness: seen on every photo.
 void paintRubber(QPainter& painter, const ViewState& view, GroundPoint base, GroundPoint cursor,
                  const PointerState& pointer) {
-  const QColor color = pointer.lightGround ? QColor(0, 0, 0, 170) : QColor(255, 255, 255, 170);
-  painter.setPen(QPen(color, pointer.ratio, Qt::DashLine));
-  painter.drawLine(device(view, base), device(view, cursor));
+  const QColor dark(0, 0, 0, 190);
+  const QColor light(255, 255, 255, 230);
+  const QLineF line(device(view, base), device(view, cursor));
+  painter.setPen(QPen(pointer.lightGround ? light : dark, 1.5 * pointer.ratio));
+  painter.drawLine(line);
+  painter.setPen(QPen(pointer.lightGround ? dark : light, 1.5 * pointer.ratio, Qt::DashLine));
+  painter.drawLine(line);
 }
 
 /// Each kind of point has a mark of its own.
@@ -193,13 +200,13 @@ AimedPoint aimedAt(HostApp& app, GroundPoint cursor) {
 void paintOverlay(QPainter& painter, HostApp& app, const PointerState& pointer) {
   HostDocument& document = app.documents().current();
   const SelectionMemory& selection = document.selection();
-  paintHighlight(painter, document, selection.pickFirst);
-  paintHighlight(painter, document, selection.choosing);
+  paintHighlight(painter, document, selection.pickFirst, pointer.ratio);
+  paintHighlight(painter, document, selection.choosing, pointer.ratio);
   paintGrips(painter, app, pointer);
   if (!pointer.cursor) return;
   const auto corner = pointer.windowCorner ? pointer.windowCorner : selection.windowCorner;
   const ViewState view = document.space().mouseView();
-  if (corner) paintWindow(painter, view, *corner, *pointer.cursor);
+  if (corner) paintWindow(painter, view, *corner, *pointer.cursor, pointer.ratio);
   AimedPoint aimed{*pointer.cursor, {}};
   if (pointer.snaps) aimed = aimedAt(app, *pointer.cursor);
   if (selection.rubberBase) {

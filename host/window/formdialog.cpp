@@ -18,7 +18,10 @@
 #include <utility>
 
 #include "base/text.h"
+#include "host/window/appearance.h"
 #include "host/window/filefilters.h"
+#include "host/window/hostwords.h"
+#include "host/window/labels.h"
 #include "host/window/words.h"
 
 namespace tarn::host {
@@ -55,12 +58,21 @@ QVBoxLayout* buttonColumn(std::initializer_list<QPushButton*> buttons) {
   return column;
 }
 
+/// What the label says is also the field's name for those who hear it.
+void addBeside(QVBoxLayout& column, const TarnFormField& field, QWidget& list, QLayout* beside) {
+  auto* label = new QLabel(hostWords(field.label));
+  label->setBuddy(&list);
+  list.setAccessibleName(label->text());
+  column.addWidget(label);
+  column.addLayout(beside, 1);
+}
+
 }  // namespace
 
 FormDialog::FormDialog(QWidget* parent, TarnForm& form)
     : QDialog(parent), form_(form), reason_(new QLabel) {
   setObjectName("form");
-  setWindowTitle(qt(form.title));
+  setWindowTitle(hostWords(form.title));
   auto* column = new QVBoxLayout(this);
   QFormLayout* rows = newRows();
   for (const TarnFormField& field : form.fields) {
@@ -72,15 +84,16 @@ FormDialog::FormDialog(QWidget* parent, TarnForm& form)
   reason_->setObjectName("reason");
   reason_->setWordWrap(true);
   reason_->setTextFormat(Qt::PlainText);
-  reason_->setStyleSheet("color: #f08078");
+  reason_->setStyleSheet("color: " + warningOn(palette()).name());
   reason_->hide();
   column->addWidget(reason_);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-  buttons->button(QDialogButtonBox::Ok)->setText(qt(form.accept));
+  buttons->button(QDialogButtonBox::Ok)->setText(hostWords(form.accept));
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   column->addWidget(buttons);
   setMinimumWidth(kWidth);
+  tieLabels(*this);
 }
 
 void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QFormLayout& rows) {
@@ -97,7 +110,7 @@ void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QForm
       break;
     case Kind::kChoice: {
       auto* box = new QComboBox;
-      for (const std::string& choice : field.choices) box->addItem(qt(choice));
+      for (const std::string& choice : field.choices) box->addItem(hostWords(choice));
       if (parseInt(field.value, number)) box->setCurrentIndex(number);
       readers_.emplace_back(
           [box](TarnFormField& f) { f.value = std::to_string(box->currentIndex()); });
@@ -105,7 +118,7 @@ void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QForm
       break;
     }
     case Kind::kCheck: {
-      auto* box = new QCheckBox(qt(field.label));
+      auto* box = new QCheckBox(hostWords(field.label));
       box->setObjectName(qt(name));
       box->setChecked(field.value == "1");
       readers_.emplace_back([box](TarnFormField& f) { f.value = box->isChecked() ? "1" : "0"; });
@@ -127,7 +140,7 @@ void FormDialog::addField(const TarnFormField& field, QVBoxLayout& column, QForm
     }
   }
   widget->setObjectName(qt(name));
-  rows.addRow(qt(field.label), widget);
+  rows.addRow(hostWords(field.label), widget);
 }
 
 void FormDialog::addFiles(const TarnFormField& field, QVBoxLayout& column) {
@@ -156,8 +169,7 @@ void FormDialog::addFiles(const TarnFormField& field, QVBoxLayout& column) {
   auto* beside = new QHBoxLayout;
   beside->addWidget(list, 1);
   beside->addLayout(buttonColumn({files, folder, remove}));
-  column.addWidget(new QLabel(qt(field.label)));
-  column.addLayout(beside, 1);
+  addBeside(column, field, *list, beside);
   readers_.emplace_back([list](TarnFormField& f) {
     f.values.clear();
     for (int i = 0; i < list->count(); ++i) f.values.push_back(list->item(i)->text().toStdString());
@@ -169,7 +181,7 @@ void FormDialog::addTable(const TarnFormField& field, QVBoxLayout& column) {
   auto* table = new QTableWidget(0, width);
   table->setObjectName("table");
   QStringList headings;
-  for (const std::string& heading : field.choices) headings << qt(heading);
+  for (const std::string& heading : field.choices) headings << hostWords(heading);
   table->setHorizontalHeaderLabels(headings);
   table->verticalHeader()->hide();
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
@@ -203,8 +215,7 @@ void FormDialog::addTable(const TarnFormField& field, QVBoxLayout& column) {
   auto* beside = new QHBoxLayout;
   beside->addWidget(table, 1);
   beside->addLayout(buttonColumn({add, remove}));
-  column.addWidget(new QLabel(qt(field.label)));
-  column.addLayout(beside, 1);
+  addBeside(column, field, *table, beside);
   readers_.emplace_back([table, width](TarnFormField& f) {
     f.values.clear();
     for (int row = 0; row < table->rowCount(); ++row)
@@ -216,6 +227,7 @@ QWidget* FormDialog::makeFolder(const TarnFormField& field) {
   auto* row = new QWidget;
   auto* line = new QLineEdit(qt(field.value));
   line->setObjectName("folder");
+  line->setAccessibleName(hostWords(field.label));
   auto* browse = new QPushButton(words("Browse ..."));
   browse->setAutoDefault(false);
   connect(browse, &QPushButton::clicked, this, [this, line] {
@@ -234,7 +246,7 @@ void FormDialog::accept() {
   std::vector<TarnFormField> answers = form_.fields;
   for (size_t i = 0; i < answers.size(); ++i) readers_[i](answers[i]);
   const std::string reason = form_.check ? form_.check(answers) : std::string();
-  reason_->setText(qt(reason));
+  reason_->setText(hostWords(reason));
   reason_->setVisible(!reason.empty());
   if (!reason.empty()) return;
   form_.fields = std::move(answers);

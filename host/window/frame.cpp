@@ -2,9 +2,20 @@
 
 #include <QPainter>
 #include <QRegion>
+#include <algorithm>
 #include <cmath>
 
+#include "base/parallel.h"
+
 namespace tarn::host {
+
+namespace {
+
+/// A smaller picture is painted sooner than threads are woken.
+constexpr int kPixelsOfAPart = 200000;
+constexpr size_t kMostParts = 4;
+
+}  // namespace
 
 std::optional<QPoint> wholePixelShift(const ViewState& from, const ViewState& to) {
   if (from.pixelWidth != to.pixelWidth || from.pixelHeight != to.pixelHeight ||
@@ -24,7 +35,7 @@ std::optional<QPoint> wholePixelShift(const ViewState& from, const ViewState& to
   return QPoint(static_cast<int>(wholeX), static_cast<int>(wholeY));
 }
 
-void Frame::update(const ViewState& view, const Paint& paint) {
+void Frame::update(const ViewState& view, const Paint& paint, bool atOnce) {
   const QSize size(view.pixelWidth, view.pixelHeight);
   const auto by = wholePixelShift(view_, view);
   if (!stale_ && image_.size() == size && by) {
@@ -35,10 +46,25 @@ void Frame::update(const ViewState& view, const Paint& paint) {
     return;
   }
   if (image_.size() != size) image_ = QImage(size, QImage::Format_RGB32);
-  QPainter painter(&image_);
-  paint(painter);
+  const size_t worthwhile = static_cast<size_t>(size.width()) * size.height() / kPixelsOfAPart;
+  const size_t most = std::min<size_t>(workerCount(), kMostParts);
+  paintParts(atOnce ? std::clamp<size_t>(worthwhile, 1, most) : 1, paint);
   view_ = view;
   stale_ = false;
+}
+
+/// Every part has a painter of its own on the same pixels, cut to its rows.
+void Frame::paintParts(size_t parts, const Paint& paint) {
+  uchar* const pixels = image_.bits();
+  crew_.run(parts, [&](size_t part) {
+    QImage shared(pixels, image_.width(), image_.height(), image_.bytesPerLine(), image_.format());
+    const auto edge = [&](size_t at) { return static_cast<int>(image_.height() * at / parts); };
+    QPainter painter(&shared);
+    if (parts > 1) {
+      painter.setClipRect(0, edge(part), image_.width(), edge(part + 1) - edge(part));
+    }
+    paint(painter);
+  });
 }
 
 void Frame::shift(QPoint by, const Paint& paint) {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "host/graphics/viewstate.h"
+#include "host/window/crew.h"
 
 class QPainter;
 
@@ -25,8 +26,9 @@ class Frame {
   /// The content has changed: the next update draws everything.
   void invalidate() { stale_ = true; }
 
-  /// Brings the picture up to `view`; does nothing when it is up to date.
-  void update(const ViewState& view, const Paint& paint);
+  /// Brings the picture up to `view`; does nothing when it is up to date. With `atOnce` several
+  /// threads may call `paint` at the same time, each for a part of a large picture.
+  void update(const ViewState& view, const Paint& paint, bool atOnce = false);
 
   /// The picture, one pixel a device pixel; null before the first update.
   const QImage& image() const { return image_; }
@@ -34,11 +36,13 @@ class Frame {
 
  private:
   void shift(QPoint by, const Paint& paint);
+  void paintParts(size_t parts, const Paint& paint);
 
   QImage image_;
   QImage spare_;
   ViewState view_;
   bool stale_ = true;
+  Crew crew_;
 };
 
 }  // namespace tarn::host

@@ -16,21 +16,20 @@ constexpr int kWidth = 300;
 }  // namespace
 
 Guide::Guide(QWidget* parent, bool isNever, std::function<void(bool)> chosen)
-    : QDockWidget(parent), text_(new QLabel), never_(new QCheckBox) {
+    : QDockWidget(parent), text_(new QLabel), scroll_(new QScrollArea), never_(new QCheckBox) {
   setObjectName("guide");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   text_->setWordWrap(true);
   text_->setTextFormat(Qt::RichText);
   text_->setAlignment(Qt::AlignTop);
   text_->setMargin(10);
-  auto* scroll = new QScrollArea;
-  scroll->setWidget(text_);
-  scroll->setWidgetResizable(true);
-  scroll->setFrameShape(QFrame::NoFrame);
+  scroll_->setWidget(text_);
+  scroll_->setWidgetResizable(true);
+  scroll_->setFrameShape(QFrame::NoFrame);
   auto* content = new QWidget;
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins(0, 0, 0, 8);
-  column->addWidget(scroll, 1);
+  column->addWidget(scroll_, 1);
   auto* foot = new QHBoxLayout;
   foot->setContentsMargins(10, 0, 10, 0);
   never_->setChecked(isNever);
@@ -44,6 +43,7 @@ Guide::Guide(QWidget* parent, bool isNever, std::function<void(bool)> chosen)
 
 void Guide::speakAgain() {
   setWindowTitle(words("First steps"));
+  scroll_->setAccessibleName(windowTitle());
   never_->setText(words("Do not show this again"));
   const auto item = [](const char* text) {
     return "<li style='margin-bottom:8px'>" + words(text) + "</li>";

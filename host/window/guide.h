@@ -6,6 +6,7 @@
 
 class QCheckBox;
 class QLabel;
+class QScrollArea;
 
 namespace tarn::host {
 
@@ -17,6 +18,7 @@ class Guide final : public QDockWidget {
 
  private:
   QLabel* text_;  ///< these belong to the dock
+  QScrollArea* scroll_;
   QCheckBox* never_;
 };
 

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "host/window/appearance.h"
 #include "host/window/listingmap.h"
 #include "host/window/words.h"
 
@@ -51,6 +52,7 @@ QWidget* titled(const QString& title, QWidget* content) {
   auto* column = new QVBoxLayout(whole);
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(new QLabel(title));
+  content->setAccessibleName(title);
   column->addWidget(content, 1);
   return whole;
 }
@@ -101,10 +103,12 @@ QWidget* ListingDialog::makeImages() {
   search_ = new QLineEdit;
   search_->setObjectName("search");
   search_->setPlaceholderText(words("Search in this folder and below"));
+  search_->setAccessibleName(search_->placeholderText());
   search_->setClearButtonEnabled(true);
   connect(search_, &QLineEdit::textChanged, this, [this] { searchTimer_.start(); });
   images_ = new QTreeWidget;
   images_->setObjectName("images");
+  images_->setAccessibleName(words("Images"));
   images_->setRootIsDecorated(false);
   images_->setUniformRowHeights(true);
   images_->setHeaderLabels({words("Name"), words("Size"), words("Changed")});
@@ -310,7 +314,7 @@ void ListingDialog::showPreview() {
 }
 
 void ListingDialog::say(const std::string& text, bool isFault) {
-  remark_->setStyleSheet(isFault ? "color: #f08078" : "");
+  remark_->setStyleSheet(isFault ? "color: " + warningOn(palette()).name() : QString());
   remark_->setText(qt(text));
 }
 

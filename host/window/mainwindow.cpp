@@ -4,9 +4,11 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QSplitter>
 #include <QToolBar>
 #include <QUrl>
@@ -24,6 +26,7 @@
 #include "host/window/canvas.h"
 #include "host/window/canvasmenu.h"
 #include "host/window/commandline.h"
+#include "host/window/commandwords.h"
 #include "host/window/dialogs.h"
 #include "host/window/drawingtabs.h"
 #include "host/window/filefilters.h"
@@ -63,13 +66,14 @@ std::vector<Suggestion> suggestionsFor(const HostApp& app, const std::string& st
   std::vector<Suggestion> all;
   for (const Alias& one : aliases()) {
     if (equalsIgnoreCase(std::string_view(one.alias), start))
-      all.push_back({one.command, one.alias});
+      all.push_back({one.command, one.alias, {}});
   }
   const size_t byAlias = all.size();
   for (const std::string& name : app.commandsBeginningWith(start)) {
     const bool known = byAlias != 0 && equalsIgnoreCase(std::string_view(all[0].command), name);
-    if (!known) all.push_back({name, {}});
+    if (!known) all.push_back({name, {}, {}});
   }
+  for (Suggestion& one : all) one.meaning = meaningOf(one.command).toStdString();
   return all;
 }
 
@@ -100,6 +104,8 @@ MainWindow::MainWindow(HostApp& app, WindowFrontEnd& frontEnd, DialogBackend& di
                      [this](bool never) { settings_.setNumber("guideClosed", never ? 1 : 0); });
   addDockWidget(Qt::RightDockWidgetArea, guide_);
   guide_->hide();
+  ways_ =
+      std::make_unique<KeyboardWays>(*this, line_->input(), line_->history(), *drawings_, *sheets_);
   dialogs_.setParent(this);
   dialogs_.setAsking([this] { showState(); });
   dialogs_.windows()->attach(

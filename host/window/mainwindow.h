@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QMainWindow>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "host/window/keyboardways.h"
 #include "host/window/menus.h"
 #include "host/window/palettes.h"
 #include "host/window/session.h"
@@ -82,6 +84,7 @@ class MainWindow : public QMainWindow {
   DrawingTabs* drawings_ = nullptr;
   SheetTabs* sheets_ = nullptr;
   Guide* guide_ = nullptr;
+  std::unique_ptr<KeyboardWays> ways_;
 };
 
 }  // namespace tarn::host

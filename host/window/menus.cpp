@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <set>
 
 #include "base/text.h"
@@ -16,7 +17,7 @@ namespace tarn::host {
 
 namespace {
 
-enum Bar : size_t { kTools, kImages, kDraw, kModify, kBars, kNoBar };
+enum Bar : size_t { kTools, kImages, kDraw, kModify, kProgram, kBars, kNoBar };
 
 constexpr struct {
   const char* name;
@@ -27,6 +28,7 @@ constexpr struct {
     {"images", toSay("Images"), Qt::TopToolBarArea},
     {"draw", toSay("Draw"), Qt::LeftToolBarArea},
     {"modify", toSay("Modify"), Qt::LeftToolBarArea},
+    {"program", toSay("Program"), Qt::LeftToolBarArea},
 };
 
 }  // namespace
@@ -56,16 +58,17 @@ const std::vector<Menus::Table>& Menus::tables() {
         {toSay("&Save"), "SAVE", "save", "Ctrl+S", kTools},
         {toSay("Save &as..."), "SAVEAS", "saveas", "Ctrl+Shift+S", kTools},
         {toSay("&Close"), "CLOSE", "close", "Ctrl+W", kTools},
+        {toSay("Reco&ver copies"), "RECOVER", "recover", "", kProgram},
         {},
         {toSay("P&lot..."), "PLOT", "plot", "Ctrl+P", kTools},
         {toSay("Save &picture..."), "PNGOUT", "picture", "", kTools},
         {},
-        {toSay("&Quit"), nullptr, nullptr, "Ctrl+Q", kNoBar, false, &H::quit}}},
+        {toSay("&Quit"), nullptr, "quit", "Ctrl+Q", kProgram, false, &H::quit}}},
       {toSay("&Edit"),
        {{toSay("&Undo"), "U", "undo", "Ctrl+Z", kTools},
         {toSay("&Redo"), "REDO", "redo", "Ctrl+Y; Ctrl+Shift+Z", kTools},
-        {toSay("Undo se&veral..."), "UNDO"},
-        {toSay("Redo s&everal..."), "MREDO"},
+        {toSay("Undo se&veral..."), "UNDO", "undomore", "", kTools},
+        {toSay("Redo s&everal..."), "MREDO", "redomore", "", kTools},
         {},
         {toSay("&Copy"), "COPYCLIP", "copyclip", "Ctrl+C", kTools},
         {toSay("&Paste"), "PASTECLIP", "paste", "Ctrl+V", kTools}}},
@@ -76,7 +79,7 @@ const std::vector<Menus::Table>& Menus::tables() {
         {toSay("P&an"), "PAN", "pan", "", kTools, true},
         {toSay("&Twist"), "TWIST", "twist", "", kTools, true},
         {toSay("&North up"), "TWIST 0", "north", "", kTools, true},
-        {toSay("Turn by the &line of sight"), "DVIEW"},
+        {toSay("Turn by the &line of sight"), "DVIEW", "sight", "", kTools},
         {toSay("Named &views"), "VIEW", "views", "", kTools},
         {},
         {toSay("&Regenerate"), nullptr, "regen", "F5", kTools, false, &H::regenerate}}},
@@ -94,7 +97,7 @@ const std::vector<Menus::Table>& Menus::tables() {
          kImages},
         {},
         {toSay("Add &point cloud..."), "loadCloud", "cloud", "", kImages},
-        {toSay("Point cloud with p&osition..."), "-POINTCLOUDATTACH"}}},
+        {toSay("Point cloud with p&osition..."), "-POINTCLOUDATTACH", "cloudplace", "", kImages}}},
       {toSay("&Draw"),
        {{toSay("&Line"), "LINE", "line", "", kDraw},
         {toSay("&Polyline"), "PLINE", "pline", "", kDraw},
@@ -123,10 +126,10 @@ const std::vector<Menus::Table>& Menus::tables() {
         {toSay("&Coordinates of a point"), "ID", "id", "", kModify, true},
         {toSay("&What is this?"), "LIST", "list", "", kModify},
         {},
-        {toSay("Run a &script..."), "SCRIPT", "script"},
-        {toSay("&Load a module..."), "APPLOAD", "module"},
-        {toSay("Loaded &modules"), "ARX"},
-        {toSay("System &variables"), "SETVAR", nullptr, "", kNoBar, true}}},
+        {toSay("Run a &script..."), "SCRIPT", "script", "", kProgram},
+        {toSay("&Load a module..."), "APPLOAD", "module", "", kProgram},
+        {toSay("Loaded &modules"), "ARX", "modules", "", kProgram},
+        {toSay("System &variables"), "SETVAR", "variables", "", kProgram, true}}},
       {toSay("&Help"),
        {{toSay("&Commands"), "HELP", "help", "F1", kTools, true},
         {toSay("&First steps"), nullptr, nullptr, "", kNoBar, false, &H::guide},
@@ -219,6 +222,13 @@ void Menus::addRecent(QMenu& menu) {
 /// What modules have brought, and what stands in no menu otherwise.
 void Menus::addOthers(QMenu& menu) {
   QMenu* others = menu.addMenu(words("&Other commands"));
+  others->setIcon(makeIcon("more", window_.palette().color(QPalette::ButtonText)));
+  others->menuAction()->setToolTip(words("Other commands"));
+  bars_[kProgram]->addAction(others->menuAction());
+  if (auto* button =
+          qobject_cast<QToolButton*>(bars_[kProgram]->widgetForAction(others->menuAction()))) {
+    button->setPopupMode(QToolButton::InstantPopup);
+  }
   QObject::connect(others, &QMenu::aboutToShow, others, [this, others] {
     // Parts of the mouse and of scripts, no commands of a user's.
     std::set<std::string> known = {"grip_stretch", "uiclick", "addimage", "regen", "quit"};

@@ -21,13 +21,16 @@
 #include "host/editor/viewnames.h"
 #include "host/plot/paper.h"
 #include "host/ui/uibackend.h"
+#include "host/window/appearance.h"
+#include "host/window/hostwords.h"
+#include "host/window/labels.h"
 #include "host/window/plotpreview.h"
+#include "host/window/words.h"
 
 namespace tarn::host {
 
 namespace {
 
-constexpr const char* kCustom = "Custom";
 constexpr double kMillimetresPerInch = 25.4;
 constexpr double kMillimetresPerMetre = 1000;
 
@@ -36,9 +39,9 @@ struct Choice {
   int value;
 };
 constexpr Choice kAreas[] = {
-    {"Display", AcDbPlotSettings::kDisplay}, {"Extents", AcDbPlotSettings::kExtents},
-    {"Limits", AcDbPlotSettings::kLimits},   {"Named view", AcDbPlotSettings::kView},
-    {"Window", AcDbPlotSettings::kWindow},   {"Layout", AcDbPlotSettings::kLayout},
+    {toSay("Display"), AcDbPlotSettings::kDisplay}, {toSay("Extents"), AcDbPlotSettings::kExtents},
+    {toSay("Limits"), AcDbPlotSettings::kLimits},   {toSay("Named view"), AcDbPlotSettings::kView},
+    {toSay("Window"), AcDbPlotSettings::kWindow},   {toSay("Layout"), AcDbPlotSettings::kLayout},
 };
 constexpr const char* kScales[] = {"1=1",       "1000=100",  "1000=200", "1000=500",
                                    "1000=1000", "1000=2000", "1000=5000"};
@@ -46,7 +49,7 @@ constexpr const char* kScales[] = {"1=1",       "1000=100",  "1000=200", "1000=5
 QComboBox* comboOf(const std::vector<Choice>& choices, const char* name) {
   auto* combo = new QComboBox;
   combo->setObjectName(name);
-  for (const Choice& choice : choices) combo->addItem(choice.text, choice.value);
+  for (const Choice& choice : choices) combo->addItem(words(choice.text), choice.value);
   return combo;
 }
 
@@ -79,7 +82,7 @@ QWidget* row(std::initializer_list<QWidget*> widgets) {
 PlotDialog::PlotDialog(QWidget* parent, HostApp& app, PlotJob& job)
     : QDialog(parent), app_(app), job_(job), edited_(job) {
   setObjectName("plotDialog");
-  setWindowTitle("Plot");
+  setWindowTitle(words("Plot"));
   layout_ = new QComboBox;
   layout_->setObjectName("layout");
   AcDbDatabase& database = *app_.documents().current().database();
@@ -88,7 +91,7 @@ PlotDialog::PlotDialog(QWidget* parent, HostApp& app, PlotJob& job)
   }
   auto* fields = new QVBoxLayout;
   auto* top = new QFormLayout;
-  top->addRow("&Layout", layout_);
+  top->addRow(words("&Layout"), layout_);
   fields->addLayout(top);
   for (QWidget* group : {areaGroup(), paperGroup(), scaleGroup(), outputGroup()}) {
     fields->addWidget(group);
@@ -99,10 +102,10 @@ PlotDialog::PlotDialog(QWidget* parent, HostApp& app, PlotJob& job)
   message_->setWordWrap(true);
   message_->setMinimumHeight(4 * message_->fontMetrics().lineSpacing());
   message_->setAlignment(Qt::AlignTop);
-  keeps_ = new QCheckBox("Sa&ve these settings with the layout");
+  keeps_ = new QCheckBox(words("Sa&ve these settings with the layout"));
   keeps_->setObjectName("keeps");
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-  plot_ = buttons->addButton("&Plot", QDialogButtonBox::AcceptRole);
+  plot_ = buttons->addButton(words("&Plot"), QDialogButtonBox::AcceptRole);
   plot_->setObjectName("plot");
   plot_->setDefault(true);
   connect(buttons, &QDialogButtonBox::accepted, this, [this] { plot(); });
@@ -116,6 +119,11 @@ PlotDialog::PlotDialog(QWidget* parent, HostApp& app, PlotJob& job)
   auto* halves = new QHBoxLayout(this);
   halves->addLayout(fields);
   halves->addLayout(right);
+  width_->setAccessibleName(words("Width"));
+  height_->setAccessibleName(words("Height"));
+  offsetX_->setAccessibleName(words("Offset x"));
+  offsetY_->setAccessibleName(words("Offset y"));
+  tieLabels(*this);
   fillViews();
   showJob();
   connectAll();
@@ -126,14 +134,14 @@ QWidget* PlotDialog::areaGroup() {
   area_->setObjectName("area");
   view_ = new QComboBox;
   view_->setObjectName("view");
-  viewLabel_ = new QLabel("View &name");
+  viewLabel_ = new QLabel(words("View &name"));
   viewLabel_->setBuddy(view_);
-  pick_ = new QPushButton("P&ick window");
+  pick_ = new QPushButton(words("P&ick window"));
   pick_->setObjectName("pick");
   pick_->setAutoDefault(false);
-  auto* group = new QGroupBox("Area");
+  auto* group = new QGroupBox(words("Area"));
   auto* form = new QFormLayout(group);
-  form->addRow("Wh&at is plotted", row({area_, pick_}));
+  form->addRow(words("Wh&at is plotted"), row({area_, pick_}));
   form->addRow(viewLabel_, view_);
   return group;
 }
@@ -142,45 +150,47 @@ QWidget* PlotDialog::paperGroup() {
   paper_ = new QComboBox;
   paper_->setObjectName("paper");
   for (const std::string& name : paperNames()) paper_->addItem(QString::fromStdString(name));
-  paper_->addItem(kCustom);
+  paper_->addItem(words("Custom"));
   width_ = millimetres(kLeastPaperSide, kMostPaperSide, "width");
   height_ = millimetres(kLeastPaperSide, kMostPaperSide, "height");
-  orientation_ = comboOf({{"Portrait", 0}, {"Landscape", 1}}, "orientation");
+  orientation_ = comboOf({{toSay("Portrait"), 0}, {toSay("Landscape"), 1}}, "orientation");
   rotation_ = comboOf({{"0°", 0}, {"90°", 1}, {"180°", 2}, {"270°", 3}}, "rotation");
-  auto* group = new QGroupBox("Paper");
+  auto* group = new QGroupBox(words("Paper"));
   auto* form = new QFormLayout(group);
-  form->addRow("&Size", row({paper_, orientation_}));
-  form->addRow("&Width × height", row({width_, height_}));
-  form->addRow("&Rotation of the drawing", rotation_);
+  form->addRow(words("&Size"), row({paper_, orientation_}));
+  form->addRow(words("&Width × height"), row({width_, height_}));
+  form->addRow(words("&Rotation of the drawing"), rotation_);
   return group;
 }
 
 QWidget* PlotDialog::scaleGroup() {
-  fit_ = new QCheckBox("&Fit to the paper");
+  fit_ = new QCheckBox(words("&Fit to the paper"));
   fit_->setObjectName("fit");
   scale_ = new QComboBox;
   scale_->setObjectName("scale");
   scale_->setEditable(true);
   scale_->setInsertPolicy(QComboBox::NoInsert);
-  scale_->setToolTip("Paper units = drawing units; for metres on millimetres 1000=500 is 1:500");
+  scale_->setToolTip(
+      words("Paper units = drawing units; for metres on millimetres 1000=500 is 1:500"));
   for (const char* scale : kScales) scale_->addItem(scale);
-  units_ = comboOf({{"mm", AcDbPlotSettings::kMillimeters}, {"inches", AcDbPlotSettings::kInches}},
-                   "units");
-  centered_ = new QCheckBox("&Centre on the paper");
+  units_ = comboOf(
+      {{"mm", AcDbPlotSettings::kMillimeters}, {toSay("inches"), AcDbPlotSettings::kInches}},
+      "units");
+  centered_ = new QCheckBox(words("&Centre on the paper"));
   centered_->setObjectName("centered");
   offsetX_ = millimetres(-kMostPaperSide, kMostPaperSide, "offsetX");
   offsetY_ = millimetres(-kMostPaperSide, kMostPaperSide, "offsetY");
-  auto* group = new QGroupBox("Scale and place");
+  auto* group = new QGroupBox(words("Scale and place"));
   auto* form = new QFormLayout(group);
   form->addRow(row({fit_, centered_}));
-  form->addRow("Paper = &drawing units", row({scale_, units_}));
-  form->addRow("&Offset x, y", row({offsetX_, offsetY_}));
+  form->addRow(words("Paper = &drawing units"), row({scale_, units_}));
+  form->addRow(words("&Offset x, y"), row({offsetX_, offsetY_}));
   return group;
 }
 
 QWidget* PlotDialog::outputGroup() {
-  device_ = comboOf({{"PDF (lines stay lines)", static_cast<int>(PlotDevice::kPdf)},
-                     {"PNG picture", static_cast<int>(PlotDevice::kPng)}},
+  device_ = comboOf({{toSay("PDF (lines stay lines)"), static_cast<int>(PlotDevice::kPdf)},
+                     {toSay("PNG picture"), static_cast<int>(PlotDevice::kPng)}},
                     "device");
   dpi_ = new QSpinBox;
   dpi_->setObjectName("dpi");
@@ -188,13 +198,13 @@ QWidget* PlotDialog::outputGroup() {
   dpi_->setSuffix(" dpi");
   file_ = new QLineEdit;
   file_->setObjectName("file");
-  auto* browse = new QPushButton("&Browse...");
+  auto* browse = new QPushButton(words("&Browse..."));
   browse->setAutoDefault(false);
   connect(browse, &QPushButton::clicked, this, [this] { this->browse(); });
-  auto* group = new QGroupBox("Output");
+  auto* group = new QGroupBox(words("Output"));
   auto* form = new QFormLayout(group);
-  form->addRow("For&mat", row({device_, dpi_}));
-  form->addRow("Fil&e", row({file_, browse}));
+  form->addRow(words("For&mat"), row({device_, dpi_}));
+  form->addRow(words("Fil&e"), row({file_, browse}));
   return group;
 }
 
@@ -230,7 +240,7 @@ void PlotDialog::showJob() {
     const bool sheetOnly = area.value == AcDbPlotSettings::kLayout;
     const bool needsView = area.value == AcDbPlotSettings::kView;
     if (!(sheetOnly && edited_.layout.isModel) && !(needsView && view_->count() == 0)) {
-      area_->addItem(area.text, area.value);
+      area_->addItem(words(area.text), area.value);
     }
   }
   select(*area_, s.type);
@@ -256,9 +266,14 @@ void PlotDialog::showJob() {
   changed();
 }
 
+/// The last entry.
+bool PlotDialog::isCustomPaper() const {
+  return paper_->currentIndex() == paper_->count() - 1;
+}
+
 void PlotDialog::readPaper() {
   PlotData& s = edited_.settings;
-  if (paper_->currentText() == kCustom) {
+  if (isCustomPaper()) {
     setPaper(s, formatDouble(width_->value()) + "x" + formatDouble(height_->value()));
   } else {
     setPaper(s, paper_->currentText().toStdString());
@@ -292,7 +307,7 @@ void PlotDialog::changed() {
   std::string fault = readFields();
   const PlotData& s = edited_.settings;
   showing_ = true;
-  const bool custom = paper_->currentText() == kCustom;
+  const bool custom = isCustomPaper();
   if (!custom) {
     width_->setValue(s.width);
     height_->setValue(s.height);
@@ -312,19 +327,19 @@ void PlotDialog::changed() {
       app_.documents().current().space().tab().id == edited_.layout.id && !app_.inViewport();
   pick_->setVisible(s.type == AcDbPlotSettings::kWindow);
   pick_->setEnabled(shown);
-  pick_->setToolTip(shown ? "Two corners in the drawing"
-                          : "Only in the tab that is shown, outside its viewports");
+  pick_->setToolTip(shown ? words("Two corners in the drawing")
+                          : words("Only in the tab that is shown, outside its viewports"));
   const Result<PlotPlan> plan = planJob(app_, edited_);
   if (fault.empty() && !plan) fault = plan.message();
   plan ? preview_->show(app_, edited_, plan.value()) : preview_->clear();
-  message_->setText(fault.empty() ? summary(plan.value()) : QString::fromStdString(fault));
-  message_->setStyleSheet(fault.empty() ? "" : "color: #f0a070;");
+  message_->setText(fault.empty() ? summary(plan.value()) : hostWords(fault));
+  message_->setStyleSheet(fault.empty() ? QString() : "color: " + warningOn(palette()).name());
   plot_->setEnabled(fault.empty());
 }
 
 QString PlotDialog::summary(const PlotPlan& plan) const {
   const double millimetre = edited_.dpi / kMillimetresPerInch;
-  return QString(
+  return words(
              "%1 × %2 mm are plotted at %3 drawing units a millimetre (1 : %6 where they are "
              "metres).\nThe page has %4 × %5 pixels.")
       .arg(std::round(plan.clip.width() / millimetre * 10) / 10)

@@ -42,6 +42,7 @@ class PlotDialog : public QDialog {
   /// field that is wrong.
   std::string readFields();
   void readPaper();
+  bool isCustomPaper() const;
   void changed();
   void chooseLayout();
   void chooseDevice();

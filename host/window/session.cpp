@@ -208,7 +208,8 @@ void Session::runNext() {
 void Session::finish() {
   if (closeAsked_ || app_.quitRequested()) {
     closeAsked_ = true;
-    closeWindow_();
+    // A window that is just being asked whether it may close does not hear of it a second time.
+    closeTimer_.start(0);
     return;
   }
   frontEnd_.commandAwaited();

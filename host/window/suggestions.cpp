@@ -32,8 +32,9 @@ void Suggestions::offer(const std::vector<Suggestion>& all, const QWidget& line)
   setAccessibleName(words("Commands that begin so"));
   for (const Suggestion& one : all) {
     const QString command = QString::fromStdString(one.command);
-    const QString text =
+    QString text =
         one.alias.empty() ? command : QString::fromStdString(one.alias) + "   " + command;
+    if (!one.meaning.empty()) text += "  –  " + QString::fromStdString(one.meaning);
     auto* item = new QListWidgetItem(text, this);
     item->setData(Qt::UserRole, command);
   }
@@ -41,7 +42,7 @@ void Suggestions::offer(const std::vector<Suggestion>& all, const QWidget& line)
   const int rows = qMin(count(), kMostRows);
   const int width =
       sizeHintForColumn(0) + 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
-  resize(qMax(width, 160), rows * sizeHintForRow(0) + 2 * frameWidth());
+  resize(qBound(160, width, qMax(160, line.width())), rows * sizeHintForRow(0) + 2 * frameWidth());
   const QPoint foot = line.mapTo(parentWidget(), QPoint(0, 0));
   move(foot.x(), qMax(0, foot.y() - height()));
   setCurrentRow(-1);

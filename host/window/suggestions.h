@@ -13,6 +13,7 @@ namespace tarn::host {
 struct Suggestion {
   std::string command;
   std::string alias;
+  std::string meaning;  ///< in the window's language; empty when it is not known
 };
 
 class Suggestions final : public QListWidget {

@@ -17,6 +17,9 @@ constexpr std::uint32_t kLightGround = 0xffffff;
 /// The kinds that F3 switches on before any were chosen.
 constexpr int kUsualSnaps = kSnapEnd | kSnapMid | kSnapCenter | kSnapIntersection;
 
+/// All bits that kinds and their switch may have.
+constexpr int kEverySnap = 2 * kSnapsOff - 1;
+
 void setShort(HostApp& app, const char* name, int value) {
   app.variables().set(name, static_cast<short>(value));
 }
@@ -59,8 +62,9 @@ Switches::Switches(QWidget& window, HostApp& app, WindowSettings& settings, Hook
   });
   prepare(full_, Qt::Key_F11, hooks_.fullScreen);
   for (QAction* action : {snaps_, ortho_}) action->setCheckable(true);
-  setShort(app_, "OSMODE", settings_.number("snaps", kUsualSnaps | kSnapsOff));
-  setShort(app_, "ORTHOMODE", settings_.number("ortho", 0));
+  const int snaps = settings_.number("snaps", kUsualSnaps | kSnapsOff);
+  setShort(app_, "OSMODE", snaps >= 0 && snaps <= kEverySnap ? snaps : kUsualSnaps | kSnapsOff);
+  setShort(app_, "ORTHOMODE", settings_.number("ortho", 0) == 1 ? 1 : 0);
   app_.setBackground(settings_.lightDrawing() ? kLightGround : kDarkGround);
   follow();
 }

@@ -249,21 +249,19 @@ TEST_F(CommandTest, ClosingWhileACommandWaitsCancelsIt) {
       [&] { EXPECT_FALSE(window_->close()) << "the command is still on the stack"; },
   });
   EXPECT_FALSE(app_->commandActive());
-  EXPECT_FALSE(window_->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }));
 }
 
 TEST_F(CommandTest, ClosingWhileTheHostComputesStopsIt) {
   QTimer::singleShot(100, window_.get(), [this] { window_->close(); });
   enter("testlong");
-  wait(50);
-  EXPECT_FALSE(window_->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }));
   EXPECT_TRUE(history().contains("\nstopped"));
 }
 
 TEST_F(CommandTest, QuitClosesTheWindow) {
   enter("quit");
-  wait(20);
-  EXPECT_FALSE(window_->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }));
 }
 
 }  // namespace

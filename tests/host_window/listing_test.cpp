@@ -70,6 +70,7 @@ class ListingTest : public WindowTest {
 
 TEST_F(ListingTest, KeysFindAndTakeAnImage) {
   const auto chosen = choose([](QWidget& shown) {
+    expectNames(shown);
     search(shown, "EAST b");
     auto* images = shown.findChild<QTreeWidget*>("images");
     ASSERT_EQ(images->topLevelItemCount(), 1);

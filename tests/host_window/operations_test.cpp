@@ -34,13 +34,23 @@ TarnForm exampleForm() {
   TarnForm form;
   form.title = "Example";
   form.accept = "Go";
-  form.fields.resize(3);
+  form.fields.resize(6);
   form.fields[0].kind = TarnFormField::Kind::kFiles;
   form.fields[0].values = {"/data/a.tif"};
   form.fields[1].kind = TarnFormField::Kind::kChoice;
   form.fields[1].choices = {"one", "two"};
   form.fields[1].value = "0";
   form.fields[2].kind = TarnFormField::Kind::kText;
+  form.fields[2].label = "Text";
+  form.fields[0].label = "Files";
+  form.fields[1].label = "Choice";
+  form.fields[3].kind = TarnFormField::Kind::kFolder;
+  form.fields[3].label = "Folder";
+  form.fields[4].kind = TarnFormField::Kind::kTable;
+  form.fields[4].label = "Table";
+  form.fields[4].choices = {"a", "b"};
+  form.fields[5].kind = TarnFormField::Kind::kNumber;
+  form.fields[5].label = "Number";
   form.check = [](const std::vector<TarnFormField>& fields) {
     return fields[2].value.empty() ? std::string("A text is needed.") : std::string();
   };
@@ -59,6 +69,7 @@ TEST_F(OperationTest, AFormIsAcceptedOnlyWhenItsAnswersDo) {
           ASSERT_NE(dialog, nullptr);
           auto* go = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
           EXPECT_EQ(go->text(), "Go");
+          expectNames(*dialog);
           EXPECT_TRUE(state().startsWith("Waiting for your choice")) << state().toStdString();
           QTest::mouseClick(go, Qt::LeftButton);
           reason = dialog->findChild<QLabel*>("reason")->text();

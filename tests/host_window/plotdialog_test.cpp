@@ -93,6 +93,7 @@ TEST_F(PlotDialogTest, PlotsWhatItShowsWithoutDrawingTheScreen) {
       [&] { QTest::keyClick(window_->windowHandle(), Qt::Key_P, Qt::ControlModifier); },
       [&] {
         EXPECT_EQ(app_->commandNames(), "PLOT");
+        expectNames(dialog());
         chooseSmallPage();
         choose("area", "Extents");
         EXPECT_TRUE(field<QCheckBox>("fit").isChecked());

@@ -12,8 +12,6 @@
 #include <QToolBar>
 #include <set>
 
-#include "accmd.h"
-#include "base/text.h"
 #include "host/editor/documents.h"
 #include "host/editor/sysvars.h"
 #include "host/ui/menumodel.h"
@@ -28,49 +26,18 @@ namespace {
 
 class AroundTest : public WindowTest {
  protected:
-  /// All entries below, with menus that fill themselves when they open.
-  static void collect(QMenu& menu, std::vector<QAction*>& into) {
-    emit menu.aboutToShow();
-    for (QAction* action : menu.actions()) {
-      if (action->menu() != nullptr) collect(*action->menu(), into);
-      into.push_back(action);
-    }
-  }
-  std::vector<QAction*> entries() const {
-    std::vector<QAction*> all;
-    for (QAction* top : window_->menuBar()->actions()) collect(*top->menu(), all);
-    return all;
-  }
   QString title(int menu) const { return window_->menuBar()->actions()[menu]->text(); }
 };
 
-TEST_F(AroundTest, EveryCommandStandsInAMenu) {
-  std::set<std::string> offered;
-  for (const QAction* action : entries()) {
-    for (const QString& text : {action->toolTip().section('\n', -1), action->text()}) {
-      offered.insert(toLower(text.section(' ', 0, 0).toStdString()));
-    }
-  }
-  // Entries of their own, and parts of the mouse and of scripts.
-  for (const char* name : {"addimage", "regen", "quit", "grip_stretch", "uiclick"}) {
-    offered.insert(name);
-  }
-  for (const std::string& name : app_->commandsBeginningWith("")) {
-    EXPECT_EQ(offered.count(toLower(name)), 1U) << name;
-  }
-}
-
-TEST_F(AroundTest, ToolBarsHaveAnIconAndATipForEachEntry) {
-  int count = 0;
+TEST_F(AroundTest, EveryEntryOfABarHasAnIcon) {
+  EXPECT_GT(window_->findChildren<QToolBar*>().size(), 4);
   for (const QToolBar* bar : window_->findChildren<QToolBar*>()) {
     for (const QAction* action : bar->actions()) {
       if (action->isSeparator()) continue;
-      ++count;
       EXPECT_FALSE(action->icon().isNull()) << action->text().toStdString();
       EXPECT_FALSE(action->toolTip().isEmpty());
     }
   }
-  EXPECT_GT(count, 40);
   EXPECT_TRUE(host::makeIcon("no such drawing", Qt::black).isNull());
 }
 
@@ -137,9 +104,9 @@ TEST_F(AroundTest, CommandsAreOfferedWhileTheirNameIsTyped) {
   auto* list = window_->findChild<QListWidget*>("suggestions");
   ASSERT_NE(list, nullptr);
   EXPECT_TRUE(list->isVisible());
-  EXPECT_EQ(list->item(0)->text(), "L   LINE");
+  EXPECT_EQ(list->item(0)->text(), "L   LINE  –  draw straight lines");
   QStringList texts;
-  for (int i = 0; i < list->count(); ++i) texts << list->item(i)->text();
+  for (int i = 0; i < list->count(); ++i) texts << list->item(i)->text().section(' ', 0, 0);
   EXPECT_TRUE(texts.contains("LAYER")) << texts.join(' ').toStdString();
   QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                     list->visualItemRect(list->item(texts.indexOf("LIST"))).center());
@@ -201,6 +168,7 @@ TEST(Colours, EveryTextCanBeRead) {
       EXPECT_GE(host::contrast(palette.color(text), palette.color(ground)), 4.5)
           << static_cast<int>(appearance) << ": " << text << " on " << ground;
     }
+    EXPECT_GE(host::contrast(host::warningOn(palette), palette.color(P::Window)), 4.5);
   }
 }
 

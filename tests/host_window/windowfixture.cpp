@@ -1,8 +1,14 @@
 #include "tests/host_window/windowfixture.h"
 
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QAccessible>
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMouseEvent>
+#include <QTabBar>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -39,6 +45,33 @@ void watch(const MSG* message) {
 }
 
 }  // namespace
+
+void expectNames(const QWidget& whole) {
+  int count = 0;
+  for (QWidget* part : whole.findChildren<QWidget*>()) {
+    const bool isButton = qobject_cast<QAbstractButton*>(part) != nullptr;
+    if (part->focusPolicy() == Qt::NoFocus && !isButton) continue;
+    // The toolkit's own parts of a field speak through the field.
+    if (part->objectName().startsWith("qt_") || part->inherits("QComboBoxListView") ||
+        part->inherits("QTableCornerButton")) {
+      continue;
+    }
+    const QWidget* parent = part->parentWidget();
+    if (qobject_cast<const QComboBox*>(parent) || qobject_cast<const QAbstractSpinBox*>(parent) ||
+        qobject_cast<const QLineEdit*>(parent) || qobject_cast<const QTabBar*>(parent)) {
+      continue;
+    }
+    ++count;
+    QAccessibleInterface* heard = QAccessible::queryAccessibleInterface(part);
+    ASSERT_NE(heard, nullptr);
+    const QString name = heard->text(QAccessible::Name);
+    EXPECT_FALSE(name.isEmpty()) << part->metaObject()->className() << " \""
+                                 << part->objectName().toStdString() << "\" in "
+                                 << parent->metaObject()->className() << " \""
+                                 << parent->objectName().toStdString() << "\"";
+  }
+  EXPECT_GT(count, 1);
+}
 
 std::vector<Seen>& WindowTest::seen() {
   return seenMessages();

@@ -26,6 +26,9 @@ struct Seen {
   long wheel = 0;
 };
 
+/// Everything inside that takes the keyboard or can be pressed has a name for screen readers.
+void expectNames(const QWidget& whole);
+
 class WindowTest : public testing::Test {
  protected:
   void SetUp() override;

@@ -67,6 +67,13 @@ def keep(desk):
     save(desk)
     check(sorted(entity.dxftype() for entity in content(drawing).modelspace()) == ["CADIMAGE", "CIRCLE", "LINE"], "all is back")
     desk.shot("recovered")
+
+    # Changes that are discarded at the end go, and so does the window.
+    kept = open(drawing, "rb").read()
+    desk.enter("CIRCLE 50,5 2")
     desk.key("ctrl+q")
+    desk.run(["xdotool", "windowactivate", "--sync", dialog(desk, "Tarn Image")])
+    desk.key("alt+d")
     check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
     check(not copies(), f"copies are left: {copies()}")
+    check(open(drawing, "rb").read() == kept, "discarded changes were saved")

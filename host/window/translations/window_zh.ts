@@ -292,5 +292,139 @@
     <message><source>Add files</source><translation>添加文件</translation></message>
     <message><source>Add folder</source><translation>添加文件夹</translation></message>
     <message><source>Folder</source><translation>文件夹</translation></message>
+    <message><source>&quot;%1&quot;: two servers have this name.</source><translation>“%1”：有两个服务器使用此名称。</translation></message>
+    <message><source>%1 Save it as a drawing of R2000?</source><translation>%1 另存为 R2000 图形吗？</translation></message>
+    <message><source>%1 exists. Replace it?</source><translation>%1 已存在。要替换吗？</translation></message>
+    <message><source>%1 has changes that are not saved.</source><translation>%1 有未保存的更改。</translation></message>
+    <message><source>%1 was changed by another program since it was opened. Replace it?</source><translation>%1 打开后被其他程序修改过。要替换吗？</translation></message>
+    <message><source>%1: a folder's names hold no &quot;:&quot;, &quot;.&quot; or &quot;..&quot;.</source><translation>%1：文件夹名称中不能有“:”、“.”或“..”。</translation></message>
+    <message><source>%1: a port is a number from 1 to 65535.</source><translation>%1：端口是 1 到 65535 之间的数字。</translation></message>
+    <message><source>%1: only http and https are possible.</source><translation>%1：只能使用 http 和 https。</translation></message>
+    <message><source>%1: port 443 is for https only.</source><translation>%1：443 端口仅用于 https。</translation></message>
+    <message><source>%1: there is no such file of certificates.</source><translation>%1：没有这个证书文件。</translation></message>
+    <message><source>%1: this is no HOST or HOST:PORT.</source><translation>%1：这不是“主机”或“主机:端口”。</translation></message>
+    <message><source>&amp;Browse...</source><translation>浏览(&amp;B)...</translation></message>
+    <message><source>&amp;Centre on the paper</source><translation>居中打印(&amp;C)</translation></message>
+    <message><source>&amp;Fit to the paper</source><translation>布满图纸(&amp;F)</translation></message>
+    <message><source>&amp;Layout</source><translation>布局(&amp;L)</translation></message>
+    <message><source>&amp;Offset x, y</source><translation>偏移 x、y(&amp;O)</translation></message>
+    <message><source>&amp;Plot</source><translation>打印(&amp;P)</translation></message>
+    <message><source>&amp;Rotation of the drawing</source><translation>图形旋转(&amp;R)</translation></message>
+    <message><source>&amp;Size</source><translation>大小(&amp;S)</translation></message>
+    <message><source>&amp;Width × height</source><translation>宽 × 高(&amp;W)</translation></message>
+    <message><source>A server's name, address and file hold no control characters.</source><translation>服务器的名称、地址和文件中不能有控制字符。</translation></message>
+    <message><source>A user name or password does not belong into the address of a server.</source><translation>服务器地址中不能写用户名或密码。</translation></message>
+    <message><source>Address</source><translation>地址</translation></message>
+    <message><source>Area</source><translation>范围</translation></message>
+    <message><source>Custom</source><translation>自定义</translation></message>
+    <message><source>Display</source><translation>显示</translation></message>
+    <message><source>Extents</source><translation>范围（全部）</translation></message>
+    <message><source>Fil&amp;e</source><translation>文件(&amp;E)</translation></message>
+    <message><source>File of certificates</source><translation>证书文件</translation></message>
+    <message><source>Image server</source><translation>影像服务器</translation></message>
+    <message><source>Image servers</source><translation>影像服务器</translation></message>
+    <message><source>Image servers: saved.</source><translation>影像服务器：已保存。</translation></message>
+    <message><source>Images are loaded from</source><translation>影像来源</translation></message>
+    <message><source>Landscape</source><translation>横向</translation></message>
+    <message><source>Later</source><translation>以后</translation></message>
+    <message><source>Layout</source><translation>布局</translation></message>
+    <message><source>Limits</source><translation>图形界限</translation></message>
+    <message><source>Local files</source><translation>本地文件</translation></message>
+    <message><source>Named view</source><translation>命名视图</translation></message>
+    <message><source>Offset x</source><translation>偏移 x</translation></message>
+    <message><source>Offset y</source><translation>偏移 y</translation></message>
+    <message><source>Only in the tab that is shown, outside its viewports</source><translation>只能在当前显示的标签页中、视口之外选取</translation></message>
+    <message><source>Other commands</source><translation>其他命令</translation></message>
+    <message><source>Output</source><translation>输出</translation></message>
+    <message><source>P&amp;ick window</source><translation>选取窗口(&amp;I)</translation></message>
+    <message><source>PDF (lines stay lines)</source><translation>PDF（线条保持矢量）</translation></message>
+    <message><source>PNG picture</source><translation>PNG 图片</translation></message>
+    <message><source>Paper</source><translation>图纸</translation></message>
+    <message><source>Paper = &amp;drawing units</source><translation>图纸 = 图形单位(&amp;D)</translation></message>
+    <message><source>Paper units = drawing units; for metres on millimetres 1000=500 is 1:500</source><translation>图纸单位 = 图形单位；图形以米、图纸以毫米计时，1000=500 即 1:500</translation></message>
+    <message><source>Plot</source><translation>打印</translation></message>
+    <message><source>Plot to</source><translation>打印到</translation></message>
+    <message><source>Portrait</source><translation>纵向</translation></message>
+    <message><source>Program</source><translation>程序</translation></message>
+    <message><source>Reco&amp;ver copies</source><translation>恢复自动副本(&amp;V)</translation></message>
+    <message><source>Scale and place</source><translation>比例和位置</translation></message>
+    <message><source>Servers (a name and password are taken from the environment or a netrc file)</source><translation>服务器（用户名和密码取自环境变量或 netrc 文件）</translation></message>
+    <message><source>The address of a server is missing.</source><translation>缺少服务器地址。</translation></message>
+    <message><source>The program ended before changes of %1 were saved; there are automatic copies.</source><translation>程序在保存 %1 的更改之前结束；有自动副本。</translation></message>
+    <message><source>The program ended before changes of %1 were saved; there is an automatic copy.</source><translation>程序在保存 %1 的更改之前结束；有一个自动副本。</translation></message>
+    <message><source>To load images from a server, add one to the list.</source><translation>要从服务器加载影像，请在列表中添加一个服务器。</translation></message>
+    <message><source>Two corners in the drawing</source><translation>在图形中指定两个角点</translation></message>
+    <message><source>View &amp;name</source><translation>视图名称(&amp;N)</translation></message>
+    <message><source>Wh&amp;at is plotted</source><translation>打印范围(&amp;A)</translation></message>
+    <message><source>Width</source><translation>宽</translation></message>
+    <message><source>Window</source><translation>窗口</translation></message>
+    <message><source>The plot needs a file name.</source><translation>打印需要文件名。</translation></message>
+    <message><source>There is nothing to plot: draw something first, or choose another area.</source><translation>没有可打印的内容：请先绘图，或选择其他范围。</translation></message>
+    <message><source>The area to plot is empty: choose another one.</source><translation>打印范围为空：请选择其他范围。</translation></message>
+    <message><source>The area to plot falls outside the paper: centre it, or choose another scale.</source><translation>打印范围落在图纸之外：请居中，或选择其他比例。</translation></message>
+    <message><source>%1 is no scale: two numbers above zero as 1=500, or Fit.</source><translation>%1 不是比例：请输入两个大于零的数，如 1=500，或 Fit。</translation></message>
+    <message><source>add a point cloud</source><translation>添加点云</translation></message>
+    <message><source>add a point cloud at a position, scaled and turned</source><translation>按位置、比例和旋转添加点云</translation></message>
+    <message><source>add images to the drawing</source><translation>向图形添加影像</translation></message>
+    <message><source>begin a drawing</source><translation>新建图形</translation></message>
+    <message><source>bring back what was erased last</source><translation>恢复最近删除的对象</translation></message>
+    <message><source>choose image servers</source><translation>选择影像服务器</translation></message>
+    <message><source>close this drawing</source><translation>关闭当前图形</translation></message>
+    <message><source>convert image files to GeoTIFF, IMG or JPEG</source><translation>将影像文件转换为 GeoTIFF、IMG 或 JPEG</translation></message>
+    <message><source>copy entities beside themselves</source><translation>在旁边复制对象</translation></message>
+    <message><source>copy entities for another drawing</source><translation>复制对象到剪贴板</translation></message>
+    <message><source>draw a circle</source><translation>画圆</translation></message>
+    <message><source>draw a polyline of lines and arcs</source><translation>画由直线和圆弧组成的多段线</translation></message>
+    <message><source>draw everything anew</source><translation>重新生成全部</translation></message>
+    <message><source>draw straight lines</source><translation>画直线</translation></message>
+    <message><source>end the program</source><translation>退出程序</translation></message>
+    <message><source>fetch more of the images around the view</source><translation>多读取视图周围的影像</translation></message>
+    <message><source>inches</source><translation>英寸</translation></message>
+    <message><source>list all commands</source><translation>列出全部命令</translation></message>
+    <message><source>list, load and unload modules</source><translation>列出、加载和卸载模块</translation></message>
+    <message><source>load a module</source><translation>加载模块</translation></message>
+    <message><source>make a viewport on a sheet</source><translation>在布局上建立视口</translation></message>
+    <message><source>make and set layers</source><translation>建立和设置图层</translation></message>
+    <message><source>make entities larger or smaller</source><translation>缩放对象</translation></message>
+    <message><source>make, rename, delete and show sheets</source><translation>建立、重命名、删除和显示布局</translation></message>
+    <message><source>measure distance and angle between two points</source><translation>测量两点间的距离和角度</translation></message>
+    <message><source>move entities</source><translation>移动对象</translation></message>
+    <message><source>move the view</source><translation>平移视图</translation></message>
+    <message><source>open a drawing</source><translation>打开图形</translation></message>
+    <message><source>open automatic copies after a crash</source><translation>程序意外结束后打开自动副本</translation></message>
+    <message><source>paste what was copied</source><translation>粘贴</translation></message>
+    <message><source>plot to a PDF or PNG file</source><translation>打印到 PDF 或 PNG 文件</translation></message>
+    <message><source>put an image into its place by control points</source><translation>用控制点纠正影像</translation></message>
+    <message><source>redo one step</source><translation>重做一步</translation></message>
+    <message><source>redo several steps</source><translation>重做多步</translation></message>
+    <message><source>remove entities</source><translation>删除对象</translation></message>
+    <message><source>remove image entities that have lost their image</source><translation>删除丢失影像的影像实体</translation></message>
+    <message><source>run the lines of a file</source><translation>运行脚本文件</translation></message>
+    <message><source>save the view as a picture</source><translation>将视图保存为图片</translation></message>
+    <message><source>save this drawing</source><translation>保存当前图形</translation></message>
+    <message><source>save under another name or version</source><translation>以其他名称或版本保存</translation></message>
+    <message><source>save, restore and delete named views</source><translation>保存、恢复和删除命名视图</translation></message>
+    <message><source>show and set system variables</source><translation>显示和设置系统变量</translation></message>
+    <message><source>show images coarser and faster, or finer</source><translation>以较粗（快）或较细的分辨率显示影像</translation></message>
+    <message><source>show more, or less and larger</source><translation>缩放视图</translation></message>
+    <message><source>show the coordinates of a point</source><translation>显示点的坐标</translation></message>
+    <message><source>show the list of images</source><translation>显示影像列表</translation></message>
+    <message><source>show what entities are</source><translation>显示对象信息</translation></message>
+    <message><source>turn entities</source><translation>旋转对象</translation></message>
+    <message><source>turn the view</source><translation>旋转视图</translation></message>
+    <message><source>turn the view by the line of sight</source><translation>按视线旋转视图</translation></message>
+    <message><source>undo one step</source><translation>撤销一步</translation></message>
+    <message><source>undo several steps</source><translation>撤销多步</translation></message>
+    <message><source>work in the model inside a viewport</source><translation>在视口中的模型里工作</translation></message>
+    <message><source>work on the sheet</source><translation>在布局上工作</translation></message>
+    <message><source>write a line of text</source><translation>写一行文字</translation></message>
+    <message><source>%1 × %2 mm are plotted at %3 drawing units a millimetre (1 : %6 where they are metres).
+The page has %4 × %5 pixels.</source><translation>打印 %1 × %2 毫米，每毫米 %3 个图形单位（图形以米计时为 1 : %6）。
+页面为 %4 × %5 像素。</translation></message>
+    <message><source>Sa&amp;ve these settings with the layout</source><translation>将这些设置保存到布局(&amp;V)</translation></message>
+    <message><source>For&amp;mat</source><translation>格式(&amp;M)</translation></message>
+    <message><source>draw entities over all others</source><translation>将对象置于最前</translation></message>
+    <message><source>draw entities over or under others</source><translation>将对象置于其他对象之上或之下</translation></message>
+    <message><source>draw entities under all others</source><translation>将对象置于最后</translation></message>
 </context>
 </TS>
