@@ -113,7 +113,7 @@ const std::vector<Menus::Table>& Menus::tables() {
         {},
         {toSay("To the &front"), "BRINGTOFRONT", "tofront", "", kModify},
         {toSay("To the bac&k"), "SENDTOBACK", "toback", "", kModify},
-        {toSay("&Above or under others"), "DRAWORDER"},
+        {toSay("&Above or under others"), "DRAWORDER", "draworder", "", kModify},
         {},
         {toSay("&Layers by prompts"), "LAYER", "layers", "", kModify}}},
       {toSay("&Sheet"),

@@ -66,11 +66,8 @@ void select(QComboBox& combo, int value) {
   combo.setCurrentIndex(std::max(0, combo.findData(value)));
 }
 
-/// The key of the row's label goes to its first widget.
 QWidget* row(std::initializer_list<QWidget*> widgets) {
   auto* whole = new QWidget;
-  whole->setFocusPolicy(Qt::ClickFocus);
-  whole->setFocusProxy(*widgets.begin());
   auto* layout = new QHBoxLayout(whole);
   layout->setContentsMargins(0, 0, 0, 0);
   for (QWidget* widget : widgets) layout->addWidget(widget);
