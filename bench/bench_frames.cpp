@@ -32,6 +32,8 @@ using tarn::bench::Took;
 using tarn::bench::Watch;
 using tarn::host::Canvas;
 
+constexpr double kOneOfSixty = 1000.0 / 60;  ///< milliseconds
+
 void show(Canvas& canvas) {
   canvas.repaint();
   QGuiApplication::sync();
@@ -48,7 +50,11 @@ void reportOne(const char* name, std::vector<Took> frames, double Took::*which) 
 void report(const char* name, const std::vector<Took>& frames) {
   reportOne(name, frames, &Took::passed);
   reportOne("; processor", frames, &Took::worked);
-  std::printf(" (%zu frames)\n", frames.size());
+  const auto inTime = std::count_if(frames.begin(), frames.end(),
+                                    [](const Took& one) { return one.passed <= kOneOfSixty; });
+  std::printf("; %.1f of 100 within a sixtieth of a second (%zu frames)\n",
+              100.0 * static_cast<double>(inTime) / static_cast<double>(frames.size()),
+              frames.size());
   if (std::getenv("TARN_EACH_FRAME") == nullptr) return;
   for (const Took& frame : frames) std::printf(" %.1f", frame.worked);
   std::printf("\n");

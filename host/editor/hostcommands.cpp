@@ -93,7 +93,10 @@ void zoomCommand() {
     return;
   }
   if (word == "All" || word == "Extents") {
-    if (!app().zoomExtents()) app().print("\nThere is nothing in the drawing to show.\n");
+    if (!app().zoomExtents())
+      app().print(
+          "\nThere is nothing in the drawing to show: draw something, or add an image "
+          "(addImage).\n");
     return;
   }
   if (!zoomScale(word)) failCommand(app(), "\"" + word + "\" is no option and no scale.");
@@ -186,7 +189,7 @@ void setvarCommand() {
   if (name == "?") return listVariables();
   SystemVariables& variables = app().variables();
   const auto value = variables.get(name);
-  if (!value) return failCommand(app(), "Unknown variable \"" + name + "\".");
+  if (!value) return failCommand(app(), "Unknown variable \"" + name + "\". SETVAR ? lists them.");
   if (variables.isReadOnly(name)) {
     app().print("\n" + name + " = " + formatValue(*value) + " (read only)\n");
     return;

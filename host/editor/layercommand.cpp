@@ -99,7 +99,7 @@ void setLayer() {
   const AcDbObjectId id = layerNamed(names.front());
   const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
   if (layer.openStatus() != Acad::eOk) return say("There is no layer \"" + names.front() + "\".");
-  if (layer->isFrozen()) return say("A frozen layer cannot be the current one.");
+  if (layer->isFrozen()) return say("A frozen layer cannot be the current one: thaw it first.");
   drawing().setClayer(id);
 }
 
@@ -120,7 +120,7 @@ void freezeLayers(bool frozen) {
   std::vector<AcDbObjectId> ids = layersNamed(askNames(ACRX_T("\nNames of the layers, or *: ")));
   const auto current = std::find(ids.begin(), ids.end(), drawing().clayer());
   if (frozen && current != ids.end()) {
-    say("The current layer cannot be frozen.");
+    say("The current layer cannot be frozen. Make another one current first.");
     ids.erase(current);
   }
   change(

@@ -151,7 +151,8 @@ Status setCurrentLayer(HostApp& app, AcDbObjectId layer) {
   {
     const AcDbObjectPointer<AcDbLayerTableRecord> record(layer, AcDb::kForRead);
     if (record.openStatus() != Acad::eOk) return Status::error("There is no such layer.");
-    if (record->isFrozen()) return Status::error("A frozen layer cannot be the current one.");
+    if (record->isFrozen())
+      return Status::error("A frozen layer cannot be the current one: thaw it first.");
   }
   current(app).setClayer(layer);
   app.documents().endUndoStep("LAYER");
@@ -160,7 +161,7 @@ Status setCurrentLayer(HostApp& app, AcDbObjectId layer) {
 
 Status switchLayer(HostApp& app, AcDbObjectId layer, LayerSwitch what, bool on) {
   if (what == LayerSwitch::kFrozen && on && layer == current(app).clayer()) {
-    return Status::error("The current layer cannot be frozen.");
+    return Status::error("The current layer cannot be frozen. Make another one current first.");
   }
   return change(app, layer, [&](AcDbLayerTableRecord& record) {
     if (what == LayerSwitch::kFrozen) return record.setIsFrozen(on);

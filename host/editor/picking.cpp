@@ -208,7 +208,7 @@ class Choice {
 
   void undo() {
     if (steps_.empty()) {
-      app_.print("\nNothing was selected yet.\n");
+      app_.print("\nNothing was selected yet: click entities or drag a window.\n");
       return;
     }
     memory_.choosing = std::move(steps_.back());

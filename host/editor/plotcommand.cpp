@@ -78,17 +78,17 @@ constexpr AreaName kAreas[] = {
 bool askLayout(PlotJob& job) {
   AcDbDatabase& database = *app().documents().current().database();
   LayoutEntry chosen;
-  const bool done =
-      askUntil("Layout name or ?", app().documents().current().space().tab().name,
-               [&](const std::string& line) -> std::string {
-                 if (line == "?") {
-                   std::string all;
-                   for (const LayoutEntry& entry : layoutsOf(database)) all += " " + entry.name;
-                   return "Layouts:" + all;
-                 }
-                 chosen = layoutNamed(database, line);
-                 return chosen.id.isNull() ? "There is no layout \"" + line + "\"." : "";
-               });
+  const bool done = askUntil(
+      "Layout name or ?", app().documents().current().space().tab().name,
+      [&](const std::string& line) -> std::string {
+        if (line == "?") {
+          std::string all;
+          for (const LayoutEntry& entry : layoutsOf(database)) all += " " + entry.name;
+          return "Layouts:" + all;
+        }
+        chosen = layoutNamed(database, line);
+        return chosen.id.isNull() ? "There is no layout \"" + line + "\"; ? lists them." : "";
+      });
   if (done) job = defaultJob(app(), chosen);
   return done;
 }

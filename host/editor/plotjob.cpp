@@ -86,12 +86,12 @@ Result<PlotRegion> regionOfNamedView(AcDbDatabase& database, const std::wstring&
   AcDbViewTable* table = nullptr;
   AcDbViewTableRecord* record = nullptr;
   if (database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
-    return Status::error("The drawing has no views.");
+    return Status::error("The drawing has no views; VIEW Save keeps one.");
   }
   const Acad::ErrorStatus status = table->getAt(name.c_str(), record, AcDb::kForRead);
   table->close();
   if (status != Acad::eOk) {
-    return Status::error("There is no view \"" + toUtf8(name) + "\".");
+    return Status::error("There is no view \"" + toUtf8(name) + "\"; VIEW ? lists them.");
   }
   const PlotRegion region{{record->centerPoint().x, record->centerPoint().y},
                           record->width(),
@@ -113,7 +113,9 @@ Result<PlotRegion> regionOf(HostApp& app, const PlotJob& job) {
   switch (job.settings.type) {
     case AcDbPlotSettings::kExtents: {
       const GroundBox box = app.regenerator().extents(app.documents().current());
-      if (box.isEmpty()) return Status::error("There is nothing to plot.");
+      if (box.isEmpty())
+        return Status::error(
+            "There is nothing to plot: draw something first, or choose another area.");
       return regionAround(box, view.twist);
     }
     case AcDbPlotSettings::kLimits:

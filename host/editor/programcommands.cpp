@@ -84,7 +84,7 @@ void arxCommand() {
   if (word[0] == 'L') return apploadCommand();
   if (word[0] == 'U') return unload();
   const std::vector<std::wstring> names = acrxDynamicLinker->loadedModules();
-  if (names.empty()) app().print("\nNo module is loaded.\n");
+  if (names.empty()) app().print("\nNo module is loaded; APPLOAD loads one.\n");
   for (const std::wstring& name : names) app().print("\n" + toUtf8(name) + "\n");
 }
 

@@ -57,7 +57,8 @@ Status HostApp::showTab(const std::string& name) {
   if (regenerator().isDrawing()) return Status::error("The drawing is being drawn.");
   HostDocument& document = documents().current();
   const LayoutEntry entry = layoutNamed(*document.database(), name);
-  if (entry.id.isNull()) return Status::error("There is no layout \"" + name + "\".");
+  if (entry.id.isNull())
+    return Status::error("There is no layout \"" + name + "\"; LAYOUT ? lists them.");
   Space& space = document.space();
   if (entry.isModel) {
     space.showModel();

@@ -74,7 +74,8 @@ AcDbViewTableRecord* askView(const ACHAR* prompt, AcDb::OpenMode mode) {
   AcDbViewTableRecord* record = nullptr;
   table->getAt(name->c_str(), record, mode);
   table->close();
-  if (record == nullptr) failCommand(app(), "There is no view \"" + toUtf8(*name) + "\".");
+  if (record == nullptr)
+    failCommand(app(), "There is no view \"" + toUtf8(*name) + "\"; VIEW ? lists them.");
   return record;
 }
 

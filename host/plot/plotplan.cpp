@@ -84,7 +84,7 @@ Result<PlotPlan> planPlot(const PlotData& settings, const PlotRegion& region, in
   if (inner.isEmpty()) return Status::error("The margins leave nothing of the paper to print on.");
   if (!(region.width > 0) || !(region.height > 0) ||
       !std::isfinite(region.width + region.height + region.center.x + region.center.y)) {
-    return Status::error("The area to plot is empty.");
+    return Status::error("The area to plot is empty: choose another one.");
   }
   const double perMillimetre = dpi / kMillimetresPerInch;
   if (settings.width * perMillimetre > kMostPixels ||
@@ -105,7 +105,9 @@ Result<PlotPlan> planPlot(const PlotData& settings, const PlotRegion& region, in
       inner.bottom + (settings.centered ? (innerHeight - height) / 2 : settings.originY);
   const Box seen{std::max(left, inner.left), std::max(bottom, inner.bottom),
                  std::min(left + width, inner.right), std::min(bottom + height, inner.top)};
-  if (seen.isEmpty()) return Status::error("The area to plot falls outside the paper.");
+  if (seen.isEmpty())
+    return Status::error(
+        "The area to plot falls outside the paper: centre it, or choose another scale.");
 
   PlotPlan plan;
   plan.dpi = dpi;

@@ -36,12 +36,16 @@ class RimmedStyle final : public QProxyStyle {
     if (metric == PM_ToolBarIconSize) return 20;
     return QProxyStyle::pixelMetric(metric, option, widget);
   }
-  /// The style's own buttons of docks are black on every window.
+  /// The style's own buttons of docks and of bars without room are black on every window.
   QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
                      const QWidget* widget) const override {
     const QColor ink = QApplication::palette().color(QPalette::WindowText);
     if (which == SP_TitleBarCloseButton) return makeIcon("cross", ink);
     if (which == SP_TitleBarNormalButton) return makeIcon("float", ink);
+    if (which == SP_ToolBarHorizontalExtensionButton ||
+        which == SP_ToolBarVerticalExtensionButton) {
+      return makeIcon("more", ink);
+    }
     return QProxyStyle::standardIcon(which, option, widget);
   }
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -169,7 +169,9 @@ void MainWindow::buildCanvas() {
     status_->showView(app_.mouseView());
   };
   hooks.acted = [this] { session_.acted(); };
-  hooks.nothingToShow = [this] { app_.print("\nThe drawing is empty.\n"); };
+  hooks.nothingToShow = [this] {
+    app_.print("\nThe drawing is empty: draw something, or add an image (Ctrl+I).\n");
+  };
   hooks.menuWanted = [this](QPoint at) { openMenuOfCanvas(at); };
   canvas_ = new Canvas(app_, std::move(hooks));
   canvas_->setObjectName("canvas");
