@@ -6,6 +6,7 @@
 
 #include "acgi.h"
 #include "base/text.h"
+#include "dbblockref.h"
 #include "dbents.h"
 #include "dbsymtb.h"
 #include "host/database/draworder.h"
@@ -21,11 +22,12 @@ constexpr int kMostEntities = 2000000;
 constexpr Adesk::UInt16 kByBlock = 0;
 constexpr Adesk::UInt16 kByLayer = 256;
 
-/// How deep blocks are nested, and how many entities the outermost insertion has drawn. Drawing
-/// happens on the main thread only.
+/// How deep blocks are nested, how many entities the outermost insertion has drawn, and what is by
+/// layer in the one that is being drawn. Drawing happens on the main thread only.
 struct Nesting {
   int depth = 0;
   int entities = 0;
+  InheritedLook byLayer;
 };
 Nesting& nesting() {
   static Nesting state;
@@ -178,17 +180,19 @@ bool isByBlock(AcDbObjectId linetype) {
 }
 
 void drawEntity(AcGiWorldDraw& draw, AcDbEntity& entity, const AcGeMatrix3d& toWorld,
-                const InheritedLook& insertion) {
+                const InheritedLook& insertion, const InheritedLook& layerZero) {
   const ObjectAccess::Look look(entity);
   auto* layer = AcDbLayerTableRecord::cast(peek(entity.layerId()));
-  InheritedLook byLayer = insertion;
-  if (layer != nullptr) {
+  InheritedLook byLayer = layerZero;
+  if (layer != nullptr && entity.database()->layerZero() != entity.layerId()) {
     const ObjectAccess::Look lookAtLayer(*layer);
-    if (layer->isFrozen() || layer->isOff()) return;
-    const bool isZero = entity.database()->layerZero() == entity.layerId();
-    if (!isZero) byLayer = lookOf(*layer);
+    if (layer->isFrozen()) return;
+    byLayer = lookOf(*layer);
   }
+  // Of an insertion, what has layers of its own goes on being seen.
+  if (byLayer.isOff && !entity.isKindOf(AcDbBlockReference::desc())) return;
   if (entity.visibility() != AcDb::kVisible) return;
+  nesting().byLayer = byLayer;
   PlacedDraw placed(draw, toWorld, byLayer.color, insertion.color);
   setLook(placed.subEntityTraits(), entity, byLayer, insertion);
   entity.worldDraw(&placed);
@@ -205,7 +209,15 @@ InheritedLook lookOf(const AcDbLayerTableRecord& layer) {
   const Adesk::UInt32 rgb = static_cast<Adesk::UInt32>(color.red()) << 16 |
                             static_cast<Adesk::UInt32>(color.green()) << 8 | color.blue();
   return {color.isByColor() ? AcGiSubEntityTraits::kTrueColor | rgb : color.colorIndex(),
-          layer.linetypeObjectId(), layer.lineWeight(), layer.transparency()};
+          layer.linetypeObjectId(), layer.lineWeight(), layer.transparency(), layer.isOff()};
+}
+
+InheritedLook layerZeroWithin(const AcDbEntity& shown) {
+  if (nesting().depth > 0) return nesting().byLayer;
+  auto* layer = AcDbLayerTableRecord::cast(peek(shown.layerId()));
+  if (layer == nullptr) return {};
+  const ObjectAccess::Look look(*layer);
+  return lookOf(*layer);
 }
 
 void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity, const InheritedLook& layer,
@@ -236,20 +248,22 @@ void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity, const Inheri
   traits.setLineTypeScale(entity.linetypeScale());
 }
 
-void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWorld,
-               const InheritedLook& insertion) {
+void drawBlock(AcGiWorldDraw& draw, const AcDbEntity& shown, AcDbObjectId block,
+               const AcGeMatrix3d& toWorld, const InheritedLook& insertion) {
   auto* record = AcDbBlockTableRecord::cast(peek(block));
   Nesting& state = nesting();
   if (record == nullptr || state.depth >= kDeepest) return;
   if (state.depth == 0) state.entities = 0;
+  const InheritedLook layerZero = layerZeroWithin(shown);
   ++state.depth;
   for (const AcDbObjectId& id : drawnOrder(*record)) {
     if (++state.entities > kMostEntities || draw.regenAbort()) break;
     auto* entity = AcDbEntity::cast(peek(id));
     if (entity == nullptr || entity->isErased()) continue;
-    drawEntity(draw, *entity, toWorld, insertion);
+    drawEntity(draw, *entity, toWorld, insertion, layerZero);
   }
   --state.depth;
+  state.byLayer = layerZero;
 }
 
 }  // namespace tarn::host

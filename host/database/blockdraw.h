@@ -21,6 +21,7 @@ struct InheritedLook {
   AcDbObjectId linetype{};
   AcDb::LineWeight lineWeight = AcDb::kLnWtByLwDefault;
   AcCmTransparency transparency{};
+  bool isOff = false;  ///< what takes over this look is not seen
 };
 InheritedLook lookOf(const AcGiSubEntityTraits& traits);
 /// The layer must be open.
@@ -30,11 +31,16 @@ ACADHOST_EXPORT InheritedLook lookOf(const AcDbLayerTableRecord& layer);
 ACADHOST_EXPORT void setLook(AcGiSubEntityTraits& traits, const AcDbEntity& entity,
                              const InheritedLook& layer, const InheritedLook& insertion);
 
-/// Draws the entities of a block through `toWorld`. Layers and colours are those of the entities;
-/// what is by block, and what is on layer "0", follows the insertion. Blocks inside
-/// one another stop at a depth and at a number of entities that no honest drawing reaches.
-void drawBlock(AcGiWorldDraw& draw, AcDbObjectId block, const AcGeMatrix3d& toWorld,
-               const InheritedLook& insertion);
+/// What layer "0" stands for inside the blocks that `shown` shows: its own layer, and for one that
+/// is itself part of a block and on layer "0", that of the insertion around it.
+InheritedLook layerZeroWithin(const AcDbEntity& shown);
+
+/// Draws the entities of a block, which `shown` shows, through `toWorld`. Layers and colours are
+/// those of the entities; what is by block follows `insertion`, what is on layer "0" the layer of
+/// `shown`. Blocks inside one another stop at a depth and at a number of entities that no honest
+/// drawing reaches.
+void drawBlock(AcGiWorldDraw& draw, const AcDbEntity& shown, AcDbObjectId block,
+               const AcGeMatrix3d& toWorld, const InheritedLook& insertion);
 
 /// Sets a colour as AcGiSubEntityTraits::trueColor() gives it.
 void setResolvedColor(AcGiSubEntityTraits& traits, Adesk::UInt32 color);

@@ -44,16 +44,17 @@ void readAttribute(AcDbAttributeLine& line, AcDbDwgFiler& filer) {
   filer.readBool(&line.hidden);
 }
 
-/// On layer "0" and by block it follows the insertion.
+/// By block it follows the insertion, on layer "0" what that stands for.
 void drawAttribute(AcGiWorldDraw& draw, AcDbAttributeLine line, const AcGeVector3d& offset,
-                   const InheritedLook& insertion) {
-  InheritedLook byLayer = insertion;
-  if (auto* layer = AcDbLayerTableRecord::cast(tarn::host::peek(line.layer))) {
+                   const InheritedLook& insertion, const InheritedLook& layerZero) {
+  InheritedLook byLayer = layerZero;
+  auto* layer = AcDbLayerTableRecord::cast(tarn::host::peek(line.layer));
+  if (layer != nullptr && line.layer.database()->layerZero() != line.layer) {
     const tarn::host::ObjectAccess::Look look(*layer);
-    if (layer->isOff() || layer->isFrozen()) return;
-    if (line.layer.database()->layerZero() != line.layer) byLayer = tarn::host::lookOf(*layer);
+    if (layer->isFrozen()) return;
+    byLayer = tarn::host::lookOf(*layer);
   }
-  if (line.hidden) return;
+  if (line.hidden || byLayer.isOff) return;
   AcGiSubEntityTraits& traits = draw.subEntityTraits();
   if (line.trueColor >= 0) {
     traits.setTrueColor(static_cast<Adesk::UInt32>(line.trueColor));
@@ -160,14 +161,17 @@ Adesk::Boolean AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
   const AcGeMatrix3d first = blockTransform();
   const AcGeMatrix3d world = tarn::host::entityToWorld(placement_.normal) *
                              AcGeMatrix3d::rotation(placement_.rotation, AcGeVector3d::kZAxis);
-  const tarn::host::InheritedLook look = tarn::host::lookOf(draw->subEntityTraits());
+  const InheritedLook look = tarn::host::lookOf(draw->subEntityTraits());
+  const InheritedLook layerZero = tarn::host::layerZeroWithin(*this);
   for (int row = 0; row < std::max<int>(1, placement_.rows); ++row) {
     for (int column = 0; column < std::max<int>(1, placement_.columns); ++column) {
       if (draw->regenAbort()) return Adesk::kTrue;
       const AcGeVector3d offset =
           world * AcGeVector3d(column * placement_.columnSpacing, row * placement_.rowSpacing, 0);
-      tarn::host::drawBlock(*draw, block_, AcGeMatrix3d::translation(offset) * first, look);
-      for (const AcDbAttributeLine& line : attributes_) drawAttribute(*draw, line, offset, look);
+      tarn::host::drawBlock(*draw, *this, block_, AcGeMatrix3d::translation(offset) * first, look);
+      for (const AcDbAttributeLine& line : attributes_) {
+        drawAttribute(*draw, line, offset, look, layerZero);
+      }
     }
   }
   return Adesk::kTrue;

@@ -85,7 +85,7 @@ AcGeMatrix3d AcDbDimension::blockToWorld() const {
 
 Adesk::Boolean AcDbDimension::subWorldDraw(AcGiWorldDraw* draw) {
   assertReadEnabled();
-  tarn::host::drawBlock(*draw, values_.block, blockToWorld(),
+  tarn::host::drawBlock(*draw, *this, values_.block, blockToWorld(),
                         tarn::host::lookOf(draw->subEntityTraits()));
   return Adesk::kTrue;
 }

@@ -137,7 +137,7 @@ void AcDbMLeader::drawArrow(AcGiWorldDraw& draw, const AcGePoint3d& tip,
         AcGeMatrix3d::translation(tip.asVector()) *
         AcGeMatrix3d::rotation(std::atan2(-back.y, -back.x), AcGeVector3d::kZAxis) *
         AcGeMatrix3d::scaling(size);
-    return tarn::host::drawBlock(draw, values_.arrow, place,
+    return tarn::host::drawBlock(draw, *this, values_.arrow, place,
                                  tarn::host::lookOf(draw.subEntityTraits()));
   }
   const AcGeVector3d normal = values_.planeX.crossProduct(values_.planeY);
@@ -186,7 +186,7 @@ void AcDbMLeader::drawBlock(AcGiWorldDraw& draw) const {
                              tarn::host::entityToWorld(block.normal) *
                              AcGeMatrix3d::rotation(block.rotation, AcGeVector3d::kZAxis) *
                              scaling(block.scale) * AcGeMatrix3d::translation(-base.asVector());
-  tarn::host::drawBlock(draw, block.id, place, tarn::host::lookOf(draw.subEntityTraits()));
+  tarn::host::drawBlock(draw, *this, block.id, place, tarn::host::lookOf(draw.subEntityTraits()));
 }
 
 Adesk::Boolean AcDbMLeader::subWorldDraw(AcGiWorldDraw* draw) {

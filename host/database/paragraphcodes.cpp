@@ -134,11 +134,31 @@ class PieceReader {
     return found;
   }
 
+  /// A number, behind which the semicolon may be missing.
+  std::wstring number() {
+    const auto isIn = [&](size_t at, std::wstring_view set) {
+      return at < text_.size() && set.find(text_[at]) != std::wstring_view::npos;
+    };
+    constexpr std::wstring_view kDigits = L"0123456789";
+    size_t end = at_;
+    while (isIn(end, L"+-.0123456789")) ++end;
+    if (end > at_ && isIn(end, L"eE")) {
+      const size_t digit = end + (isIn(end + 1, L"+-") ? 2 : 1);
+      for (size_t i = digit; isIn(i, kDigits); ++i) end = i + 1;
+    }
+    if (end > at_ && isIn(end, L"xX")) ++end;
+    std::wstring found(text_.substr(at_, end - at_));
+    at_ = isIn(end, L";") ? end + 1 : end;
+    return found;
+  }
+
   void readValue(wchar_t code) {
-    constexpr std::wstring_view kKnown = L"ACcFfHpQTW";
-    if (kKnown.find(code) == std::wstring_view::npos) return letter(code);
+    constexpr std::wstring_view kNumbers = L"ACcHQTW";
+    constexpr std::wstring_view kOthers = L"Ffp";
+    const bool isNumber = kNumbers.find(code) != std::wstring_view::npos;
+    if (!isNumber && kOthers.find(code) == std::wstring_view::npos) return letter(code);
     finishWord();
-    const std::wstring text = value();
+    const std::wstring text = isNumber ? number() : value();
     const bool isFactor = !text.empty() && (text.back() == L'x' || text.back() == L'X');
     if (code == L'H') {
       const double height = numberOf(text, isFactor ? 1 : look().height);

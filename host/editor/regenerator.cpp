@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "base/text.h"
+#include "dbblockref.h"
+#include "dbdim.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
@@ -47,21 +49,23 @@ AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
 
 struct LayerState {
   InheritedLook look{kForeground, {}};
-  bool shown = true;
+  bool isFrozen = false;
 };
 
 LayerState stateOf(AcDbObjectId id) {
   const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
   if (layer.openStatus() != Acad::eOk) return {};
-  return {lookOf(*layer.object()), !layer->isOff() && !layer->isFrozen()};
+  return {lookOf(*layer.object()), layer->isFrozen()};
 }
 
 LayerState layerOf(const AcDbEntity& entity) {
   return stateOf(entity.layerId());
 }
 
+/// Of an insertion whose layer is off, entities on other layers are seen.
 bool isShown(const AcDbEntity& entity, const LayerState& layer) {
-  return !entity.isErased() && entity.visibility() == AcDb::kVisible && layer.shown;
+  return !entity.isErased() && entity.visibility() == AcDb::kVisible && !layer.isFrozen &&
+         (!layer.look.isOff || entity.isKindOf(AcDbBlockReference::desc()));
 }
 
 /// Layers as they are at the beginning of a regeneration, each looked at once.
@@ -216,7 +220,10 @@ void Regenerator::redrawLayer(HostDocument& document, AcDbObjectId layer) {
   if (model != shown) ids.append(entitiesOf(model));
   for (const AcDbObjectId& id : ids) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
-    if (entity.openStatus() == Acad::eOk && entity->layerId() == layer) redraw(*entity.object());
+    if (entity.openStatus() != Acad::eOk) continue;
+    const bool showsBlock =
+        entity->isKindOf(AcDbBlockReference::desc()) || entity->isKindOf(AcDbDimension::desc());
+    if (showsBlock || entity->layerId() == layer) redraw(*entity.object());
   }
 }
 

@@ -270,16 +270,16 @@ void bindBlocks(DrawingBinding& binding) {
 
 void bindEntities(DrawingBinding& binding, const std::function<void(double)>& progress) {
   constexpr std::uint32_t kOften = 8192;
-  const DrawingSection* section = binding.document.section("ENTITIES");
-  if (section == nullptr) return;
   std::uint32_t count = 0;
-  for (std::uint32_t i = section->firstObject + 1; i < section->endObject;) {
-    if (++count % kOften == 0) {
-      progress(double(i - section->firstObject) / (section->endObject - section->firstObject));
+  for (const DrawingSection& section : binding.document.sectionsNamed("ENTITIES")) {
+    for (std::uint32_t i = section.firstObject + 1; i < section.endObject;) {
+      if (++count % kOften == 0) {
+        progress(double(i - section.firstObject) / (section.endObject - section.firstObject));
+      }
+      const bool onPaper = binding.view(i).integer(67) == 1;
+      i += readEntity(binding, i, section.endObject,
+                      onPaper ? binding.paperSpace : binding.modelSpace);
     }
-    const bool onPaper = binding.view(i).integer(67) == 1;
-    i += readEntity(binding, i, section->endObject,
-                    onPaper ? binding.paperSpace : binding.modelSpace);
   }
 }
 

@@ -12,6 +12,14 @@ namespace {
 /// Longer texts stand in pieces of this many characters.
 constexpr size_t kPiece = 250;
 
+/// Of a text that names none.
+constexpr std::wstring_view kUsualStyle = L"Standard";
+
+AcDbObjectId styleOf(const DrawingBinding& binding, const TagView& tags) {
+  const std::wstring name = tags.text(7);
+  return binding.styleOf(name.empty() ? std::wstring(kUsualStyle) : name);
+}
+
 AcDbEntity* readText(const EntityTags& tags) {
   auto* text = new AcDbText;
   text->setLine(readTextLine(tags.binding, tags.head));
@@ -54,7 +62,7 @@ AcDbEntity* readMText(const EntityTags& tags) {
                                                          : short{1});
   text->setLineSpacingFactor(head.real(44, 1));
   text->setWidth(head.real(41));
-  text->setTextStyle(tags.binding.styleOf(head.text(7)));
+  text->setTextStyle(styleOf(tags.binding, head));
   text->setContents(contentsOf(head).c_str());
   return text;
 }
@@ -79,7 +87,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
     return value == text.attachment() || (text.attachment() == 1 && (value < 1 || value > 9));
   });
   writeContents(text.contents(), output);
-  if (!text.textStyle().isNull()) head.setName(7, recordName(text.textStyle()));
+  if (!text.textStyle().isNull()) head.setName(7, recordName(text.textStyle()), kUsualStyle);
   head.setNormal(text.normal());
   const AcGeVector3d now = text.direction();
   const AcGeVector3d before =
@@ -105,7 +113,7 @@ AcDbTextLine readTextLine(const DrawingBinding& binding, const TagView& tags) {
   line.horizontal = static_cast<short>(tags.integer(72));
   line.vertical = static_cast<short>(tags.integer(verticalCodeOf(tags)));
   line.generation = static_cast<short>(tags.integer(71));
-  line.style = binding.styleOf(tags.text(7));
+  line.style = styleOf(binding, tags);
   line.text = tags.text(1);
   return line;
 }
@@ -120,7 +128,7 @@ void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* last
   editor.setReal(40, line.height);
   editor.setText(1, line.text);
   editor.setAngle(50, line.rotation, 0);
-  if (!line.style.isNull()) editor.setName(7, recordName(line.style));
+  if (!line.style.isNull()) editor.setName(7, recordName(line.style), kUsualStyle);
   editor.setReal(41, line.widthFactor, 1);
   editor.setAngle(51, line.oblique, 0);
   editor.setInteger(71, line.generation, 0);

@@ -57,10 +57,9 @@ AcDbObjectId firstSheet(AcDbDatabase& database) {
 
 bool usesHandles(const TagDocument& document) {
   if (!document.isOld()) return true;
-  const DrawingSection* entities = document.section("ENTITIES");
-  for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
-       entities != nullptr && i < entities->endObject; ++i) {
-    return document.handleOf(i) != 0;
+  for (const DrawingSection& entities : document.sectionsNamed("ENTITIES")) {
+    const std::uint32_t first = entities.firstObject + 1;
+    if (first < entities.endObject) return document.handleOf(first) != 0;
   }
   return false;
 }

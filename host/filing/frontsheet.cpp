@@ -131,15 +131,15 @@ class FrontSheet {
 std::vector<std::uint32_t> frontSheetObjects(const TagDocument& document,
                                              const TextEncoding& encoding) {
   std::vector<std::uint32_t> found;
-  const DrawingSection* entities = document.section("ENTITIES");
   bool onPaper = false;
-  for (std::uint32_t i = entities != nullptr ? entities->firstObject + 1 : 0;
-       entities != nullptr && i < entities->endObject; ++i) {
-    const std::string_view type = document.typeOf(i);
-    // Parts go with their entity, whether they say so or not.
-    const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
-    if (!isPart) onPaper = TagView(document, encoding, i).integer(67) == 1;
-    if (onPaper) found.push_back(i);
+  for (const DrawingSection& entities : document.sectionsNamed("ENTITIES")) {
+    for (std::uint32_t i = entities.firstObject + 1; i < entities.endObject; ++i) {
+      const std::string_view type = document.typeOf(i);
+      // Parts go with their entity, whether they say so or not.
+      const bool isPart = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
+      if (!isPart) onPaper = TagView(document, encoding, i).integer(67) == 1;
+      if (onPaper) found.push_back(i);
+    }
   }
   return found;
 }

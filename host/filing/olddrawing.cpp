@@ -70,8 +70,8 @@ class Modernizer {
     const std::string tables = section("TABLES", tablesBody());
     const std::string blocks = section("BLOCKS", blocksBody());
     std::string entities;
-    if (const DrawingSection* own = document_.section("ENTITIES")) {
-      entities = entitiesOf(own->firstObject + 1, own->endObject, 0);
+    for (const DrawingSection& own : document_.sectionsNamed("ENTITIES")) {
+      entities += entitiesOf(own.firstObject + 1, own.endObject, 0);
     }
     const std::string objects = section("OBJECTS", templateSection("OBJECTS"));
     // The header names the first free handle, so it comes last.

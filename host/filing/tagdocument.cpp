@@ -133,6 +133,14 @@ const DrawingSection* TagDocument::section(std::string_view name) const {
   return nullptr;
 }
 
+std::vector<DrawingSection> TagDocument::sectionsNamed(std::string_view name) const {
+  std::vector<DrawingSection> found;
+  for (const DrawingSection& section : sections_) {
+    if (section.name == name) found.push_back(section);
+  }
+  return found;
+}
+
 TagRange TagDocument::tagsOf(std::uint32_t object) const {
   const std::uint32_t next = object + 1;
   const auto all = static_cast<std::uint32_t>(tags_.size());

@@ -49,6 +49,8 @@ class ACADHOST_EXPORT TagDocument {
   const std::vector<DrawingSection>& sections() const { return sections_; }
   /// Null when there is no such section.
   const DrawingSection* section(std::string_view name) const;
+  /// Damaged files have several of one name.
+  std::vector<DrawingSection> sectionsNamed(std::string_view name) const;
 
   std::uint32_t objectCount() const { return static_cast<std::uint32_t>(objects_.size()); }
   TagRange tagsOf(std::uint32_t object) const;
