@@ -1,10 +1,13 @@
 #include <cmath>
 
 #include "acgi.h"
+#include "base/text.h"
 #include "dbcurve.h"
 #include "dbfiler.h"
+#include "dbsymtb.h"
 #include "host/database/drawnextents.h"
 #include "host/database/entitysystem.h"
+#include "host/database/objectaccess.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbPoint, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, POINT,
                         ObjectDBX Classes)
@@ -35,7 +38,13 @@ Acad::ErrorStatus AcDbPoint::dwgInFields(AcDbDwgFiler* filer) {
 
 Adesk::Boolean AcDbPoint::subWorldDraw(AcGiWorldDraw* draw) {
   assertReadEnabled();
-  draw->geometry().polyline(1, &position_);
+  // Points that only define dimensions are dots, however others look.
+  const auto* layer = AcDbLayerTableRecord::cast(tarn::host::peek(layerId()));
+  const ACHAR* name = L"";
+  const bool isDot = layer != nullptr && layer->getName(name) == Acad::eOk &&
+                     tarn::equalsIgnoreCase(std::wstring_view(name), L"Defpoints");
+  const AcGePoint3d points[] = {position_, position_};
+  draw->geometry().polyline(isDot ? 2 : 1, points);
   return Adesk::kTrue;
 }
 

@@ -160,12 +160,6 @@ Acad::ErrorStatus AcDbDatabase::setLineWeightDisplay(bool display) {
   state_->showsLineWeights = display;
   return Acad::eOk;
 }
-Adesk::Int16 AcDbDatabase::imageFrame() const {
-  return state_->imageFrame;
-}
-Adesk::Int16 AcDbDatabase::wipeoutFrame() const {
-  return state_->wipeoutFrame;
-}
 AcDbObjectId AcDbDatabase::layerZero() const {
   return state_->layerZero;
 }

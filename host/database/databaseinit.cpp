@@ -9,6 +9,7 @@
 #include "dbhatch.h"
 #include "dblayout.h"
 #include "dbmain.h"
+#include "dbmesh.h"
 #include "dbmleader.h"
 #include "dbpl.h"
 #include "dbproxy.h"
@@ -52,6 +53,10 @@ void registerDatabaseClasses() {
   AcDbXline::rxInit();
   AcDbMLeader::rxInit();
   AcDbFcf::rxInit();
+  AcDbNet::rxInit();
+  AcDbPolygonMesh::rxInit();
+  AcDbPolyFaceMesh::rxInit();
+  AcDbSubDMesh::rxInit();
   AcDbPolyline::rxInit();
   AcDbBlockReference::rxInit();
   AcDbTable::rxInit();

@@ -9,6 +9,7 @@
 #include "host/database/entitysystem.h"
 #include "host/database/fieldfiling.h"
 #include "host/database/objectaccess.h"
+#include "host/database/plaindimension.h"
 #include "host/geometry/spline.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDimension, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
@@ -17,9 +18,15 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbLeader, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMRele
                         LEADER, ObjectDBX Classes)
 
 template <typename Filing>
+void eachField(AcDbDimensionLook& look, Filing& filing) {
+  filing.all(look.textHeight, look.arrowSize, look.offset, look.beyond, look.factor, look.decimals,
+             look.trimsZeros);
+}
+
+template <typename Filing>
 void eachField(AcDbDimension::Values& values, Filing& filing) {
   filing.all(values.block, values.type, values.normal, values.rotation, values.textRotation,
-             values.direction, values.text, values.style);
+             values.direction, values.text, values.style, values.look);
   for (AcGePoint3d& point : values.points) filing(point);
 }
 
@@ -85,6 +92,10 @@ AcGeMatrix3d AcDbDimension::blockToWorld() const {
 
 Adesk::Boolean AcDbDimension::subWorldDraw(AcGiWorldDraw* draw) {
   assertReadEnabled();
+  if (values_.block.isNull()) {
+    tarn::host::drawPlainDimension(*draw, values_);
+    return Adesk::kTrue;
+  }
   tarn::host::drawBlock(*draw, *this, values_.block, blockToWorld(),
                         tarn::host::lookOf(draw->subEntityTraits()));
   return Adesk::kTrue;
@@ -113,7 +124,7 @@ Acad::ErrorStatus AcDbDimension::subGetGripPoints(AcGePoint3dArray& gripPoints, 
 }
 
 bool AcDbDimension::sharesBlock() const {
-  const AcDbDatabase* owner = values_.block.database();
+  const AcDbDatabase* owner = values_.block.database();  // none without a block
   if (owner == nullptr) return false;
   for (const auto& [handle, slot] :
        tarn::host::ObjectAccess::state(const_cast<AcDbDatabase&>(*owner)).stubs) {
@@ -130,7 +141,7 @@ Acad::ErrorStatus AcDbDimension::subTransformBy(const AcGeMatrix3d& transform) {
   const bool onlyMoves = isShift(transform);
   if (!onlyMoves && sharesBlock()) return AcDbEntity::subTransformBy(transform);
   assertWriteEnabled();
-  if (!onlyMoves) {
+  if (!onlyMoves && !values_.block.isNull()) {
     const AcGeMatrix3d place = blockToWorld();
     const AcDbObjectPointer<AcDbBlockTableRecord> block(values_.block, AcDb::kForRead);
     for (const AcDbObjectId& id :
@@ -148,6 +159,10 @@ Acad::ErrorStatus AcDbDimension::subTransformBy(const AcGeMatrix3d& transform) {
   }
   for (double* angle : {&values_.rotation, &values_.textRotation, &values_.direction}) {
     *angle = change.turned(*angle);
+  }
+  AcDbDimensionLook& look = values_.look;
+  for (double* length : {&look.textHeight, &look.arrowSize, &look.offset, &look.beyond}) {
+    *length *= change.scale;
   }
   values_.normal = change.normal;
   recordGraphicsModified();

@@ -5,12 +5,18 @@
 #include "dbtext.h"
 #include "host/database/blockdraw.h"
 #include "host/database/drawnextents.h"
+#include "host/database/fieldfiling.h"
 #include "host/database/objectaccess.h"
 #include "host/database/paragraphs.h"
 #include "host/database/recordfiling.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbMText, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, MTEXT,
                         ObjectDBX Classes)
+
+template <typename Filing>
+void eachField(AcDbMTextColumns& columns, Filing& filing) {
+  filing.all(columns.count, columns.width, columns.gap, columns.height, columns.heights);
+}
 
 AcGePoint3d AcDbMText::location() const {
   assertReadEnabled();
@@ -49,6 +55,17 @@ double AcDbMText::lineSpacingFactor() const {
   return spacing_;
 }
 
+const AcDbMTextColumns& AcDbMText::columns() const {
+  assertReadEnabled();
+  return columns_;
+}
+
+Acad::ErrorStatus AcDbMText::setColumns(AcDbMTextColumns columns) {
+  assertWriteEnabled();
+  columns_ = std::move(columns);
+  recordGraphicsModified();
+  return Acad::eOk;
+}
 Acad::ErrorStatus AcDbMText::setLocation(const AcGePoint3d& location) {
   assertWriteEnabled();
   location_ = location;
@@ -115,6 +132,8 @@ Acad::ErrorStatus AcDbMText::dwgOutFields(AcDbDwgFiler* filer) const {
   filer->writeDouble(width_);
   filer->writeHardPointerId(style_);
   filer->writeInt16(attachment_);
+  tarn::host::FieldWriter write(*filer);
+  write(columns_);
   return filer->writeString(contents_.c_str());
 }
 
@@ -129,6 +148,8 @@ Acad::ErrorStatus AcDbMText::dwgInFields(AcDbDwgFiler* filer) {
   filer->readDouble(&width_);
   filer->readHardPointerId(&style_);
   filer->readInt16(&attachment_);
+  tarn::host::FieldReader read(*filer);
+  read(columns_);
   return tarn::host::readText(*filer, contents_);
 }
 
@@ -139,6 +160,7 @@ Adesk::Boolean AcDbMText::subWorldDraw(AcGiWorldDraw* draw) {
   style.width = width_;
   style.attachment = attachment_;
   style.spacing = spacing_ > 0 ? spacing_ : 1;
+  style.columns = &columns_;
   if (const auto* record = AcDbTextStyleTableRecord::cast(tarn::host::peek(style_))) {
     style.font = record->values().font;
     style.widthFactor = record->values().xScale;
@@ -194,6 +216,8 @@ Acad::ErrorStatus AcDbMText::subTransformBy(const AcGeMatrix3d& transform) {
   direction_ = along.length() > 0 ? along / (scale > 0 ? scale : 1) : direction_;
   height_ *= scale;
   width_ *= scale;
+  for (double* length : {&columns_.width, &columns_.gap, &columns_.height}) *length *= scale;
+  for (double& height : columns_.heights) height *= scale;
   location_.transformBy(transform);
   recordGraphicsModified();
   return Acad::eOk;

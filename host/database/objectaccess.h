@@ -51,6 +51,8 @@ struct DatabaseState {
   // Frames of images and wipeouts: 0 none, 1 seen, 2 seen but not plotted.
   Adesk::Int16 imageFrame = 1;
   Adesk::Int16 wipeoutFrame = 1;
+  Adesk::Int16 pointMode = 0;
+  double pointSize = 0;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
   std::vector<AcDbDatabaseReactor*> reactors;

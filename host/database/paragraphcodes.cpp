@@ -87,9 +87,10 @@ class PieceReader {
   void readCode(wchar_t code) {
     switch (code) {
       case L'P':
-      case L'N':
       case L'X':
         return add(TextPiece::kEnd);
+      case L'N':
+        return add(TextPiece::kColumnEnd);
       case L'~':
         return letter(L'\u00A0');
       case L'\\':
@@ -234,7 +235,7 @@ class PieceReader {
 
   void add(TextPiece::Kind kind) {
     finishWord();
-    push(kind, kind == TextPiece::kEnd ? L"" : L" ");
+    push(kind, kind == TextPiece::kBlank || kind == TextPiece::kTab ? L" " : L"");
   }
 
   void push(TextPiece::Kind kind, std::wstring text) {

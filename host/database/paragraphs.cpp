@@ -26,6 +26,7 @@ struct Line {
   double height = 0;  ///< of its highest capital
   double width = 0;   ///< without blanks at the end
   wchar_t alignment = 0;
+  bool endsColumn = false;
 };
 
 double widthOf(const Lettering& look, const std::wstring& text) {
@@ -50,8 +51,9 @@ class LineBreaker {
 
   std::vector<Line> broken(const std::vector<TextPiece>& pieces, double height) {
     for (const TextPiece& piece : pieces) {
-      if (piece.kind == TextPiece::kEnd) {
+      if (piece.kind == TextPiece::kEnd || piece.kind == TextPiece::kColumnEnd) {
         line().alignment = piece.alignment;
+        line().endsColumn = piece.kind == TextPiece::kColumnEnd;
         if (line().fragments.empty()) line().height = piece.look.height;
         begin();
       } else {
@@ -96,6 +98,7 @@ class Placer {
   explicit Placer(const ParagraphStyle& style) : style_(style) {}
 
   Paragraphs placed(const std::vector<Line>& lines) {
+    if (hasColumns(style_)) return inColumns(lines);
     const int row = (style_.attachment - 1) / 3;
     double whole = lines.front().height;
     for (size_t i = 1; i < lines.size(); ++i) whole += step(lines[i]);
@@ -107,8 +110,48 @@ class Placer {
     return std::move(out_);
   }
 
+  static bool hasColumns(const ParagraphStyle& style) {
+    return style.columns != nullptr && style.columns->count > 1 && style.columns->width > 0;
+  }
+
  private:
+  /// A column is full when the next base line would be below its height; the last one takes what
+  /// is left.
+  Paragraphs inColumns(const std::vector<Line>& lines) {
+    const AcDbMTextColumns& columns = *style_.columns;
+    const double pace = columns.width + columns.gap;
+    const double whole = columns.count * pace - columns.gap;
+    const double left = -whole * ((style_.attachment - 1) % 3) / 2.0;
+    int column = 0;
+    double y = 0;
+    bool begins = true;
+    for (const Line& line : lines) {
+      y -= begins ? line.height : step(line);
+      const double room = heightOf(columns, column);
+      if (!begins && column + 1 < columns.count && room > 0 && -y > room) {
+        ++column;
+        y = -line.height;
+      }
+      place(line, y, left + column * pace);
+      begins = line.endsColumn && column + 1 < columns.count;
+      if (!begins) continue;
+      ++column;
+      y = 0;
+    }
+    return std::move(out_);
+  }
+
+  static double heightOf(const AcDbMTextColumns& columns, int column) {
+    const auto place = static_cast<size_t>(column);
+    return place < columns.heights.size() ? columns.heights[place] : columns.height;
+  }
+
   double step(const Line& line) const { return kLineDistance * line.height * style_.spacing; }
+
+  double inColumn(const Line& line) const {
+    const double free = style_.columns->width - line.width;
+    return line.alignment == L'c' ? free / 2 : line.alignment == L'r' ? free : 0;
+  }
 
   /// Where the line begins: aligned at the point, or in the width of the text.
   double leftOf(const Line& line) const {
@@ -121,8 +164,9 @@ class Placer {
     return -box * column / 2.0 + (box - line.width) * share;
   }
 
-  void place(const Line& line, double y) {
-    const double left = leftOf(line);
+  /// `shift` is where the line's column begins.
+  void place(const Line& line, double y, double shift = 0) {
+    const double left = hasColumns(style_) ? shift + inColumn(line) : leftOf(line);
     for (const Fragment& fragment : line.fragments) {
       const double x = left + fragment.x;
       if (fragment.piece.kind == TextPiece::kStack) {
@@ -170,7 +214,8 @@ Paragraphs layOut(std::wstring_view contents, const ParagraphStyle& style) {
   first.widthFactor = style.widthFactor;
   first.oblique = style.oblique;
   const std::vector<TextPiece> pieces = readPieces(contents, first);
-  return Placer(style).placed(LineBreaker(style.width).broken(pieces, style.height));
+  const double width = Placer::hasColumns(style) ? style.columns->width : style.width;
+  return Placer(style).placed(LineBreaker(width).broken(pieces, style.height));
 }
 
 }  // namespace tarn::host

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adesk.h"
+#include "dbtext.h"
 
 namespace tarn::host {
 
@@ -24,7 +25,7 @@ struct Lettering {
 
 /// A piece of the text that is not broken, or what ends a line.
 struct TextPiece {
-  enum Kind { kWord, kBlank, kTab, kEnd, kStack };
+  enum Kind { kWord, kBlank, kTab, kEnd, kColumnEnd, kStack };
   Kind kind = kWord;
   std::wstring text;       ///< of a stack, what stands above
   std::wstring below;      ///< of a stack
@@ -42,6 +43,7 @@ struct ParagraphStyle {
   double width = 0;      ///< longer lines are wrapped; 0 wraps none
   double spacing = 1;    ///< of lines, as a factor
   short attachment = 1;  ///< 1 top left to 9 bottom right, by rows
+  const AcDbMTextColumns* columns = nullptr;
 };
 
 /// A part of one line, from the left end of its base line; x to the right and y up from the point

@@ -106,6 +106,9 @@ void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool 
     entity.worldDraw(&recorder);
   }
   scene.set(key, std::move(list));
+  if (const AcDbDatabase* database = entity.database()) {
+    scene.setPointLook({database->pdmode(), database->pdsize()});
+  }
 }
 
 void countImages(const Scene& scene, long long& images, long long& pixels) {

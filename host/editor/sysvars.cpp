@@ -87,6 +87,21 @@ bool writeLineWeightDisplay(HostApp& app, const VariableValue& value) {
   return true;
 }
 
+/// What is drawn otherwise from then on, by all entities.
+template <typename Value, auto Setter>
+bool writeLook(HostApp& app, const VariableValue& value) {
+  HostDocument& drawing = document(app);
+  if ((drawing.database()->*Setter)(std::get<Value>(value)) != Acad::eOk) return false;
+  app.regenerator().regenerate(drawing);
+  app.frontEnd().displayChanged();
+  return true;
+}
+
+template <typename Value, auto Getter>
+VariableValue readLook(HostApp& app) {
+  return static_cast<Value>((document(app).database()->*Getter)());
+}
+
 bool writeLocale(HostApp& app, const VariableValue& value) {
   return app.profile().setLocale(std::get<std::string>(value));
 }
@@ -128,6 +143,8 @@ const std::vector<Rule>& rules() {
        [](HostApp& a) -> VariableValue { return extentsCorner(a, false); }, Point3{}},
       {"FILEDIA", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"FRONTZ", T::kReal, true, nullptr, 0.0},
+      {"IMAGEFRAME", T::kShort, false, &readLook<short, &AcDbDatabase::imageFrame>, short{1},
+       &writeLook<short, &AcDbDatabase::setImageFrame>, 0, 2},
       {"LASTPOINT", T::kPoint3, false, nullptr, Point3{}},
       {"LENSLENGTH", T::kReal, true, nullptr, 50.0},
       {"LIMMAX", T::kPoint2, false, &readLimits<true>, Point3{}, &writeLimits<true>},
@@ -142,6 +159,10 @@ const std::vector<Rule>& rules() {
        short{0}, writeLineWeightDisplay, 0, 1},
       {"ORTHOMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 1},
       {"OSMODE", T::kShort, false, nullptr, short{0}, nullptr, 0, 32767},
+      {"PDMODE", T::kShort, false, &readLook<short, &AcDbDatabase::pdmode>, short{0},
+       &writeLook<short, &AcDbDatabase::setPdmode>, 0, 100},
+      {"PDSIZE", T::kReal, false, &readLook<double, &AcDbDatabase::pdsize>, 0.0,
+       &writeLook<double, &AcDbDatabase::setPdsize>},
       {"PICKBOX", T::kShort, false, nullptr, short{5}, nullptr, 0, 50},
       {"PICKFIRST", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
       {"REGENMODE", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
@@ -178,6 +199,8 @@ const std::vector<Rule>& rules() {
        0.0},
       {"VIEWTWIST", T::kReal, true, [](HostApp& a) -> VariableValue { return a.view().twist; },
        0.0},
+      {"WIPEOUTFRAME", T::kShort, false, &readLook<short, &AcDbDatabase::wipeoutFrame>, short{1},
+       &writeLook<short, &AcDbDatabase::setWipeoutFrame>, 0, 2},
       {"WORLDVIEW", T::kShort, false, nullptr, short{1}, nullptr, 0, 1},
   };
   return table;

@@ -53,7 +53,6 @@ std::optional<DrawingView> activeView(const DrawingBinding& binding) {
 }
 
 constexpr const char* kTileMode = "$TILEMODE";
-constexpr const char* kLineWeights = "$LWDISPLAY";
 
 struct Limit {
   const char* name;
@@ -87,23 +86,6 @@ OpeningState drawingState(const DrawingBinding& binding) {
     if (readPoint(document, document.headerVariable(limit.name), point)) state.*limit.value = point;
   }
   return state;
-}
-
-/// R14 and before know no line weights.
-void writeLineWeightDisplay(const AcDbDatabase& database, const TagDocument& document,
-                            TagEditor& header) {
-  const TagRange range = document.headerVariable(kLineWeights);
-  const bool isThere = range.begin < range.end;
-  const bool before = isThere && document.word(document.tag(range.begin)) == "1";
-  if (document.version() < "AC1015" || before == database.lineWeightDisplay()) return;
-  if (isThere) {
-    const std::uint32_t begin = document.tagsOf(document.section("HEADER")->firstObject).begin;
-    header.replaceAt(range.begin - begin, before ? "0" : "1");
-  } else {
-    header.toEnd();
-    header.addWord(9, kLineWeights);
-    header.addInteger(290, 1);
-  }
 }
 
 void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header) {

@@ -238,9 +238,7 @@ void bindTables(DrawingBinding& binding) {
   if (scale.begin < scale.end && parseDouble(document.word(document.tag(scale.begin)), value)) {
     binding.database->setLtscale(value);
   }
-  const TagRange weights = document.headerVariable("$LWDISPLAY");
-  binding.database->setLineWeightDisplay(weights.begin < weights.end &&
-                                         document.word(document.tag(weights.begin)) == "1");
+  readDisplayVariables(document, *binding.database);
   const TagRange current = document.headerVariable("$CLAYER");
   if (current.begin < current.end) {
     state.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));

@@ -1,4 +1,6 @@
 // Splines, dimensions and leaders.
+#include <optional>
+
 #include "dbdim.h"
 #include "dbfcf.h"
 #include "dbspline.h"
@@ -88,6 +90,18 @@ void writeSpline(const AcDbEntity& entity, EntityOutput& output) {
   writePoints(11, values.fit, head);
 }
 
+/// The record of a style of dimensions; nothing when the drawing has none of this name.
+std::optional<TagView> dimensionStyle(const DrawingBinding& binding, const std::wstring& style) {
+  const DrawingSection* tables = binding.document.section("TABLES");
+  for (std::uint32_t i = tables != nullptr ? tables->firstObject : 0;
+       tables != nullptr && i < tables->endObject; ++i) {
+    if (binding.document.typeOf(i) != "DIMSTYLE") continue;
+    const TagView tags = binding.view(i);
+    if (tags.text(2) == style) return tags;
+  }
+  return std::nullopt;
+}
+
 // ---- DIMENSION --------------------------------------------------------------------------------
 
 constexpr int kKinds = 7;
@@ -99,12 +113,27 @@ constexpr const char* kMarks[kKinds] = {"AcDbAlignedDimension",      "AcDbAligne
                                         "AcDbRadialDimension",       "AcDb3PointAngularDimension",
                                         "AcDbOrdinateDimension"};
 
-/// One without its block stays in the file as it is.
+/// What a dimension without a block needs of its style.
+AcDbDimensionLook lookOf(const DrawingBinding& binding, const std::wstring& style) {
+  AcDbDimensionLook look;
+  const std::optional<TagView> tags = dimensionStyle(binding, style);
+  if (!tags) return look;
+  const double scale = tags->real(40, 1) > 0 ? tags->real(40, 1) : 1;
+  look.arrowSize = tags->real(41, look.arrowSize) * scale;
+  look.offset = tags->real(42, look.offset) * scale;
+  look.beyond = tags->real(44, look.beyond) * scale;
+  look.textHeight = tags->real(140, look.textHeight) * scale;
+  look.factor = tags->real(144, 1);
+  look.decimals = static_cast<short>(tags->integer(271, look.decimals));
+  look.trimsZeros = (tags->integer(78) & 8) != 0;
+  return look;
+}
+
 AcDbEntity* readDimension(const EntityTags& tags) {
   AcDbDimension::Values values;
   values.block = tags.binding.blockOf(tags.head.text(2));
   values.type = static_cast<short>(tags.head.integer(70));
-  if (values.block.isNull() || (values.type & 7) >= kKinds) return nullptr;
+  if ((values.type & 7) >= kKinds) return nullptr;
   for (int i = 0; i < kKinds; ++i) {
     values.points[static_cast<size_t>(i)] = tags.head.point(kFirstPoint + i);
   }
@@ -114,6 +143,7 @@ AcDbEntity* readDimension(const EntityTags& tags) {
   values.direction = tags.head.angle(51);
   values.text = tags.head.text(1);
   values.style = tags.head.text(3);
+  if (values.block.isNull()) values.look = lookOf(tags.binding, values.style);
   auto* dimension = new AcDbDimension;
   dimension->setValues(std::move(values));
   return dimension;
@@ -123,7 +153,7 @@ void writeNewDimension(const AcDbDimension::Values& values, TagEditor& head) {
   const auto setPoint = [&](int i) {
     head.setPoint(kFirstPoint + i, values.points[static_cast<size_t>(i)]);
   };
-  head.setText(2, recordName(values.block));
+  if (!values.block.isNull()) head.setText(2, recordName(values.block));
   setPoint(0);
   setPoint(1);
   setPoint(2);
@@ -144,7 +174,7 @@ void writeDimension(const AcDbEntity& entity, EntityOutput& output) {
   const AcDbDimension::Values& values = static_cast<const AcDbDimension&>(entity).values();
   TagEditor& head = output.head;
   if (head.isNew()) return writeNewDimension(values, head);
-  head.setText(2, recordName(values.block));
+  if (!values.block.isNull()) head.setText(2, recordName(values.block));
   head.leave();
   for (int i = 0; i < kKinds; ++i) {
     const AcGePoint3d& point = values.points[static_cast<size_t>(i)];
@@ -168,15 +198,10 @@ constexpr int kTextHeight = 140;
 /// A length of a style of dimensions, with the style's scale.
 double lengthOfStyle(const DrawingBinding& binding, const std::wstring& style, int code) {
   constexpr double kUsual = 2.5;
-  const DrawingSection* tables = binding.document.section("TABLES");
-  for (std::uint32_t i = tables != nullptr ? tables->firstObject : 0;
-       tables != nullptr && i < tables->endObject; ++i) {
-    if (binding.document.typeOf(i) != "DIMSTYLE") continue;
-    const TagView tags = binding.view(i);
-    const double scale = tags.real(40, 1);
-    if (tags.text(2) == style) return tags.real(code, kUsual) * (scale > 0 ? scale : 1);
-  }
-  return kUsual;
+  const std::optional<TagView> tags = dimensionStyle(binding, style);
+  if (!tags) return kUsual;
+  const double scale = tags->real(40, 1);
+  return tags->real(code, kUsual) * (scale > 0 ? scale : 1);
 }
 
 AcDbEntity* readLeader(const EntityTags& tags) {
@@ -251,6 +276,8 @@ const std::vector<EntityCodec>& annotationCodecs() {
        true},
       {"ARC_DIMENSION", "AcDbDimension", &AcDbDimension::desc, readDimension, writeDimension, false,
        false},
+      {"LARGE_RADIAL_DIMENSION", "AcDbDimension", &AcDbDimension::desc, readDimension,
+       writeDimension, false, false},
       {"TOLERANCE", "AcDbFcf", &AcDbFcf::desc, readTolerance, writeTolerance, false, true},
       {"LEADER", "AcDbLeader", &AcDbLeader::desc, readLeader, writeLeader, false, true},
   };

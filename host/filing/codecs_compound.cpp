@@ -84,7 +84,7 @@ void writeLight(const AcDbEntity& entity, EntityOutput& output) {
 
 AcDbEntity* readHeavy(const EntityTags& tags) {
   const int flags = tags.head.integer(70);
-  if ((flags & (kMesh | kFaces)) != 0) return nullptr;
+  if ((flags & (kMesh | kFaces)) != 0) return readNet(tags);
   auto* line = new AcDbPolyline;
   const bool inSpace = (flags & kInSpace) != 0;
   std::vector<AcDbPolylineVertex> vertices;

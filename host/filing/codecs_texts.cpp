@@ -1,4 +1,5 @@
 // Texts of one line and of several.
+#include <algorithm>
 #include <cmath>
 
 #include "dbtext.h"
@@ -11,6 +12,8 @@ namespace {
 
 /// Longer texts stand in pieces of this many characters.
 constexpr size_t kPiece = 250;
+constexpr int kEmbedded = 101;
+constexpr int kFirstExtended = 1000;
 
 /// Of a text that names none.
 constexpr std::wstring_view kUsualStyle = L"Standard";
@@ -50,6 +53,59 @@ AcGeVector3d directionOf(const TagView& tags) {
   return {std::cos(angle), std::sin(angle), 0};
 }
 
+/// What R2018 keeps inside the text: its columns, and once more where it stands.
+TagView embeddedIn(const TagView& tags) {
+  TagRange part{tags.range().end, tags.range().end};
+  for (std::uint32_t i = tags.range().begin; i < tags.range().end; ++i) {
+    const int code = tags.document().tag(i).code;
+    if (code == kEmbedded) part.begin = i + 1;
+    if (code >= kFirstExtended) {
+      part.end = i;
+      break;
+    }
+  }
+  if (part.begin > part.end) part.begin = part.end;
+  return {tags.document(), tags.encoding(), part};
+}
+
+AcDbMTextColumns readColumns(const TagView& tags) {
+  constexpr int kMost = 1000;
+  AcDbMTextColumns columns;
+  if (tags.integer(71) == 0) return columns;
+  columns.width = tags.real(44);
+  columns.gap = tags.real(45);
+  columns.height = tags.real(41);
+  tags.forEach([&](const Tag& tag) {
+    if (tag.code == 46) columns.heights.push_back(tags.realOf(tag));
+  });
+  int count = tags.integer(72);
+  const double pace = columns.width + columns.gap;
+  if (count == 0 && pace > 0) {
+    count = static_cast<int>(std::min((tags.real(42) + columns.gap) / pace + 0.5, 1.0 * kMost));
+  }
+  columns.count = static_cast<short>(std::max(0, std::min(count, kMost)));
+  return columns;
+}
+
+/// Lengths go with the height of the letters, so that columns stay as they were made.
+void writeEmbedded(const AcDbMText& text, EntityOutput& output) {
+  TagEditor& head = output.head;
+  if (output.old == nullptr || !head.enterEmbedded()) return;
+  const AcGeVector3d along = text.direction();
+  if (head.count(10) > 0) head.setPoint(10, {along.x, along.y, along.z});
+  if (head.count(11) > 0) head.setPoint(11, text.location());
+  const double before = output.old->head.real(40, 1);
+  const double scale = before > 0 ? text.textHeight() / before : 1;
+  if (scale == 1) return;
+  const TagView old = embeddedIn(output.old->head);
+  for (const int code : {40, 41, 42, 43, 44, 45}) {
+    if (old.has(code)) head.setReal(code, old.real(code) * scale);
+  }
+  for (const double height : text.columns().heights) {
+    if (head.nextRun(46)) head.setReal(46, height);
+  }
+}
+
 AcDbEntity* readMText(const EntityTags& tags) {
   auto* text = new AcDbMText;
   const TagView& head = tags.head;
@@ -64,6 +120,7 @@ AcDbEntity* readMText(const EntityTags& tags) {
   text->setWidth(head.real(41));
   text->setTextStyle(styleOf(tags.binding, head));
   text->setContents(contentsOf(head).c_str());
+  text->setColumns(readColumns(embeddedIn(head)));
   return text;
 }
 
@@ -97,6 +154,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
     head.remove({50});
   }
   head.setReal(44, text.lineSpacingFactor(), 1);
+  writeEmbedded(text, output);
 }
 
 }  // namespace

@@ -27,6 +27,9 @@ struct BoundObject {
   std::uint32_t count = 1;
 };
 
+/// Line weights on the screen and how points look, as the header says.
+void readDisplayVariables(const TagDocument& document, AcDbDatabase& database);
+
 struct DrawingBinding {
   TagDocument document;
   TextEncoding encoding;

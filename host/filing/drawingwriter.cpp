@@ -116,6 +116,7 @@ class DrawingWriter {
       if (bound.count != 1) return;
       TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
       writeExtension(binding_, *object, &bound, editor);
+      writeFrameMode(*binding_.database, document_.typeOf(bound.first), editor);
       bytes = editor.bytes();
     }
     edits_.replace(bound.first, bound.count, std::move(bytes));
@@ -144,9 +145,8 @@ class DrawingWriter {
       if (source.isNull() || source.database() != binding_.database.get()) return nullptr;
       const auto found = known_.find(source);
       if (found != known_.end()) {
-        const EntityCodec* codec = codecOf(document_.typeOf(found->second->first));
-        const bool fits = codec != nullptr && codec->description() == entity.isA();
-        return fits ? found->second : nullptr;
+        const std::string_view type = document_.typeOf(found->second->first);
+        return codecOf(type, entity) != nullptr ? found->second : nullptr;
       }
       at = peek(source);
     }
@@ -172,7 +172,7 @@ class DrawingWriter {
   std::string entityBytes(const AcDbEntity& entity, const BoundObject* old) {
     const BoundObject* model = old == nullptr ? modelOf(entity) : nullptr;
     const BoundObject* from = old != nullptr ? old : model;
-    const EntityCodec* codec = from != nullptr ? codecOf(document_.typeOf(from->first))
+    const EntityCodec* codec = from != nullptr ? codecOf(document_.typeOf(from->first), entity)
                                                : codecFor(entity, document_.isOld());
     const AcRxClass* description = entity.isA();
     const std::wstring dxfName = description->dxfName() != nullptr ? description->dxfName() : L"";
@@ -393,7 +393,7 @@ class DrawingWriter {
         editor.replaceAt(layer.begin - begin, binding_.encoding.encode(recordName(current)));
       }
     }
-    writeLineWeightDisplay(*binding_.database, document_, editor);
+    writeDisplayVariables(*binding_.database, document_, editor);
     if (state) writeHeaderState(document_, *state, editor);
     if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
   }
@@ -432,6 +432,20 @@ class DrawingWriter {
 
 }  // namespace
 
+namespace {
+
+/// A copy of something that stands in the file is written as that is.
+bool isCopyOfKnown(const AcDbObject& object, const std::set<AcDbStub*>& known) {
+  for (const AcDbObject* at = &object; at != nullptr;) {
+    const AcDbObjectId source = ObjectAccess::copiedFrom(*at);
+    if (known.count(source) > 0) return true;
+    at = peek(source);
+  }
+  return false;
+}
+
+}  // namespace
+
 std::string reasonAgainstOld(const DrawingBinding& binding) {
   std::set<AcDbStub*> known;
   for (const BoundObject& bound : binding.bound) known.insert(bound.id);
@@ -449,7 +463,7 @@ std::string reasonAgainstOld(const DrawingBinding& binding) {
     const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
                                         : object->isKindOf(AcDbLayerTableRecord::desc()) ||
                                               definedTableOf(*object) != nullptr;
-    if (fits) continue;
+    if (fits || isCopyOfKnown(*object, known)) continue;
     const EntityCodec* newer = entity != nullptr ? codecFor(*entity, false) : nullptr;
     if (newer == nullptr || newer->isOwn)
       return "A drawing of R12 cannot keep images and settings.";

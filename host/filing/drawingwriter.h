@@ -42,8 +42,10 @@ class DrawingEdits {
 };
 
 // `header` is the editor of the header section.
-void writeLineWeightDisplay(const AcDbDatabase& database, const TagDocument& document,
-                            TagEditor& header);
+void writeDisplayVariables(const AcDbDatabase& database, const TagDocument& document,
+                           TagEditor& header);
+/// What of them stands in an object of its own, of this kind.
+void writeFrameMode(const AcDbDatabase& database, std::string_view kind, TagEditor& object);
 void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header);
 void editActiveView(const DrawingBinding& binding, const DrawingView& view, DrawingEdits& edits);
 

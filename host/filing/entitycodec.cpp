@@ -15,9 +15,10 @@ constexpr long long kByLayer = 256;
 const std::vector<const EntityCodec*>& allCodecs() {
   static const std::vector<const EntityCodec*> all = [] {
     std::vector<const EntityCodec*> list;
-    for (const auto* some : {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(),
-                             &hatchCodecs(), &imageCodecs(), &annotationCodecs(),
-                             &multiLeaderCodecs(), &endlessLineCodecs(), &compoundCodecs()}) {
+    for (const auto* some :
+         {&cloudCodecs(), &curveCodecs(), &textCodecs(), &traceCodecs(), &hatchCodecs(),
+          &imageCodecs(), &annotationCodecs(), &multiLeaderCodecs(), &endlessLineCodecs(),
+          &compoundCodecs(), &netCodecs()}) {
       for (const EntityCodec& codec : *some) list.push_back(&codec);
     }
     return list;
@@ -35,6 +36,13 @@ const EntityCodec* codecOf(std::string_view type) {
   }();
   const auto found = byType.find(type);
   return found != byType.end() ? found->second : nullptr;
+}
+
+const EntityCodec* codecOf(std::string_view type, const AcDbEntity& entity) {
+  for (const EntityCodec* codec : allCodecs()) {
+    if (codec->type == type && codec->description() == entity.isA()) return codec;
+  }
+  return nullptr;
 }
 
 bool isBoundToDrawing(const AcRxClass& description) {

@@ -61,8 +61,14 @@ const std::vector<EntityCodec>& annotationCodecs();
 const std::vector<EntityCodec>& multiLeaderCodecs();
 const std::vector<EntityCodec>& endlessLineCodecs();
 const std::vector<EntityCodec>& compoundCodecs();
+const std::vector<EntityCodec>& netCodecs();
+/// A polyline that is a net; null for one that contradicts itself.
+AcDbEntity* readNet(const EntityTags& tags);
 /// Null for a kind that is not drawn.
 const EntityCodec* codecOf(std::string_view type);
+/// How an entity stands in the file as this kind, which several classes may share; null when it is
+/// of none of them.
+const EntityCodec* codecOf(std::string_view type, const AcDbEntity& entity);
 /// Entities of the class stand in files only as part of the drawing that they were made in.
 bool isBoundToDrawing(const AcRxClass& description);
 /// How a new entity is written; null when a drawing of this age cannot hold it.

@@ -156,7 +156,14 @@ class Versioner {
     made.bytes.append(document_.bytes(), 0, document_.startOf(0));
     const std::uint32_t first = count > 0 ? document_.tagsOf(0).begin : 0;
     for (std::uint32_t i = 0; i < first; ++i) keep(i, made);
-    for (; object < count; ++object) addObject(object, made);
+    // Without solids it holds preview pictures and the like.
+    const DrawingSection* store = isBefore(kR2013) ? document_.section("ACDSDATA") : nullptr;
+    if (store != nullptr) ++made.leftOut;
+    for (; object < count; ++object) {
+      const bool isStored =
+          store != nullptr && object >= store->firstObject && object <= store->endObject;
+      if (!isStored) addObject(object, made);
+    }
     const size_t end = document_.startOf(static_cast<std::uint32_t>(document_.tags().size()));
     made.bytes.append(document_.bytes(), end, std::string::npos);
     return made;
@@ -306,7 +313,7 @@ std::string reasonAgainst(const TagDocument& document, std::string_view version)
   if (wasNew == (version >= kR2013)) return {};
   for (std::uint32_t i = 0; i < document.objectCount(); ++i) {
     const std::string_view type = document.typeOf(i);
-    if (isSolid(type) || type == "ACDSRECORD") {
+    if (isSolid(type)) {
       return std::string("Solids of ") + nameOfVersion(document.version()) +
              " cannot be written as those of " + nameOfVersion(version) + ".";
     }

@@ -147,6 +147,16 @@ void TagEditor::enter(std::string_view subclass) {
   floor_ = cursor_;
 }
 
+bool TagEditor::enterEmbedded() {
+  for (size_t i = 1; i < items_.size(); ++i) {
+    if (items_[i].code != kEmbedded) continue;
+    floor_ = cursor_ = i + 1;
+    runCode_ = -1;
+    return true;
+  }
+  return false;
+}
+
 void TagEditor::enterLast(std::string_view subclass) {
   if (old_) return;
   if (new_) {

@@ -39,6 +39,9 @@ class ACADHOST_EXPORT TagEditor {
   /// The last of several equal marks; a new object gets one more. Without such a mark nothing
   /// changes.
   void enterLast(std::string_view subclass);
+  /// What follows belongs into the object that later versions keep inside this one; false when
+  /// there is none.
+  bool enterEmbedded();
   /// What follows may stand behind any mark.
   void leave();
   /// What follows belongs to the next run of tags that begins with this code, behind the present

@@ -115,6 +115,12 @@ struct Drawn {
   bool isGone = false;        ///< it is not seen now; its place in the order is kept
 };
 
+/// How single points look: as AcDbDatabase::pdmode() and pdsize().
+struct PointLook {
+  int mode = 0;
+  double size = 0;
+};
+
 /// The display lists of one drawing in drawing order.
 class ACADHOST_EXPORT Scene {
  public:
@@ -133,6 +139,9 @@ class ACADHOST_EXPORT Scene {
   /// Keeps only these entities, in this order.
   void keepInOrder(const std::vector<Key>& entities);
   void clear();
+  /// Of everything in the scene that is a line of one point.
+  void setPointLook(const PointLook& look) { pointLook_ = look; }
+  const PointLook& pointLook() const { return pointLook_; }
   /// How many are seen.
   size_t size() const;
   bool keepsPlaceOf(Key entity) { return known(entity) != nullptr; }
@@ -149,6 +158,7 @@ class ACADHOST_EXPORT Scene {
   std::vector<Key> order_;
   std::vector<const Drawn*> drawn_;  ///< points into entities_, whose nodes never move
   std::unordered_map<Key, Drawn> entities_;
+  PointLook pointLook_;
   size_t last_ = 0;  ///< in the order, of the one asked for last: mostly the next one follows
 };
 

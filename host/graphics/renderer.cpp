@@ -80,21 +80,23 @@ QPolygonF clipSide(const QPolygonF& in, bool alongX, double limit, bool keepGrea
 
 class Painter {
  public:
-  Painter(QPainter& painter, const ViewState& view, const RenderStyle& style)
+  Painter(QPainter& painter, const ViewState& view, const RenderStyle& style,
+          const PointLook& points)
       : painter_(painter),
         view_(view),
         style_(style),
+        points_(points),
         cosine_(std::cos(view.twist)),
         sine_(std::sin(view.twist)),
         unit_(view.unitsPerPixel()),
         perUnit_(1 / unit_),
         wanted_(wantedPixels(painter, view)),
-        clip_(QRectF(wanted_).adjusted(-kClipMargin, -kClipMargin, kClipMargin, kClipMargin)),
+        clip_(widened(QRectF(wanted_), kClipMargin)),
         left_(clip_.left()),
         top_(clip_.top()),
         right_(clip_.right()),
         bottom_(clip_.bottom()),
-        shown_(groundOf(clip_)) {
+        shown_(groundOf(widened(clip_, markReach()))) {
     if (style.lineWidth == 0) pixelLines_ = PixelLines::on(painter, wanted_);
   }
   ~Painter() { flush(); }
@@ -114,13 +116,10 @@ class Painter {
       return drawDashes(item, color, width, isFine);
     }
     if (item.points.size() > 1 && isFine) return gather(item, color.rgb());
+    if (item.points.size() == 1) return drawMark(device(item.points.front()), color, width);
     flush();
     painter_.setPen(pen(color, width));
-    if (item.points.size() == 1) {
-      painter_.drawPoint(device(item.points.front()));
-    } else {
-      drawRuns(item.points);
-    }
+    drawRuns(item.points);
   }
 
   void operator()(const AreaItem& item) {
@@ -170,6 +169,45 @@ class Painter {
   }
 
  private:
+  static QRectF widened(const QRectF& box, double by) { return box.adjusted(-by, -by, by, by); }
+
+  /// Pixels; below 0 the size is in parts of a hundred of the view's height.
+  double markSize() const {
+    constexpr double kUsual = -5;
+    const double size = points_.size != 0 ? points_.size : kUsual;
+    return std::min(size > 0 ? size * perUnit_ : -size / 100 * view_.pixelHeight, kFarAway);
+  }
+  /// How far a mark reaches from its point: crosses are twice as large as what is around them.
+  double markReach() const { return points_.mode == 0 ? 0 : markSize(); }
+
+  void drawMark(QPointF at, const QColor& color, double width) {
+    constexpr int kCircle = 32;
+    constexpr int kSquare = 64;
+    flush();
+    painter_.setPen(pen(color, width));
+    const double size = markSize();
+    const double half = size / 2;
+    const int shape = points_.mode & 7;
+    const auto line = [&](double x0, double y0, double x1, double y1) {
+      painter_.drawLine(QLineF(at + QPointF(x0, y0), at + QPointF(x1, y1)));
+    };
+    if (shape == 0) painter_.drawPoint(at);
+    if (shape == 2) {
+      line(-size, 0, size, 0);
+      line(0, -size, 0, size);
+    } else if (shape == 3) {
+      line(-size, -size, size, size);
+      line(-size, size, size, -size);
+    } else if (shape == 4) {
+      line(0, 0, 0, -half);
+    }
+    painter_.setBrush(Qt::NoBrush);
+    if ((points_.mode & kCircle) != 0) painter_.drawEllipse(at, half, half);
+    if ((points_.mode & kSquare) != 0) {
+      painter_.drawRect(QRectF(at.x() - half, at.y() - half, size, size));
+    }
+  }
+
   QColor colorOf(unsigned color, std::uint8_t alpha) const {
     QColor seen(colorOfIndex(color, style_.background));
     if (alpha < 255) seen.setAlpha(alpha);
@@ -376,6 +414,7 @@ class Painter {
   QPainter& painter_;
   const ViewState& view_;
   const RenderStyle& style_;
+  const PointLook& points_;
   double cosine_, sine_, unit_, perUnit_;
   QRect wanted_;
   QRectF clip_;
@@ -390,7 +429,7 @@ class Painter {
 
 void paintScene(QPainter& painter, const Scene& scene, const ViewState& view,
                 const RenderStyle& style) {
-  Painter paint(painter, view, style);
+  Painter paint(painter, view, style, scene.pointLook());
   for (const Drawn* drawn : scene.drawn()) paint.paint(*drawn);
 }
 

@@ -7,7 +7,19 @@
 
 #include "dbents.h"
 
-/// A dimension of any kind. It is seen as the block that was made for it.
+/// How a dimension without a block looks, by its style; lengths in drawing units.
+struct AcDbDimensionLook {
+  double textHeight = 2.5;
+  double arrowSize = 2.5;
+  double offset = 0.625;  ///< from what is measured to its line
+  double beyond = 1.25;   ///< of that line, behind the dimension's
+  double factor = 1;      ///< of what is measured
+  short decimals = 2;
+  bool trimsZeros = false;  ///< at the end
+};
+
+/// A dimension of any kind. It is seen as the block that was made for it, or, without one, as its
+/// points say.
 class ACADHOST_EXPORT AcDbDimension : public AcDbEntity {
  public:
   ACRX_DECLARE_MEMBERS(AcDbDimension);
@@ -24,6 +36,7 @@ class ACADHOST_EXPORT AcDbDimension : public AcDbEntity {
     double direction = 0;     ///< of the horizontal, where the file says one
     std::wstring text;        ///< instead of what is measured
     std::wstring style;
+    AcDbDimensionLook look;
   };
   AcDbDimension() = default;
 

@@ -221,8 +221,19 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   Acad::ErrorStatus setLineWeightDisplay(bool display);
   /// Whether frames of images are seen: 0 not, 1 they are, 2 only on the screen.
   Adesk::Int16 imageFrame() const;
+  /// eInvalidInput unless 0 to 2. It is kept by drawings that have such variables.
+  Acad::ErrorStatus setImageFrame(Adesk::Int16 mode);
   /// The same for wipeouts.
   Adesk::Int16 wipeoutFrame() const;
+  Acad::ErrorStatus setWipeoutFrame(Adesk::Int16 mode);
+  /// How points look: 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 a tick upwards; 32 more puts a
+  /// circle around, 64 a square.
+  Adesk::Int16 pdmode() const;
+  Acad::ErrorStatus setPdmode(Adesk::Int16 mode);
+  /// How large, in drawing units; below 0 in parts of a hundred of the view's height, 0 is 5 of
+  /// them.
+  double pdsize() const;
+  Acad::ErrorStatus setPdsize(double size);
   AcDbObjectId clayer() const;
   Acad::ErrorStatus setClayer(AcDbObjectId layer);
 

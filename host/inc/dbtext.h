@@ -61,6 +61,15 @@ class ACADHOST_EXPORT AcDbText : public AcDbEntity {
   AcDbTextLine line_;
 };
 
+/// Columns of a text of several lines; none below two of them.
+struct AcDbMTextColumns {
+  short count = 0;
+  double width = 0;             ///< of each
+  double gap = 0;               ///< between two
+  double height = 0;            ///< of each without one of its own
+  std::vector<double> heights;  ///< 0 for one that takes what is left
+};
+
 /// Several lines, in world coordinates.
 class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
  public:
@@ -90,6 +99,8 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   /// 1 is the usual distance of lines, 5/3 of the height.
   double lineSpacingFactor() const;
   Acad::ErrorStatus setLineSpacingFactor(double factor);
+  const AcDbMTextColumns& columns() const;
+  Acad::ErrorStatus setColumns(AcDbMTextColumns columns);
 
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
@@ -115,4 +126,5 @@ class ACADHOST_EXPORT AcDbMText : public AcDbEntity {
   AcDbObjectId style_;
   short attachment_ = 1;
   std::wstring contents_;
+  AcDbMTextColumns columns_;
 };

@@ -20,6 +20,7 @@ import sys
 logging.disable(logging.CRITICAL)
 try:
     import ezdxf
+    import ezdxf.render.forms
     import ezdxf.render.mleader
     from ezdxf import bbox
     from ezdxf.math import Vec2
@@ -129,6 +130,15 @@ def add_more(doc, space):
                                                  "column_spacing": 8, "rotation": 20})
     tree.add_attrib("NUMBER", "4", (201, 6)).dxf.height = 1
     tree.add_attrib("SECRET", "5", (201, 6)).is_invisible = True
+    grid = space.add_polymesh(size=(3, 4))
+    places = grid.get_mesh_vertex_cache()
+    for row in range(3):
+        for column in range(4):
+            places[row, column] = (row * 2, column, row * column)
+    cube = ezdxf.render.forms.cube()
+    cube.scale(3)
+    cube.render_polyface(space)
+    cube.render_mesh(space)
     for weight, clear in ((100, 0.5), (-3, 0), (0, 0.9)):
         line = space.add_line((0, weight), (9, weight))
         line.dxf.lineweight, line.transparency = weight, clear

@@ -106,5 +106,37 @@ TEST_F(Texts, linesAreWrappedAndAttached) {
   }
 }
 
+TEST_F(Texts, numbersInCodesNeedNoSemicolon) {
+  const Paragraphs all = layOut(L"{\\C1red}\\H2.5e1high\\W2xwide;", ParagraphStyle());
+  EXPECT_EQ(wordsOf(all), (std::vector<std::wstring>{L"red", L"high", L"wide;"}));
+  EXPECT_EQ(all.texts[0].color, 1u);
+  EXPECT_EQ(all.texts[1].height, 25);
+  EXPECT_EQ(all.texts[2].widthFactor, 2);
+}
+
+/// Three columns of 5 high: letters of 2.5 leave room for one line, the last one takes the rest.
+TEST_F(Texts, columnsTakeWhatFits) {
+  AcDbMTextColumns columns;
+  columns.count = 3;
+  columns.width = 10;
+  columns.gap = 2;
+  columns.height = 5;
+  ParagraphStyle style;
+  style.height = 2.5;
+  style.columns = &columns;
+  const auto places = [&](const wchar_t* contents) {
+    std::vector<std::pair<double, double>> found;
+    for (const PlacedText& text : layOut(contents, style).texts) {
+      found.emplace_back(text.x, std::round(text.y * 100) / 100);
+    }
+    return found;
+  };
+  using Places = std::vector<std::pair<double, double>>;
+  EXPECT_EQ(places(L"a\\Pb\\Pc\\Pd"), (Places{{0, -2.5}, {12, -2.5}, {24, -2.5}, {24, -6.67}}));
+  columns.heights = {7, 0, 0};
+  EXPECT_EQ(places(L"a\\Pb\\Pc\\Pd"), (Places{{0, -2.5}, {0, -6.67}, {12, -2.5}, {12, -6.67}}));
+  EXPECT_EQ(places(L"a\\Nb"), (Places{{0, -2.5}, {12, -2.5}}));
+}
+
 }  // namespace
 }  // namespace tarn::host
