@@ -71,6 +71,11 @@ AcGePoint3d cornerOf(const Edge& own, const Edge* other, const AcGePoint3d& vert
   return met.distanceTo(vertex) <= kLongestMitre * half ? met : own.foot;
 }
 
+/// Edges are brought together between straight pieces; arcs end by themselves.
+bool isStraight(const WideSegment& segment) {
+  return segment.points.size() == 2;
+}
+
 /// The edges of both sides at one end, as they meet those of the neighbour.
 void addEnd(const WideSegment& segment, const WideSegment* neighbour, bool atEnd,
             std::vector<AcGePoint3d>& left, std::vector<AcGePoint3d>& right) {
@@ -121,8 +126,11 @@ std::vector<std::vector<AcGePoint3d>> wideAreas(const std::vector<WideSegment>& 
     const bool hasAfter = i + 1 < count || closed;
     const WideSegment& before = segments[(i + count - 1) % count];
     const WideSegment& after = segments[(i + 1) % count];
-    areas.push_back(areaOf(segment, hasBefore && isWide(before) ? &before : nullptr,
-                           hasAfter && isWide(after) ? &after : nullptr));
+    const auto joins = [&](const WideSegment& other) {
+      return isWide(other) && isStraight(segment) && isStraight(other);
+    };
+    areas.push_back(areaOf(segment, hasBefore && joins(before) ? &before : nullptr,
+                           hasAfter && joins(after) ? &after : nullptr));
   }
   return areas;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/text.h"
 #include "dbtext.h"
 #include "host/filing/codecs_texts.h"
 #include "host/filing/entitycodec.h"
@@ -21,6 +22,14 @@ constexpr std::wstring_view kUsualStyle = L"Standard";
 AcDbObjectId styleOf(const DrawingBinding& binding, const TagView& tags) {
   const std::wstring name = tags.text(7);
   return binding.styleOf(name.empty() ? std::wstring(kUsualStyle) : name);
+}
+
+void writeStyle(AcDbObjectId style, TagEditor& editor) {
+  const std::wstring name = recordName(style);
+  const bool isUsual = equalsIgnoreCase(std::wstring_view(name), kUsualStyle);
+  std::optional<std::wstring_view> standard;
+  if (isUsual) standard = name;
+  if (!name.empty()) editor.setName(7, name, standard);
 }
 
 AcDbEntity* readText(const EntityTags& tags) {
@@ -144,7 +153,7 @@ void writeMText(const AcDbEntity& entity, EntityOutput& output) {
     return value == text.attachment() || (text.attachment() == 1 && (value < 1 || value > 9));
   });
   writeContents(text.contents(), output);
-  if (!text.textStyle().isNull()) head.setName(7, recordName(text.textStyle()), kUsualStyle);
+  writeStyle(text.textStyle(), head);
   head.setNormal(text.normal());
   const AcGeVector3d now = text.direction();
   const AcGeVector3d before =
@@ -186,7 +195,7 @@ void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* last
   editor.setReal(40, line.height);
   editor.setText(1, line.text);
   editor.setAngle(50, line.rotation, 0);
-  if (!line.style.isNull()) editor.setName(7, recordName(line.style), kUsualStyle);
+  writeStyle(line.style, editor);
   editor.setReal(41, line.widthFactor, 1);
   editor.setAngle(51, line.oblique, 0);
   editor.setInteger(71, line.generation, 0);

@@ -4,6 +4,8 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QHash>
+#include <QPainterPathStroker>
+#include <QRawFont>
 #include <QTransform>
 #include <map>
 
@@ -16,6 +18,7 @@ namespace {
 
 constexpr int kDesignSize = 64;         ///< pixels; outlines have no hinting at it
 constexpr double kUsualCapital = 0.72;  ///< of the size, for a font that does not say
+constexpr double kBolder = 0.08;        ///< of the size, how much thicker
 constexpr int kMostWidths = 200000;
 /// Of 24 bytes. No screen has room for more texts that can be read.
 constexpr int kMostElements = 1500000;
@@ -26,6 +29,7 @@ class Outlines {
     font_.setPixelSize(kDesignSize);
     const double capital = QFontMetricsF(font_).capHeight();
     scale_ = 1 / (capital > 0 ? capital : kDesignSize * kUsualCapital);
+    thickens_ = font_.bold() && QRawFont::fromFont(font_).weight() < QFont::DemiBold;
   }
   const TextOutline& of(const QString& text) {
     const auto found = kept_.constFind(text);
@@ -36,6 +40,7 @@ class Outlines {
     }
     TextOutline outline;
     outline.path.addText(0, 0, font_, text);
+    if (thickens_) thicken(outline.path);
     outline.path = QTransform::fromScale(scale_, scale_).map(outline.path);
     outline.width = widthOf(text);
     elements_ += outline.path.elementCount();
@@ -50,8 +55,18 @@ class Outlines {
   }
 
  private:
+  /// Bold letters of a family that has none.
+  static void thicken(QPainterPath& path) {
+    QPainterPathStroker pen;
+    pen.setWidth(kDesignSize * kBolder);
+    const QPainterPath rim = pen.createStroke(path);
+    path.setFillRule(Qt::WindingFill);
+    path.addPath(rim);
+  }
+
   QFont font_;
   double scale_ = 1;
+  bool thickens_ = false;
   QHash<QString, TextOutline> kept_;
   QHash<QString, double> widths_;
   int elements_ = 0;

@@ -6,6 +6,9 @@ entity_judge.py image FILE             writes a drawing with pictures there.png,
 entity_judge.py stacked PLAIN TURNED   writes a drawing with four areas in colours 1 to 4, the last on
                                        top, and one with the first on top
 entity_judge.py order FILE...          colours of entities as they are drawn, and what is wrong
+entity_judge.py patterns FILE          writes a hatch of every pattern that the library has, turned and scaled,
+                                       over a rim with an island; prints handle, name, the lines'
+                                       length together and their first moments about x and y
 entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
 entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
                                        leaves different from NEW, one entity a line
@@ -24,6 +27,7 @@ try:
     import ezdxf.render.mleader
     from ezdxf import bbox
     from ezdxf.math import Vec2
+    from ezdxf.tools import pattern
     from ezdxf.lldxf.tagwriter import TagCollector
 except ImportError:
     sys.exit(77)
@@ -173,6 +177,31 @@ def image(path):
     doc.saveas(path)
 
 
+def patterns(path):
+    try:
+        from ezdxf.render import hatching
+    except ImportError:
+        sys.exit(77)
+    doc = ezdxf.new("R2010")
+    space = doc.modelspace()
+    for number, name in enumerate(sorted(pattern.load())):
+        hatch = space.add_hatch(color=1)
+        hatch.set_pattern_fill(name, scale=(1, 0.5, 2)[number % 3], angle=(0, 30, 75)[number % 3])
+        # No line of a pattern runs along a rim.
+        hatch.paths.add_polyline_path([(0.13, 0.17), (60.3, 0.29), (60.1, 40.37), (30.41, 50.43), (0.11, 40.53)])
+        hatch.paths.add_polyline_path([(20.19, 10.23), (40.31, 12.37), (35.41, 30.47)], flags=16)
+        try:
+            lines = list(hatching.hatch_entity(hatch))
+        except hatching.HatchingError:
+            lines = []
+        length, x, y = 0.0, 0.0, 0.0
+        for start, end in lines:
+            own = (end - start).magnitude
+            length, x, y = length + own, x + own * (start.x + end.x) / 2, y + own * (start.y + end.y) / 2
+        print(hatch.dxf.handle, name, length, x, y)
+    doc.saveas(path)
+
+
 def stacked(plain, turned):
     doc = ezdxf.new("R2010")
     space = doc.modelspace()
@@ -306,6 +335,8 @@ elif sys.argv[1] == "stacked":
 elif sys.argv[1] == "order":
     for path in sys.argv[2:]:
         order(path)
+elif sys.argv[1] == "patterns":
+    patterns(sys.argv[2])
 elif sys.argv[1] == "boxes":
     boxes(sys.argv[2])
 elif sys.argv[1] == "changed":

@@ -2,6 +2,7 @@
 // written, before the eyes of that other program.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <map>
 #include <sstream>
@@ -13,6 +14,7 @@
 #include "dbtext.h"
 #include "host/filing/deepclone.h"
 #include "host/filing/drawingfile.h"
+#include "host/graphics/recorder.h"
 #include "tests/host_filing/drawingfixture.h"
 #include "tests/support/program.h"
 
@@ -78,6 +80,54 @@ TEST_F(Entities, lieWhereAnotherProgramSeesThem) {
     ++seen;
   }
   EXPECT_GT(seen, 18);
+}
+
+/// Length of all lines that the entity draws, and their first moments.
+std::array<double, 3> momentsOf(AcDbEntity& entity) {
+  DisplayList list;
+  {
+    WorldDrawRecorder recorder(list, entity.database(), 1, 1);
+    entity.worldDraw(&recorder);
+  }
+  std::array<double, 3> sums{};
+  for (const DisplayItem& item : list) {
+    const auto* line = std::get_if<LineItem>(&item);
+    for (size_t i = 1; line != nullptr && i < line->points.size(); ++i) {
+      const GroundPoint& a = line->points[i - 1];
+      const GroundPoint& b = line->points[i];
+      const double own = std::hypot(b.x - a.x, b.y - a.y);
+      sums[0] += own;
+      sums[1] += own * (a.x + b.x) / 2;
+      sums[2] += own * (a.y + b.y) / 2;
+    }
+  }
+  return sums;
+}
+
+/// Every pattern of the other program, turned, scaled and around an island: as much line, in the
+/// same places.
+TEST_F(Entities, patternsAreThoseOfAnotherProgram) {
+  const std::string path = scratch_.at("patterns.dxf");
+  const test::Outcome outcome = judge({"patterns", path});
+  if (outcome.exitCode == 77) GTEST_SKIP() << "this python3-ezdxf draws no patterns";
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
+  file_ = DrawingFile::open(path).take();
+  std::istringstream lines(outcome.output);
+  std::string handle;
+  std::string name;
+  double sums[3];
+  int seen = 0;
+  while (lines >> handle >> name >> sums[0] >> sums[1] >> sums[2]) {
+    AcDbObjectId id;
+    const std::wstring digits(handle.begin(), handle.end());
+    ASSERT_EQ(file_->database().getAcDbObjectId(id, false, AcDbHandle(digits.c_str())), Acad::eOk);
+    const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
+    const std::array<double, 3> ours = momentsOf(*entity.object());
+    if (sums[0] == 0) continue;  // points only, or too dense for it
+    for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(ours[i] / sums[i], 1, 0.01) << name << ' ' << i;
+    ++seen;
+  }
+  EXPECT_GT(seen, 100);
 }
 
 TEST_F(Entities, movedTurnedAndScaledAsAnotherProgramDoesIt) {
