@@ -1,4 +1,6 @@
 // Symbol tables and the blocks that they name.
+#include <map>
+
 #include "base/text.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/drawingbinding.h"
@@ -248,12 +250,18 @@ void bindTables(DrawingBinding& binding) {
 void bindBlocks(DrawingBinding& binding) {
   const TagDocument& document = binding.document;
   const DrawingSection* section = document.section("BLOCKS");
+  // A block may insert one that stands further down.
+  std::map<std::uint32_t, AcDbObjectId> blocks;
+  for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
+       section != nullptr && i < section->endObject; ++i) {
+    if (document.typeOf(i) == "BLOCK") blocks[i] = readBlock(binding, i);
+  }
   AcDbObjectId block;
   for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
        section != nullptr && i < section->endObject;) {
     const std::string_view type = document.typeOf(i);
     if (type == "BLOCK") {
-      block = readBlock(binding, i++);
+      block = blocks[i++];
     } else if (type == "ENDBLK") {
       if (!block.isNull()) binding.blockEnds[block] = i;
       block.setNull();

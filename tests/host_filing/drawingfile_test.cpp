@@ -7,6 +7,7 @@
 #include <map>
 
 #include "acutmem.h"
+#include "base/text.h"
 #include "dbblockref.h"
 #include "dbcurve.h"
 #include "dbdict.h"
@@ -44,6 +45,30 @@ TEST(DrawingFile, eachRealDrawingIsTheSameAfterOpeningAndSaving) {
       EXPECT_TRUE(saved.value() == before) << "not the same bytes";
     }
   }
+}
+
+TEST(DrawingFile, blocksOfR12MayInsertBlocksFurtherDown) {
+  const std::string block = "  0\nBLOCK\n  2\n%\n 10\n0.0\n 20\n0.0\n";
+  const std::string end = "  0\nENDBLK\n";
+  const auto insertOf = [](const std::string& name) {
+    return "  0\nINSERT\n  8\n0\n  2\n" + name + "\n 10\n1.0\n 20\n2.0\n";
+  };
+  const std::string bytes =
+      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
+      "  0\nSECTION\n  2\nBLOCKS\n" +
+      replaceAll(block, "%", "ONE") + insertOf("TWO") + end + replaceAll(block, "%", "TWO") +
+      "  0\nCIRCLE\n  8\n0\n 10\n0.0\n 20\n0.0\n 40\n3.0\n" + end +
+      "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n" + insertOf("ONE") + "  0\nENDSEC\n  0\nEOF\n";
+  auto file = DrawingFile::fromBytes(bytes, "blocks.dxf");
+  ASSERT_TRUE(file) << file.message();
+  EXPECT_EQ(file.value()->notes(), std::vector<std::string>()) << "all are drawn";
+  const AcDbObjectIdArray entities = modelEntities(file.value()->database());
+  ASSERT_EQ(entities.length(), 1);
+  const AcDbObjectPointer<AcDbEntity> insert(entities[0], AcDb::kForRead);
+  AcDbExtents box;
+  ASSERT_EQ(insert->getGeomExtents(box), Acad::eOk);
+  EXPECT_EQ(box.minPoint(), AcGePoint3d(-1, 1, 0));
+  EXPECT_EQ(box.maxPoint(), AcGePoint3d(5, 7, 0));
 }
 
 TEST(DrawingFile, readingALargeDrawingTellsHowFarItIs) {

@@ -83,7 +83,7 @@ def add_image(desk):
     view = desk.view()
     middle = tuple(round(v) for v in view.pixel((EAST + 100, SOUTH + 50)))
     box = (middle[0] - 20, middle[1] - 20, middle[0] + 20, middle[1] + 20)
-    wait_until("points", lambda: desk.picture().count(box, lambda *c: c == COLORS[1]) > 800)
+    wait_until("points", lambda: desk.picture().count(box, lambda *c: c == COLORS[1]) > 300)
     expect_quarters(desk, view)
     desk.shot("cloud")
 
