@@ -16,7 +16,7 @@ sys.path.insert(0, os.path.join(TOP, "tests", "journeys"))
 import desk as desks  # noqa: E402
 import ground  # noqa: E402
 import rectifying  # noqa: E402
-from imagelist import Panel  # noqa: E402
+from imagelist import Panel, seen_view  # noqa: E402
 
 CANVAS = (1060, 620)
 WEST, NORTH, UNIT, SIDE = 40500000.0, 3512600.0, 0.1, 4000  # of the made-up photograph
@@ -30,6 +30,7 @@ class Photographer(desks.Desk):
         self.folder = os.path.join(tempfile.gettempdir(), "survey")
         os.mkdir(self.folder, 0o700)
         self.log_path = self.path("log.txt")
+        self.options = []
 
     def take(self, name, window=None):
         """The program's window with what lies over it, or a dialog, when nothing changes any more."""
@@ -51,9 +52,9 @@ class Photographer(desks.Desk):
         return path
 
     def settle(self):
-        """What was asked for is drawn when the program answers again."""
-        self.enter("REGEN")
-        self.view()
+        """The command line has nothing but this."""
+        for _ in range(4):
+            self.enter("REGEN")
 
 
 def window(desk):
@@ -69,13 +70,13 @@ def window(desk):
         desk.click_pixel(place)
         desk.wait_prompt("Next point")
     desk.enter("C")
-    desk.click_pixel(tuple((a + b) / 2 for a, b in zip(*places[:2])))
-    grip = tuple(round(v) for v in places[0])
-    desks.wait_until("grip", lambda: desk.picture().at(*grip) == (0, 127, 255))
+    edge = desk.view().ground(tuple((a + b) / 2 for a, b in zip(*places[:2])))
     desk.key("ctrl+1", "ctrl+2")
+    place = seen_view(desk, (3, 5)).pixel(edge)
     desk.settle()
-    desk.click_pixel(tuple((a + b) / 2 for a, b in zip(*places[:2])))
-    desk.settle()
+    desk.click_pixel(place)
+    grip = tuple(round(v) for v in place)
+    desks.wait_until("choice", lambda: desk.picture().at(*grip)[2] > 200)
     desk.take("window")
 
 
@@ -89,8 +90,8 @@ def panel(desk, name="panel", language="ENU"):
     desk.enter("SETVAR LOCALE " + language)
     list_of_images = Panel(desk)
     label = list_of_images.item(first, "label")
-    for line in ("ZOOM E", "SetImageClarityRatio 1", "ZOOM E"):
-        desk.enter(line)
+    desk.enter("ZOOM E")
+    desk.settle()
     desk.click_pixel(label, button=3)
     desks.wait_until("menu", lambda: desk.picture().at(label[0] + 40, label[1] + 12) != (30, 33, 39))
     desk.key("Down", "Down", "Down", "Down", "Right")

@@ -98,6 +98,8 @@ class Desk:
         self.program = None
         self.middle = None
         self.shots = 0
+        self.away = False  # a dialog has had the focus
+        self.options = ["--stats"]
 
     def path(self, *names):
         return os.path.join(self.folder, *names)
@@ -162,7 +164,7 @@ class Desk:
         self.mark = os.path.getsize(self.log_path)
         self.program = subprocess.Popen(
             [os.path.join(self.bin, "cadhost"), "--profile", self.path("profile"), "--log", self.log_path,
-             "--stats", "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
+             *self.options, "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
             env=self.environment, cwd=self.folder)
         self.children.append(self.program)
         self.window = self.wait_window()
@@ -265,6 +267,10 @@ class Desk:
 
     def enter(self, line, prompt="Command:"):
         """Types a line and waits for the prompt that follows."""
+        if self.away:
+            # Keys between the end of a dialog and the return of the focus go astray.
+            wait_until("focus", lambda: self.run(["xdotool", "getactivewindow"]).strip() == self.window)
+            self.away = False
         self.began = self.skip()
         self.type(line, "Return")
         if prompt is not None:

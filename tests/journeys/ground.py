@@ -41,6 +41,7 @@ def content(path):
 
 
 def dialog(desk, title):
+    desk.away = True
     return wait_until(f"dialog {title!r}", lambda: desk.run(
         ["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split())[0]
 

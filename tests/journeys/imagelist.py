@@ -60,11 +60,11 @@ def make_second(desk, first, name="second.tif"):
     return path
 
 
-def seen_view(desk):
+def seen_view(desk, tenths=(5, 8)):
     """The view, found by asking for the ground under two places: the panel takes room from the canvas."""
     shape = dict(re.findall(r"(\w+)=(\d+)", desk.run(["xdotool", "getwindowgeometry", "--shell", desk.window])))
     places = [(int(shape["X"]) + int(shape["WIDTH"]) * p // 10, int(shape["Y"]) + int(shape["HEIGHT"]) * 4 // 10)
-              for p in (5, 8)]
+              for p in tenths]
     grounds = []
     for place in places:
         desk.enter("ID", "Point:")

@@ -48,6 +48,7 @@ def serve(desk, images):
 
 
 def dialog(desk, title):
+    desk.away = True
     found = wait_until(f"dialog {title!r}", lambda: desk.run(
         ["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"]).split())[0]
     desk.run(["xdotool", "windowactivate", "--sync", found])
