@@ -1,14 +1,10 @@
 #include "faultserver.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+
+#include "sockets.h"
 
 namespace tarn::test {
 namespace {
@@ -26,7 +22,8 @@ std::string redirectTo(const std::string& target) {
 }  // namespace
 
 FaultServer::FaultServer(std::string file) : file_(std::move(file)) {
-  listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  startSockets();
+  listener_ = static_cast<int>(::socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -42,7 +39,7 @@ FaultServer::~FaultServer() {
   ending_ = true;
   if (acceptor_.joinable()) acceptor_.join();
   for (std::thread& thread : threads_) thread.join();
-  ::close(listener_);
+  closeSocket(listener_);
 }
 
 void FaultServer::setFile(std::string file) {
@@ -53,9 +50,8 @@ void FaultServer::setFile(std::string file) {
 
 void FaultServer::listen() {
   while (!ending_) {
-    pollfd waiting{listener_, POLLIN, 0};
-    if (::poll(&waiting, 1, kStepMs) <= 0) continue;
-    const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    if (!canRead(listener_, kStepMs)) continue;
+    const int connection = static_cast<int>(::accept(listener_, nullptr, nullptr));
     if (connection < 0) continue;
     ++connections_;
     threads_.emplace_back([this, connection] { serve(connection); });
@@ -65,10 +61,9 @@ void FaultServer::listen() {
 void FaultServer::serve(int connection) {
   std::string request;
   while (!ending_) {
-    pollfd waiting{connection, POLLIN, 0};
-    if (::poll(&waiting, 1, kStepMs) <= 0) continue;
+    if (!canRead(connection, kStepMs)) continue;
     char bytes[4096];
-    const ssize_t count = ::recv(connection, bytes, sizeof bytes, 0);
+    const auto count = ::recv(connection, bytes, sizeof bytes, 0);
     if (count <= 0) break;
     request.append(bytes, static_cast<size_t>(count));
     if (request.find("\r\n\r\n") == std::string::npos) continue;
@@ -83,13 +78,12 @@ void FaultServer::serve(int connection) {
     afterwards(connection, reply.after);
     break;
   }
-  ::close(connection);
+  closeSocket(connection);
 }
 
 void FaultServer::send(int connection, const std::string& bytes) const {
   for (size_t sent = 0; sent < bytes.size() && !ending_;) {
-    const ssize_t count =
-        ::send(connection, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    const auto count = ::send(connection, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
     if (count <= 0) return;
     sent += static_cast<size_t>(count);
   }
@@ -98,14 +92,14 @@ void FaultServer::send(int connection, const std::string& bytes) const {
 void FaultServer::afterwards(int connection, Reply::After after) const {
   if (after == Reply::After::kReset) {
     const linger hard{1, 0};
-    ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+    ::setsockopt(connection, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&hard),
+                 sizeof hard);
   }
   std::string more(after == Reply::After::kEndless ? 1 << 20 : 1, 'x');
   if (after == Reply::After::kEndlessHead) more = "X-More: " + std::string(30000, 'x') + "\r\n";
   while (!ending_ && after != Reply::After::kClose && after != Reply::After::kReset) {
-    pollfd waiting{connection, POLLIN, 0};
     char byte = 0;
-    if (::poll(&waiting, 1, kStepMs) > 0 && ::recv(connection, &byte, 1, MSG_DONTWAIT) <= 0) return;
+    if (canRead(connection, kStepMs) && ::recv(connection, &byte, 1, 0) <= 0) return;
     if (after == Reply::After::kStall) continue;
     if (::send(connection, more.data(), more.size(), MSG_NOSIGNAL) <= 0) return;
     if (after == Reply::After::kDrip) rest();
