@@ -5,6 +5,10 @@ if(CMAKE_CROSSCOMPILING)
   # The drive by which the emulator shows this machine's files.
   set(TARN_RUN_ROOT "Z:")
 endif()
+# A host of 32 bits may give its programs more than 2 GiB of addresses.
+if(MINGW)
+  target_link_options(tarn_options INTERFACE -Wl,--large-address-aware)
+endif()
 set(deps $ENV{TARN_WIN32_DEPS})
 if(deps)
   file(GLOB libraries ${deps}/bin/*.dll ${deps}/qt/bin/Qt5*.dll)
