@@ -28,10 +28,10 @@ Status StagedFile::write(const std::string& path, std::string_view bytes) {
 }
 
 Status StagedFile::commit() {
-  if (!isNamed_) {
-    if (Status status = file_.nameIt(temporary_); !status) return status;
-    isNamed_ = true;
-  }
+  // Closed in either case: not every system renames what is open.
+  Status closed = isNamed_ ? file_.finish() : file_.nameIt(temporary_);
+  if (!closed) return closed;
+  isNamed_ = true;
   Status status = replaceFile(temporary_, target_);
   // Renamed, even when the folder could not be synced afterwards.
   isInPlace_ = status.isOk() || fileKind(temporary_) == FileKind::kMissing;

@@ -108,6 +108,12 @@ function(tarn_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES} ${ARG_POSIX})
   tarn_target(${name})
+  if(WIN32)
+    # Compiled once, run once: what counts is the code under test.
+    target_compile_options(${name} PRIVATE -O0)
+    # M_PI, which is POSIX's.
+    target_compile_definitions(${name} PRIVATE _USE_MATH_DEFINES)
+  endif()
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest GTest::gtest_main ${ARG_LIBS})
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests BUILD_RPATH ${TARN_BIN_DIR})

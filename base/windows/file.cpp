@@ -5,6 +5,7 @@
 #include <aclapi.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cwchar>
 #include <random>
 
@@ -73,6 +74,32 @@ OVERLAPPED placeAt(uint64_t offset) {
   return place;
 }
 
+/// Moves a file out of the way: to where temporary files are, or else beside itself.
+std::wstring moveAside(const std::wstring& path) {
+  static std::atomic<unsigned> number{0};
+  std::wstring folder(MAX_PATH + 1, L'\0');
+  folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()));
+  const std::wstring name =
+      L"tarn-gone-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(++number);
+  const size_t own = path.rfind(L'\\');
+  for (const std::wstring& place : {folder, path.substr(0, own == path.npos ? 0 : own + 1)}) {
+    if (::MoveFileExW(path.c_str(), (place + name).c_str(), 0) != 0) return place + name;
+  }
+  return {};
+}
+
+/// The name is free afterwards, also when somebody reads the file.
+bool removeFile(const std::wstring& path) {
+  const HANDLE alone =
+      ::CreateFileW(path.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+  if (alone != INVALID_HANDLE_VALUE) return ::CloseHandle(alone) != 0;
+  if (::GetLastError() != ERROR_SHARING_VIOLATION) return false;
+  // A file that is open keeps its name until it is closed.
+  const std::wstring aside = moveAside(path);
+  return !aside.empty() && ::DeleteFileW(aside.c_str()) != 0;
+}
+
 constexpr size_t kMostAtOnce = 1 << 30;
 
 }  // namespace
@@ -134,7 +161,7 @@ bool removeName(const std::string& path) {
   if ((attributes & FILE_ATTRIBUTE_READONLY) != 0)
     ::SetFileAttributesW(wide.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
   return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? ::RemoveDirectoryW(wide.c_str()) != 0
-                                                      : ::DeleteFileW(wide.c_str()) != 0;
+                                                      : removeFile(wide);
 }
 
 bool linkName(const std::string& path, const std::string& name) {

@@ -70,7 +70,7 @@ TEST_F(WindowsFiles, DevicesAreNoFiles) {
   }
 }
 
-TEST_F(WindowsFiles, WhatIsOpenCanBeReplacedAndKeepsItsOldBytes) {
+TEST_F(WindowsFiles, WhatIsOpenCanBeReplacedAndRemovedAndKeepsItsBytes) {
   const std::string path = folder_ + "\\open.tif", beside = folder_ + "\\new.tif";
   ASSERT_TRUE(writeFileAtomically(path, "old"));
   ASSERT_TRUE(writeFileAtomically(beside, "new"));
@@ -82,6 +82,15 @@ TEST_F(WindowsFiles, WhatIsOpenCanBeReplacedAndKeepsItsOldBytes) {
   ASSERT_TRUE(reader.readAt(0, bytes, 3));
   EXPECT_EQ(std::string(bytes, 3), "old");
   EXPECT_EQ(readFile(path, 10).value(), "new");
+  ASSERT_TRUE(reader.open(path));
+  EXPECT_TRUE(writeFileAtomically(path, "newer"));
+  // What is removed is gone, and its folder can go, while somebody still reads it.
+  ASSERT_TRUE(reader.open(path));
+  EXPECT_TRUE(removeAll(path));
+  EXPECT_EQ(fileKind(path), FileKind::kMissing);
+  ASSERT_TRUE(reader.readAt(0, bytes, 3));
+  EXPECT_EQ(std::string(bytes, 3), "new");
+  EXPECT_TRUE(listFolder(folder_).empty());
 }
 
 TEST_F(WindowsFiles, MarksAgainstWritingAreHeededAndDoNotKeepWhatIsRemoved) {
