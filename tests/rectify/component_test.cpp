@@ -1,6 +1,7 @@
 // The component between dialog and drawing: runs, second rectifications, what is stored.
 #include <limits>
 
+#include "base/file.h"
 #include "tests/rectify/fixture.h"
 
 namespace tarn::rectify {
@@ -284,7 +285,7 @@ TEST_F(Component, ImagesThatCannotBeOpenedOrAreGone) {
   EXPECT_TRUE(image->storedState().empty());
   ASSERT_TRUE(image->openImage(path_, nullptr));
   const auto source = kel::Object<IImageDivision>::adopt(image->imageSource());
-  std::remove(path_.c_str());
+  ASSERT_TRUE(removeAll(path_));
   std::vector<unsigned char> cells(300, 7);
   EXPECT_FALSE(source->readRegion(0, 0, 10, 10, 1, 1, cells.data()));
   EXPECT_EQ(cells, std::vector<unsigned char>(300, 0));
