@@ -1,6 +1,7 @@
 // A tree of the host as a widget. The host's tree holds the state; this shows it and hands on what
 // the user does.
 #include <QApplication>
+#include <QDockWidget>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -96,6 +97,13 @@ class TreeWidget final : public QTreeWidget {
   void mouseMoveEvent(QMouseEvent*) override {}
   void mouseReleaseEvent(QMouseEvent*) override {}
   void contextMenuEvent(QContextMenuEvent* event) override { event->accept(); }
+  /// It is called as the bar in which it stands.
+  void showEvent(QShowEvent* event) override {
+    for (const QWidget* up = parentWidget(); up != nullptr; up = up->parentWidget()) {
+      if (qobject_cast<const QDockWidget*>(up) != nullptr) setAccessibleName(up->windowTitle());
+    }
+    QTreeWidget::showEvent(event);
+  }
 
   void keyPressEvent(QKeyEvent* event) override {
     WPARAM key = 0;

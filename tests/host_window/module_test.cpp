@@ -1,6 +1,7 @@
 // The window over the real module: its commands, images of several drawings, closing.
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -139,6 +140,20 @@ TEST_F(ModuleTest, EveryCommandStandsInAMenuAndOnABar) {
     modules += name == "rectifyimage" || name == "openimagelist" ? 1 : 0;
   }
   EXPECT_EQ(modules, 2) << "the module's own are among them";
+}
+
+TEST_F(ModuleTest, ThePanelIsReachedByKeysAndItsControlsHaveNames) {
+  enter("OpenImageList");
+  window_->commandLine().input().setFocus();
+  wait(50);
+  expectNames(*window_);
+  const auto* tree = window_->findChild<QTreeWidget*>();
+  ASSERT_NE(tree, nullptr);
+  for (int i = 0; i < 4 && QApplication::focusWidget() != tree; ++i) {
+    QTest::keyClick(window_->windowHandle(), Qt::Key_F6);
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(QApplication::focusWidget(), tree);
 }
 
 TEST_F(ModuleTest, EachDrawingHasItsImagesAndClosingAsksForEach) {
