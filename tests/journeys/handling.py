@@ -1,6 +1,7 @@
 """Journeys of the hand: Escape everywhere and nonsense; a drawing made by the keyboard alone, in Chinese."""
 from desk import check, wait_until
-from ground import EAST, NORTH, SOUTH, WEST, answer_dialog, content, dialog, expect_quarters, make_drawing, make_image, save
+from ground import EAST, NORTH, SOUTH, WEST, answer_dialog, content, dialog, expect_quarters, make_drawing, make_image
+from imagelist import Panel
 
 
 def escape_walk(desk):
@@ -108,6 +109,13 @@ def keyboard(desk):
     desk.skip()
     desk.key("ctrl+l")
     desk.wait_prompt("Command:")
+    # From the command line to the text above it and on to the list; who types a command is back.
+    for shown in (False, True):
+        desk.key("F6", "F6", "Down")
+        desk.skip()
+        desk.key("space")
+        desk.wait_prompt("Command:")
+        check(Panel(desk).rows() == [(shown, image)], f"the image is shown: {not shown}")
     desk.key("ctrl+1")
     desk.shot("drawn")
     desk.skip()
