@@ -94,6 +94,10 @@ class IRectifyDialog : public kel::IObject {
   virtual bool restoreState(const kel::List<double>& numbers) = 0;
   /// How exportImage fills pixels: 0 nearest, 1 bilinear (the start).
   virtual void setExportResampling(int mode) = 0;
+  /// What the coefficients of quality() take for a point given like a control point's source: a
+  /// rectification that is computed anew is fitted to the image as it was before it. False where
+  /// there is no such place.
+  virtual bool sourceOfFit(double x, double y, double& outX, double& outY) = 0;
 
  protected:
   ~IRectifyDialog() = default;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cmath>
+#include <utility>
 
 #include "inc/kvalues.h"
 
@@ -97,6 +98,36 @@ enum class RectifyHint {
   kNoCheck
 };
 
+/// What was probably typed wrong in one place of one row: its coordinates are to be exchanged, then
+/// whole millions (a zone's prefix) to be added.
+struct RectifyChange {
+  int row = 0;  ///< from 0
+  bool isTarget = true;
+  bool swaps = false;
+  double addEast = 0;
+  double addNorth = 0;
+
+  void applyTo(double& east, double& north) const {
+    if (swaps) std::swap(east, north);
+    east += addEast;
+    north += addNorth;
+  }
+};
+
+/// A slip of the pen that would explain why the points do not fit: exchanged axes, a zone's prefix
+/// missing or too much, in all rows or in some.
+struct RectifyRepair {
+  /// Nothing when there is no such explanation.
+  List<RectifyChange> changes;
+  /// Root mean square of the Helmert residuals before and after, which differ more than a
+  /// hundredfold; both are 0 when only the image's place speaks for it: all targets lie a zone's
+  /// prefix away from it.
+  double rmseBefore = 0;
+  double rmseAfter = 0;
+  /// Sources whose y runs downwards would explain it as well.
+  bool isMirroredToo = false;
+};
+
 /// How good the fit of the control points is, in drawing units.
 struct RectifyQuality {
   /// 0 good, 1 not solvable, 2 weak.
@@ -114,6 +145,7 @@ struct RectifyQuality {
   /// Source positions where one more point helps most, best first.
   PointList suggested;
 
+  int pointCount = 0;
   /// Number of coordinates beyond those that the method needs; 0 means that nothing is checked.
   int redundancy = 0;
   double rmse = 0;
@@ -126,8 +158,7 @@ struct RectifyQuality {
   double condition = 0;
   /// How much one unit of picking error grows in the worst image corner.
   double cornerFactor = 0;
-  /// East and north of the targets seem to be exchanged.
-  bool targetsSwapped = false;
+  RectifyRepair repair;
 
   /// X then Y, of x' = (x - centre[0]) / centre[2], y' = (y - centre[1]) / centre[2]; the results
   /// are multiplied by centre[5] and (centre[3], centre[4]) is added. Terms in the order 1, x, y,

@@ -28,7 +28,7 @@ QT_WIDGETS = re.compile(
     r"ComboBox|TableWidget|ProgressBar|Layout|VBoxLayout|HBoxLayout|GridLayout|Splitter|Completer)$)")
 QT_GUI = re.compile(
     r"^(QtGui/|Q(GuiApplication|Painter|PainterPath|Image|Pixmap|Color|Font|FontMetrics|FontMetricsF|"
-    r"FontDatabase|Pen|Brush|Transform|Polygon|PolygonF|PdfWriter|Icon|Screen|Window|"
+    r"FontDatabase|Pen|Brush|Transform|Polygon|PolygonF|PdfWriter|TextDocument|TextBlock|Icon|Screen|Window|"
     r"KeyEvent|MouseEvent|WheelEvent|DropEvent|DragEnterEvent|Cursor|KeySequence)$)")
 # Where systems may be told apart and called.
 SYSTEM_ROOMS = ("base", "host", "commoncode/crashreport")

@@ -13,6 +13,7 @@
 #include "_image/rectify/fadebar.h"
 #include "_image/rectify/modekeys.h"
 #include "_image/rectify/pointrecovery.h"
+#include "commoncode/fitreport/fitreport.h"
 #include "ui_rectifydialog.h"
 
 using tarn::image::DrawingWatch;
@@ -59,6 +60,7 @@ rectifyDialog* rectifyDialog::request() {
 
 rectifyDialog::rectifyDialog() : m_form(std::make_unique<Ui::rectifyDialog>()) {
   m_form->setupUi(this);
+  nameOwnWidgets();
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_QuitOnClose, false);
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -114,7 +116,10 @@ void rectifyDialog::connectWidgets() {
   connect(m_form->checkPoint, &QPushButton::clicked, this, &rectifyDialog::toggleCheckPoint);
   connect(m_form->undoTable, &QPushButton::clicked, this, [this] { stepRows(true); });
   connect(m_form->redoTable, &QPushButton::clicked, this, [this] { stepRows(false); });
-  connect(m_form->swapTargets, &QPushButton::clicked, this, &rectifyDialog::swapTargets);
+  connect(m_form->repairPoints, &QPushButton::clicked, this, &rectifyDialog::repairPoints);
+  connect(m_form->writeReport, &QPushButton::clicked, this, &rectifyDialog::writeReport);
+  connect(m_form->drawArrows, &QPushButton::clicked, this, &rectifyDialog::drawResidualArrows);
+  connect(m_form->eraseArrows, &QPushButton::clicked, this, &rectifyDialog::eraseResidualArrows);
   connect(m_form->recoverPoints, &QPushButton::clicked, this, &rectifyDialog::recoverRows);
 }
 
@@ -149,6 +154,7 @@ void rectifyDialog::setImage(std::unique_ptr<RectifySession> session) {
   m_form->redoTable->setEnabled(false);
   offerRecovery();
   forgetQuality();
+  arrowsChanged();
 }
 
 void rectifyDialog::showModal(bool isModal) {

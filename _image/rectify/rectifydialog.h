@@ -26,6 +26,10 @@ class QTableWidgetItem;
 namespace Ui {
 class rectifyDialog;
 }
+namespace tarn::fitreport {
+struct FitReport;
+struct ReportRow;
+}  // namespace tarn::fitreport
 
 /// At most one at a time, a window without a parent, deleted when it is closed.
 class rectifyDialog : public QDialog {
@@ -131,13 +135,22 @@ class rectifyDialog : public QDialog {
   void showQuality();
   void forgetQuality();
   void markWorstRow(int worst);
-  void swapTargets();
   void note(const QString& text);
 
   // Seeing a preview (rectifydialog_preview.cpp).
   void setComparing(bool isOn);
   void previewChanged();
   void takePreviewBack();
+
+  // Results (rectifydialog_results.cpp).
+  void nameOwnWidgets();
+  std::optional<tarn::fitreport::FitReport> fittedReport();
+  void writeReport();
+  std::optional<double> arrowFactor(const std::vector<tarn::fitreport::ReportRow>& rows);
+  void drawResidualArrows();
+  void eraseResidualArrows();
+  void arrowsChanged();
+  void repairPoints();
 
   void pickInto(QLineEdit* east, QLineEdit* north);
   void exportTo(const std::wstring& path, const std::string& format);
@@ -150,6 +163,7 @@ class rectifyDialog : public QDialog {
   QRect m_unfolded;
   tarn::image::PairMarkers m_markers;
   tarn::image::TableHistory m_history;
+  kel::RectifyRepair m_repair;  ///< what repairPoints() would do
   /// Length of the residual of each fitted row after the last computation, in ground units.
   std::vector<double> m_residuals;
   int m_status = 0;

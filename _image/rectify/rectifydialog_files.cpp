@@ -4,12 +4,14 @@
 
 #include "_image/binding/progressscope.h"
 #include "_image/rectify/boxes.h"
+#include "_image/rectify/dialogtext.h"
 #include "_image/rectify/rectifydialog.h"
 #include "_image/settarnprogress.h"
 #include "afxwin.h"
 #include "base/text.h"
 #include "ui_rectifydialog.h"
 
+using tarn::image::dialogText;
 using tarn::image::ImportedPoints;
 
 namespace {
@@ -17,11 +19,14 @@ namespace {
 constexpr DWORD kFileOptions = OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT;
 
 QString importNote(const ImportedPoints& imported) {
-  if (imported.points.empty()) return "文件中没有有效的控制点，表格未改变。";
-  QString text = QString("已导入 %1 个控制点").arg(imported.points.size());
-  if (imported.skippedLines > 0) text += QString("，跳过 %1 行").arg(imported.skippedLines);
-  if (imported.hasMore) text += "，其后的行未读取";
-  return text + "。";
+  if (imported.points.empty())
+    return dialogText("文件中没有有效的控制点，表格未改变。",
+                      "The file has no control points; the table is as it was.");
+  QString text = dialogText("已导入 %1 个控制点", "%1 points imported").arg(imported.points.size());
+  if (imported.skippedLines > 0)
+    text += dialogText("，跳过 %1 行", ", %1 lines skipped").arg(imported.skippedLines);
+  if (imported.hasMore) text += dialogText("，其后的行未读取", ", the lines behind them not read");
+  return text + dialogText("。", ".");
 }
 
 /// "tif" or "img" of a path by what stands behind its last dot; empty for everything else.
@@ -60,7 +65,9 @@ void rectifyDialog::on_out_rectify_image_clicked() {
   const std::wstring path = dialog.GetPathName().GetString();
   const std::string format = formatOf(path);
   if (format.empty()) {
-    tarn::image::plainBox(QString::fromStdWString(path) + "：只能导出为 tif、tiff 或 img 文件。");
+    tarn::image::plainBox(QString::fromStdWString(path) +
+                          dialogText("：只能导出为 tif、tiff 或 img 文件。",
+                                     ": can be a tif, tiff or img file only."));
     return;
   }
   if (!computeResiduals(true)) {

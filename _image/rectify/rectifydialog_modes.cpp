@@ -2,8 +2,11 @@
 #include <cmath>
 
 #include "_image/rectify/boxes.h"
+#include "_image/rectify/dialogtext.h"
 #include "_image/rectify/rectifydialog.h"
 #include "ui_rectifydialog.h"
+
+using tarn::image::dialogText;
 
 namespace {
 
@@ -30,7 +33,7 @@ rectifyDialog::PlacementChange rectifyDialog::typedChange() {
 
 rectifyDialog::PlacementChange rectifyDialog::typedMove() {
   if (!isNumberOrEmpty(m_form->lineEdit_X_move) || !isNumberOrEmpty(m_form->lineEdit_Y_move)) {
-    note("平移距离不是数字。");
+    note(dialogText("平移距离不是数字。", "A distance is not a number."));
     return {};
   }
   double dX = typedNumber(m_form->lineEdit_X_move);
@@ -68,7 +71,7 @@ rectifyDialog::PlacementChange rectifyDialog::typedRotation() {
     return {};
   }
   if (!isNumberOrEmpty(m_form->lineEdit_rotate_degree)) {
-    note("旋转角度不是数字。");
+    note(dialogText("旋转角度不是数字。", "The angle is not a number."));
     return {};
   }
   const AcGePoint3d base = *m_rotatePoint;
@@ -85,7 +88,8 @@ rectifyDialog::PlacementChange rectifyDialog::typedMirror() {
   const AcGePoint3d from = *m_mirrorLine[0];
   const AcGePoint3d to = *m_mirrorLine[1];
   if (from.x == to.x && from.y == to.y) {
-    note("镜像线的两点相同，不能确定直线。");
+    note(dialogText("镜像线的两点相同，不能确定直线。",
+                    "Both points of the mirror line are the same."));
     return {};
   }
   return [=](kel::RectifyPlacement& placement) { placement.mirror(from.x, from.y, to.x, to.y); };

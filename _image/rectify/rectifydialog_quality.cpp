@@ -3,11 +3,12 @@
 #include <QColor>
 #include <QTableWidgetItem>
 
-#include "_image/rectify/qualitytext.h"
+#include "_image/rectify/dialogtext.h"
 #include "_image/rectify/rectifydialog.h"
 #include "ui_rectifydialog.h"
 
-using tarn::image::roundedText;
+using tarn::fitreport::roundedText;
+using tarn::image::dialogText;
 
 namespace {
 
@@ -23,7 +24,8 @@ void rectifyDialog::note(const QString& text) {
 void rectifyDialog::forgetQuality() {
   m_form->label_rmse->setText("RMSE：–");
   m_form->label_s0->setText("s0：–");
-  m_form->swapTargets->hide();
+  m_repair = {};
+  m_form->repairPoints->hide();
   note({});
   markWorstRow(-1);
 }
@@ -43,22 +45,15 @@ void rectifyDialog::showQuality() {
   const kel::RectifyQuality quality = m_session->component().quality();
   const std::vector<size_t> places = tarn::image::fittedRows(tableRows());
   const bool isSolved = quality.status != 1;
-  m_form->label_rmse->setText(isSolved ? "RMSE：" + roundedText(quality.rmse) : "RMSE：–");
-  m_form->label_s0->setText(!isSolved                ? QString("s0：–")
-                            : quality.redundancy > 0 ? "s0：" + roundedText(quality.s0)
-                                                     : QString("s0：无多余观测，未检核"));
+  m_form->label_rmse->setText(isSolved ? "RMSE：" + roundedText(quality.rmse) : QString("RMSE：–"));
+  m_form->label_s0->setText(!isSolved ? QString("s0：–")
+                            : quality.redundancy > 0
+                                ? "s0：" + roundedText(quality.s0)
+                                : dialogText("s0：无多余观测，未检核", "s0：nothing is checked"));
   const bool hasWorst =
       quality.worstPoint >= 0 && static_cast<size_t>(quality.worstPoint) < places.size();
   markWorstRow(hasWorst ? static_cast<int>(places[static_cast<size_t>(quality.worstPoint)]) : -1);
-  m_form->swapTargets->setVisible(quality.targetsSwapped);
-  note(tarn::image::qualityText(quality, places));
-}
-
-void rectifyDialog::swapTargets() {
-  tarn::image::TableRows rows = tableRows();
-  if (rows.empty()) return;
-  rowsWillChange();
-  for (tarn::image::TableRow& row : rows) std::swap(row.point.targetEast, row.point.targetNorth);
-  showRows(rows);
-  rowsChanged();
+  m_repair = quality.repair;
+  m_form->repairPoints->setVisible(!m_repair.changes.empty());
+  note(tarn::fitreport::fitText(quality, places, tarn::image::textLanguage()));
 }

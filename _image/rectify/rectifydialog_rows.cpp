@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "_image/rectify/boxes.h"
+#include "_image/rectify/dialogtext.h"
 #include "_image/rectify/pointrecovery.h"
 #include "_image/rectify/rectifydialog.h"
 #include "ui_rectifydialog.h"
@@ -111,7 +112,10 @@ void rectifyDialog::markCheckRow(int row, bool isCheck) {
     font.setItalic(isCheck);
     table.item(row, column)->setFont(font);
   }
-  table.item(row, kNumber)->setToolTip(isCheck ? QStringLiteral("检核点，不参与计算") : QString());
+  table.item(row, kNumber)
+      ->setToolTip(isCheck
+                       ? tarn::image::dialogText("检核点，不参与计算", "Check point, not fitted")
+                       : QString());
 }
 
 void rectifyDialog::rowsWillChange() {

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "app/tarnpoints/pointreport.h"
 #include "base/file.h"
 #include "base/path.h"
 #include "base/program.h"
 #include "base/text.h"
-#include "components/rectify/advice.h"
 #include "components/rectify/pointfile.h"
 #include "components/rectify/quality.h"
 
@@ -23,6 +23,7 @@ constexpr const char* kMethods[] = {"cubic", "quadratic", "linear", "affine", "h
 
 constexpr const char* kHelp =
     "usage: tarnpoints --fit cubic|quadratic|linear|affine|helmert FILE [--at X,Y]...\n"
+    "                  [--report FILE.pdf [--language en|zh]]\n"
     "       tarnpoints FROM TO\n"
     "\n"
     "Control points are read from a QGIS .points file, or from lines of source x, source y,\n"
@@ -32,6 +33,10 @@ constexpr const char* kHelp =
     "                     solvable, 2 weak), coefficients, residuals, rmse, s0; exit 1 when the\n"
     "                     status is not 0\n"
     "  --at X,Y           a source point to be transformed\n"
+    "  --report FILE.pdf  writes a survey report: method, parameters, accuracy, points, "
+    "residuals;\n"
+    "                     points that take no part in the fit are check points\n"
+    "  --language en|zh   of the report (en)\n"
     "  FROM TO            converts; TO ends in .points (QGIS) or .txt (four numbers a line)\n";
 
 int complain(const std::string& message) {
@@ -108,7 +113,28 @@ std::string pointsAt(const Assessment& assessment, const std::vector<PlanePoint>
   return out + "]";
 }
 
-int fit(int method, const std::string& path, const std::vector<PlanePoint>& at) {
+std::string repairOf(const kel::RectifyRepair& repair) {
+  if (repair.changes.empty()) return "null";
+  std::string out = "[";
+  for (const kel::RectifyChange& change : repair.changes)
+    out += std::string(out.size() > 1 ? ", " : "") +
+           "{\"point\": " + std::to_string(change.row + 1) + ", \"of\": \"" +
+           (change.isTarget ? "target" : "source") +
+           "\", \"swap\": " + (change.swaps ? "true" : "false") +
+           ", \"add\": " + json(std::vector<double>{change.addEast, change.addNorth}) + "}";
+  return out + "]";
+}
+
+/// What is asked of a fit.
+struct FitOrder {
+  int method = -1;
+  std::vector<PlanePoint> at;
+  std::string report;
+  fitreport::Language language = fitreport::Language::kEnglish;
+};
+
+int fit(const FitOrder& order, const std::string& path) {
+  const int method = order.method;
   auto file = load(path);
   if (!file) return complain(file.message());
   const std::vector<PointPair> pairs = file.value().enabledPairs();
@@ -124,9 +150,15 @@ int fit(int method, const std::string& path, const std::vector<PlanePoint>& at) 
       ", \"redundancy\": " + std::to_string(q.redundancy) +
       ", \"condition\": " + json(q.condition) + ", \"corner_factor\": " + json(q.cornerFactor) +
       ", \"worst_point\": " + (q.worstPoint < 0 ? "null" : std::to_string(q.worstPoint + 1)) +
-      ", \"targets_swapped\": " + (q.targetsSwapped ? "true" : "false") +
-      ", \"advice\": " + json(adviceOf(q)) + ", \"at\": " + pointsAt(a, at) + "}\n";
+      ", \"repair\": " + repairOf(q.repair) + ", \"advice\": " +
+      json(fitreport::fitText(q, {}, fitreport::Language::kEnglish).toStdString()) +
+      ", \"at\": " + pointsAt(a, order.at) + "}\n";
   std::fputs(out.c_str(), stdout);
+  if (!order.report.empty()) {
+    const Status written =
+        points::writePointReport(file.value(), path, method, a, order.language, order.report);
+    if (!written) return complain(written.message());
+  }
   return q.status == 0 ? kDone : kFailed;
 }
 
@@ -159,9 +191,8 @@ int main(int count, char** words) {
   makeWriteFailuresErrors();
   prepareStandardStreams();
   const std::vector<std::string> arguments = programArguments(count, words);
-  int method = -1;
+  FitOrder order;
   std::vector<std::string> files;
-  std::vector<PlanePoint> at;
   for (size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
     const std::string value = i + 1 < arguments.size() ? arguments[i + 1] : "";
@@ -175,13 +206,24 @@ int main(int count, char** words) {
     }
     if (argument == "--fit") {
       for (int m = 0; m < 5; ++m)
-        if (value == kMethods[m]) method = m;
-      if (method < 0) return usage("--fit needs a method, not \"" + value + "\"");
+        if (value == kMethods[m]) order.method = m;
+      if (order.method < 0) return usage("--fit needs a method, not \"" + value + "\"");
       ++i;
     } else if (argument == "--at") {
       PlanePoint p;
       if (!parseAt(value, p)) return usage("--at needs X,Y, not \"" + value + "\"");
-      at.push_back(p);
+      order.at.push_back(p);
+      ++i;
+    } else if (argument == "--report") {
+      if (toLower(extensionOf(value)) != ".pdf")
+        return usage("--report needs a file that ends in .pdf, not \"" + value + "\"");
+      order.report = value;
+      ++i;
+    } else if (argument == "--language") {
+      if (value != "en" && value != "zh")
+        return usage("--language needs en or zh, not \"" + value + "\"");
+      order.language =
+          value == "zh" ? fitreport::Language::kChinese : fitreport::Language::kEnglish;
       ++i;
     } else if (argument.size() > 1 && argument[0] == '-') {
       return usage("unknown option " + argument);
@@ -189,8 +231,9 @@ int main(int count, char** words) {
       files.push_back(argument);
     }
   }
-  if (method >= 0)
-    return files.size() == 1 ? fit(method, files[0], at) : usage("--fit needs one file");
-  if (files.size() != 2 || !at.empty()) return usage("two files are needed to convert");
+  if (order.method >= 0)
+    return files.size() == 1 ? fit(order, files[0]) : usage("--fit needs one file");
+  if (!order.report.empty()) return usage("--report needs --fit");
+  if (files.size() != 2 || !order.at.empty()) return usage("two files are needed to convert");
   return convert(files[0], files[1]);
 }

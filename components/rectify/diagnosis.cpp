@@ -137,18 +137,6 @@ double nearestOf(const std::vector<PointPair>& pairs, PlanePoint p) {
   return nearest;
 }
 
-double squaresOf(const std::vector<PointPair>& pairs) {
-  const Solution solution = solve(Method::kHelmert, pairs);
-  if (!solution.fit) return -1;
-  double sum = 0;
-  for (const PointPair& pair : pairs) {
-    const PlanePoint p = solution.fit->at(pair.source);
-    sum += (p.x - pair.target.x) * (p.x - pair.target.x) +
-           (p.y - pair.target.y) * (p.y - pair.target.y);
-  }
-  return sum;
-}
-
 }  // namespace
 
 PlaceFault explainSources(Method method, const std::vector<PlanePoint>& sources) {
@@ -232,15 +220,6 @@ std::vector<int> farTargets(const std::vector<PointPair>& pairs) {
   for (size_t i = 0; i < pairs.size(); ++i)
     if (usual > 0 && away[i] > kThousandfold * usual) rows.push_back(static_cast<int>(i));
   return rows;
-}
-
-bool targetsLookSwapped(const std::vector<PointPair>& pairs) {
-  constexpr double kHundredfold = 1e4;
-  if (pairs.size() < 3) return false;
-  std::vector<PointPair> swapped = pairs;
-  for (PointPair& pair : swapped) std::swap(pair.target.x, pair.target.y);
-  const double own = squaresOf(pairs), other = squaresOf(swapped);
-  return own > 0 && other >= 0 && own > kHundredfold * other;
 }
 
 }  // namespace tarn::rectify

@@ -32,8 +32,4 @@ std::vector<PlanePoint> suggestPlaces(Method method, const std::vector<PlanePoin
 /// The rows whose targets lie a thousand times as far from the middle one as half of them do.
 std::vector<int> farTargets(const std::vector<PointPair>& pairs);
 
-/// True when exchanging east and north of the targets lowers the Helmert residuals more than a
-/// hundredfold.
-bool targetsLookSwapped(const std::vector<PointPair>& pairs);
-
 }  // namespace tarn::rectify

@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "components/rectify/diagnosis.h"
+#include "components/rectify/repair.h"
 
 namespace tarn::rectify {
 namespace {
@@ -204,6 +205,7 @@ Assessment assess(Method method, const std::vector<PointPair>& pairs, const Imag
   result.solution = solve(method, pairs);
   result.residuals.assign(pairs.size(), {kNone, kNone});
   RectifyQuality& quality = result.quality;
+  quality.pointCount = static_cast<int>(pairs.size());
   quality.condition = result.solution.condition;
   quality.redundancy = std::max(0, 2 * static_cast<int>(pairs.size()) - unknownCount(method));
   const bool solved = result.solution.fit && isFinite(*result.solution.fit);
@@ -227,7 +229,10 @@ Assessment assess(Method method, const std::vector<PointPair>& pairs, const Imag
     for (const PlanePoint& p : suggestPlaces(method, sources, outline))
       quality.suggested.push_back({p.x, p.y, 0.0});
   }
-  quality.targetsSwapped = targetsLookSwapped(pairs);
+  // Factors of their own, also below 0, are the linear method's; the others have no mirrored
+  // images.
+  const bool fitsAsItIs = method == Method::kLinear && quality.status == kGood;
+  quality.repair = findRepair(pairs, outline, fitsAsItIs ? quality.rmse : HUGE_VAL);
   return result;
 }
 

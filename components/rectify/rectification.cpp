@@ -245,6 +245,14 @@ void Rectification::setExportResampling(int mode) {
   exportResampling_ = mode == 0 ? 0 : 1;
 }
 
+bool Rectification::sourceOfFit(double x, double y, double& outX, double& outY) {
+  const auto p = session_.sourceOfFit({x, y});
+  if (!p) return false;
+  outX = p->x;
+  outY = p->y;
+  return true;
+}
+
 std::shared_ptr<const Picture> Rectification::picture() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   return picture_;

@@ -50,6 +50,7 @@ class Rectification final : public kel::Implements<Rectification, IRectifyDialog
   kel::List<double> storedState() override;
   bool restoreState(const kel::List<double>& numbers) override;
   void setExportResampling(int mode) override;
+  bool sourceOfFit(double x, double y, double& outX, double& outY) override;
 
   /// For the image source. What is drawn now; null without an image. From any thread.
   std::shared_ptr<const Picture> picture() const;

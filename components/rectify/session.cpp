@@ -154,6 +154,12 @@ void Session::setControlPoints(const kel::PointList& sources, const kel::PointLi
   const size_t below = accepted_.layers.size() - (replacesLast_ ? 1 : 0);
   const Chain base = chainOf(below);
   assessment_ = assess(layer.method, layer.pairs, outlineOf(base));
+  // Its changes would be of other numbers than those that were handed in.
+  kel::RectifyRepair& repair = assessment_.quality.repair;
+  const bool touchesSources =
+      std::any_of(repair.changes.begin(), repair.changes.end(),
+                  [](const kel::RectifyChange& change) { return !change.isTarget; });
+  if (replacesLast_ && touchesSources) repair = {};
   if (!lost.empty()) {
     assessment_.quality.fault = kel::RectifyFault::kSourceLost;
     assessment_.quality.faultPoints = lost;
@@ -210,6 +216,12 @@ std::optional<PlanePoint> Session::transformed(PlanePoint p) const {
   const auto under = underLast(p);
   if (!under) return std::nullopt;
   return (preview_ ? trial_->step.fit : accepted_.layers.back().step.fit).at(*under);
+}
+
+std::optional<PlanePoint> Session::sourceOfFit(PlanePoint p) const {
+  if (!std::isfinite(p.x) || !std::isfinite(p.y)) return std::nullopt;
+  if ((trial_ && !replacesLast_) || accepted_.layers.empty()) return p;
+  return underLast(p);
 }
 
 kel::List<double> Session::stored() const {

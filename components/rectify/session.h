@@ -52,6 +52,8 @@ class Session {
 
   /// Where the fit takes a point given like a source.
   std::optional<PlanePoint> transformed(PlanePoint p) const;
+  /// What the fit takes for a point given like a source.
+  std::optional<PlanePoint> sourceOfFit(PlanePoint p) const;
   /// As drawn now.
   const Chain& drawn() const { return preview_ ? previewChain_ : acceptedChain_; }
 

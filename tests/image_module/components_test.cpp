@@ -61,6 +61,7 @@ class NotingRectify final : public kel::Implements<NotingRectify, IRectifyDialog
   kel::List<double> storedState() override { return {}; }
   bool restoreState(const kel::List<double>&) override { return false; }
   void setExportResampling(int) override {}
+  bool sourceOfFit(double, double, double&, double&) override { return false; }
 
  private:
   kel::RectifyPlacement placement_;

@@ -186,6 +186,7 @@ TEST(Slots, RectificationAndConversion) {
       SLOT(IRectifyDialog, storedState, 31),
       SLOT(IRectifyDialog, restoreState, 32),
       SLOT(IRectifyDialog, setExportResampling, 33),
+      SLOT(IRectifyDialog, sourceOfFit, 34),
       SLOT(IRectifyDialogMaker, showDialog, 4),
       SLOT(IBatchImageConversion, convertImage, 4),
       SLOT(IBatchImageConversion, buildPyramid, 5),

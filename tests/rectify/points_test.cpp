@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "components/rectify/pointfile.h"
 #include "tests/raster/testimages.h"
 #include "tests/support/program.h"
@@ -113,20 +114,25 @@ TEST_F(Tarnpoints, BadFilesAndPointsAreTold) {
     int exitCode;
     const char* text;
   };
-  const Row table[] = {{{"--fit", "helmert", same}, 1, "same source"},
-                       {{"--fit", "affine", line}, 1, "one line"},
-                       {{"--fit", "affine", away}, 0, "\"status\": 0"},
-                       {{"--fit", "affine", none}, 1, "none.txt: holds no control point"},
-                       {{"--fit", "affine", scratch_ / "missing"}, 1, "missing"},
-                       {{"--fit", "affine", scratch_.folder()}, 1, "tarnpoints: "},
-                       {{"--fit", "spline", line}, 2, "not \"spline\""},
-                       {{"--fit", "affine", line, "--at", "1;2"}, 2, "needs X,Y"},
-                       {{"--fit", "affine"}, 2, "one file"},
-                       {{"--what"}, 2, "unknown option"},
-                       {{}, 2, "usage"},
-                       {{"--help"}, 0, "usage"},
-                       {{line, scratch_ / "x.csv"}, 1, ".points or .txt only"},
-                       {{line, scratch_ / "nowhere/x.points"}, 1, "nowhere"}};
+  const Row table[] = {
+      {{"--fit", "helmert", same}, 1, "same source"},
+      {{"--fit", "affine", line}, 1, "one line"},
+      {{"--fit", "affine", away}, 0, "\"status\": 0"},
+      {{"--fit", "affine", none}, 1, "none.txt: holds no control point"},
+      {{"--fit", "affine", scratch_ / "missing"}, 1, "missing"},
+      {{"--fit", "affine", scratch_.folder()}, 1, "tarnpoints: "},
+      {{"--fit", "spline", line}, 2, "not \"spline\""},
+      {{"--fit", "affine", line, "--at", "1;2"}, 2, "needs X,Y"},
+      {{"--fit", "affine"}, 2, "one file"},
+      {{"--fit", "affine", line, "--report", "x.doc"}, 2, "ends in .pdf"},
+      {{"--fit", "affine", line, "--report", scratch_ / "nowhere/x.pdf"}, 1, "nowhere"},
+      {{"--fit", "affine", line, "--language", "xx"}, 2, "en or zh"},
+      {{line, line, "--report", "x.pdf"}, 2, "needs --fit"},
+      {{"--what"}, 2, "unknown option"},
+      {{}, 2, "usage"},
+      {{"--help"}, 0, "usage"},
+      {{line, scratch_ / "x.csv"}, 1, ".points or .txt only"},
+      {{line, scratch_ / "nowhere/x.points"}, 1, "nowhere"}};
   for (const Row& row : table) {
     const test::Outcome outcome = run(row.arguments);
     EXPECT_EQ(outcome.exitCode, row.exitCode) << row.text << ": " << outcome.output;
@@ -136,6 +142,46 @@ TEST_F(Tarnpoints, BadFilesAndPointsAreTold) {
   EXPECT_EQ(run({line, there}).exitCode, 0);
   EXPECT_EQ(run({there, back}).exitCode, 0);
   EXPECT_EQ(run({"--fit", "linear", back}).exitCode, run({"--fit", "linear", line}).exitCode);
+}
+
+/// Two hundred points about a survey's places, one of which takes no part, one without its prefix.
+std::string manyPoints() {
+  std::string text = "mapX,mapY,sourceX,sourceY,enable,dX,dY,residual\n";
+  for (int i = 0; i < 200; ++i) {
+    const double x = 40500000 + 31.0 * (i % 20), y = 3500000 + 47.0 * (i / 20.0);
+    const double prefix = i == 150 ? 40e6 : 0;
+    text += formatDouble(x + 10 + 0.01 * (i % 3) - prefix) + "," + formatDouble(y - 5) + "," +
+            formatDouble(x) + "," + formatDouble(y) + (i == 7 ? ",0" : ",1") + ",0,0,0\n";
+  }
+  return text;
+}
+
+TEST_F(Tarnpoints, ReportsOnPagesWithRepeatedHeads) {
+  const std::string points = write("测区.points", manyPoints());
+  const std::string pdf = scratch_ / "report.pdf";
+  const std::vector<std::string> command = {"--fit", "helmert", points, "--report", pdf};
+  const test::Outcome outcome = run(command);
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  EXPECT_THAT(outcome.output, HasSubstr("\"point\": 150, \"of\": \"target\""));
+  EXPECT_THAT(outcome.output, HasSubstr("lack the zone prefix 40"));
+  const auto pagesOf = [&] {
+    const test::Outcome text = test::runProgram("/usr/bin/pdftotext", {"-layout", pdf, "-"});
+    EXPECT_EQ(text.exitCode, 0) << text.output;
+    return split(text.output, '\f');
+  };
+  std::vector<std::string> pages = pagesOf();
+  ASSERT_GE(pages.size(), 6U);
+  const std::string last = "of " + std::to_string(pages.size() - 1);
+  EXPECT_THAT(pages[0], testing::AllOf(HasSubstr("测区.points"), HasSubstr("199"),
+                                       HasSubstr("Page 1 " + last)));
+  for (size_t page = 1; page + 2 < pages.size(); ++page)
+    EXPECT_THAT(pages[page], testing::AllOf(HasSubstr("Target E"), HasSubstr(last))) << page;
+  // The same points make the same pages but for their date.
+  EXPECT_EQ(run(command).exitCode, 0);
+  std::vector<std::string> again = pagesOf();
+  pages.erase(pages.begin());
+  again.erase(again.begin());
+  EXPECT_EQ(pages, again);
 }
 
 }  // namespace

@@ -8,9 +8,9 @@
 
 #include "_image/docdata.h"
 #include "_image/rectify/placementrecord.h"
-#include "_image/rectify/qualitytext.h"
 #include "base/file.h"
 #include "base/text.h"
+#include "commoncode/fitreport/fittext.h"
 #include "tests/rectify_dialog/dialogfixture.h"
 
 namespace {
@@ -18,8 +18,11 @@ namespace {
 using kel::RectifyFault;
 using kel::RectifyHint;
 using kel::RectifyQuality;
-using tarn::image::qualityText;
 using ::testing::HasSubstr;
+
+QString qualityText(const RectifyQuality& quality, const std::vector<size_t>& places) {
+  return tarn::fitreport::fitText(quality, places, tarn::fitreport::Language::kChinese);
+}
 
 TEST(QualityText, IsChineseForEveryFaultAndNamesRowsOfTheTable) {
   struct Row {
@@ -73,9 +76,9 @@ TEST(QualityText, IsChineseForEveryFaultAndNamesRowsOfTheTable) {
   good.suggested = {{40500000.25, 3, 0}, {1}, {5, 6, 0}};
   good.worstPoint = 3;
   good.s0WithoutWorst = 0.25;
-  good.targetsSwapped = true;
-  for (const char* says :
-       {"放大 35 倍", "(40500000.25, 3.00)、(5.00, 6.00)", "去掉第 6 点后 s0 降为 0.25", "互换"})
+  good.repair = {{{3, true, true, 0, 0}}, 12, 0.5, false};
+  for (const char* says : {"放大 35 倍", "(40500000.25, 3.00)、(5.00, 6.00)",
+                           "去掉第 6 点后 s0 降为 0.25", "第 6 点的目标东、北坐标好像互换了"})
     expect(good, says);
 }
 
@@ -97,18 +100,36 @@ class Offers : public tarn::test::DialogTest {
 
 TEST_F(Offers, ToExchangeEastAndNorthOfTargets) {
   for (const auto& [x, y] : corners()) addPair(x, y, y + 10, x - 20);
-  EXPECT_TRUE(find<QPushButton>("swapTargets").isHidden());
+  EXPECT_TRUE(find<QPushButton>("repairPoints").isHidden());
   press("calError");
-  EXPECT_FALSE(find<QPushButton>("swapTargets").isHidden());
+  EXPECT_FALSE(find<QPushButton>("repairPoints").isHidden());
   EXPECT_THAT(advice(), HasSubstr("互换"));
-  press("swapTargets");
-  EXPECT_TRUE(find<QPushButton>("swapTargets").isHidden());
+  press("repairPoints");
+  EXPECT_TRUE(find<QPushButton>("repairPoints").isHidden());
   EXPECT_EQ(cell(0, 3) + " " + cell(0, 4), "1030.5 2259.5");
-  press("calError");
-  EXPECT_TRUE(find<QPushButton>("swapTargets").isHidden());
   for (int row = 0; row < 4; ++row) EXPECT_LT(std::stod(cell(row, 5)), 1e-6);
   press("undoTable");
   EXPECT_EQ(cell(0, 3) + " " + cell(0, 4), "2259.5 1030.5");
+}
+
+// Rows that only check stand between those that are mended.
+TEST_F(Offers, ToMendSingleRowsByTheirPlacesInTheTable) {
+  size_t row = 0;
+  for (const auto& [x, y] : corners()) {
+    const double prefix = row == 2 ? 0 : 40e6;
+    addPair(x, y, prefix + 500000 + x, y);
+    if (row++ == 0) {
+      addPair(x + 3, y + 3, prefix + 500000 + x, y);
+      table().selectRow(1);
+      press("checkPoint");
+    }
+  }
+  press("calError");
+  EXPECT_THAT(advice(), HasSubstr("第 4 点的目标东坐标好像缺少带号 40"));
+  press("repairPoints");
+  EXPECT_EQ(cell(3, 3), "40501050.5");
+  EXPECT_EQ(cell(1, 3), "40501050.5");
+  EXPECT_LT(std::stod(cell(3, 5)), 1e-6);
 }
 
 TEST_F(Offers, ToCheckByPointsThatAreKeptOutOfTheFit) {

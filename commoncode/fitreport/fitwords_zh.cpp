@@ -1,38 +1,12 @@
-#include "_image/rectify/qualitytext.h"
+// The sentences in Chinese.
+#include "commoncode/fitreport/fitwords.h"
 
-#include <QStringList>
-
-namespace tarn::image {
+namespace tarn::fitreport {
 namespace {
 
 using kel::RectifyFault;
 using kel::RectifyHint;
 using kel::RectifyQuality;
-
-constexpr int kMostSuggested = 3;
-constexpr int kMostNamed = 12;
-
-/// Numbers of rows as the table counts them.
-class Rows {
- public:
-  explicit Rows(const std::vector<size_t>& places) : places_(places) {}
-
-  QString number(int point) const {
-    const bool isRow = point >= 0 && static_cast<size_t>(point) < places_.size();
-    return isRow ? QString::number(places_[static_cast<size_t>(point)] + 1) : QString("?");
-  }
-  QString numbers(const kel::List<int>& points) const {
-    QStringList texts;
-    for (const int point : points) {
-      if (texts.size() == kMostNamed) return texts.join("、") + "等";
-      texts << number(point);
-    }
-    return texts.join("、");
-  }
-
- private:
-  const std::vector<size_t>& places_;
-};
 
 QString onCurve(const RectifyQuality& quality, const Rows& rows) {
   if (quality.lines.size() > 1) {
@@ -88,31 +62,49 @@ QString faultText(const RectifyQuality& quality, const Rows& rows) {
   return quality.hint == RectifyHint::kNoCheck ? "点数刚好够用，没有检核。" : QString();
 }
 
-QString suggestionOf(const kel::PointList& suggested) {
-  QStringList places;
-  for (const auto& place : suggested) {
-    if (place.size() < 2 || places.size() >= kMostSuggested) continue;
-    places << QString("(%1, %2)")
-                  .arg(QString::number(place[0], 'f', 2), QString::number(place[1], 'f', 2));
+QString changeText(const ChangedRows& group, bool isOfAll, const Rows& rows) {
+  const kel::RectifyChange& change = group.change;
+  const QString whose =
+      (isOfAll ? QString() : QString("第 %1 点的").arg(rows.numbers(group.rows))) +
+      (change.isTarget ? "目标" : "源");
+  const QString axis = change.addNorth == 0 ? "东坐标" : "北坐标";
+  const bool isAdded = change.addEast + change.addNorth > 0;
+  const QString prefix =
+      QString(isAdded ? "缺少带号 %1" : "多了带号 %1").arg(QString::number(zoneOf(change)));
+  if (!change.swaps) return whose + axis + "好像" + prefix;
+  const QString swapped = whose + "东、北坐标好像互换了";
+  return zoneOf(change) == 0 ? swapped : swapped + "，换回后" + axis + prefix;
+}
+
+QString repairText(const RectifyQuality& quality, const Rows& rows) {
+  const kel::RectifyRepair& repair = quality.repair;
+  if (repair.changes.empty()) return {};
+  QStringList texts;
+  const std::vector<ChangedRows> groups = groupsOf(repair);
+  for (const ChangedRows& group : groups) {
+    const bool isOfAll =
+        groups.size() == 1 && group.rows.size() == static_cast<size_t>(quality.pointCount);
+    texts << changeText(group, isOfAll, rows);
   }
-  return places.isEmpty() ? QString() : "建议在源坐标 " + places.join("、") + " 附近加点。";
+  QString text = texts.join("；");
+  if (repair.rmseBefore == 0) return text + "（与影像现在的位置相比），若非有意请修正。";
+  text += QString("：修正后赫尔默特残差由 %1 降为 %2。")
+              .arg(roundedText(repair.rmseBefore), roundedText(repair.rmseAfter));
+  return repair.isMirroredToo ? text + " 也可能是源北坐标向下增长。" : text;
 }
 
 }  // namespace
 
-QString roundedText(double value) {
-  return QString::number(value, 'g', 6);
-}
-
-QString qualityText(const RectifyQuality& quality, const std::vector<size_t>& places) {
-  const Rows rows(places);
-  QStringList texts{faultText(quality, rows), suggestionOf(quality.suggested)};
+QStringList chineseSentences(const RectifyQuality& quality, const std::vector<size_t>& places) {
+  const Rows rows(places, "、", "等");
+  QStringList texts{faultText(quality, rows)};
+  const QStringList suggested = suggestedPlaces(quality.suggested);
+  if (!suggested.isEmpty()) texts << "建议在源坐标 " + suggested.join("、") + " 附近加点。";
   if (quality.worstPoint >= 0)
     texts << QString("去掉第 %1 点后 s0 降为 %2。")
                  .arg(rows.number(quality.worstPoint), roundedText(quality.s0WithoutWorst));
-  if (quality.targetsSwapped) texts << "目标东、北坐标好像互换了。";
-  texts.removeAll(QString());
-  return texts.join(" ");
+  texts << repairText(quality, rows);
+  return texts;
 }
 
-}  // namespace tarn::image
+}  // namespace tarn::fitreport
