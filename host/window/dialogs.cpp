@@ -94,6 +94,15 @@ std::string filterOf(const FileRequest& request) {
   return filter + "|";
 }
 
+/// What stands before the patterns, in the words of the window.
+QStringList inWords(QStringList filters) {
+  for (QString& filter : filters) {
+    const int patterns = filter.lastIndexOf(" (");
+    filter = hostWords(filter.left(patterns).toStdString()) + filter.mid(patterns);
+  }
+  return filters;
+}
+
 }  // namespace
 
 class DialogBackend::Asking {
@@ -179,7 +188,7 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
                                                : words("Save as"));
   dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
   dialog.setDefaultSuffix(plainExtension(request.defaultExtension));
-  const QStringList filters = dialogFilters(filterOf(request));
+  const QStringList filters = inWords(dialogFilters(filterOf(request)));
   if (!filters.isEmpty()) dialog.setNameFilters(filters);
   if (!request.kinds.empty()) dialog.selectNameFilter(filters[static_cast<int>(request.kind)]);
   const QString initial = QDir::fromNativeSeparators(QString::fromStdString(request.initialName));

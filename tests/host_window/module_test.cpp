@@ -16,6 +16,7 @@
 #include "base/text.h"
 #include "host/editor/documents.h"
 #include "host/editor/modules.h"
+#include "host/editor/picking.h"
 #include "host/window/commandwords.h"
 #include "tests/support/rasters.h"
 #include "windowfixture.h"
@@ -165,6 +166,18 @@ TEST_F(ModuleTest, EachDrawingHasItsImagesAndClosingAsksForEach) {
   EXPECT_EQ(listed(), (QStringList{"a.tif", "b.tif"}));
   EXPECT_TRUE(history().contains("notes.txt: only drawings")) << history().toStdString();
   EXPECT_TRUE(history().contains("/data/plan.dwg: "));
+  // What is shown as chosen is what one sees, not the entity's corners for grips.
+  enter("ZOOM E");
+  const host::EntityIds chosen =
+      host::entitiesInWindow(*app_, {40499900, 3512400}, {40500300, 3512700}, true);
+  ASSERT_EQ(chosen.size(), 1U);
+  for (const host::Outline& outline :
+       host::highlightOf(app_->documents().current(), chosen.front())) {
+    for (const host::PixelPoint& point : outline.points) {
+      EXPECT_TRUE(point.x > -2 && point.x < app_->view().pixelWidth + 2) << point.x;
+      EXPECT_TRUE(point.y > -2 && point.y < app_->view().pixelHeight + 2) << point.y;
+    }
+  }
   enter("NEW");
   wait(50);
   EXPECT_EQ(listed(), QStringList());

@@ -16,6 +16,7 @@
 #include "host/editor/sysvars.h"
 #include "host/ui/menumodel.h"
 #include "host/window/appearance.h"
+#include "host/window/hostwords.h"
 #include "host/window/icons.h"
 #include "host/window/statusarea.h"
 #include "host/window/windowsettings.h"
@@ -64,6 +65,10 @@ TEST_F(AroundTest, TheLanguageFollowsTheVariable) {
   frontEnd_.tellState();
   EXPECT_EQ(title(0), "文件(&F)");
   EXPECT_EQ(state(), "就绪");
+  EXPECT_EQ(host::hostWords("a.dxf has changes that are not saved."), "a.dxf 有未保存的更改。");
+  EXPECT_EQ(host::hostWords("\"x\": this is no HOST or HOST:PORT."),
+            "\"x\"：这不是“主机”或“主机:端口”。");
+  EXPECT_EQ(host::hostWords("A module's own text."), "A module's own text.");
   enter("SETVAR LOCALE ENU");
   EXPECT_EQ(title(0), "&File");
   EXPECT_EQ(state(), "Ready");

@@ -426,5 +426,7 @@ The page has %4 × %5 pixels.</source><translation>打印 %1 × %2 毫米，每�
     <message><source>draw entities over all others</source><translation>将对象置于最前</translation></message>
     <message><source>draw entities over or under others</source><translation>将对象置于其他对象之上或之下</translation></message>
     <message><source>draw entities under all others</source><translation>将对象置于最后</translation></message>
+    <message><source>Drawings</source><translation>图形</translation></message>
+    <message><source>%1 drawing</source><translation>%1 图形</translation></message>
 </context>
 </TS>
