@@ -40,7 +40,9 @@ const char* const kBlocks =
     "0 BLOCK 2 SIGN 70 0 10 0 20 0 "
     "0 SOLID 8 0 10 0 20 0 11 2 21 0 12 0 22 2 13 2 23 2 "
     "0 SOLID 8 0 62 0 10 3 20 0 11 5 21 0 12 3 22 2 13 5 23 2 "
-    "0 SOLID 8 BLUE 10 6 20 0 11 8 21 0 12 6 22 2 13 8 23 2 0 ENDBLK";
+    "0 SOLID 8 BLUE 10 6 20 0 11 8 21 0 12 6 22 2 13 8 23 2 "
+    "0 SOLID 8 0 440 16777216 62 1 10 9 20 0 11 11 21 0 12 9 22 2 13 11 23 2 "
+    "0 LINE 8 0 370 -2 10 0 20 4 11 8 21 4 0 ENDBLK";
 
 class Looks : public testing::Test {
  protected:
@@ -125,6 +127,36 @@ TEST_F(Looks, blocksFollowTheirInsertionAndItsLayer) {
     EXPECT_EQ(at(image, 14, 11), c.byBlock);
     EXPECT_EQ(at(image, 17, 11), c.own);
   }
+}
+
+TEST_F(Looks, weightAndTransparencyByBlock) {
+  const QImage image =
+      picture("", "0 INSERT 8 0 370 200 440 33554559 2 SIGN 10 10 20 10", {"LWDISPLAY 1"});
+  EXPECT_NEAR(thickness(image, 12.5, 14), 8, 1);
+  EXPECT_NEAR(qRed(at(image, 20, 11)), (255 + qRed(kGround)) / 2, 3);
+  EXPECT_NEAR(qGreen(at(image, 20, 11)), qGreen(kGround) / 2, 3);
+}
+
+/// Ten pixels a millimetre: a line of two, and one without a weight of 0.18.
+TEST_F(Looks, weightsOnPaper) {
+  const std::string file = joinPath(folder_.path().toStdString(), "looks.png");
+  picture("",
+          "0 LINE 8 0 370 200 10 0 20 15 11 80 21 15 0 LINE 8 0 10 0 20 0 11 80 21 0 "
+          "0 LINE 8 0 10 0 20 30 11 80 21 30",
+          {"PLOT", "Yes", "Model", "PNG", "100x60", "Millimeters", "Landscape", "0", "Extents",
+           "Fit", "Center", "254", file.c_str(), "Yes", "Yes"});
+  const QImage paper(QString::fromStdString(file));
+  ASSERT_FALSE(paper.isNull());
+  std::vector<int> runs;
+  bool before = false;
+  for (int row = 0; row < paper.height(); ++row) {
+    const bool on = qGray(paper.pixel(paper.width() / 2, row)) < 128;
+    if (on && !before) runs.push_back(0);
+    if (on) ++runs.back();
+    before = on;
+  }
+  ASSERT_EQ(runs.size(), 3u);
+  for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(runs[i], i == 1 ? 20 : 2, 1) << i;
 }
 
 /// Dashes of a unit, and gaps as long, all around a circle and along a line.
