@@ -31,7 +31,7 @@ class ACADHOST_EXPORT AcDbHandle {
 
 /// Names an object of an open drawing. Copied freely. An id kept after its drawing was closed stays
 /// harmless: opening it gives ePermanentlyErased.
-class ACADHOST_EXPORT AcDbObjectId {
+class AcDbObjectId {
  public:
   constexpr AcDbObjectId() = default;
   explicit constexpr AcDbObjectId(AcDbStub* target) : stub_(target) {}
@@ -43,13 +43,13 @@ class ACADHOST_EXPORT AcDbObjectId {
     return *this;
   }
   /// True when it names an object of an open drawing, erased or not.
-  bool isValid() const;
-  bool isErased() const;
+  ACADHOST_EXPORT bool isValid() const;
+  ACADHOST_EXPORT bool isErased() const;
   bool isResident() const { return isValid(); }
   /// Null for an id that is not valid.
-  AcDbDatabase* database() const;
-  AcDbHandle handle() const;
-  const AcRxClass* objectClass() const;
+  ACADHOST_EXPORT AcDbDatabase* database() const;
+  ACADHOST_EXPORT AcDbHandle handle() const;
+  ACADHOST_EXPORT const AcRxClass* objectClass() const;
 
   Adesk::IntDbId asOldId() const { return reinterpret_cast<Adesk::IntDbId>(stub_); }
   AcDbObjectId& setFromOldId(Adesk::IntDbId old) {
