@@ -91,7 +91,8 @@ class Plate {
   const QImage& image() const { return image_; }
 
   void add(const Point* points, size_t count, double spacing) {
-    const int dot = static_cast<int>(std::clamp(spacing * plan_.scale(), 1.0, kWidestDot * 1.0));
+    const int dot =
+        static_cast<int>(std::lround(std::clamp(spacing * plan_.scale(), 1.0, kWidestDot * 1.0)));
     const double shift = (dot - 1) / 2.0;
     const double left = plan_.x0 - device_.left() - shift;
     const double top = plan_.y0 - device_.top() - shift;

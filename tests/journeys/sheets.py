@@ -86,7 +86,7 @@ def plot_model(desk):
     desk.key("Return")
     desk.wait_prompt("Command:")
     check(os.path.exists(paper), "no plot")
-    data = subprocess.run(["pdftoppm", "-r", "50", paper], capture_output=True, check=True).stdout
+    data = subprocess.run(["pdftoppm", "-r", "20", paper], capture_output=True, check=True).stdout
     picture = Picture(data)
     whole = (0, 0, picture.width, picture.height)
     for color in COLORS:
