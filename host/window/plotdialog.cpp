@@ -222,7 +222,10 @@ void PlotDialog::connectAll() {
   for (QCheckBox* box : {fit_, centered_}) connect(box, &QCheckBox::toggled, this, onChange);
   connect(scale_, &QComboBox::editTextChanged, this, onChange);
   connect(dpi_, QOverload<int>::of(&QSpinBox::valueChanged), this, onChange);
-  connect(file_, &QLineEdit::textChanged, this, onChange);
+  // The preview does not show the name.
+  connect(file_, &QLineEdit::textChanged, this, [this] {
+    if (!showing_) tell(readFields(), false);
+  });
   connect(layout_, QOverload<int>::of(&QComboBox::activated), this, [this] { chooseLayout(); });
   connect(device_, QOverload<int>::of(&QComboBox::activated), this, [this] { chooseDevice(); });
   connect(pick_, &QPushButton::clicked, this, [this] { pick(); });
@@ -301,7 +304,7 @@ std::string PlotDialog::readFields() {
 
 void PlotDialog::changed() {
   if (showing_) return;
-  std::string fault = readFields();
+  const std::string fault = readFields();
   const PlotData& s = edited_.settings;
   showing_ = true;
   const bool custom = isCustomPaper();
@@ -326,9 +329,13 @@ void PlotDialog::changed() {
   pick_->setEnabled(shown);
   pick_->setToolTip(shown ? words("Two corners in the drawing")
                           : words("Only in the tab that is shown, outside its viewports"));
+  tell(fault, true);
+}
+
+void PlotDialog::tell(std::string fault, bool redraw) {
   const Result<PlotPlan> plan = planJob(app_, edited_);
   if (fault.empty() && !plan) fault = plan.message();
-  plan ? preview_->show(app_, edited_, plan.value()) : preview_->clear();
+  if (redraw) plan ? preview_->show(app_, edited_, plan.value()) : preview_->clear();
   message_->setText(fault.empty() ? summary(plan.value()) : hostWords(fault));
   message_->setStyleSheet(fault.empty() ? QString() : "color: " + warningOn(palette()).name());
   plot_->setEnabled(fault.empty());

@@ -44,6 +44,8 @@ class PlotDialog : public QDialog {
   void readPaper();
   bool isCustomPaper() const;
   void changed();
+  /// What comes on the paper, or the first fault; with `redraw` also in the preview.
+  void tell(std::string fault, bool redraw);
   void chooseLayout();
   void chooseDevice();
   void browse();

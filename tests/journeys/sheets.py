@@ -80,6 +80,8 @@ def plot_model(desk):
     desk.key("ctrl+p")
     box = dialog(desk, "Plot")
     desk.run(["xdotool", "windowactivate", "--sync", box])
+    desk.key("alt+m", "Tab", "ctrl+a")
+    desk.type("100")
     desk.key("alt+e", "ctrl+a")
     desk.type(paper)
     desk.shot("plot")
