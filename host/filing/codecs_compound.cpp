@@ -228,7 +228,10 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
   const auto& insert = static_cast<const AcDbBlockReference&>(entity);
   const AcDbBlockReference::Placement& placement = insert.placement();
   TagEditor& head = output.head;
-  head.setText(2, recordName(insert.blockTableRecord()));
+  // A block without a name, as old files have, has one in the database only.
+  const bool isSame = output.old != nullptr &&
+                      output.binding.blockOf(output.old->head.text(2)) == insert.blockTableRecord();
+  if (!isSame) head.setText(2, recordName(insert.blockTableRecord()));
   head.setPoint(10, placement.position);
   head.setReal(41, placement.scale.x, 1);
   head.setReal(42, placement.scale.y, 1);
