@@ -109,13 +109,12 @@ def keyboard(desk):
     desk.skip()
     desk.key("ctrl+l")
     desk.wait_prompt("Command:")
+    panel = Panel(desk)
+    panel.item("#2", "label")
     # From the command line to the text above it and on to the list; who types a command is back.
     for shown in (False, True):
-        desk.key("F6", "F6", "Down")
-        desk.skip()
-        desk.key("space")
-        desk.wait_prompt("Command:")
-        check(Panel(desk).rows() == [(shown, image)], f"the image is shown: {not shown}")
+        desk.key("F6", "F6", "Down", "space")
+        wait_until("the box to be switched", lambda wanted=shown: panel.rows() == [(wanted, image)])
     desk.key("ctrl+1")
     desk.shot("drawn")
     desk.skip()
