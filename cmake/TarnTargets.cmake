@@ -111,6 +111,7 @@ function(tarn_test name)
   if(WIN32)
     # Compiled once, run once: what counts is the code under test.
     target_compile_options(${name} PRIVATE -O0)
+    add_dependencies(win32 ${name})
     # M_PI, which is POSIX's.
     target_compile_definitions(${name} PRIVATE _USE_MATH_DEFINES)
   endif()

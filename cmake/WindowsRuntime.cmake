@@ -9,6 +9,8 @@ endif()
 if(MINGW)
   target_link_options(tarn_options INTERFACE -Wl,--large-address-aware)
 endif()
+# What ./test --win32 builds: the tests of tests/CMakeLists.txt for Windows, and the programs named there.
+add_custom_target(win32)
 set(deps $ENV{TARN_WIN32_DEPS})
 if(deps)
   file(GLOB libraries ${deps}/bin/*.dll ${deps}/qt/bin/Qt5*.dll)

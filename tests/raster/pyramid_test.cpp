@@ -193,7 +193,7 @@ class Staleness : public ::testing::Test {
   bool has() const { return openImage(path_)->hasPyramid({scratch_.folder(), ""}); }
   size_t levels() const { return openImage(path_)->levelCount(); }
   void setTime(const std::string& path, int64_t seconds) {
-    const utimbuf times{time_t(seconds), time_t(seconds)};
+    utimbuf times{time_t(seconds), time_t(seconds)};
     ASSERT_EQ(utime(path.c_str(), &times), 0);
   }
   void buildForeign(const char* compression) {
