@@ -43,7 +43,8 @@ void addArrow(ArrowSketch& sketch, double x, double y, double dx, double dy, dou
 }
 
 std::string rounded(double value) {
-  return fitreport::roundedText(value).toStdString();
+  constexpr int kDigits = 3;
+  return QString::number(value, 'g', kDigits).toStdString();
 }
 
 AcDbObjectId layerOf(AcDbDatabase* database) {

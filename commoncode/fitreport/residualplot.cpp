@@ -122,9 +122,11 @@ double extentOf(const std::vector<ReportRow>& rows) {
 }
 
 double exaggerationFor(const std::vector<ReportRow>& rows) {
-  constexpr double kPart = 0.1;
+  constexpr double kMost = 0.2;
   const double longest = longestResidual(rows);
-  const double round = longest > 0 ? roundBelow(kPart * extentOf(rows) / longest) : 0;
+  // Points that are spread evenly lie so far apart.
+  const double part = std::min(kMost, 1 / std::sqrt(std::max<double>(1, rows.size())));
+  const double round = longest > 0 ? roundBelow(part * extentOf(rows) / longest) : 0;
   return round > 0 ? round : 1;
 }
 

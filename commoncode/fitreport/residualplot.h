@@ -15,8 +15,8 @@ namespace tarn::fitreport {
 /// 0.
 double roundBelow(double value);
 
-/// How often residuals are to be enlarged, so that the longest arrow takes a tenth of the targets'
-/// extent: a round number, 1 when they are all 0.
+/// How often residuals are to be enlarged, so that the longest arrow is no longer than points lie
+/// apart, and than a fifth of their extent: a round number, 1 when they are all 0.
 double exaggerationFor(const std::vector<ReportRow>& rows);
 
 /// The larger side of the box of the targets.
