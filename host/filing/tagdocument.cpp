@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 
 #include "base/text.h"
@@ -10,7 +11,7 @@ namespace tarn::host {
 
 namespace {
 
-constexpr size_t kMostBytes = size_t{4} << 30;
+constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;
 constexpr int kLowestCode = -5;
 constexpr int kHighestCode = 1071;
 constexpr int kComment = 999;
