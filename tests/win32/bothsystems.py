@@ -119,10 +119,11 @@ def view_to_pixels(side):
 
 
 def drawing_by_script(side):
-    """Commands of every kind around an image in a folder with a Chinese name; saved, opened, saved again."""
+    """Commands of every kind around an image in a folder with a Chinese name; saved, opened, saved again. Letters stand
+    outside the pictures: each system draws its own."""
     lines = ["LAYER M 地块 C 1 地块", "", "LINE %r,%r %r,%r" % (ORIGIN[0] + 5, ORIGIN[1] - 5, ORIGIN[0] + 130, ORIGIN[1] - 90), "",
              "addImage", side.name(IMAGE), "", "CIRCLE %r,%r 22.5" % (ORIGIN[0] + 60, ORIGIN[1] - 40),
-             "SetImageClarityRatio", "2", "TEXT %r,%r 6 15 说明 text" % (ORIGIN[0] + 20, ORIGIN[1] - 60),
+             "SetImageClarityRatio", "2", "TEXT %r,%r 6 15 说明 text" % (ORIGIN[0] - 900, ORIGIN[1] - 900),
              "COPY L", "", "0,0 30,-10", "", "UNDO 1", "EraseInvalidImage", "REGEN", "SAVEAS", side.name("图纸.dxf")]
     first = side.cadhost(view(70, -50, 110) + script(side, lines) + ["--picture", side.name("saved.png")])
     again = side.cadhost(view(50, -40, 60, 20) + ["--picture", side.name("opened.png"), "--save", side.name("again.dxf"),
@@ -135,12 +136,12 @@ def drive_and_separators(side):
     names = [side.name("tifimage/image.tif"), "tifimage/image.tif", side.called + "/tifimage/image.tif"]
     if side.emulator:
         names += ["tifimage\\image.tif", side.called.lower() + "\\tifimage/image.tif"]
-    texts = set()
     for number, name in enumerate(names):
         picture = "named%d.png" % number
-        texts.add(side.cadhost(view(45, -35, 75) + ["--picture", picture, name]))
+        side.cadhost(view(45, -35, 75) + ["--picture", picture, name])
         if number > 0:
             same_picture(side.path("named0.png"), side.path(picture))
+            os.remove(side.path(picture))
     return []
 
 
@@ -252,7 +253,7 @@ def files_of(side):
     for folder, _, names in os.walk(side.folder):
         for name in names:
             path = os.path.relpath(os.path.join(folder, name), side.folder)
-            if not path.startswith("profile"):
+            if not path.startswith("profile") and not path.endswith(".scr"):
                 found.add(path)
     return found
 
@@ -265,7 +266,7 @@ def same_file(name, own, other):
         return True
     if name.endswith((".png", ".tif", ".ovr", ".jpg")):
         same_picture(own.path(name), other.path(name))
-    elif name.endswith((".dxf", ".points", ".txt", ".json", ".prj", ".tfw", ".jgw", ".scr", ".xml")):
+    elif name.endswith((".dxf", ".points", ".txt", ".json", ".prj", ".tfw", ".jgw", ".xml")):
         same_text(name, own.neutral(ours.decode("utf-8")), other.neutral(theirs.decode("utf-8")))
     else:
         raise AssertionError("%s differs" % name)
