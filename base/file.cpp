@@ -70,7 +70,7 @@ Status syncFile(const std::string& path) {
 }
 
 Status giveSecondName(const std::string& path, const std::string& second) {
-  const std::string temporary = second + ".tmp" + std::to_string(processNumber());
+  const std::string temporary = temporaryNameOf(second);
   system::removeName(temporary);
   if (!system::linkName(path, temporary)) return failure(second, "cannot link");
   Status status = replaceFile(temporary, second);

@@ -186,7 +186,8 @@ void drawEntity(AcGiWorldDraw& draw, AcDbEntity& entity, const AcGeMatrix3d& toW
   InheritedLook byLayer = layerZero;
   if (layer != nullptr && entity.database()->layerZero() != entity.layerId()) {
     const ObjectAccess::Look lookAtLayer(*layer);
-    if (layer->isFrozen()) return;
+    const bool plots = draw.context() != nullptr && draw.context()->isPlotGeneration();
+    if (layer->isFrozen() || (plots && !layer->isPlottable())) return;
     byLayer = lookOf(*layer);
   }
   // Of an insertion, what has layers of its own goes on being seen.

@@ -49,6 +49,9 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   state_->textStyleTable = addOwn(*this, new AcDbTextStyleTable);
   state_->regAppTable = addOwn(*this, new AcDbRegAppTable);
   state_->viewTable = addOwn(*this, new AcDbViewTable);
+  state_->dimStyleTable = addOwn(*this, new AcDbDimStyleTable);
+  state_->ucsTable = addOwn(*this, new AcDbUCSTable);
+  state_->viewportTable = addOwn(*this, new AcDbViewportTable);
   state_->namedObjects = addOwn(*this, new AcDbDictionary);
   state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
   state_->currentLayer = state_->layerZero;
@@ -140,6 +143,26 @@ AcDbObjectId AcDbDatabase::viewTableId() const {
 
 Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbViewTable*& table, AcDb::OpenMode mode) {
   return acdbOpenObject(table, state_->viewTable, mode);
+}
+
+AcDbObjectId AcDbDatabase::dimStyleTableId() const {
+  return state_->dimStyleTable;
+}
+AcDbObjectId AcDbDatabase::UCSTableId() const {
+  return state_->ucsTable;
+}
+AcDbObjectId AcDbDatabase::viewportTableId() const {
+  return state_->viewportTable;
+}
+
+Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbDimStyleTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->dimStyleTable, mode);
+}
+Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbUCSTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->ucsTable, mode);
+}
+Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbViewportTable*& table, AcDb::OpenMode mode) {
+  return acdbOpenObject(table, state_->viewportTable, mode);
 }
 
 double AcDbDatabase::ltscale() const {

@@ -74,6 +74,12 @@ void registerDatabaseClasses() {
   AcDbTextStyleTable::rxInit();
   AcDbRegAppTableRecord::rxInit();
   AcDbRegAppTable::rxInit();
+  AcDbDimStyleTableRecord::rxInit();
+  AcDbDimStyleTable::rxInit();
+  AcDbUCSTableRecord::rxInit();
+  AcDbUCSTable::rxInit();
+  AcDbViewportTableRecord::rxInit();
+  AcDbViewportTable::rxInit();
   AcDbViewTableRecord::rxInit();
   AcDbViewTable::rxInit();
   AcDbDictionary::rxInit();

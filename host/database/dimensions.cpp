@@ -8,6 +8,7 @@
 #include "host/database/drawnextents.h"
 #include "host/database/entitysystem.h"
 #include "host/database/fieldfiling.h"
+#include "host/database/mirroring.h"
 #include "host/database/objectaccess.h"
 #include "host/database/plaindimension.h"
 #include "host/geometry/spline.h"
@@ -147,7 +148,9 @@ Acad::ErrorStatus AcDbDimension::subTransformBy(const AcGeMatrix3d& transform) {
     for (const AcDbObjectId& id :
          block.openStatus() == Acad::eOk ? block->entityIds() : AcDbObjectIdArray()) {
       const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
-      if (entity.openStatus() == Acad::eOk) entity->transformBy(transform * place);
+      if (entity.openStatus() == Acad::eOk) {
+        entity->transformBy(tarn::host::legible(*entity.object(), transform * place));
+      }
     }
     // The block's entities now lie where they are seen.
     values_.points[kInsertion] = AcGePoint3d::kOrigin;

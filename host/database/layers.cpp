@@ -111,6 +111,17 @@ void AcDbLayerTableRecord::setIsLocked(bool locked) {
   locked_ = locked;
 }
 
+bool AcDbLayerTableRecord::isPlottable() const {
+  assertReadEnabled();
+  return plottable_;
+}
+
+Acad::ErrorStatus AcDbLayerTableRecord::setIsPlottable(bool plottable) {
+  assertWriteEnabled();
+  plottable_ = plottable;
+  return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const {
   const Acad::ErrorStatus status = AcDbSymbolTableRecord::dwgOutFields(filer);
   if (status != Acad::eOk) return status;
@@ -123,6 +134,7 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgOutFields(AcDbDwgFiler* filer) const 
   filer->writeBool(off_);
   filer->writeBool(frozen_);
   filer->writeBool(locked_);
+  filer->writeBool(plottable_);
   filer->writeInt16(weight_);
   return filer->filerStatus();
 }
@@ -146,6 +158,7 @@ Acad::ErrorStatus AcDbLayerTableRecord::dwgInFields(AcDbDwgFiler* filer) {
   filer->readBool(&off_);
   filer->readBool(&frozen_);
   filer->readBool(&locked_);
+  filer->readBool(&plottable_);
   Adesk::Int16 weight = weight_;
   filer->readInt16(&weight);
   weight_ = static_cast<AcDb::LineWeight>(weight);

@@ -87,6 +87,7 @@ Acad::ErrorStatus AcDbObject::close() {
 }
 
 void AcDbObject::endWrite() {
+  tarn::host::ObjectAccess::forgetState(*this);
   writing_ = false;
   appended_ = false;
   const bool eraseChanged = std::exchange(eraseChanged_, false);
@@ -163,6 +164,7 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (!isResident()) return Acad::eNoDatabase;
   if (!writing_) return Acad::eNotOpenForWrite;
   if (erased_ == erasing) return erasing ? Acad::eWasErased : Acad::eWasNotErased;
+  if (!modified_ && !appended_) tarn::host::ObjectAccess::keepState(*this);
   if (const Acad::ErrorStatus refused = subErase(erasing); refused != Acad::eOk) return refused;
   erased_ = erasing;
   eraseChanged_ = !eraseChanged_;
@@ -178,8 +180,12 @@ void AcDbObject::assertReadEnabled() const {
 void AcDbObject::assertWriteEnabled(Adesk::Boolean /*autoUndo*/, Adesk::Boolean recordModified) {
   if (!isWriteEnabled()) acrx_abort(L"eNotOpenForWrite");
   if (!recordModified || modified_) return;
+  if (!isResident() || appended_ || restoring_ != tarn::host::Restoring::kNot) {
+    modified_ = true;
+    return;
+  }
+  tarn::host::ObjectAccess::keepState(*this);
   modified_ = true;
-  if (!isResident() || appended_ || restoring_ != tarn::host::Restoring::kNot) return;
   tarn::host::ObjectAccess::tellReactors(*this,
                                          [&](AcDbObjectReactor& r) { r.openedForModify(this); });
   tarn::host::ObjectAccess::tell(

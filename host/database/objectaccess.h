@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "dbid.h"
@@ -43,6 +44,9 @@ struct DatabaseState {
   AcDbObjectId textStyleTable;
   AcDbObjectId regAppTable;
   AcDbObjectId viewTable;
+  AcDbObjectId dimStyleTable;
+  AcDbObjectId ucsTable;
+  AcDbObjectId viewportTable;
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
   AcDbObjectId currentLayer;
@@ -55,6 +59,8 @@ struct DatabaseState {
   double pointSize = 0;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
+  /// What objects that are open for write and changed were like before.
+  std::unordered_map<AcDbStub*, std::vector<char>> before;
   std::vector<AcDbDatabaseReactor*> reactors;
 };
 
@@ -131,6 +137,9 @@ class ObjectAccess {
       if (std::find(now.begin(), now.end(), reactor) != now.end()) call(*reactor);
     }
   }
+  /// Keeps what the object is like until it is closed; nothing when that is kept already.
+  static void keepState(AcDbObject& object);
+  static void forgetState(const AcDbObject& object);
   /// Sets the mark of an object that is being restored, without asking the object.
   static void setErased(AcDbObject& object, bool erased) {
     if (object.erased_ != erased) object.eraseChanged_ = !object.eraseChanged_;

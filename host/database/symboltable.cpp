@@ -12,6 +12,12 @@ ACRX_CONS_DEFINE_MEMBERS(AcDbLinetypeTable, AcDbSymbolTable, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbTextStyleTable, AcDbSymbolTable, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTableRecord, AcDbSymbolTableRecord, 0)
 ACRX_CONS_DEFINE_MEMBERS(AcDbRegAppTable, AcDbSymbolTable, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbDimStyleTableRecord, AcDbSymbolTableRecord, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbDimStyleTable, AcDbSymbolTable, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbUCSTableRecord, AcDbSymbolTableRecord, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbUCSTable, AcDbSymbolTable, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbViewportTableRecord, AcDbSymbolTableRecord, 0)
+ACRX_CONS_DEFINE_MEMBERS(AcDbViewportTable, AcDbSymbolTable, 0)
 
 struct AcDbSymbolTableRecord::Definition {
   tarn::host::ResbufItems items;

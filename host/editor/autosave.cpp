@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/path.h"
+#include "base/stagedfile.h"
 #include "base/text.h"
 #include "host/editor/documents.h"
 #include "host/editor/drawingfiles.h"
@@ -18,6 +19,16 @@ namespace {
 constexpr char kFacts[] = ".facts";
 constexpr char kLock[] = "lock";
 constexpr std::uint64_t kMostFacts = 1 << 16;
+
+/// What stands behind it in the names of copies and of their facts has room.
+constexpr size_t kLongestStem = 200;
+
+/// Cut between two letters.
+std::string fitted(const std::string& stem) {
+  size_t end = std::min(stem.size(), kLongestStem);
+  while (end < stem.size() && end > 0 && (stem[end] & 0xC0) == 0x80) --end;
+  return stem.substr(0, end);
+}
 
 std::string factsOf(const std::string& copy) {
   return copy + kFacts;
@@ -71,7 +82,7 @@ Status AutoSave::ownFolder() {
 std::string AutoSave::freeName(const HostDocument& document) const {
   const std::string name = nameOf(document.path());
   const std::string extension = extensionOf(name);
-  const std::string stem = name.substr(0, name.size() - extension.size());
+  const std::string stem = fitted(name.substr(0, name.size() - extension.size()));
   for (int number = 1;; ++number) {
     const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
     std::string path = joinPath(folder_, stem + suffix + ".dxf");
@@ -83,10 +94,15 @@ std::string AutoSave::freeName(const HostDocument& document) const {
 Status AutoSave::copy(HostDocument& document, Copied& state) {
   if (Status status = ownFolder(); !status) return status;
   const std::uint64_t changes = document.changes();
-  auto bytes = document.drawing().bytesForCopy(stateToSave(document));
-  if (!bytes) return bytes.status();
   const std::string path = state.path.empty() ? freeName(document) : state.path;
-  Status status = writeFileAtomically(path, bytes.value());
+  StagedFile file;
+  Status status = file.begin(path);
+  if (status) {
+    status = document.drawing().writeCopy(stateToSave(document),
+                                          [&](std::string_view piece) { return file.add(piece); });
+  }
+  if (status) status = file.finish();
+  if (status) status = file.commit();
   if (status) status = writeFileAtomically(factsOf(path), factsText(document));
   if (!status) return status;
   state.path = path;

@@ -1,5 +1,7 @@
 #include "host/editor/drawingfiles.h"
 
+#include <algorithm>
+
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
@@ -20,6 +22,9 @@ namespace {
 /// Smaller drawings are there before anybody could read what is shown.
 constexpr std::uint64_t kShownFrom = 8 << 20;
 constexpr int kWhole = 100;
+/// Of a drawing that is saved; then the disk takes its time.
+constexpr int kWritten = 90;
+constexpr size_t kShownPiece = 4 << 20;
 
 /// The progress of a large drawing, as long as it lives.
 class FileProgress {
@@ -78,6 +83,26 @@ Status settleVersion(HostApp& app, DrawingFile& drawing) {
     return Status::error(reason + " Nothing was saved.");
   }
   return drawing.makeModern();
+}
+
+/// The old file says how much there will be.
+Status writeWithProgress(HostApp& app, HostDocument& document, const std::string& path) {
+  const std::uint64_t expected = document.times().size;
+  FileProgress progress(app, "Saving", path, expected);
+  return saveDrawing(path, [&](const PieceTaker& take) {
+    std::uint64_t done = 0;
+    return document.drawing().write(stateToSave(document), [&](std::string_view piece) {
+      while (!piece.empty()) {
+        const std::string_view part = piece.substr(0, kShownPiece);
+        if (Status status = take(part); !status) return status;
+        piece.remove_prefix(part.size());
+        done += part.size();
+        progress.move(static_cast<int>(std::min(done, expected) * kWritten /
+                                       std::max<std::uint64_t>(expected, 1)));
+      }
+      return Status();
+    });
+  });
 }
 
 }  // namespace
@@ -141,12 +166,7 @@ Status saveDrawingAs(HostApp& app, HostDocument& document, const std::string& pa
                       {"Yes", "No"}, 1) != 0) {
     return Status::error(path + ": nothing was saved.");
   }
-  constexpr int kBytesMade = 40;
-  FileProgress progress(app, "Saving", path, document.times().size);
-  auto bytes = document.drawing().bytes(stateToSave(document));
-  progress.move(kBytesMade);
-  if (!bytes) return bytes.status();
-  if (Status status = saveDrawing(path, bytes.value()); !status) return status;
+  if (Status status = writeWithProgress(app, document, path); !status) return status;
   document.becameFile(path);
   app.autosave().forget(document);
   app.frontEnd().displayChanged();

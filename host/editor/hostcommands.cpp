@@ -236,6 +236,7 @@ void registerHostCommands() {
       {ACRX_T("LINE"), ACRX_CMD_MODAL, &lineCommand},
       {ACRX_T("LIST"), kOnSelection | ACRX_CMD_REDRAW, &listCommand},
       {ACRX_T("MOVE"), kOnSelection, &moveCommand},
+      {ACRX_T("MIRROR"), kOnSelection, &mirrorCommand},
       {ACRX_T("MREDO"), ACRX_CMD_MODAL, &multipleRedoCommand},
       {ACRX_T("MSPACE"), ACRX_CMD_MODAL, &mspaceCommand},
       {ACRX_T("MVIEW"), ACRX_CMD_MODAL, &mviewCommand},

@@ -54,6 +54,7 @@ void closeCommand();
 void quitCommand();
 void eraseCommand();
 void gripStretchCommand();
+void mirrorCommand();
 void moveCommand();
 void oopsCommand();
 void rotateCommand();

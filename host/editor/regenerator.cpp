@@ -50,12 +50,13 @@ AcDbObjectIdArray entitiesOf(AcDbObjectId block) {
 struct LayerState {
   InheritedLook look{kForeground, {}};
   bool isFrozen = false;
+  bool plots = true;
 };
 
 LayerState stateOf(AcDbObjectId id) {
   const AcDbObjectPointer<AcDbLayerTableRecord> layer(id, AcDb::kForRead);
   if (layer.openStatus() != Acad::eOk) return {};
-  return {lookOf(*layer.object()), layer->isFrozen()};
+  return {lookOf(*layer.object()), layer->isFrozen(), layer->isPlottable()};
 }
 
 LayerState layerOf(const AcDbEntity& entity) {
@@ -94,7 +95,7 @@ bool abortWanted() {
 
 void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool plots) {
   const Scene::Key key = entity.handle().value();
-  if (!isShown(entity, layer)) {
+  if (!isShown(entity, layer) || (plots && !layer.plots)) {
     scene.remove(key);
     return;
   }

@@ -6,6 +6,7 @@
 
 #include "adesk.h"
 #include "base/result.h"
+#include "host/filing/drawingpieces.h"
 
 namespace tarn::host {
 
@@ -17,9 +18,10 @@ ACADHOST_EXPORT bool isBinaryDrawing(std::string_view bytes);
 /// cut off or a code has no known size; a file that ends between two tags is taken as it is.
 ACADHOST_EXPORT Result<std::string> asciiFromBinary(std::string_view bytes,
                                                     const std::string& name);
-/// An ASCII drawing as binary: codes of one byte for R12, of two for later ones; each value of the
-/// type of its code. Comments stay out, other programs refuse them there. An error names the line
-/// of a value that its type cannot hold.
-ACADHOST_EXPORT Result<std::string> binaryFromAscii(std::string bytes, const std::string& name);
+/// Gives an ASCII drawing out as binary: codes of one byte for R12, of two for later ones; each
+/// value of the type of its code. Comments stay out, other programs refuse them there. An error
+/// names the line of a value that its type cannot hold.
+Status giveAsBinary(const DrawingPieces& pieces, const Ground& ground, const std::string& name,
+                    const PieceTaker& take);
 
 }  // namespace tarn::host

@@ -1,4 +1,5 @@
 // The writing of binary drawings.
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -15,36 +16,32 @@ namespace {
 constexpr int kComment = 999;
 constexpr size_t kChunk = 127;
 
+/// The tags of one part of a drawing.
 class Writer {
  public:
   Writer(const TagDocument& document, bool shortCodes)
       : document_(document), shortCodes_(shortCodes) {
     out_.reserve(document.bytes().size());
-    out_ += kBinaryMark;
   }
 
-  /// The sentence says which line cannot be written; empty when all could.
-  std::string write() {
+  /// An error says which line cannot be written; `linesBefore` stand before this part.
+  Status write(size_t linesBefore) {
     const auto count = static_cast<std::uint32_t>(document_.tags().size());
     for (std::uint32_t i = 0; i < count; ++i) {
-      if (document_.tag(i).code != kComment) add(i);
+      const Tag& tag = document_.tag(i);
+      if (tag.code == kComment) continue;
+      const std::optional<BinaryValue> kind = binaryValueOf(tag.code);
+      if (kind && addValue(tag, *kind)) continue;
+      return Status::error("line " + std::to_string(linesBefore + document_.lineOf(i)) + ": \"" +
+                           std::string(document_.word(tag).substr(0, 40)) + "\" of group code " +
+                           std::to_string(tag.code) + " has no place in a binary drawing");
     }
-    return fault_;
+    return {};
   }
 
-  std::string take() { return std::move(out_); }
+  const std::string& bytes() const { return out_; }
 
  private:
-  void add(std::uint32_t index) {
-    if (!fault_.empty()) return;
-    const Tag& tag = document_.tag(index);
-    const std::optional<BinaryValue> kind = binaryValueOf(tag.code);
-    if (kind && addValue(tag, *kind)) return;
-    fault_ = "line " + std::to_string(document_.lineOf(index)) + ": \"" +
-             std::string(document_.word(tag).substr(0, 40)) + "\" of group code " +
-             std::to_string(tag.code) + " has no place in a binary drawing";
-  }
-
   bool addValue(const Tag& tag, BinaryValue kind) {
     const std::string_view word = document_.word(tag);
     switch (kind) {
@@ -137,19 +134,22 @@ class Writer {
   const TagDocument& document_;
   bool shortCodes_;
   std::string out_;
-  std::string fault_;
 };
 
 }  // namespace
 
-Result<std::string> binaryFromAscii(std::string bytes, const std::string& name) {
-  const auto document = TagDocument::parse(std::move(bytes), name);
-  if (!document) return document.status();
-  Writer writer(document.value(), document.value().isOld());
-  if (const std::string fault = writer.write(); !fault.empty()) {
-    return Status::error(name + ": " + fault + ".");
-  }
-  return writer.take();
+Status giveAsBinary(const DrawingPieces& pieces, const Ground& ground, const std::string& name,
+                    const PieceTaker& take) {
+  if (Status status = take(kBinaryMark); !status) return status;
+  size_t lines = 0;
+  return forEachPart(pieces, ground, [&](const TagDocument& part) {
+    Writer writer(part, ground.document.isOld());
+    if (const Status status = writer.write(lines); !status) {
+      return Status::error(name + ": " + status.message() + ".");
+    }
+    lines += static_cast<size_t>(std::count(part.bytes().begin(), part.bytes().end(), '\n'));
+    return take(writer.bytes());
+  });
 }
 
 }  // namespace tarn::host

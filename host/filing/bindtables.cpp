@@ -92,6 +92,7 @@ AcDbSymbolTableRecord* readLayer(const TagView& tags) {
   const int flags = tags.integer(70);
   layer->setIsFrozen((flags & kFrozenFlag) != 0);
   layer->setIsLocked((flags & kLockedFlag) != 0);
+  layer->setIsPlottable(tags.integer(290, 1) != 0);
   // One that is none stays the standard one here, and in the file.
   layer->setLineWeight(static_cast<AcDb::LineWeight>(tags.integer(370, AcDb::kLnWtByLwDefault)));
   return layer;
@@ -104,21 +105,29 @@ struct TableKind {
   AcDbSymbolTableRecord* (*read)(const TagView& tags);
 };
 
+template <class Table>
+AcDbSymbolTable* made() {
+  return new Table;
+}
+/// A record that is known by its name.
+template <class Record>
+AcDbSymbolTableRecord* named(const TagView&) {
+  return new Record;
+}
+
 const TableKind kTables[] = {
-    {"LAYER", &DatabaseState::layerTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbLayerTable); }, readLayer},
-    {"LTYPE", &DatabaseState::linetypeTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbLinetypeTable); }, readLinetypeRecord},
-    {"STYLE", &DatabaseState::textStyleTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbTextStyleTable); }, readStyleRecord},
-    {"APPID", &DatabaseState::regAppTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbRegAppTable); },
-     [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbRegAppTableRecord); }},
-    {"VIEW", &DatabaseState::viewTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbViewTable); }, readViewRecord},
-    {"BLOCK_RECORD", &DatabaseState::blockTable,
-     [] { return static_cast<AcDbSymbolTable*>(new AcDbBlockTable); },
-     [](const TagView&) { return static_cast<AcDbSymbolTableRecord*>(new AcDbBlockTableRecord); }},
+    {"LAYER", &DatabaseState::layerTable, &made<AcDbLayerTable>, readLayer},
+    {"LTYPE", &DatabaseState::linetypeTable, &made<AcDbLinetypeTable>, readLinetypeRecord},
+    {"STYLE", &DatabaseState::textStyleTable, &made<AcDbTextStyleTable>, readStyleRecord},
+    {"APPID", &DatabaseState::regAppTable, &made<AcDbRegAppTable>, &named<AcDbRegAppTableRecord>},
+    {"VIEW", &DatabaseState::viewTable, &made<AcDbViewTable>, readViewRecord},
+    {"DIMSTYLE", &DatabaseState::dimStyleTable, &made<AcDbDimStyleTable>,
+     &named<AcDbDimStyleTableRecord>},
+    {"UCS", &DatabaseState::ucsTable, &made<AcDbUCSTable>, &named<AcDbUCSTableRecord>},
+    {"VPORT", &DatabaseState::viewportTable, &made<AcDbViewportTable>,
+     &named<AcDbViewportTableRecord>},
+    {"BLOCK_RECORD", &DatabaseState::blockTable, &made<AcDbBlockTable>,
+     &named<AcDbBlockTableRecord>},
 };
 
 /// The table object of a kind, bound to the TABLE at `object`, or implied when that is 0.

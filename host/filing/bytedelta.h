@@ -5,10 +5,9 @@
 #include <vector>
 
 #include "adesk.h"
+#include "host/database/objectstate.h"
 
 namespace tarn::host {
-
-using Bytes = std::vector<char>;
 
 /// Positions are compared one by one, so that a list that grew at its end costs only what was
 /// added, whatever its length.

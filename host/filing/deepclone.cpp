@@ -6,10 +6,10 @@
 #include "dbdict.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "host/database/memoryfiler.h"
 #include "host/database/objectaccess.h"
 #include "host/database/resbufitems.h"
 #include "host/filing/entitycodec.h"
-#include "host/filing/memoryfiler.h"
 #include "host/filing/proxies.h"
 
 namespace tarn::host {

@@ -11,8 +11,10 @@
 #include "host/filing/binarydrawing.h"
 #include "host/filing/deepclone.h"
 #include "host/filing/drawingbinding.h"
+#include "host/filing/drawingwriter.h"
 #include "host/filing/olddrawing.h"
 #include "host/filing/proxies.h"
+#include "host/filing/versioner.h"
 
 namespace tarn::host {
 
@@ -62,6 +64,13 @@ bool usesHandles(const TagDocument& document) {
     if (first < entities.endObject) return document.handleOf(first) != 0;
   }
   return false;
+}
+
+PieceTaker gatherIn(std::string& whole) {
+  return [&whole](std::string_view piece) {
+    whole += piece;
+    return Status();
+  };
 }
 
 /// Brings the file that was read back after another one stood in its place.
@@ -211,33 +220,38 @@ Status DrawingFile::makeModern() {
 }
 
 Status DrawingFile::setForm(const SavedForm& form) {
-  const std::string now(binding_->document.version());
+  const TagDocument& document = binding_->document;
+  const std::string now(document.version());
   if (form.version != form_.version && form.version != now) {
-    auto made = asVersion(binding_->document.bytes(), form.version);
-    if (!made) return made.status();
+    if (Status status = canBeVersion(document, form.version); !status) return status;
     // What is written anew follows the version of the ground, which so has to be the later one.
-    if (form.version > now) raiseVersion(*binding_, std::move(made.value().bytes));
+    if (form.version > now) {
+      std::string later;
+      const auto made =
+          giveAsVersion([&](const PieceTaker& take) { return take(document.bytes()); },
+                        {document, binding_->encoding}, form.version, gatherIn(later));
+      if (!made) return made.status();
+      raiseVersion(*binding_, std::move(later));
+    }
   }
   form_ = form;
   return {};
 }
 
-Result<std::string> DrawingFile::inForm(std::string bytes) {
+Status DrawingFile::giveInVersion(const DrawingPieces& pieces, const PieceTaker& take) {
   leftOut_.clear();
-  if (form_.version != binding_->document.version()) {
-    auto made = asVersion(std::move(bytes), form_.version);
-    if (!made) return made.status();
-    bytes = std::move(made.value().bytes);
-    const size_t count = made.value().leftOut;
-    if (count > 0) {
-      leftOut_ = std::to_string(count) + (count == 1 ? " value" : " values") + " that " +
-                 nameOfVersion(form_.version) +
-                 " does not know (true colours, gradients and the like) " +
-                 (count == 1 ? "is" : "are") + " not in the file.";
-    }
+  if (form_.version == binding_->document.version()) return pieces(take);
+  const auto made =
+      giveAsVersion(pieces, {binding_->document, binding_->encoding}, form_.version, take);
+  if (!made) return made.status();
+  const size_t count = made.value();
+  if (count > 0) {
+    leftOut_ = std::to_string(count) + (count == 1 ? " value" : " values") + " that " +
+               nameOfVersion(form_.version) +
+               " does not know (true colours, gradients and the like) " +
+               (count == 1 ? "is" : "are") + " not in the file.";
   }
-  if (!form_.binary) return bytes;
-  return binaryFromAscii(std::move(bytes), "The drawing");
+  return {};
 }
 
 size_t DrawingFile::bindRegisteredClasses() {
@@ -250,28 +264,37 @@ size_t DrawingFile::bindRegisteredClasses() {
   return made + resurrectFiled(database());
 }
 
-Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
+Status DrawingFile::write(const std::optional<OpeningState>& state, const PieceTaker& take) {
   const std::string reason = reasonAgainstVersion();
   if (!reason.empty()) return Status::error(reason + " Nothing was saved.");
-  return inForm(wholeFile(state));
+  const DrawingPieces whole = wholeFile(state);
+  if (!form_.binary) return giveInVersion(whole, take);
+  const DrawingPieces text = [&](const PieceTaker& next) { return giveInVersion(whole, next); };
+  return giveAsBinary(text, {binding_->document, binding_->encoding}, "The drawing", take);
 }
 
-Result<std::string> DrawingFile::bytesForCopy(const std::optional<OpeningState>& state) {
-  if (reasonAgainstVersion().empty()) return wholeFile(state);
+Status DrawingFile::writeCopy(const std::optional<OpeningState>& state, const PieceTaker& take) {
+  if (reasonAgainstVersion().empty()) return wholeFile(state)(take);
   const GroundKeeper keeper(*binding_);
   if (Status status = modernize(*binding_); !status) return status;
-  return wholeFile(state);
+  return wholeFile(state)(take);
 }
 
-std::string DrawingFile::wholeFile(const std::optional<OpeningState>& state) {
-  std::string saved = writeDrawing(*binding_, state);
+Result<std::string> DrawingFile::bytes(const std::optional<OpeningState>& state) {
+  std::string whole;
+  const Status status = write(state, gatherIn(whole));
+  if (!status) return status;
+  return whole;
+}
+
+DrawingPieces DrawingFile::wholeFile(const std::optional<OpeningState>& state) {
+  DrawingPieces pieces = writeDrawing(*binding_, state);
   AcDbObjectId front = binding_->paperSpace;
   if (state && !state->frontSheet.isNull()) front = state->frontSheet;
   if (front.isErased()) front = firstSheet(database());
-  if (front != binding_->paperSpace && !front.isNull()) {
-    saved = withFrontSheet(std::move(saved), front.handle().value());
-  }
-  return saved;
+  if (front == binding_->paperSpace || front.isNull()) return pieces;
+  return withFrontSheet(std::move(pieces), {binding_->document, binding_->encoding},
+                        front.handle().value());
 }
 
 }  // namespace tarn::host

@@ -13,6 +13,7 @@
 #include "base/result.h"
 #include "dbid.h"
 #include "gepnt2d.h"
+#include "host/filing/drawingpieces.h"
 #include "host/filing/savedform.h"
 
 class AcDbDatabase;
@@ -75,23 +76,26 @@ class ACADHOST_EXPORT DrawingFile {
   /// has to be made modern before it gets another version. With an earlier version the session
   /// loses nothing: the file that was read stays the ground of what is written.
   Status setForm(const SavedForm& form);
-  /// What the bytes made last do not hold, for the user; empty when they hold everything.
+  /// What the file written last does not hold, for the user; empty when they hold everything.
   const std::string& leftOut() const { return leftOut_; }
   /// Makes entities of raw ones whose class has been registered since; returns how many.
   size_t bindRegisteredClasses();
 
-  /// The whole file as it is to be saved, with `state` where it differs. An error when an R12 file
-  /// cannot hold what the drawing has now.
-  Result<std::string> bytes(const std::optional<OpeningState>& state = std::nullopt);
+  /// Gives the whole file out as it is to be saved, with `state` where it differs, in pieces: the
+  /// drawing never stands in memory a second time. An error when an R12 file cannot hold what the
+  /// drawing has now, when a value has no place in the form, and when the taker fails.
+  Status write(const std::optional<OpeningState>& state, const PieceTaker& take);
   /// The same in the version of the file and as text, also when that version is R12 and cannot hold
   /// the drawing: it is one of R2000 then. For copies; the session stays as it is.
-  Result<std::string> bytesForCopy(const std::optional<OpeningState>& state);
+  Status writeCopy(const std::optional<OpeningState>& state, const PieceTaker& take);
+  /// What write() gives, in one piece.
+  Result<std::string> bytes(const std::optional<OpeningState>& state = std::nullopt);
 
  private:
   DrawingFile();
   void noteKept();
-  std::string wholeFile(const std::optional<OpeningState>& state);
-  Result<std::string> inForm(std::string bytes);
+  DrawingPieces wholeFile(const std::optional<OpeningState>& state);
+  Status giveInVersion(const DrawingPieces& pieces, const PieceTaker& take);
 
   std::unique_ptr<DrawingBinding> binding_;
   std::vector<std::string> notes_;
@@ -101,13 +105,6 @@ class ACADHOST_EXPORT DrawingFile {
 
 /// Why a drawing of R12 cannot be saved as such; empty when it can.
 std::string reasonAgainstOld(const DrawingBinding& binding);
-/// The file with all changes; see DrawingFile::bytes().
-std::string writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state);
-/// The drawing with another sheet in front: its block is the one of the name *Paper_Space and its
-/// entities stand among those of the model, as programs expect of the sheet that they open with.
-/// What was in front before, if it is still there, takes the other's place. Blocks by the handles
-/// of their records; the bytes as they are when there is no such sheet.
-std::string withFrontSheet(std::string bytes, std::uint64_t block);
 OpeningState drawingState(const DrawingBinding& binding);
 /// The bytes of an empty drawing of a version from R2000 on ("AC1015"). Its handles are below 40.
 ACADHOST_EXPORT std::string newDrawingBytes(std::string_view version);

@@ -24,7 +24,7 @@ std::string backupOf(const std::string& path) {
   return path.substr(0, path.size() - extension.size()) + ".bak";
 }
 
-Status saveDrawing(const std::string& path, std::string_view bytes) {
+Status saveDrawing(const std::string& path, const DrawingPieces& pieces) {
   auto found = linkTarget(path);
   if (!found) return Status::error(found.message() + "; nothing was saved.");
   const std::string target = found.take();
@@ -38,9 +38,13 @@ Status saveDrawing(const std::string& path, std::string_view bytes) {
   removeLeftovers(target);
   removeLeftovers(backupOf(target));
   StagedFile file;
-  if (Status status = file.write(target, bytes); !status) {
-    return Status::error(status.message() + "; nothing was saved.");
+  Status written = file.begin(target);
+  if (written) {
+    const Status given = pieces([&](std::string_view piece) { return written = file.add(piece); });
+    if (written && !given) return given;
   }
+  if (written) written = file.finish();
+  if (!written) return Status::error(written.message() + "; nothing was saved.");
   if (kind == FileKind::kRegular) {
     if (Status status = keepBackup(target); !status) {
       return Status::error(status.message() + "; the backup cannot be kept, nothing was saved.");

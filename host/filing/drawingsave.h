@@ -2,22 +2,23 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "adesk.h"
 #include "base/file.h"
 #include "base/result.h"
+#include "host/filing/drawingpieces.h"
 
 namespace tarn::host {
 
 /// The name of the one backup: the drawing's with ".bak".
 ACADHOST_EXPORT std::string backupOf(const std::string& path);
 
-/// Puts the bytes in the place of what stands at `path`, which stays as its backup: at every moment
+/// Puts a drawing in the place of what stands at `path`, which stays as its backup: at every moment
 /// the old drawing or the new one is there, whole. The new one has the mode of the old, and a
 /// symbolic link goes on naming its file, beside which the backup stands. Refused for a file or a
-/// folder that is read-only; on failure also the earlier backup is there until the new bytes are
+/// folder that is read-only; on failure also the earlier backup is there until the new drawing is
 /// on the disk.
-ACADHOST_EXPORT Status saveDrawing(const std::string& path, std::string_view bytes);
+/// What the pieces say against it is returned as it is.
+ACADHOST_EXPORT Status saveDrawing(const std::string& path, const DrawingPieces& pieces);
 
 }  // namespace tarn::host

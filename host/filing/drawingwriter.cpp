@@ -5,6 +5,8 @@
 #include <memory>
 #include <set>
 
+#include "base/text.h"
+#include "dbblockref.h"
 #include "dbdict.h"
 #include "dblayout.h"
 #include "dbproxy.h"
@@ -14,81 +16,84 @@
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/renamedlayers.h"
 #include "host/filing/tagvalues.h"
 #include "rxclass.h"
 #include "sorttab.h"
 
 namespace tarn::host {
 
-void DrawingEdits::replace(std::uint32_t first, std::uint32_t count, std::string bytes) {
-  edits_.push_back({first, count, std::move(bytes)});
-}
-
-std::string DrawingEdits::apply(const TagDocument& document) const {
-  std::vector<const Edit*> sorted;
-  sorted.reserve(edits_.size());
-  size_t added = 0;
-  for (const Edit& edit : edits_) {
-    sorted.push_back(&edit);
-    added += edit.bytes.size();
-  }
-  // What is inserted comes before what stands there.
-  std::stable_sort(sorted.begin(), sorted.end(), [](const Edit* a, const Edit* b) {
-    return a->first != b->first ? a->first < b->first : a->count == 0 && b->count != 0;
-  });
-  const std::string& bytes = document.bytes();
-  const auto allTags = static_cast<std::uint32_t>(document.tags().size());
-  const auto startOf = [&](std::uint32_t object) {
-    return document.startOf(object < document.objectCount() ? document.tagsOf(object).begin
-                                                            : allTags);
-  };
-  // Behind the last whole tag of a file that was cut off stand only the rests of one.
-  const size_t end = document.isComplete() ? bytes.size() : startOf(document.objectCount());
-  std::string out;
-  out.reserve(bytes.size() + added);
-  size_t at = 0;
-  for (const Edit* edit : sorted) {
-    const size_t start = startOf(edit->first);
-    if (start > at) out.append(bytes, at, start - at);
-    out += edit->bytes;
-    at = std::max(at, std::max(start, startOf(edit->first + edit->count)));
-  }
-  if (end > at) out.append(bytes, at, end - at);
-  return out;
-}
-
 namespace {
 
 class DrawingWriter {
  public:
   explicit DrawingWriter(DrawingBinding& binding)
-      : binding_(binding), document_(binding.document), lineEnd_(document_.lineEnd()) {}
+      : binding_(binding),
+        document_(binding.document),
+        renamed_(binding),
+        lineEnd_(document_.lineEnd()) {}
 
-  std::string write(const std::optional<OpeningState>& state) {
-    for (const BoundObject& bound : binding_.bound) {
-      known_.emplace(bound.id, &bound);
-      anyErased_ = anyErased_ || bound.id.isErased();
+  /// Finds out what differs. Objects that stand in the file are written when they go out.
+  void prepare(const std::optional<OpeningState>& state) {
+    known_.reserve(binding_.bound.size());
+    for (std::uint32_t i = 0; i < binding_.bound.size(); ++i) {
+      const AcDbObjectId id = binding_.bound[i].id;
+      known_.emplace_back(id, i);
+      anyErased_ = anyErased_ || id.isErased();
     }
+    std::sort(known_.begin(), known_.end());
     markNeeded();
-    for (const BoundObject& bound : binding_.bound) writeBound(bound);
+    followRenamedLayers();
+    for (std::uint32_t i = 0; i < binding_.bound.size(); ++i) editBound(i);
     writeNew();
     addClasses();
     if (state && state->view) editActiveView(binding_, *state->view, edits_);
     editHeader(state);
     closeCutOff();
-    return edits_.apply(document_);
+  }
+
+  Status give(const PieceTaker& take) {
+    return edits_.give(document_, take,
+                       [this](std::uint32_t i) { return bytesOf(binding_.bound[i]); });
   }
 
  private:
+  std::string bytesOf(const BoundObject& bound) {
+    const ObjectAccess::Look look(*peek(bound.id));
+    std::string bytes = boundBytes(*peek(bound.id), bound);
+    return renamed_.isEmpty() ? bytes : renamed_.renamed(std::move(bytes));
+  }
+
   std::string tag(int code, std::string_view value) const {
     std::string digits = std::to_string(code);
     digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, ' ');
     return digits + lineEnd_ + std::string(value) + lineEnd_;
   }
 
-  void writeBound(const BoundObject& bound) {
+  /// What names a renamed layer is written anew, whether it is an object here or not.
+  void followRenamedLayers() {
+    if (renamed_.isEmpty()) return;
+    std::vector<bool> isBound(document_.objectCount());
+    for (const BoundObject& bound : binding_.bound) {
+      bool isNamed = false;
+      for (std::uint32_t i = bound.first; i < bound.first + bound.count; ++i) {
+        isBound[i] = true;
+        isNamed = isNamed || renamed_.isNamedIn(i);
+      }
+      AcDbObject* object = peek(bound.id);
+      if (isNamed && object != nullptr) ObjectAccess::setChanged(*object);
+    }
+    for (std::uint32_t i = 0; i < document_.objectCount(); ++i) {
+      if (!isBound[i] && renamed_.isNamedIn(i)) edits_.replace(i, 1, renamed_.renamed(i));
+    }
+  }
+
+  void editBound(std::uint32_t number) {
+    const BoundObject& bound = binding_.bound[number];
     AcDbObject* object = peek(bound.id);
     if (object == nullptr || object->isKindOf(AcDbSymbolTable::desc())) return;
+    // What a viewport of the model shows is written with the view.
+    if (object->isKindOf(AcDbViewportTableRecord::desc())) return;
     if (object->isErased()) {
       edits_.replace(bound.first, bound.count, {});
       if (object->isKindOf(AcDbBlockTableRecord::desc())) removeDefinition(bound.id);
@@ -96,30 +101,39 @@ class DrawingWriter {
     }
     const bool isDictionary = object->isKindOf(AcDbDictionary::desc());
     if (!ObjectAccess::isChanged(bound.id) && !(isDictionary && anyErased_)) return;
-    const ObjectAccess::Look look(*object);
-    std::string bytes;
-    if (const auto* entity = AcDbEntity::cast(object)) {
-      bytes = entityBytes(*entity, &bound);
-    } else if (const auto* layer = AcDbLayerTableRecord::cast(object)) {
-      bytes = writeLayerRecord(binding_, *layer, &bound, 0);
-    } else if (const auto* view = AcDbViewTableRecord::cast(object)) {
-      bytes = writeViewRecord(binding_, *view, &bound, 0);
-    } else if (isDictionary) {
-      bytes = writeDictionary(binding_, *AcDbDictionary::cast(object), &bound);
-    } else if (const auto* record = AcDbXrecord::cast(object)) {
-      bytes = writeRecord(binding_, *record, &bound);
-    } else if (const auto* layout = AcDbLayout::cast(object)) {
-      bytes = writeLayout(binding_, *layout, &bound);
-    } else if (const auto* order = AcDbSortentsTable::cast(object)) {
-      bytes = writeSortTable(binding_, *order, &bound);
+    if (bound.count != 1 && !object->isKindOf(AcDbEntity::desc())) return;
+    // Parts take handles, which the header has to know of.
+    if (bound.count == 1 && !object->isKindOf(AcDbBlockReference::desc())) {
+      edits_.replaceLater(bound.first, bound.count, number);
     } else {
-      if (bound.count != 1) return;
-      TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
-      writeExtension(binding_, *object, &bound, editor);
-      writeFrameMode(*binding_.database, document_.typeOf(bound.first), editor);
-      bytes = editor.bytes();
+      edits_.replace(bound.first, bound.count, bytesOf(bound));
     }
-    edits_.replace(bound.first, bound.count, std::move(bytes));
+  }
+
+  std::string boundBytes(const AcDbObject& object, const BoundObject& bound) {
+    if (const auto* entity = AcDbEntity::cast(&object)) return entityBytes(*entity, &bound);
+    if (const auto* layer = AcDbLayerTableRecord::cast(&object)) {
+      return writeLayerRecord(binding_, *layer, &bound, 0);
+    }
+    if (const auto* view = AcDbViewTableRecord::cast(&object)) {
+      return writeViewRecord(binding_, *view, &bound, 0);
+    }
+    if (const auto* dictionary = AcDbDictionary::cast(&object)) {
+      return writeDictionary(binding_, *dictionary, &bound);
+    }
+    if (const auto* record = AcDbXrecord::cast(&object)) {
+      return writeRecord(binding_, *record, &bound);
+    }
+    if (const auto* layout = AcDbLayout::cast(&object)) {
+      return writeLayout(binding_, *layout, &bound);
+    }
+    if (const auto* order = AcDbSortentsTable::cast(&object)) {
+      return writeSortTable(binding_, *order, &bound);
+    }
+    TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
+    writeExtension(binding_, object, &bound, editor);
+    writeFrameMode(*binding_.database, document_.typeOf(bound.first), editor);
+    return editor.bytes();
   }
 
   /// What stood in an erased block goes with it, also what nobody here understands.
@@ -143,10 +157,9 @@ class DrawingWriter {
     while (at != nullptr) {
       const AcDbObjectId source = ObjectAccess::copiedFrom(*at);
       if (source.isNull() || source.database() != binding_.database.get()) return nullptr;
-      const auto found = known_.find(source);
-      if (found != known_.end()) {
-        const std::string_view type = document_.typeOf(found->second->first);
-        return codecOf(type, entity) != nullptr ? found->second : nullptr;
+      if (const BoundObject* found = known(source)) {
+        const std::string_view type = document_.typeOf(found->first);
+        return codecOf(type, entity) != nullptr ? found : nullptr;
       }
       at = peek(source);
     }
@@ -200,6 +213,15 @@ class DrawingWriter {
     return editor.bytes() + output.parts;
   }
 
+  /// What stands in the file for an object; null for a new one.
+  const BoundObject* known(AcDbStub* slot) const {
+    const auto found = std::lower_bound(
+        known_.begin(), known_.end(), slot,
+        [](const auto& entry, const AcDbStub* wanted) { return entry.first < wanted; });
+    const bool isKnown = found != known_.end() && found->first == slot;
+    return isKnown ? &binding_.bound[found->second] : nullptr;
+  }
+
   /// 0 for a block that has no handle in the file.
   std::uint64_t ownerHandle(AcDbObjectId block) const {
     return binding_.implied.count(block) == 0 ? block.handle().value() : 0;
@@ -218,7 +240,7 @@ class DrawingWriter {
       };
       for (const auto& [handle, slot] : stubs) {
         AcDbObject* object = slot->object.get();
-        if (!slot->changed || object->isErased() || known_.count(slot) > 0) continue;
+        if (!slot->changed || object->isErased() || known(slot) != nullptr) continue;
         const auto* dictionary = AcDbDictionary::cast(object);
         if (dictionary == nullptr && !object->isKindOf(AcDbXrecord::desc()) &&
             !object->isKindOf(AcDbLayout::desc()) && !object->isKindOf(AcDbSortentsTable::desc())) {
@@ -243,7 +265,7 @@ class DrawingWriter {
     std::map<AcDbStub*, std::string> byBlock;
     for (const auto& [handle, slot] : ObjectAccess::state(*binding_.database).stubs) {
       AcDbObject* object = slot->object.get();
-      if (known_.count(slot) > 0 || object->isErased() || !slot->changed) continue;
+      if (known(slot) != nullptr || object->isErased() || !slot->changed) continue;
       const ObjectAccess::Look look(*object);
       if (const auto* entity = AcDbEntity::cast(object)) {
         byBlock[entity->blockId()] += entityBytes(*entity, nullptr);
@@ -305,7 +327,7 @@ class DrawingWriter {
 
   /// 0 for a table that the file does not have.
   std::uint64_t handleInFile(AcDbObjectId table) const {
-    return known_.count(table) > 0 ? table.handle().value() : 0;
+    return known(table) != nullptr ? table.handle().value() : 0;
   }
 
   void insertRecords(const char* table, const std::string& bytes) {
@@ -389,8 +411,12 @@ class DrawingWriter {
     const AcDbObjectId current = binding_.database->clayer();
     if (layer.begin < layer.end) {
       const std::string_view inFile = document_.text(document_.tag(layer.begin));
-      if (binding_.layerOf(inFile) != current) {
-        editor.replaceAt(layer.begin - begin, binding_.encoding.encode(recordName(current)));
+      const std::wstring before = binding_.encoding.decode(inFile);
+      const std::wstring now = recordName(current);
+      const bool isRenamed =
+          !before.empty() && !equalsIgnoreCase(std::wstring_view(before), std::wstring_view(now));
+      if (isRenamed || binding_.layerOf(inFile) != current) {
+        editor.replaceAt(layer.begin - begin, binding_.encoding.encode(now));
       }
     }
     writeDisplayVariables(*binding_.database, document_, editor);
@@ -422,9 +448,10 @@ class DrawingWriter {
 
   DrawingBinding& binding_;
   const TagDocument& document_;
+  RenamedLayers renamed_;
   std::string lineEnd_;
   DrawingEdits edits_;
-  std::map<AcDbStub*, const BoundObject*> known_;
+  std::vector<std::pair<AcDbStub*, std::uint32_t>> known_;  ///< sorted; places among the bound
   std::set<const AcRxClass*> classes_;
   bool anyErased_ = false;
   bool hasNew_ = false;
@@ -432,48 +459,10 @@ class DrawingWriter {
 
 }  // namespace
 
-namespace {
-
-/// A copy of something that stands in the file is written as that is.
-bool isCopyOfKnown(const AcDbObject& object, const std::set<AcDbStub*>& known) {
-  for (const AcDbObject* at = &object; at != nullptr;) {
-    const AcDbObjectId source = ObjectAccess::copiedFrom(*at);
-    if (known.count(source) > 0) return true;
-    at = peek(source);
-  }
-  return false;
-}
-
-}  // namespace
-
-std::string reasonAgainstOld(const DrawingBinding& binding) {
-  std::set<AcDbStub*> known;
-  for (const BoundObject& bound : binding.bound) known.insert(bound.id);
-  for (const auto& [handle, slot] : ObjectAccess::state(*binding.database).stubs) {
-    AcDbObject* object = slot->object.get();
-    if (known.count(slot) > 0 || object->isErased() || !slot->changed) continue;
-    const auto* entity = AcDbEntity::cast(object);
-    if (object->isKindOf(AcDbSymbolTable::desc()) ||
-        object->isKindOf(AcDbBlockTableRecord::desc())) {
-      continue;
-    }
-    const ObjectAccess::Look look(*object);
-    const auto* dictionary = AcDbDictionary::cast(object);
-    if (dictionary != nullptr && dictionary->numEntries() == 0) continue;
-    const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
-                                        : object->isKindOf(AcDbLayerTableRecord::desc()) ||
-                                              definedTableOf(*object) != nullptr;
-    if (fits || isCopyOfKnown(*object, known)) continue;
-    const EntityCodec* newer = entity != nullptr ? codecFor(*entity, false) : nullptr;
-    if (newer == nullptr || newer->isOwn)
-      return "A drawing of R12 cannot keep images and settings.";
-    return "A drawing of R12 cannot keep objects of kind " + std::string(newer->type) + ".";
-  }
-  return {};
-}
-
-std::string writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state) {
-  return DrawingWriter(binding).write(state);
+DrawingPieces writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state) {
+  const auto writer = std::make_shared<DrawingWriter>(binding);
+  writer->prepare(state);
+  return [writer](const PieceTaker& take) { return writer->give(take); };
 }
 
 }  // namespace tarn::host

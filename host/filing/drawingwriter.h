@@ -1,11 +1,12 @@
-// The pieces in which a drawing that is saved differs from the file that was read.
+// How a drawing that is saved comes from the file that was read.
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <optional>
 #include <vector>
 
-#include "host/filing/tagdocument.h"
+#include "host/filing/drawingedits.h"
+#include "host/filing/drawingpieces.h"
 
 class AcDbDatabase;
 
@@ -21,25 +22,15 @@ class TextEncoding;
 std::vector<std::uint32_t> frontSheetObjects(const TagDocument& document,
                                              const TextEncoding& encoding);
 
-class DrawingEdits {
- public:
-  /// `count` objects from `first` on become these bytes.
-  void replace(std::uint32_t first, std::uint32_t count, std::string bytes);
-  void insertBefore(std::uint32_t object, std::string bytes) {
-    replace(object, 0, std::move(bytes));
-  }
-  bool isEmpty() const { return edits_.empty(); }
-  /// The whole file with all edits. What stands in no edit goes out byte for byte.
-  std::string apply(const TagDocument& document) const;
-
- private:
-  struct Edit {
-    std::uint32_t first;
-    std::uint32_t count;
-    std::string bytes;
-  };
-  std::vector<Edit> edits_;
-};
+/// The file with all changes, as it is to be saved; see DrawingFile::write(). Nothing may change
+/// while the pieces are in use.
+DrawingPieces writeDrawing(DrawingBinding& binding, const std::optional<OpeningState>& state);
+/// The drawing with another sheet in front: its block is the one of the name *Paper_Space and its
+/// entities stand among those of the model, as programs expect of the sheet that they open with.
+/// What was in front before, if it is still there, takes the other's place. Blocks by the handles
+/// of their records; the drawing as it is when there is no such sheet. The ground has to outlive
+/// the pieces.
+DrawingPieces withFrontSheet(DrawingPieces pieces, const Ground& ground, std::uint64_t block);
 
 // `header` is the editor of the header section.
 void writeDisplayVariables(const AcDbDatabase& database, const TagDocument& document,

@@ -3,9 +3,14 @@
 #include <iterator>
 #include <set>
 
+#include "dbdict.h"
 #include "dblayout.h"
 #include "host/database/objectaccess.h"
+#include "host/filing/drawingfile.h"
+#include "host/filing/entitycodec.h"
+#include "host/filing/objectcodec.h"
 #include "host/filing/olddrawing.h"
+#include "host/filing/tagvalues.h"
 
 namespace tarn::host {
 
@@ -25,6 +30,46 @@ bool isWellFormed(const TagDocument& document) {
 }
 
 }  // namespace
+
+namespace {
+
+/// A copy of something that stands in the file is written as that is.
+bool isCopyOfKnown(const AcDbObject& object, const std::set<AcDbStub*>& known) {
+  for (const AcDbObject* at = &object; at != nullptr;) {
+    const AcDbObjectId source = ObjectAccess::copiedFrom(*at);
+    if (known.count(source) > 0) return true;
+    at = peek(source);
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string reasonAgainstOld(const DrawingBinding& binding) {
+  std::set<AcDbStub*> known;
+  for (const BoundObject& bound : binding.bound) known.insert(bound.id);
+  for (const auto& [handle, slot] : ObjectAccess::state(*binding.database).stubs) {
+    AcDbObject* object = slot->object.get();
+    if (known.count(slot) > 0 || object->isErased() || !slot->changed) continue;
+    const auto* entity = AcDbEntity::cast(object);
+    if (object->isKindOf(AcDbSymbolTable::desc()) ||
+        object->isKindOf(AcDbBlockTableRecord::desc())) {
+      continue;
+    }
+    const ObjectAccess::Look look(*object);
+    const auto* dictionary = AcDbDictionary::cast(object);
+    if (dictionary != nullptr && dictionary->numEntries() == 0) continue;
+    const bool fits = entity != nullptr ? codecFor(*entity, true) != nullptr
+                                        : object->isKindOf(AcDbLayerTableRecord::desc()) ||
+                                              definedTableOf(*object) != nullptr;
+    if (fits || isCopyOfKnown(*object, known)) continue;
+    const EntityCodec* newer = entity != nullptr ? codecFor(*entity, false) : nullptr;
+    if (newer == nullptr || newer->isOwn)
+      return "A drawing of R12 cannot keep images and settings.";
+    return "A drawing of R12 cannot keep objects of kind " + std::string(newer->type) + ".";
+  }
+  return {};
+}
 
 Status modernize(DrawingBinding& binding) {
   if (!isWellFormed(binding.document)) {

@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "base/text.h"
+#include "host/database/memoryfiler.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/drawingbinding.h"
-#include "host/filing/memoryfiler.h"
 #include "rxclass.h"
 #include "rxdict.h"
 

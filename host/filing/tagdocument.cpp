@@ -59,6 +59,22 @@ Result<TagDocument> TagDocument::parse(std::string bytes, const std::string& nam
   return document;
 }
 
+Result<TagDocument> TagDocument::partOf(std::string bytes, std::string_view version, bool isLast) {
+  TagDocument part;
+  part.version_ = version;
+  // The lines of the last tag may go on in the next part.
+  if (!isLast) bytes.erase(bytes.rfind('\n') + 1);
+  part.bytes_ = std::move(bytes);
+  if (Status status = part.readTags("the drawing"); !status) return status;
+  part.findObjects();
+  if (isLast || part.complete_) return part;
+  const std::uint32_t rest = part.objects_.empty() ? 0 : part.objects_.back();
+  part.bytes_.erase(rest > 0 ? part.startOf(rest) : 0);
+  part.tags_.resize(rest);
+  if (!part.objects_.empty()) part.objects_.pop_back();
+  return part;
+}
+
 Status TagDocument::readTags(const std::string& name) {
   const char* const begin = bytes_.data();
   const char* const end = begin + bytes_.size();

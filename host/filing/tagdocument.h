@@ -43,6 +43,10 @@ class ACADHOST_EXPORT TagDocument {
   /// taken up to its last whole tag, and isComplete() is false. `name` is for the messages.
   static Result<TagDocument> parse(std::string bytes, const std::string& name);
 
+  /// Whole objects out of a drawing of this version whose bytes come in parts: of those that are
+  /// not the last only the bytes of whole objects are taken. There need be no section.
+  static Result<TagDocument> partOf(std::string bytes, std::string_view version, bool isLast);
+
   const std::string& bytes() const { return bytes_; }
   const std::vector<Tag>& tags() const { return tags_; }
   const Tag& tag(std::uint32_t index) const { return tags_[index]; }

@@ -5,7 +5,7 @@
 
 #include "dbmain.h"
 #include "host/database/objectaccess.h"
-#include "host/filing/objectstate.h"
+#include "host/database/objectstate.h"
 
 namespace tarn::host {
 

@@ -132,7 +132,14 @@ std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTable
       return asRead.lineWeight() == layer.lineWeight();
     });
   }
+  if (!editor.isOld() && binding.document.version() >= "AC1015") {
+    editor.setInteger(290, layer.isPlottable() ? 1 : 0, 1);
+  }
   if (old == nullptr) {
+    const AcCmColor ownColor = layer.color();
+    if (ownColor.isByColor() && binding.document.version() >= "AC1018") {
+      editor.setInteger(420, ownColor.red() << 16 | ownColor.green() << 8 | ownColor.blue());
+    }
     const std::wstring linetype = recordName(layer.linetypeObjectId());
     editor.setName(6, linetype.empty() ? L"CONTINUOUS" : linetype);
   }

@@ -14,11 +14,14 @@
 class AcDbBlockTable;
 class AcDbDatabase;
 class AcDbDictionary;
+class AcDbDimStyleTable;
 class AcDbDwgFiler;
 class AcDbEntity;
 class AcDbLayerTable;
 class AcDbObject;
+class AcDbUCSTable;
 class AcDbViewTable;
+class AcDbViewportTable;
 
 namespace tarn::host {
 struct DatabaseState;
@@ -41,6 +44,8 @@ class ACADHOST_EXPORT AcDbObjectReactor {
   virtual void modifiedXData(const AcDbObject*) {}
   /// Undo or redo has changed it.
   virtual void modifyUndone(const AcDbObject*) {}
+  /// It was opened for write and is again as it was then; see AcDbObject::cancel().
+  virtual void cancelled(const AcDbObject*) {}
   /// A copy of it has come into a drawing.
   virtual void copied(const AcDbObject*, const AcDbObject* /*copy*/) {}
   /// Undo has taken away what was appended, or redo has brought it back.
@@ -94,6 +99,10 @@ class ACADHOST_EXPORT AcDbObject : public AcRxObject {
 
   /// Ends one opening. eInvalidOpenState when it is not open.
   Acad::ErrorStatus close();
+  /// The same, but what was changed since it was opened for write is as it was before, and nobody
+  /// is told of changes. A new object that was not closed yet is erased. Blocks, tables and
+  /// dictionaries, which hold objects of their own, are closed.
+  Acad::ErrorStatus cancel();
   /// eHadMultipleReaders unless this is the only reader; eInvalidOpenState when not open.
   Acad::ErrorStatus upgradeOpen();
   Acad::ErrorStatus downgradeOpen();
@@ -209,6 +218,12 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   }
   AcDbObjectId viewTableId() const;
   Acad::ErrorStatus getSymbolTable(AcDbViewTable*& table, AcDb::OpenMode mode);
+  AcDbObjectId dimStyleTableId() const;
+  Acad::ErrorStatus getSymbolTable(AcDbDimStyleTable*& table, AcDb::OpenMode mode);
+  AcDbObjectId UCSTableId() const;
+  Acad::ErrorStatus getSymbolTable(AcDbUCSTable*& table, AcDb::OpenMode mode);
+  AcDbObjectId viewportTableId() const;
+  Acad::ErrorStatus getSymbolTable(AcDbViewportTable*& table, AcDb::OpenMode mode);
   Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode);
 
   AcDbObjectId layerZero() const;

@@ -124,6 +124,9 @@ class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   Acad::ErrorStatus setIsFrozen(bool frozen);
   bool isLocked() const;
   void setIsLocked(bool locked);
+  /// What is on it comes onto paper too.
+  bool isPlottable() const;
+  Acad::ErrorStatus setIsPlottable(bool plottable);
   Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
   Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
 
@@ -133,6 +136,7 @@ class ACADHOST_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   bool off_ = false;
   bool frozen_ = false;
   bool locked_ = false;
+  bool plottable_ = true;
   AcDb::LineWeight weight_ = AcDb::kLnWtByLwDefault;
 };
 
@@ -189,6 +193,33 @@ class ACADHOST_EXPORT AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
 class ACADHOST_EXPORT AcDbRegAppTable : public AcDbTypedSymbolTable<AcDbRegAppTableRecord> {
  public:
   ACRX_DECLARE_MEMBERS(AcDbRegAppTable);
+};
+
+/// Styles of dimensions, coordinate systems and the model's viewports are known by their names;
+/// what else they say stays in the file.
+class ACADHOST_EXPORT AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbDimStyleTableRecord);
+};
+class ACADHOST_EXPORT AcDbDimStyleTable : public AcDbTypedSymbolTable<AcDbDimStyleTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbDimStyleTable);
+};
+class ACADHOST_EXPORT AcDbUCSTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbUCSTableRecord);
+};
+class ACADHOST_EXPORT AcDbUCSTable : public AcDbTypedSymbolTable<AcDbUCSTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbUCSTable);
+};
+class ACADHOST_EXPORT AcDbViewportTableRecord : public AcDbSymbolTableRecord {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbViewportTableRecord);
+};
+class ACADHOST_EXPORT AcDbViewportTable : public AcDbTypedSymbolTable<AcDbViewportTableRecord> {
+ public:
+  ACRX_DECLARE_MEMBERS(AcDbViewportTable);
 };
 
 class AcDbBlockTableRecordIterator;

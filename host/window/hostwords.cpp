@@ -12,6 +12,10 @@ namespace {
 /// Keywords stay as they must be typed.
 constexpr const char* kKnown[] = {
     toSay("Command:"),
+    toSay("Enter object ordering option [Above objects/Under objects/Front/Back] <Back>:"),
+    toSay("Erase the originals? [Yes/No] <No>:"),
+    toSay("First point of the mirror:"),
+    toSay("Second point of the mirror:"),
     toSay("Base point or [Displacement] <Displacement>:"),
     toSay("Base point or displacement:"),
     toSay("Base point:"),

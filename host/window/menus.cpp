@@ -108,6 +108,7 @@ const std::vector<Menus::Table>& Menus::tables() {
         {toSay("&Copy"), "COPY", "copy", "", kModify},
         {toSay("&Rotate"), "ROTATE", "rotate", "", kModify},
         {toSay("&Scale"), "SCALE", "scale", "", kModify},
+        {toSay("M&irror"), "MIRROR", "mirror", "", kModify},
         {toSay("&Erase"), "ERASE", "erase", "Del", kModify},
         {toSay("&Bring the erased back"), "OOPS", "oops", "", kModify},
         {},

@@ -299,6 +299,57 @@ TEST_F(DatabaseTest, ReactorsOfTheDrawingHearOfAllObjects) {
   EXPECT_EQ(listener.events, "eehlg");
 }
 
+TEST_F(DatabaseTest, WhatIsCancelledIsAsItWasAndNobodyHearsOfAChange) {
+  class Listener : public AcDbObjectReactor {
+   public:
+    void modified(const AcDbObject*) override { events += "m"; }
+    void erased(const AcDbObject*, Adesk::Boolean) override { events += "e"; }
+    void cancelled(const AcDbObject*) override { events += "x"; }
+    void objectClosed(const AcDbObjectId) override { events += "c"; }
+    std::string events;
+  } listener;
+  const AcDbObjectId id = addLine();
+  AcDbLine* line = nullptr;
+  ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForWrite), Acad::eOk);
+  line->addReactor(&listener);
+  const AcGePoint3d start = line->startPoint();
+  line->setStartPoint({7, 8, 9});
+  line->setColorIndex(3);
+  EXPECT_EQ(line->createExtensionDictionary(), Acad::eOk);
+  const AcDbObjectId dictionary = line->extensionDictionary();
+  line->erase();
+  EXPECT_EQ(line->cancel(), Acad::eOk);
+  EXPECT_EQ(listener.events, "xc");
+  EXPECT_FALSE(id.isErased());
+  EXPECT_TRUE(dictionary.isErased());
+  ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForRead), Acad::eOk);
+  EXPECT_EQ(line->startPoint(), start);
+  EXPECT_EQ(line->colorIndex(), 256);
+  EXPECT_TRUE(line->extensionDictionary().isNull());
+  EXPECT_EQ(line->cancel(), Acad::eOk) << "only read, it is closed";
+  EXPECT_EQ(line->cancel(), Acad::eInvalidOpenState);
+  // What comes after a cancelled change is a change again.
+  ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForWrite), Acad::eOk);
+  line->setStartPoint({1, 1, 1});
+  line->close();
+  EXPECT_EQ(listener.events, "xcmc");
+  ASSERT_EQ(acdbOpenObject(line, id, AcDb::kForRead), Acad::eOk);
+  line->removeReactor(&listener);
+  line->close();
+  // A new one that was never closed is gone.
+  AcDbBlockTableRecord* space = nullptr;
+  AcDbBlockTable* blocks = nullptr;
+  ASSERT_EQ(database_.getBlockTable(blocks, AcDb::kForRead), Acad::eOk);
+  ASSERT_EQ(blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForWrite), Acad::eOk);
+  auto* made = new AcDbLine({0, 0, 0}, {1, 1, 0});
+  AcDbObjectId newId;
+  EXPECT_EQ(space->appendAcDbEntity(newId, made), Acad::eOk);
+  EXPECT_EQ(made->cancel(), Acad::eOk);
+  EXPECT_EQ(space->cancel(), Acad::eOk) << "a block is closed";
+  blocks->close();
+  EXPECT_TRUE(newId.isErased());
+}
+
 TEST(Status, HasItsNameAndPublicValue) {
   EXPECT_STREQ(acadErrorStatusText(Acad::eWasErased), L"eWasErased");
   EXPECT_STREQ(acadErrorStatusText(static_cast<Acad::ErrorStatus>(4711)), L"unknown status");

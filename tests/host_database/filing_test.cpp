@@ -10,7 +10,7 @@
 #include "dbents.h"
 #include "dbsymtb.h"
 #include "dbxrecrd.h"
-#include "host/filing/memoryfiler.h"
+#include "host/database/memoryfiler.h"
 
 namespace tarn::host {
 namespace {

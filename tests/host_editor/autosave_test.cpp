@@ -149,6 +149,27 @@ TEST_F(AutoSaves, aFileThatWasChangedSinceTheCrashIsAskedForAndCopiesCanBeThrown
   EXPECT_TRUE(listFolder(joinPath(profile(), "autosave")).empty());
 }
 
+/// Names of files have up to 255 bytes; two that begin alike have copies of their own.
+TEST_F(AutoSaves, drawingsWithTheLongestNamesAreSavedAndCopied) {
+  std::string stem;
+  while (stem.size() < 246) stem += "测";
+  ScriptedHost host(profile());
+  for (const char* end : {"1.dxf", "2.dxf"}) {
+    const std::string path = at(stem + end);
+    std::string printed = host.run({"NEW", "LINE 0,0 1,1", "", "SAVEAS", path.c_str(), "SAVE"});
+    EXPECT_TRUE(host.good()) << printed;
+    EXPECT_EQ(fileKind(path), FileKind::kRegular);
+    host.run({"LINE 0,0 2,2", ""});
+  }
+  wait(host, 0);
+  wait(host, 5);
+  ASSERT_EQ(copies().size(), 2U);
+  for (const std::string& name : copies()) {
+    EXPECT_EQ(name.substr(0, 198), stem.substr(0, 198)) << "whole letters";
+  }
+  EXPECT_EQ(listFolder(folder_.path().toStdString()).size(), 5U) << "two drawings, their backups";
+}
+
 TEST_F(AutoSaves, twoProgramsKeepTheirCopiesApart) {
   ScriptedHost host(profile());
   host.run({"LINE 0,0 1,1", ""});

@@ -6,9 +6,9 @@
 
 #include "dbmain.h"
 #include "host/database/objectaccess.h"
+#include "host/database/objectstate.h"
 #include "host/editor/documents.h"
 #include "host/editor/hostapp.h"
-#include "host/filing/objectstate.h"
 
 namespace tarn::host {
 

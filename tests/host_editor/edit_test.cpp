@@ -38,6 +38,8 @@ TEST(EditCommands, changeWhatWasSelected) {
       {{"SCALE L", "", "0,5 2"}, "0,0>10,0 0,5>20,5", "1 scaled."},
       {{"SCALE L", "", "0,5 R 4 2"}, "0,0>10,0 0,5>5,5", "Reference length"},
       {{"SCALE L", "", "0,5 0 -1 x 3"}, "0,0>10,0 0,5>30,5", "must not be zero"},
+      {{"MIRROR L", "", "5,0 6,1", ""}, "0,0>10,0 0,5>10,5 10,-5>10,5", "1 mirrored."},
+      {{"MIRROR L", "", "0,0 1,0 Y"}, "0,0>10,0 0,-5>10,-5", "Erase the originals?"},
       {{"ERASE L", "", "ERASE L", "", "OOPS"}, "0,0>10,0", "1 brought back."},
       {{"ERASE ALL", "", "OOPS", "OOPS"}, kBoth, "0 brought back."},
       {{"ERASE ALL", "", "OOPS", "U", "U"}, kBoth, "ERASE"},

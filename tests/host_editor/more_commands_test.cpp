@@ -78,6 +78,49 @@ TEST(Clipboard, carriesEntitiesAndTheirLayersIntoAnotherDrawing) {
   walls->close();
 }
 
+TEST(Clipboard, layersComeWithAllThatTheySay) {
+  ScriptedHost host;
+  host.run({"LAYER M", "walls", "", "LINE 10,20 30,20", ""});
+  AcDbDatabase& from = *host.app().documents().current().database();
+  {
+    const AcDbObjectPointer<AcDbLinetypeTable> types(from.linetypeTableId(), AcDb::kForWrite);
+    auto* dashed = new AcDbLinetypeTableRecord;
+    dashed->setName(L"Zaun");
+    dashed->setDashes({3, -1});
+    AcDbObjectId id;
+    ASSERT_EQ(types->add(id, dashed), Acad::eOk);
+    dashed->close();
+    const AcDbObjectPointer<AcDbLayerTableRecord> walls(from.clayer(), AcDb::kForWrite);
+    walls->setLinetypeObjectId(id);
+    walls->setLineWeight(AcDb::kLnWt050);
+    walls->setIsPlottable(false);
+    AcCmColor color;
+    color.setColorIndex(3);
+    color.setRGB(1, 2, 3);
+    EXPECT_EQ(walls->setColor(color), Acad::eOk);
+  }
+  host.run({"COPYCLIP ALL", ""});
+  HostDocument& other = host.app().documents().create();
+  host.run({"PASTECLIP 1,1"});
+  // As it stands in the file of the other drawing.
+  const auto again = DrawingFile::fromBytes(other.drawing().bytes().take(), "again");
+  ASSERT_TRUE(again) << again.message();
+  const AcDbObjectPointer<AcDbLayerTable> layers(again.value()->database().layerTableId(),
+                                                 AcDb::kForRead);
+  AcDbLayerTableRecord* walls = nullptr;
+  ASSERT_EQ(layers->getAt(L"walls", walls, AcDb::kForRead), Acad::eOk);
+  EXPECT_EQ(walls->lineWeight(), AcDb::kLnWt050);
+  EXPECT_FALSE(walls->isPlottable());
+  EXPECT_TRUE(walls->color().isByColor());
+  EXPECT_EQ(walls->color().green(), 2);
+  const AcDbObjectPointer<AcDbLinetypeTableRecord> type(walls->linetypeObjectId(), AcDb::kForRead);
+  ASSERT_EQ(type.openStatus(), Acad::eOk);
+  const ACHAR* name = L"";
+  type->getName(name);
+  EXPECT_STREQ(name, L"Zaun");
+  walls->close();
+}
+
 TEST(Inquiry, tellsWhatIsThere) {
   struct Case {
     Lines lines;

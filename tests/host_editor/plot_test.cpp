@@ -93,6 +93,28 @@ TEST_F(PlotCommand, TellsItsReactorsInOrderAndDrawsNothingOnTheScreen) {
   EXPECT_NE(plot().find("<100x60>"), std::string::npos);
 }
 
+TEST_F(PlotCommand, WhatIsOnALayerThatIsNotPlottedStaysOnTheScreen) {
+  const auto inked = [&] {
+    static_cast<void>(removeAll(file_));
+    plot();
+    const QImage page(QString::fromStdString(file_));
+    int count = page.isNull() ? -1 : 0;
+    for (int y = 0; y < page.height(); ++y) {
+      for (int x = 0; x < page.width(); ++x) count += page.pixel(x, y) != qRgb(255, 255, 255);
+    }
+    return count;
+  };
+  EXPECT_GT(inked(), 50);
+  HostDocument& document = host_.app().documents().current();
+  {
+    const AcDbObjectPointer<AcDbLayerTableRecord> layer(document.database()->layerZero(),
+                                                        AcDb::kForWrite);
+    EXPECT_EQ(layer->setIsPlottable(false), Acad::eOk);
+  }
+  EXPECT_EQ(inked(), 0);
+  EXPECT_EQ(document.scene().size(), 1U);
+}
+
 TEST_F(PlotCommand, EscapeLeavesNoFileAndTheOldOneAsItWas) {
   AcDbBlockTableRecord* model = nullptr;
   const AcDbObjectId block = host_.app().documents().current().space().modelBlock();

@@ -10,8 +10,9 @@ entity_judge.py patterns FILE          writes a hatch of every pattern that the 
                                        over a rim with an island; prints handle, name, the lines'
                                        length together and their first moments about x and y
 entity_judge.py boxes FILE             handle, kind and extents of each whose extents need no font
-entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale) on OLD
-                                       leaves different from NEW, one entity a line
+entity_judge.py changed HOW OLD NEW    what another implementation of HOW (move, turn, scale, mirror) on
+                                       OLD leaves different from NEW, one entity a line
+entity_judge.py left OLD NEW           the kinds of entities of OLD that are still in NEW
 entity_judge.py copies OLD NEW X Y     what differs between entities of OLD, moved, and the new ones
                                        of NEW, one a line; the number of those compared at the end
 Exit 77 when the reading library is not there.
@@ -26,7 +27,7 @@ try:
     import ezdxf.render.forms
     import ezdxf.render.mleader
     from ezdxf import bbox
-    from ezdxf.math import Vec2
+    from ezdxf.math import Matrix44, Vec2
     from ezdxf.tools import pattern
     from ezdxf.lldxf.tagwriter import TagCollector
 except ImportError:
@@ -36,6 +37,7 @@ CHANGES = {
     "move": lambda e: e.translate(1000.5, -200.25, 0),
     "turn": lambda e: e.rotate_z(math.radians(30)),
     "scale": lambda e: e.scale_uniform(2.5),
+    "mirror": lambda e: e.transform(Matrix44.scale(-1, 1, 1)),
 }
 
 
@@ -104,6 +106,7 @@ def add_compound(doc, space):
     for dimension in (space.add_linear_dim((0, 5), (0, 0), (10, 0), angle=15),
                       space.add_aligned_dim((0, 0), (10, 3), 2),
                       space.add_radius_dim((0, 0), radius=5, angle=30),
+                      space.add_arc_dim_cra((0, 0), 8, 20, 80, 2),
                       space.add_angular_dim_2l((0, 9), ((0, 0), (5, 5)), ((0, 0), (5, -5)))):
         dimension.render()
     space.add_leader([(0, 0), (10, 10), (15, 10)])
@@ -222,7 +225,7 @@ def order(path):
         print(error.message)
 
 
-NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION", "TOLERANCE"}
+NEED_FONTS = {"TEXT", "MTEXT", "DIMENSION", "ARC_DIMENSION", "TOLERANCE"}
 
 
 def needs_fonts(entity):
@@ -254,16 +257,17 @@ def near(a, b):
 
 # A dimension that moves has its block at another place here, and a changed block there; there lines
 # of patterns stay where they are, distances of columns and rows are not scaled, a leader gets the
-# direction that it takes for granted, and an attribute a point that it is not aligned to.
+# direction that it takes for granted, an attribute a point that it is not aligned to, and a dimension
+# of an arc the end of a leader that it does not have.
 LEFT_OUT = {"DIMENSION": {12, 22, 32, 42}, "HATCH": {41, 43, 44, 45, 46, 49, 52, 53},
-            "INSERT": {11, 21, 31, 44, 45}, "ATTRIB": {11, 21, 31}, "LEADER": {211, 221, 231}}
+            "ARC_DIMENSION": {12, 22, 32, 42, 17, 27, 37}, "INSERT": {11, 21, 31, 44, 45}, "ATTRIB": {11, 21, 31}, "LEADER": {211, 221, 231}}
 # By how a drawing is written, not by what it says.
 UNTOLD = {5, 330, 360, 102}
 
 
 def told(entity, doc):
     tags = [(t.code, t.value) for t in TagCollector.dxftags(entity, dxfversion=doc.dxfversion)]
-    if entity.dxftype() in ("HATCH", "ARC", "ELLIPSE", "INSERT", "DIMENSION", "TEXT"):
+    if entity.dxftype() in ("HATCH", "ARC", "ELLIPSE", "INSERT", "DIMENSION", "ARC_DIMENSION", "TEXT"):
         # A turn more or less is the same angle.
         tags = [(c, math.sin(math.radians(v)) if c in (50, 51, 52, 53) else v) for c, v in tags]
     own = LEFT_OUT.get(entity.dxftype(), ())
@@ -301,11 +305,25 @@ def difference(one, other):
     return ""
 
 
+# In a mirror texts stay legible here, and what consists of texts and lines stays as it is.
+NOT_MIRRORED = {"TEXT", "MTEXT", "TOLERANCE", "DIMENSION", "ARC_DIMENSION", "MULTILEADER"}
+
+
 def changed(how, old, new):
     before, after = ezdxf.readfile(old), ezdxf.readfile(new)
     for entity in before.modelspace():
+        if how == "mirror" and (entity.dxftype() in NOT_MIRRORED or getattr(entity, "attribs", ())):
+            continue
         CHANGES[how](entity)
         other = after.entitydb.get(entity.dxf.handle)
+        if how == "mirror" and entity.dxftype() == "INSERT" and other is not None:
+            # Turned over there, with a width below 0 here; the place is the same.
+            if entity.mcount > 1:
+                continue  # rows go the other way there
+            boxes = [bbox.extents([e]) for e in (entity, other)]
+            if not all(a.isclose(b, abs_tol=1e-6) for a, b in zip(*((x.extmin, x.extmax) for x in boxes))):
+                print("INSERT", entity.dxf.handle, *boxes)
+            continue
         found = "gone" if other is None else difference(told(entity, before), told(other, after))
         if found:
             print(entity.dxftype(), entity.dxf.handle, found)
@@ -339,6 +357,8 @@ elif sys.argv[1] == "patterns":
     patterns(sys.argv[2])
 elif sys.argv[1] == "boxes":
     boxes(sys.argv[2])
+elif sys.argv[1] == "left":
+    print(*(e.dxftype() for e in ezdxf.readfile(sys.argv[3]).modelspace()))
 elif sys.argv[1] == "changed":
     changed(*sys.argv[2:5])
 else:

@@ -187,6 +187,24 @@ TEST(DrawingChange, recordsAndEntitiesOfANewDrawingComeBack) {
   EXPECT_EQ(saved(*again), first) << "nothing changed since";
 }
 
+TEST(DrawingChange, recordsOfAllTablesAreFoundByTheirNames) {
+  const auto file = DrawingFile::createNew();
+  AcDbDatabase& database = file->database();
+  const std::pair<AcDbObjectId, const wchar_t*> kRecords[] = {
+      {database.dimStyleTableId(), L"standard"},  {database.viewportTableId(), L"*ACTIVE"},
+      {database.textStyleTableId(), L"Standard"}, {database.linetypeTableId(), L"ByLayer"},
+      {database.regAppTableId(), L"ACAD"},        {database.layerTableId(), L"0"}};
+  for (const auto& [tableId, name] : kRecords) {
+    const AcDbObjectPointer<AcDbSymbolTable> table(tableId, AcDb::kForRead);
+    ASSERT_EQ(table.openStatus(), Acad::eOk);
+    EXPECT_TRUE(table->has(name));
+  }
+  AcDbUCSTable* systems = nullptr;
+  ASSERT_EQ(database.getSymbolTable(systems, AcDb::kForRead), Acad::eOk);
+  EXPECT_FALSE(systems->has(L"site"));
+  systems->close();
+}
+
 TEST(DrawingChange, aDrawingOfR12SaysWhatItCannotHold) {
   const std::string before =
       drawing("AC1009", "ANSI_1252", "  0\nLINE\n  8\n0\n 10\n1.0\n 20\n2.0\n");
@@ -256,16 +274,16 @@ TEST(DrawingChange, mutatedDrawingsAreReadOrRefusedWithASentence) {
 TEST(DrawingSave, theOldFileIsKeptAsBackupAndAReadOnlyOneStays) {
   const std::string folder = makeTemporaryFolder(testing::TempDir(), "save").take();
   const std::string path = joinPath(folder, "plan.v2.dxf");
-  EXPECT_TRUE(saveDrawing(path, "one"));
+  EXPECT_TRUE(saveBytes(path, "one"));
   EXPECT_EQ(fileKind(backupOf(path)), FileKind::kMissing);
-  EXPECT_TRUE(saveDrawing(path, "two"));
+  EXPECT_TRUE(saveBytes(path, "two"));
   EXPECT_EQ(bytesOf(path), "two");
   EXPECT_EQ(bytesOf(joinPath(folder, "plan.v2.bak")), "one");
   ASSERT_EQ(std::system(("chmod a-w '" + path + "'").c_str()), 0);
-  const Status refused = saveDrawing(path, "three");
+  const Status refused = saveBytes(path, "three");
   EXPECT_THAT(refused.message(), HasSubstr("plan.v2.dxf: the file is read-only"));
   EXPECT_EQ(bytesOf(path), "two");
-  EXPECT_THAT(saveDrawing(folder, "x").message(), HasSubstr("no file"));
+  EXPECT_THAT(saveBytes(folder, "x").message(), HasSubstr("no file"));
   EXPECT_EQ(listFolder(folder).size(), 2U) << "nothing else is left behind";
   EXPECT_TRUE(removeAll(folder));
 }

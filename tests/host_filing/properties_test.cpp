@@ -11,9 +11,9 @@
 #include "dbsymtb.h"
 #include "dbtext.h"
 #include "host/database/layouts.h"
+#include "host/database/objectstate.h"
 #include "host/filing/deepclone.h"
 #include "host/filing/drawingfile.h"
-#include "host/filing/objectstate.h"
 #include "tests/host_filing/drawingfixture.h"
 
 namespace tarn::host {
@@ -210,6 +210,47 @@ TEST(Properties, ExtendedDataOfWhatIsNoEntityIsKept) {
     }
     acutRelRb(chain);
   }
+}
+
+/// Also what is kept without being understood, vertices, attributes and extended data.
+TEST(Properties, WhatIsOnALayerFollowsWhenItIsRenamed) {
+  const std::string before =
+      "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$HANDSEED\n5\nFF\n9\n$"
+      "CLAYER\n8\nWALLS\n0\n"
+      "ENDSEC\n0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n5\n1\n70\n1\n0\nLAYER\n5\n2\n100\n"
+      "AcDbSymbolTableRecord\n100\nAcDbLayerTableRecord\n2\nWALLS\n70\n0\n62\n3\n6\nCONTINUOUS\n0\n"
+      "ENDTAB\n0\nTABLE\n2\nAPPID\n5\n3\n70\n1\n0\nAPPID\n5\n4\n100\nAcDbSymbolTableRecord\n100\n"
+      "AcDbRegAppTableRecord\n2\nPARCELS\n70\n0\n0\nENDTAB\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
+      "0\nLINE\n5\nA1\n100\nAcDbEntity\n8\nWALLS\n100\nAcDbLine\n10\n0.0\n20\n0.0\n11\n1.0\n21\n0."
+      "0\n"
+      "0\nLIGHT\n5\nA2\n100\nAcDbEntity\n8\nWALLS\n100\nAcDbLight\n90\n0\n"
+      "0\nPOLYLINE\n5\nA3\n100\nAcDbEntity\n8\n0\n100\nAcDb2dPolyline\n66\n1\n70\n0\n"
+      "0\nVERTEX\n5\nA4\n100\nAcDbEntity\n8\nWALLS\n100\nAcDbVertex\n100\nAcDb2dVertex\n10\n0."
+      "0\n20\n"
+      "0.0\n0\nVERTEX\n5\nA5\n100\nAcDbEntity\n8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n10\n5."
+      "0\n20\n"
+      "0.0\n0\nSEQEND\n5\nA6\n100\nAcDbEntity\n8\nWALLS\n"
+      "0\nLINE\n5\nA7\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n0.0\n20\n0.0\n11\n1.0\n21\n0."
+      "0\n1001\n"
+      "PARCELS\n1003\nWALLS\n1000\nWALLS\n0\nENDSEC\n0\nEOF\n";
+  const auto file = opened(before);
+  {
+    const AcDbObjectPointer<AcDbLayerTable> layers(file->database().layerTableId(), AcDb::kForRead);
+    AcDbLayerTableRecord* walls = nullptr;
+    ASSERT_EQ(layers->getAt(L"WALLS", walls, AcDb::kForWrite), Acad::eOk);
+    EXPECT_EQ(walls->setName(L"FENCES"), Acad::eOk);
+    walls->close();
+  }
+  std::string expected = before;
+  for (const char* where : {"\n8\nWALLS\n", "\n1003\nWALLS\n", "\n2\nWALLS\n"}) {
+    const std::string from = where;
+    const std::string name = "FENCES\n";
+    for (size_t at = expected.find(from); at != std::string::npos; at = expected.find(from, at)) {
+      expected.replace(at + from.size() - 6, 6, name);
+    }
+  }
+  const std::string after = file->bytes().take();
+  EXPECT_TRUE(sameTags(expected, after)) << after;
 }
 
 TEST(Properties, OlderVersionsGetWhatTheyCanHold) {

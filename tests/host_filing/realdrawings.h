@@ -8,6 +8,7 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "host/filing/drawingsave.h"
 
 namespace tarn::host {
 
@@ -32,6 +33,14 @@ inline std::vector<std::string> realDrawings() {
 inline std::string bytesOf(const std::string& path) {
   auto bytes = readFile(path, uint64_t{1} << 30);
   return bytes ? bytes.take() : std::string();
+}
+
+/// Saves a drawing of these bytes, in two pieces.
+inline Status saveBytes(const std::string& path, std::string_view bytes) {
+  return saveDrawing(path, [&](const PieceTaker& take) {
+    const Status status = take(bytes.substr(0, bytes.size() / 3));
+    return status ? take(bytes.substr(bytes.size() / 3)) : status;
+  });
 }
 
 }  // namespace tarn::host

@@ -95,10 +95,10 @@ TEST_F(SaveFaults, whicheverCallFailsTheOldDrawingOrTheNewOneIsThere) {
     for (int n = 1;; ++n) {
       SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(kind) << " at call " << n);
       ASSERT_TRUE(removeAll(path) && removeAll(backupOf(path)));
-      ASSERT_TRUE(saveDrawing(path, "older") && saveDrawing(path, old));
+      ASSERT_TRUE(saveBytes(path, "older") && saveBytes(path, old));
       fault = kind;
       callsUntilFault = n;
-      const Status status = saveDrawing(path, fresh);
+      const Status status = saveBytes(path, fresh);
       const bool wasReached = callsUntilFault <= 0;
       callsUntilFault = -1;
       const std::string now = bytesOf(path);
@@ -131,12 +131,12 @@ TEST_F(SaveFaults, aProcessThatIsKilledLeavesTheOldDrawingOrTheNewOne) {
   for (bool done = false; !done;) {
     SCOPED_TRACE(killed);
     ASSERT_TRUE(removeAll(path) && removeAll(backupOf(path)));
-    ASSERT_TRUE(saveDrawing(path, "older") && saveDrawing(path, old));
+    ASSERT_TRUE(saveBytes(path, "older") && saveBytes(path, old));
     const pid_t child = fork();
     if (child == 0) {
       fault = Fault::kKilled;
       callsUntilFault = killed + 1;
-      _exit(saveDrawing(path, fresh) ? 0 : 1);
+      _exit(saveBytes(path, fresh) ? 0 : 1);
     }
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -149,7 +149,7 @@ TEST_F(SaveFaults, aProcessThatIsKilledLeavesTheOldDrawingOrTheNewOne) {
     EXPECT_TRUE(now == fresh || now == old);
     EXPECT_TRUE(backup == "older" || backup == old);
     // The next save removes what was left.
-    ASSERT_TRUE(saveDrawing(path, fresh));
+    ASSERT_TRUE(saveBytes(path, fresh));
     EXPECT_EQ(listFolder(folder_), (std::vector<std::string>{"plan.bak", "plan.dxf"}));
   }
   EXPECT_GE(killed, 5);
@@ -158,11 +158,11 @@ TEST_F(SaveFaults, aProcessThatIsKilledLeavesTheOldDrawingOrTheNewOne) {
 TEST_F(SaveFaults, modeAndLinkStay) {
   const std::string path = at("data/plan.dxf");
   ASSERT_TRUE(makeFolders(at("data")) && makeFolders(at("desk")));
-  ASSERT_TRUE(saveDrawing(path, "one"));
+  ASSERT_TRUE(saveBytes(path, "one"));
   const std::string link = at("desk/link.dxf");
   ASSERT_EQ(::symlink("../data/plan.dxf", link.c_str()), 0);
   ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
-  ASSERT_TRUE(saveDrawing(link, "two"));
+  ASSERT_TRUE(saveBytes(link, "two"));
   EXPECT_EQ(bytesOf(path), "two");
   EXPECT_EQ(bytesOf(at("data/plan.bak")), "one");
   EXPECT_EQ(modeOf(path), 0640U);
@@ -172,10 +172,10 @@ TEST_F(SaveFaults, modeAndLinkStay) {
   EXPECT_TRUE(S_ISLNK(info.st_mode));
   // A link to a file that is not there yet makes that file; one to itself is refused.
   ASSERT_EQ(::symlink("../data/later.dxf", at("desk/later.dxf").c_str()), 0);
-  ASSERT_TRUE(saveDrawing(at("desk/later.dxf"), "x"));
+  ASSERT_TRUE(saveBytes(at("desk/later.dxf"), "x"));
   EXPECT_EQ(bytesOf(at("data/later.dxf")), "x");
   ASSERT_EQ(::symlink("loop.dxf", at("desk/loop.dxf").c_str()), 0);
-  EXPECT_FALSE(saveDrawing(at("desk/loop.dxf"), "x"));
+  EXPECT_FALSE(saveBytes(at("desk/loop.dxf"), "x"));
   EXPECT_EQ(::lstat(at("desk/loop.dxf").c_str(), &info), 0);
 }
 

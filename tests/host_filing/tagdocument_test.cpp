@@ -5,6 +5,7 @@
 #include <map>
 
 #include "host/filing/binarydrawing.h"
+#include "host/filing/drawingpieces.h"
 #include "host/filing/encoding.h"
 #include "host/filing/tageditor.h"
 #include "tests/host_filing/realdrawings.h"
@@ -91,6 +92,45 @@ TEST(TagDocument, aFileCutOffAnywhereGivesItsWholeTagsOrIsRefused) {
     if (!document) continue;
     const bool isWhole = length + 1 >= whole.size();  // the last line end may be missing
     EXPECT_EQ(document.value().isComplete(), isWhole) << length;
+  }
+}
+
+/// Whatever the pieces, the parts are whole objects and together the file.
+TEST(TagDocument, isReadInPartsOfWholeObjects) {
+  std::string entities;
+  while (entities.size() < (3U << 20)) entities += kLine;
+  // One that is longer than a part.
+  entities += "  0\nMTEXT\n";
+  for (int i = 0; i < 300000; ++i) entities += "  3\nlong\n";
+  const std::string bytes =
+      "999\ncomment\n" + withEntities(entities, "  9\n$ACADVER\n  1\nAC1015\n") + "behind the end";
+  const TagDocument whole = parsed(bytes);
+  const TextEncoding encoding;
+  for (const size_t size : {size_t{1} << 30, size_t{1000003}, size_t{4099}}) {
+    std::string together;
+    size_t objects = 0;
+    size_t parts = 0;
+    const Status status = forEachPart(
+        [&](const PieceTaker& take) {
+          Status given;
+          for (size_t at = 0; at < bytes.size() && given; at += size) {
+            given = take(std::string_view(bytes).substr(at, size));
+          }
+          return given;
+        },
+        {whole, encoding},
+        [&](const TagDocument& part) {
+          EXPECT_TRUE(parts == 0 || part.tag(0).code == 0);
+          EXPECT_EQ(part.version(), "AC1015");
+          together += part.bytes();
+          objects += part.objectCount();
+          ++parts;
+          return Status();
+        });
+    EXPECT_TRUE(status) << status.message();
+    EXPECT_TRUE(together == bytes) << size;
+    EXPECT_EQ(objects, whole.objectCount());
+    EXPECT_GE(parts, 4U);
   }
 }
 

@@ -2,8 +2,8 @@
 #include "base/text.h"
 #include "dbmain.h"
 #include "dbsymtb.h"
+#include "host/database/memoryfiler.h"
 #include "host/filing/drawingfile.h"
-#include "host/filing/memoryfiler.h"
 #include "host/pointcloud/pointcloudentity.h"
 #include "tests/host_pointcloud/cloudfixture.h"
 

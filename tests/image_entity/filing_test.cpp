@@ -1,5 +1,5 @@
 #include "dbproxy.h"
-#include "host/filing/memoryfiler.h"
+#include "host/database/memoryfiler.h"
 #include "tests/image_entity/fixture.h"
 
 namespace {

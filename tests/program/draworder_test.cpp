@@ -4,6 +4,7 @@
 #include <QImage>
 
 #include "tests/support/program.h"
+#include "tests/support/rasters.h"
 
 namespace tarn::test {
 namespace {
@@ -60,6 +61,36 @@ TEST(DrawOrder, isReadDrawnChangedAndWritten) {
     answer += std::string(c.order) + "\n";
   }
   EXPECT_EQ(judge(question).output, answer);
+}
+
+/// An image comes to lie over the parcels that were there, is sent under them, and lies there when
+/// the drawing is opened again.
+TEST(DrawOrder, imagesLieUnderAndOverParcels) {
+  const Scratch scratch("tarn_order_");
+  const Outcome made = judge({"stacked", scratch.at("plain.dxf"), scratch.at("turned.dxf")});
+  if (made.exitCode == 77) GTEST_SKIP() << "python3-ezdxf is not installed";
+  const Raster raster = makeRaster(60, 60, 2, 8, 0.1, [](int, int, uint8_t* rgb) {
+    rgb[0] = 10;
+    rgb[1] = 20;
+    rgb[2] = 30;
+  });
+  ASSERT_TRUE(writeRaster(raster, scratch.at("a.tif")));
+  const std::string under = scratch.at("under.dxf");
+  const auto seen = [&](std::vector<std::string> arguments, const char* script) {
+    const std::string picture = scratch.at("seen.png");
+    const std::vector<std::string> how = {"--view", kMiddle, "--script", "-", "--picture", picture};
+    arguments.insert(arguments.end(), how.begin(), how.end());
+    const Outcome outcome = runCadhost(scratch, arguments, script);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+    const QImage image(QString::fromStdString(picture));
+    return image.pixel(image.width() / 2, image.height() / 2) & 0xFFFFFF;
+  };
+  EXPECT_EQ(seen({scratch.at("plain.dxf"), scratch.at("a.tif")}, "REGEN\n"), 0x0A141Eu);
+  EXPECT_EQ(
+      seen({scratch.at("plain.dxf"), scratch.at("a.tif"), "--save", under}, "SENDTOBACK\n2,5\n\n"),
+      0x00FFFFu);
+  EXPECT_EQ(seen({under}, "REGEN\n"), 0x00FFFFu);
+  EXPECT_EQ(seen({under}, "BRINGTOFRONT\n2,5\n\n"), 0x0A141Eu);
 }
 
 }  // namespace

@@ -53,6 +53,11 @@
     <message><source>To the &amp;front</source><translation>置于最前(&amp;F)</translation></message>
     <message><source>To the bac&amp;k</source><translation>置于最后(&amp;K)</translation></message>
     <message><source>&amp;Above or under others</source><translation>置于其他实体之上或之下(&amp;A)</translation></message>
+    <message><source>M&amp;irror</source><translation>镜像(&amp;I)</translation></message>
+    <message><source>Enter object ordering option [Above objects/Under objects/Front/Back] &lt;Back&gt;:</source><translation>输入显示顺序选项 [Above objects/Under objects/Front/Back] &lt;Back&gt;:</translation></message>
+    <message><source>Erase the originals? [Yes/No] &lt;No&gt;:</source><translation>删除原来的实体? [Yes/No] &lt;No&gt;:</translation></message>
+    <message><source>First point of the mirror:</source><translation>镜像线的第一点:</translation></message>
+    <message><source>Second point of the mirror:</source><translation>镜像线的第二点:</translation></message>
     <message><source>&amp;Rotate</source><translation>旋转(&amp;R)</translation></message>
     <message><source>&amp;Save</source><translation>保存(&amp;S)</translation></message>
     <message><source>&amp;Scale</source><translation>缩放(&amp;S)</translation></message>

@@ -1,8 +1,8 @@
-#include "host/filing/objectstate.h"
+#include "host/database/objectstate.h"
 
 #include "dbmain.h"
+#include "host/database/memoryfiler.h"
 #include "host/database/objectaccess.h"
-#include "host/filing/memoryfiler.h"
 
 namespace tarn::host {
 

@@ -1,11 +1,15 @@
 // The whole state of an object as bytes.
 #pragma once
 
-#include "host/filing/bytedelta.h"
+#include <vector>
+
+#include "adesk.h"
 
 class AcDbObject;
 
 namespace tarn::host {
+
+using Bytes = std::vector<char>;
 
 /// What the object files, open or not. Empty when it cannot be filed.
 ACADHOST_EXPORT Bytes objectBytes(AcDbObject& object);

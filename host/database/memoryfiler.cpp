@@ -1,4 +1,4 @@
-#include "host/filing/memoryfiler.h"
+#include "host/database/memoryfiler.h"
 
 #include <cstring>
 
