@@ -51,7 +51,7 @@ std::string reportOf(const convert::Summary& summary, bool isEnglish) {
     text += text.empty() ? kLabel.in(isEnglish) + std::string(isEnglish ? ": " : "：")
                          : std::string(isEnglish ? ", " : "，");
     const std::string word = wordOf(state, isEnglish), number = std::to_string(count);
-    text += isEnglish ? number + " " + word : word + " " + number;
+    text.append(isEnglish ? number : word).append(" ").append(isEnglish ? word : number);
   }
   return text;
 }
