@@ -1,6 +1,7 @@
 // The writing of binary drawings.
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -42,6 +43,14 @@ class Writer {
   const std::string& bytes() const { return out_; }
 
  private:
+  /// "inf" and "nan": damaged binary drawings hold such numbers, and what was read can be written
+  /// again.
+  static bool parseEndless(std::string_view word, double& value) {
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, value);
+    return error == std::errc() && stop == end && !std::isfinite(value);
+  }
+
   bool addValue(const Tag& tag, BinaryValue kind) {
     const std::string_view word = document_.word(tag);
     switch (kind) {
@@ -55,7 +64,7 @@ class Writer {
       }
       case BinaryValue::kReal: {
         double value = 0;
-        if (!parseDouble(word, value)) return false;
+        if (!parseDouble(word, value) && !parseEndless(word, value)) return false;
         addCode(tag.code);
         addRaw(value);
         return true;
