@@ -36,6 +36,7 @@ constexpr Meaning kMeanings[] = {
     {"LINE", toSay("draw straight lines")},
     {"LIST", toSay("show what entities are")},
     {"loadCloud", toSay("add a point cloud")},
+    {"MIRROR", toSay("mirror entities about a line")},
     {"MOVE", toSay("move entities")},
     {"MREDO", toSay("redo several steps")},
     {"MSPACE", toSay("work in the model inside a viewport")},

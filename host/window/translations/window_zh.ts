@@ -415,6 +415,7 @@
     <message><source>show the coordinates of a point</source><translation>显示点的坐标</translation></message>
     <message><source>show the list of images</source><translation>显示影像列表</translation></message>
     <message><source>show what entities are</source><translation>显示对象信息</translation></message>
+    <message><source>mirror entities about a line</source><translation>按轴线镜像对象</translation></message>
     <message><source>turn entities</source><translation>旋转对象</translation></message>
     <message><source>turn the view</source><translation>旋转视图</translation></message>
     <message><source>turn the view by the line of sight</source><translation>按视线旋转视图</translation></message>
