@@ -273,7 +273,8 @@ EntityIds entitiesInWindow(HostApp& app, GroundPoint a, GroundPoint b, bool cros
       found.push_back(id);
       continue;
     }
-    const Outlines outlines = outlinesOf(document, id);
+    // Grips of an image may lie beyond its pixels: what is inside is told by the ground alone.
+    const Outlines outlines = outlinesWith(document, id, crossing);
     if (crossing ? touches(outlines, box) : liesInside(outlines, box)) found.push_back(id);
   }
   return found;

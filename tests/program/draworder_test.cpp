@@ -90,7 +90,7 @@ TEST(DrawOrder, imagesLieUnderAndOverParcels) {
       seen({scratch.at("plain.dxf"), scratch.at("a.tif"), "--save", under}, "SENDTOBACK\n2,5\n\n"),
       0x00FFFFu);
   EXPECT_EQ(seen({under}, "REGEN\n"), 0x00FFFFu);
-  EXPECT_EQ(seen({under}, "BRINGTOFRONT\nL\n\n"), 0x0A141Eu);
+  EXPECT_EQ(seen({under}, "BRINGTOFRONT\nW\n1,1\n9,9\n\n"), 0x0A141Eu);
 }
 
 }  // namespace
