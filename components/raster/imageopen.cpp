@@ -8,6 +8,7 @@
 #include "components/raster/buildfolder.h"
 #include "components/raster/gdalsamples.h"
 #include "components/raster/georeferencefiles.h"
+#include "components/raster/imgentries.h"
 #include "components/raster/presentedlevels.h"
 #include "components/raster/rasterimage.h"
 #include "components/raster/tilecache.h"
@@ -96,6 +97,9 @@ Status RasterImage::load(const std::string& path, const OpenOptions& options) {
   if (hasMorePicturesThan(*file_, times_.size, kMostPictures))
     return Status::error(path_ + ": has more than " + std::to_string(kMostPictures) +
                          " pictures in it");
+  if (hasEntryLargerThanFile(*file_, times_.size))
+    return Status::error(path_ +
+                         ": is cut short or damaged: a part of it is larger than the whole file");
   guarded_ = std::make_shared<GuardedImage>(path, options.alsoPictures);
   if (Status status = loadFullSize(options); !status) return status;
   loadPlacement();

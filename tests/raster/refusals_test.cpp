@@ -45,6 +45,10 @@ TEST(Refusals, EachNamesTheFileAndTheReason) {
   cut("good.tif", "nearly_nothing.tif", 0.0005);
   cut("good.jpg", "half.jpg", 0.5);
   cut("good.img", "half.img", 0.5);
+  // The size of a part stands in the last of the six numbers before its name.
+  std::string swollen = bytesOf(scratch / "good.img");
+  swollen.replace(swollen.find("Layer_2") - 4, 4, std::string("\x00\x00\x51\x13", 4));
+  writeText(scratch / "swollen.img", swollen);
   writeText(scratch / "empty.tif", "");
   writeText(scratch / "text.tif",
             "This is not a picture at all, but it is long enough to be looked at.");
@@ -73,6 +77,7 @@ TEST(Refusals, EachNamesTheFileAndTheReason) {
       {"nearly_nothing.tif", ""},
       {"half.jpg", "cut short"},
       {"half.img", "cut short"},
+      {"swollen.img", "larger than the whole file"},
       {"complex.tif", "complex"},
   };
   for (const auto& [name, reason] : expected) {
