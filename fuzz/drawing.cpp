@@ -1,4 +1,5 @@
-// Drawing files, as text and binary: what is read is written, and the same is read from that.
+// Drawing files, as text and binary: what is read is written, and the same is read from that and
+// written again to the byte.
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "fuzz/entry.h"
@@ -32,5 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   require(again.isOk());
   require(again.value()->database().approxNumObjects() ==
           file.value()->database().approxNumObjects());
+  changeAll(again.value()->database());
+  const auto same = again.value()->bytes();
+  require(same.isOk() && same.value() == bytes.value());
   return 0;
 }

@@ -158,6 +158,8 @@ Acad::ErrorStatus AcDbDimension::subTransformBy(const AcGeMatrix3d& transform) {
   const tarn::host::OwnChange change = tarn::host::changeOf(values_.normal, transform);
   for (size_t i = 0; i < values_.points.size(); ++i) {
     if (i == kInsertion && !onlyMoves) continue;
+    // The text has no place of its own.
+    if (i == kText && values_.points[i] == AcGePoint3d::kOrigin) continue;
     values_.points[i].transformBy(isOwn(i) ? change.map : transform);
   }
   for (double* angle : {&values_.rotation, &values_.textRotation, &values_.direction}) {

@@ -103,6 +103,7 @@ struct TableKind {
   AcDbObjectId DatabaseState::*table;
   AcDbSymbolTable* (*makeTable)();
   AcDbSymbolTableRecord* (*read)(const TagView& tags);
+  const char* mark = nullptr;  ///< of records that are written back
 };
 
 template <class Table>
@@ -116,11 +117,11 @@ AcDbSymbolTableRecord* named(const TagView&) {
 }
 
 const TableKind kTables[] = {
-    {"LAYER", &DatabaseState::layerTable, &made<AcDbLayerTable>, readLayer},
+    {"LAYER", &DatabaseState::layerTable, &made<AcDbLayerTable>, readLayer, kLayerMark},
     {"LTYPE", &DatabaseState::linetypeTable, &made<AcDbLinetypeTable>, readLinetypeRecord},
     {"STYLE", &DatabaseState::textStyleTable, &made<AcDbTextStyleTable>, readStyleRecord},
     {"APPID", &DatabaseState::regAppTable, &made<AcDbRegAppTable>, &named<AcDbRegAppTableRecord>},
-    {"VIEW", &DatabaseState::viewTable, &made<AcDbViewTable>, readViewRecord},
+    {"VIEW", &DatabaseState::viewTable, &made<AcDbViewTable>, readViewRecord, kViewMark},
     {"DIMSTYLE", &DatabaseState::dimStyleTable, &made<AcDbDimStyleTable>,
      &named<AcDbDimStyleTableRecord>},
     {"UCS", &DatabaseState::ucsTable, &made<AcDbUCSTable>, &named<AcDbUCSTableRecord>},
@@ -142,7 +143,7 @@ AcDbSymbolTable& tableOf(DrawingBinding& binding, const TableKind& kind, std::ui
 
 void readRecord(DrawingBinding& binding, const TableKind& kind, AcDbSymbolTable& table,
                 std::uint32_t object) {
-  const TagView tags = binding.view(object);
+  const TagView tags = binding.view(object).own(kind.mark);
   const std::wstring name = tags.text(2);
   // A second record of a name stays in the file; the first counts.
   AcDbObjectId other;
@@ -167,7 +168,7 @@ void bindLayers(DrawingBinding& binding) {
   for (size_t i = 0; i < count; ++i) {
     auto* layer = AcDbLayerTableRecord::cast(peek(binding.bound[i].id));
     if (layer == nullptr) continue;
-    const TagView tags = binding.view(binding.bound[i].first);
+    const TagView tags = binding.view(binding.bound[i].first).own(kLayerMark);
     const Tag* linetype = tags.find(6);
     const int rgb = tags.integer(420, -1);
     ObjectAccess::beginRestore(*layer);

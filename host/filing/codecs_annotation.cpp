@@ -82,11 +82,11 @@ void writeSpline(const AcDbEntity& entity, EntityOutput& output) {
     }
     for (const auto& [code, tangent] :
          {std::pair{12, values.startTangent}, {13, values.endTangent}}) {
-      if (head.count(code) > 0) head.setPoint(code, {tangent.x, tangent.y, tangent.z});
+      if (head.has(code)) head.setPoint(code, {tangent.x, tangent.y, tangent.z});
     }
   }
   writePoints(10, values.control, head);
-  if (!head.isNew()) head.enter("AcDbSpline");
+  if (!head.isNew()) head.enterOwn("AcDbSpline");
   writePoints(11, values.fit, head);
 }
 
@@ -107,6 +107,7 @@ std::optional<TagView> dimensionStyle(const DrawingBinding& binding, const std::
 constexpr int kKinds = 7;
 constexpr int kAlways = 0x20;  ///< the block belongs to this dimension only
 constexpr int kFirstPoint = 10;
+constexpr int kOfMeasured = 3;  ///< the first point of what is measured
 /// The marks behind AcDbDimension, by kind.
 constexpr const char* kMarks[kKinds] = {"AcDbAlignedDimension",      "AcDbAlignedDimension",
                                         "AcDb2LineAngularDimension", "AcDbDiametricDimension",
@@ -134,11 +135,13 @@ AcDbEntity* readDimension(const EntityTags& tags) {
   values.block = tags.binding.blockOf(tags.head.text(2));
   values.type = static_cast<short>(tags.head.integer(70));
   if ((values.type & 7) >= kKinds) return nullptr;
+  const TagView measured = tags.head.own(kMarks[values.type & 7]);
   for (int i = 0; i < kKinds; ++i) {
-    values.points[static_cast<size_t>(i)] = tags.head.point(kFirstPoint + i);
+    const TagView& part = i < kOfMeasured ? tags.head : measured;
+    values.points[static_cast<size_t>(i)] = part.point(kFirstPoint + i);
   }
   values.normal = tags.head.normal();
-  values.rotation = tags.head.angle(50);
+  values.rotation = measured.angle(50);
   values.textRotation = tags.head.angle(53);
   values.direction = tags.head.angle(51);
   values.text = tags.head.text(1);
@@ -175,19 +178,18 @@ void writeDimension(const AcDbEntity& entity, EntityOutput& output) {
   TagEditor& head = output.head;
   if (head.isNew()) return writeNewDimension(values, head);
   if (!values.block.isNull()) head.setText(2, recordName(values.block));
-  head.leave();
-  for (int i = 0; i < kKinds; ++i) {
-    const AcGePoint3d& point = values.points[static_cast<size_t>(i)];
-    const bool isThere = head.count(kFirstPoint + i) > 0;
-    if (isThere || (i == 2 && point.asVector().length() > 0)) head.setPoint(kFirstPoint + i, point);
-  }
-  for (const auto& [code, angle] :
-       {std::pair{50, values.rotation}, {51, values.direction}, {53, values.textRotation}}) {
-    if (head.count(code) > 0 || (code == 50 && (values.type & 7) == 0)) {
-      head.setAngle(code, angle, 0);
-    }
+  for (const auto& [code, angle] : {std::pair{51, values.direction}, {53, values.textRotation}}) {
+    if (head.has(code)) head.setAngle(code, angle, 0);
   }
   head.setNormal(values.normal);
+  const int kind = values.type & 7;
+  for (int i = 0; i < kKinds; ++i) {
+    if (i == kOfMeasured) head.enterOwn(kMarks[kind]);
+    const AcGePoint3d& point = values.points[static_cast<size_t>(i)];
+    const bool isNeeded = i == 2 && point.asVector().length() > 0;
+    if (isNeeded || head.has(kFirstPoint + i)) head.setPoint(kFirstPoint + i, point);
+  }
+  if (kind == 0 || head.has(50)) head.setAngle(50, values.rotation, 0);
 }
 
 constexpr int kArrowSize = 41;
@@ -262,7 +264,7 @@ void writeTolerance(const AcDbEntity& entity, EntityOutput& output) {
   head.setText(1, values.text);
   head.setNormal(values.normal);
   const AcGeVector3d usual = AcDbFcf::Values().direction;
-  if (head.isNew() || head.count(11) > 0 || !(values.direction == usual)) {
+  if (head.isNew() || head.has(11) || !(values.direction == usual)) {
     head.setPoint(11, {values.direction.x, values.direction.y, values.direction.z});
   }
 }

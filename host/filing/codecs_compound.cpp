@@ -188,7 +188,7 @@ constexpr int kHiddenAttribute = 1;
 
 AcDbAttributeLine readAttribute(DrawingBinding& binding, const TagView& tags) {
   AcDbAttributeLine line;
-  static_cast<AcDbTextLine&>(line) = readTextLine(binding, tags);
+  static_cast<AcDbTextLine&>(line) = readTextLine(binding, tags.own("AcDbText"));
   const Tag* layer = tags.find(8);
   line.layer = binding.layerOf(layer != nullptr ? tags.document().text(*layer) : "0");
   line.color = entityColor(tags.integer(62, AcDbAttributeLine().color));
@@ -247,7 +247,7 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
     const TagView tags = output.old->part(i);
     TagEditor part = output.part(tags, entity);
     if (tags.type() == "ATTRIB" && next < insert.attributes().size()) {
-      part.enter("AcDbText");
+      part.enterOwn("AcDbText");
       writeTextLine(insert.attributes()[next++], part, "AcDbAttribute", verticalCodeOf(tags));
     }
     output.parts += part.bytes();
@@ -258,8 +258,8 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
 
 /// A table is drawn by its block, turned as its direction.
 AcDbEntity* readTable(const EntityTags& tags) {
-  const TagView place = tags.head.behind("AcDbBlockReference");
-  const TagView own = tags.head.behind("AcDbTable");
+  const TagView& place = tags.head;
+  const TagView own = place.own("AcDbTable");
   const AcDbObjectId block = tags.binding.blockOf(place.text(2));
   if (block.isNull()) return nullptr;
   auto* table = new AcDbTable;
@@ -277,9 +277,9 @@ void writeTable(const AcDbEntity& entity, EntityOutput& output) {
       static_cast<const AcDbTable&>(entity).placement();
   TagEditor& head = output.head;
   head.setPoint(10, placement.position);
-  head.enter("AcDbTable");
+  head.enterOwn("AcDbTable");
   const AcGePoint3d direction(std::cos(placement.rotation), std::sin(placement.rotation), 0);
-  const AcGePoint3d before = output.old->head.behind("AcDbTable").point(11);
+  const AcGePoint3d before = output.old->head.own("AcDbTable").point(11);
   const bool isSame = std::atan2(before.y, before.x) == placement.rotation;
   if (!isSame) head.setPoint(11, direction);
 }
@@ -319,11 +319,11 @@ void writeViewport(const AcDbEntity& entity, EntityOutput& output) {
   if (head.isOld()) return;
   head.setReal(12, viewport.viewCenter().x, 0);
   head.setReal(22, viewport.viewCenter().y, 0);
-  if (head.isNew() || head.count(16) > 0) {
+  if (head.isNew() || head.has(16)) {
     const AcGeVector3d direction = viewport.viewDirection();
     head.setPoint(16, {direction.x, direction.y, direction.z});
   }
-  if (head.isNew() || head.count(17) > 0) head.setPoint(17, viewport.viewTarget());
+  if (head.isNew() || head.has(17)) head.setPoint(17, viewport.viewTarget());
   head.setReal(45, viewport.viewHeight(), viewport.height());
   head.setAngle(51, viewport.twistAngle(), 0);
 }

@@ -34,7 +34,6 @@ AcDbEntity* readCircle(const EntityTags& tags) {
 
 void writeCircle(const AcDbEntity& entity, EntityOutput& output) {
   const auto& circle = static_cast<const AcDbCircle&>(entity);
-  output.head.enter("AcDbCircle");
   output.head.setPoint(10, circle.ownCenter());
   output.head.setReal(40, circle.radius());
   output.head.setNormal(circle.normal());
@@ -43,15 +42,16 @@ void writeCircle(const AcDbEntity& entity, EntityOutput& output) {
 AcDbEntity* readArc(const EntityTags& tags) {
   auto* arc = new AcDbArc;
   arc->setOwn(tags.head.point(10), tags.head.normal(), tags.head.real(40));
-  arc->setStartAngle(tags.head.angle(50));
-  arc->setEndAngle(tags.head.angle(51));
+  const TagView own = tags.head.own("AcDbArc");
+  arc->setStartAngle(own.angle(50));
+  arc->setEndAngle(own.angle(51));
   return arc;
 }
 
 void writeArc(const AcDbEntity& entity, EntityOutput& output) {
   const auto& arc = static_cast<const AcDbArc&>(entity);
   writeCircle(entity, output);
-  output.head.enter("AcDbArc");
+  output.head.enterOwn("AcDbArc");
   output.head.setAngle(50, arc.startAngle());
   output.head.setAngle(51, arc.endAngle());
 }

@@ -12,9 +12,14 @@ class TagCursor {
   explicit TagCursor(const TagView& tags) : tags_(tags), at_(tags.range().begin) {}
 
   bool good() const { return good_; }
-  /// Goes to the first tag of a code.
+  /// Goes to the first tag of a code outside of groups.
   void find(int code) {
-    while (at_ < tags_.range().end && tags_.document().tag(at_).code != code) ++at_;
+    GroupWatch groups;
+    for (; at_ < tags_.range().end; ++at_) {
+      const Tag& tag = tags_.document().tag(at_);
+      const bool inGroup = groups.pass(tag.code, [&] { return tags_.document().word(tag); });
+      if (tag.code == code && !inGroup) return;
+    }
   }
   bool isNext(int code) const {
     return at_ < tags_.range().end && tags_.document().tag(at_).code == code;
@@ -155,8 +160,7 @@ bool readValues(const TagView& tags, AcDbHatch::Values& values) {
 
 AcDbEntity* readHatch(const EntityTags& tags) {
   AcDbHatch::Values values;
-  const TagView own = tags.head.behind("AcDbHatch");
-  if (!readValues(own, values)) return nullptr;
+  if (!readValues(tags.head, values)) return nullptr;
   auto* hatch = new AcDbHatch;
   hatch->setValues(std::move(values));
   return hatch;

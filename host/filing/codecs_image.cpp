@@ -37,8 +37,8 @@ std::vector<AcGePoint3d> clipOf(const TagView& tags) {
 
 /// Null for one without a size.
 template <class Image>
-AcDbEntity* readPlaced(const EntityTags& tags, const char* mark) {
-  const TagView own = tags.head.behind(mark);
+AcDbEntity* readPlaced(const EntityTags& tags) {
+  const TagView& own = tags.head;
   AcDbRasterImage::Values values;
   const auto& files = imageFiles(tags.binding);
   const auto file = files.find(own.reference(340));
@@ -59,14 +59,6 @@ AcDbEntity* readPlaced(const EntityTags& tags, const char* mark) {
   return image;
 }
 
-AcDbEntity* readImage(const EntityTags& tags) {
-  return readPlaced<AcDbRasterImage>(tags, "AcDbRasterImage");
-}
-
-AcDbEntity* readWipeout(const EntityTags& tags) {
-  return readPlaced<AcDbWipeout>(tags, "AcDbWipeout");
-}
-
 /// A copy has none of the object that watches the definition for the other.
 void writeImage(const AcDbEntity& entity, EntityOutput& output) {
   const AcDbRasterImage::Values& values = static_cast<const AcDbRasterImage&>(entity).values();
@@ -84,8 +76,10 @@ void writeImage(const AcDbEntity& entity, EntityOutput& output) {
 
 const std::vector<EntityCodec>& imageCodecs() {
   static const std::vector<EntityCodec> codecs = {
-      {"IMAGE", "AcDbRasterImage", &AcDbRasterImage::desc, readImage, writeImage, false, false},
-      {"WIPEOUT", "AcDbWipeout", &AcDbWipeout::desc, readWipeout, writeImage, false, false},
+      {"IMAGE", "AcDbRasterImage", &AcDbRasterImage::desc, readPlaced<AcDbRasterImage>, writeImage,
+       false, false},
+      {"WIPEOUT", "AcDbWipeout", &AcDbWipeout::desc, readPlaced<AcDbWipeout>, writeImage, false,
+       false},
   };
   return codecs;
 }

@@ -14,7 +14,6 @@ namespace {
 /// Longer texts stand in pieces of this many characters.
 constexpr size_t kPiece = 250;
 constexpr int kEmbedded = 101;
-constexpr int kFirstExtended = 1000;
 
 /// Of a text that names none.
 constexpr std::wstring_view kUsualStyle = L"Standard";
@@ -45,12 +44,9 @@ void writeText(const AcDbEntity& entity, EntityOutput& output) {
 /// The pieces of code 3 and the end of code 1, before the part that later versions append.
 std::wstring contentsOf(const TagView& tags) {
   std::string bytes;
-  const TagRange range = tags.range();
-  for (std::uint32_t i = range.begin; i < range.end; ++i) {
-    const Tag& tag = tags.document().tag(i);
-    if (tag.code == 101 || tag.code >= 1000) break;
+  tags.forEach([&](const Tag& tag) {
     if (tag.code == 3 || tag.code == 1) bytes += tags.document().text(tag);
-  }
+  });
   return tags.encoding().decode(bytes);
 }
 
@@ -64,16 +60,12 @@ AcGeVector3d directionOf(const TagView& tags) {
 
 /// What R2018 keeps inside the text: its columns, and once more where it stands.
 TagView embeddedIn(const TagView& tags) {
-  TagRange part{tags.range().end, tags.range().end};
-  for (std::uint32_t i = tags.range().begin; i < tags.range().end; ++i) {
-    const int code = tags.document().tag(i).code;
-    if (code == kEmbedded) part.begin = i + 1;
-    if (code >= kFirstExtended) {
-      part.end = i;
-      break;
-    }
+  const TagRange whole = tags.whole().range();
+  const auto code = [&](std::uint32_t i) { return tags.document().tag(i).code; };
+  TagRange part{whole.begin, whole.end};
+  while (part.begin < whole.end && code(part.begin++) != kEmbedded) {
   }
-  if (part.begin > part.end) part.begin = part.end;
+  for (part.end = part.begin; part.end < whole.end && !endsOwnTags(code(part.end));) ++part.end;
   return {tags.document(), tags.encoding(), part};
 }
 
@@ -200,11 +192,11 @@ void writeTextLine(const AcDbTextLine& line, TagEditor& editor, const char* last
   editor.setAngle(51, line.oblique, 0);
   editor.setInteger(71, line.generation, 0);
   editor.setInteger(72, line.horizontal, 0);
-  if (line.horizontal != 0 || line.vertical != 0 || editor.count(11) > 0) {
+  if (line.horizontal != 0 || line.vertical != 0 || editor.has(11)) {
     editor.setPoint(11, line.alignment);
   }
   editor.setNormal(line.normal);
-  editor.enterLast(lastMark);
+  if (!editor.has(verticalCode)) editor.enterLast(lastMark);
   editor.setInteger(verticalCode, line.vertical, 0);
 }
 

@@ -20,7 +20,7 @@ void writePoints(const AcDbTrace& trace, TagEditor& head) {
   const AcDbTrace::Points& points = trace.ownPoints();
   for (int i = 0; i < 4; ++i) {
     const AcGePoint3d& point = points[static_cast<size_t>(i)];
-    const bool isLeftOut = i == 3 && !head.isNew() && head.count(kFirstPoint + 3) == 0;
+    const bool isLeftOut = i == 3 && !head.isNew() && !head.has(kFirstPoint + 3);
     const AcGeVector3d apart = point - points[2];
     if (!isLeftOut || apart.length() > 0) head.setPoint(kFirstPoint + i, point);
   }

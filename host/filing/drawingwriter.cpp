@@ -200,12 +200,12 @@ class DrawingWriter {
       writeExtendedData(binding_, entity, from, editor);
       return editor.bytes();
     }
-    if (codec->subclass != nullptr) editor.enter(codec->subclass);
+    editor.enterOwn(codec->subclass);
     if (codec->hasThickness) writeThickness(binding_, entity, from, editor);
     std::unique_ptr<EntityTags> tags;
     if (from != nullptr) {
-      tags = std::make_unique<EntityTags>(
-          EntityTags{binding_, binding_.view(from->first), from->first, from->count});
+      const TagView head = binding_.view(from->first).own(codec->subclass);
+      tags = std::make_unique<EntityTags>(EntityTags{binding_, head, from->first, from->count});
     }
     EntityOutput output{binding_, editor, tags.get(), {}, model != nullptr};
     codec->write(entity, output);

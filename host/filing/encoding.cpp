@@ -135,6 +135,8 @@ std::wstring withoutEscapes(std::wstring_view text) {
     out += c;
   }
   joinSurrogates(out);
+  // Names and texts go as C strings through the host's interface, which would cut them there.
+  std::replace(out.begin(), out.end(), L'\0', L'\xFFFD');
   return out;
 }
 

@@ -14,7 +14,8 @@ class TagDocument;
 
 /// Turns values of a drawing's tags into texts and back. UTF-8 from R2007 on, whatever the header's
 /// code page says; before that the code page, with "\U+XXXX" and "\M+nXXXX" for what it lacks.
-/// Control characters stand as "^J", a caret as "^ ".
+/// Control characters stand as "^J", a caret as "^ ". A byte of 0, which no text here can hold,
+/// reads as the replacement character.
 class ACADHOST_EXPORT TextEncoding {
  public:
   /// UTF-8.

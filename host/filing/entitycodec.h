@@ -13,7 +13,7 @@ namespace tarn::host {
 /// An entity in the file: its own tags, and what belongs to it behind them (vertices, attributes).
 struct EntityTags {
   DrawingBinding& binding;
-  TagView head;
+  TagView head;         ///< behind the mark of its kind
   std::uint32_t first;  ///< the entity itself
   std::uint32_t count;  ///< with its parts
 

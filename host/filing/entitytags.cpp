@@ -10,9 +10,15 @@ using Properties = EntityAccess::Properties;
 
 /// Some entities have tags of the same codes behind marks of their own.
 TagView commonPart(const TagView& tags) {
-  if (tags.document().isOld()) return tags;
   const TagView common = tags.behind("AcDbEntity");
-  return common.range().begin < common.range().end ? common : tags;
+  return common.range().begin < tags.range().end ? common : tags;
+}
+
+double thicknessOf(const TagView& tags) {
+  constexpr int kThickness = 39;
+  if (!tags.has(kThickness)) return 0;
+  const EntityCodec* codec = codecOf(tags.type());
+  return tags.own(codec != nullptr ? codec->subclass : nullptr).real(kThickness);
 }
 
 Properties propertiesOf(DrawingBinding& binding, const TagView& tags) {
@@ -25,7 +31,7 @@ Properties propertiesOf(DrawingBinding& binding, const TagView& tags) {
   found.lineWeight = static_cast<Adesk::Int16>(common.integer(370, found.lineWeight));
   found.trueColor = common.integer(420, -1);
   found.transparency.serializeIn(static_cast<Adesk::UInt32>(common.integer(440)));
-  found.thickness = tags.real(39);
+  found.thickness = thicknessOf(tags);
   return found;
 }
 
@@ -64,7 +70,7 @@ void writeProperties(DrawingBinding& binding, const AcDbEntity& entity, const Bo
 void writeThickness(const DrawingBinding& binding, const AcDbEntity& entity, const BoundObject* old,
                     TagEditor& editor) {
   const double now = EntityAccess::properties(entity).thickness;
-  const double before = old != nullptr ? binding.view(old->first).real(39) : 0;
+  const double before = old != nullptr ? thicknessOf(binding.view(old->first)) : 0;
   if (now != before) editor.setReal(39, now);
 }
 

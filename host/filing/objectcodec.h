@@ -17,6 +17,10 @@ class AcRxClass;
 
 namespace tarn::host {
 
+// Marks of records that are written back.
+constexpr char kLayerMark[] = "AcDbLayerTableRecord";
+constexpr char kViewMark[] = "AcDbViewTableRecord";
+
 struct DictionaryEntry {
   std::wstring name;
   std::uint64_t handle = 0;

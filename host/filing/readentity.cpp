@@ -85,7 +85,8 @@ std::uint32_t readEntity(DrawingBinding& binding, std::uint32_t object, std::uin
   const EntityCodec* codec = codecOf(tags.type());
   AcDbEntity* entity = nullptr;
   if (!block.isNull()) {
-    entity = codec != nullptr ? codec->read({binding, tags, object, count}) : makeRegistered(tags);
+    entity = codec != nullptr ? codec->read({binding, tags.own(codec->subclass), object, count})
+                              : makeRegistered(tags);
   }
   if (entity != nullptr) {
     addEntity(binding, entity, object, count, block);

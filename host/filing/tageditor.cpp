@@ -73,12 +73,9 @@ TagEditor::TagEditor(const TagDocument& document, const TextEncoding& encoding, 
 }
 
 void TagEditor::renew(std::uint64_t handle, std::uint64_t owner) {
-  bool inGroup = false;
+  GroupWatch groups;
   const auto isOfGroup = [&](const Item& item) {
-    const bool isBracket = item.code == 102;
-    const bool was = inGroup;
-    if (isBracket) inGroup = trim(valueOf(item)).substr(0, 1) == "{";
-    return was || isBracket;
+    return groups.pass(item.code, [&] { return trim(valueOf(item)); });
   };
   items_.erase(std::remove_if(items_.begin(), items_.end(), isOfGroup), items_.end());
   if (handle != 0) setHandle(5, handle);
@@ -122,59 +119,74 @@ std::string_view TagEditor::valueOf(const Item& item) const {
   return line;
 }
 
-size_t TagEditor::endOfPart() const {
-  for (size_t i = floor_; i < items_.size(); ++i) {
+size_t TagEditor::endOfPart(size_t from) const {
+  for (size_t i = from; i < items_.size(); ++i) {
     const int code = items_[i].code;
-    if (code == kEmbedded || code >= kFirstExtended) return i;
+    if (holdsValues_ ? code >= kFirstExtended : endsOwnTags(code)) return i;
     if (code == kMark && !acrossMarks_) return i;
     if (code == runCode_ && i > floor_) return i;
   }
   return items_.size();
 }
 
-void TagEditor::enter(std::string_view subclass) {
-  runCode_ = -1;
-  if (old_) return;
-  acrossMarks_ = false;
-  for (size_t i = 1; i < items_.size(); ++i) {
-    if (items_[i].code != kMark || trim(valueOf(items_[i])) != subclass) continue;
-    floor_ = cursor_ = i + 1;
-    return;
+size_t TagEditor::findMark(std::string_view subclass) const {
+  for (size_t i = 1; i < items_.size() && !endsOwnTags(items_[i].code); ++i) {
+    if (items_[i].code == kMark && trim(valueOf(items_[i])) == subclass) return i;
   }
-  if (!new_) return leave();
-  toEnd();
-  addWord(kMark, subclass);
-  floor_ = cursor_;
+  return 0;
+}
+
+void TagEditor::enter(std::string_view subclass) {
+  leave();
+  if (const size_t mark = findMark(subclass)) {
+    acrossMarks_ = false;
+    floor_ = cursor_ = mark + 1;
+  } else if (new_ && !old_) {
+    acrossMarks_ = false;
+    toEnd();
+    addWord(kMark, subclass);
+    floor_ = cursor_;
+  }
+}
+
+void TagEditor::enterOwn(const char* subclass) {
+  subclass != nullptr ? enter(subclass) : leave();
+  elsewhere_ = !new_;
+}
+
+void TagEditor::enterValues(std::string_view subclass) {
+  enter(subclass);
+  acrossMarks_ = holdsValues_ = true;
 }
 
 bool TagEditor::enterEmbedded() {
   for (size_t i = 1; i < items_.size(); ++i) {
     if (items_[i].code != kEmbedded) continue;
+    leave();
     floor_ = cursor_ = i + 1;
-    runCode_ = -1;
     return true;
   }
   return false;
 }
 
 void TagEditor::enterLast(std::string_view subclass) {
-  if (old_) return;
-  if (new_) {
+  if (new_ && !old_) {
     toEnd();
     addWord(kMark, subclass);
     floor_ = cursor_;
     return;
   }
-  for (size_t i = items_.size(); i-- > 1;) {
+  const size_t first = findMark(subclass);
+  for (size_t i = first; first > 0 && i < items_.size() && !endsOwnTags(items_[i].code); ++i) {
     if (items_[i].code != kMark || trim(valueOf(items_[i])) != subclass) continue;
     floor_ = cursor_ = i + 1;
-    return;
   }
 }
 
 void TagEditor::leave() {
   runCode_ = -1;
   acrossMarks_ = true;
+  elsewhere_ = holdsValues_ = false;
   floor_ = 1;
 }
 
@@ -197,15 +209,23 @@ void TagEditor::toEnd() {
   cursor_ = end;
 }
 
-std::ptrdiff_t TagEditor::findItem(int code) const {
-  const size_t end = endOfPart();
-  bool inGroup = false;
-  for (size_t i = floor_; i < end; ++i) {
-    if (code != 102 && items_[i].code == 102)
-      inGroup = trim(valueOf(items_[i])).substr(0, 1) == "{";
-    if (!inGroup && items_[i].code == code) return static_cast<std::ptrdiff_t>(i);
+std::ptrdiff_t TagEditor::findBetween(size_t begin, size_t end, int code) const {
+  GroupWatch groups;
+  for (size_t i = begin; i < end; ++i) {
+    const bool inGroup = groups.pass(items_[i].code, [&] { return trim(valueOf(items_[i])); });
+    if (items_[i].code == code && (!inGroup || code == kGroup)) {
+      return static_cast<std::ptrdiff_t>(i);
+    }
   }
   return -1;
+}
+
+std::ptrdiff_t TagEditor::findItem(int code) const {
+  const std::ptrdiff_t found = findBetween(floor_, endOfPart(), code);
+  if (found >= 0 || !elsewhere_ || runCode_ >= 0) return found;
+  size_t end = 1;
+  while (end < items_.size() && !endsOwnTags(items_[end].code)) ++end;
+  return findBetween(1, end, code);
 }
 
 size_t TagEditor::count(int code) const {
@@ -223,7 +243,8 @@ void TagEditor::set(int code, const std::string& value, bool isStandard, Same sa
     return;
   }
   Item& item = items_[static_cast<size_t>(found)];
-  cursor_ = static_cast<size_t>(found) + 1;
+  const auto place = static_cast<size_t>(found);
+  if (place >= floor_ && place < endOfPart()) cursor_ = place + 1;
   if (same(valueOf(item))) return;
   item.value = value;
   item.changed = true;
@@ -343,12 +364,9 @@ void TagEditor::setNextAngle(int code, double radians) {
 }
 
 bool TagEditor::goTo(int code) {
-  for (size_t i = cursor_; i < endOfPart(); ++i) {
-    if (items_[i].code != code) continue;
-    floor_ = cursor_ = i + 1;
-    return true;
-  }
-  return false;
+  const std::ptrdiff_t found = findBetween(cursor_, endOfPart(cursor_), code);
+  if (found >= 0) floor_ = cursor_ = static_cast<size_t>(found) + 1;
+  return found >= 0;
 }
 
 bool TagEditor::stands(int code) {
@@ -385,8 +403,7 @@ void TagEditor::putHandle(int code, std::uint64_t handle) {
 }
 
 void TagEditor::removeRest() {
-  size_t end = cursor_;
-  while (end < items_.size() && items_[end].code < kFirstExtended) ++end;
+  const size_t end = endOfPart(cursor_);
   items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(cursor_),
                items_.begin() + static_cast<std::ptrdiff_t>(end));
 }

@@ -33,9 +33,14 @@ class ACADHOST_EXPORT TagEditor {
   bool isOld() const { return old_; }
   /// True for an object that does not stand in the file.
   bool isNew() const { return new_; }
-  /// What follows belongs behind this subclass mark. Where it is missing a new object gets it, and
-  /// an old one is taken as a whole.
+  /// What follows belongs behind this subclass mark, as TagView::behind() reads it. Where it is
+  /// missing a new object gets it, and an old one is taken as a whole.
   void enter(std::string_view subclass);
+  /// The same, as TagView::own() reads it: a tag that the part does not have is set where else it
+  /// stands in the object.
+  void enterOwn(const char* subclass);
+  /// What follows are values of all codes, up to extended data, behind this mark.
+  void enterValues(std::string_view subclass);
   /// The last of several equal marks; a new object gets one more. Without such a mark nothing
   /// changes.
   void enterLast(std::string_view subclass);
@@ -91,7 +96,7 @@ class ACADHOST_EXPORT TagEditor {
   void setNextAngle(int code, double radians);
   /// Goes behind the next tag of this code; false, and nothing happens, when there is none.
   bool goTo(int code);
-  /// Takes away everything behind the tag set last, up to extended data.
+  /// Takes away everything behind the tag set last, up to the end of the present part.
   void removeRest();
   /// Takes away the extended data; what is added next comes in its place.
   void removeExtended();
@@ -107,6 +112,8 @@ class ACADHOST_EXPORT TagEditor {
   void toEnd();
   /// Number of tags of a code behind the present mark.
   size_t count(int code) const;
+  /// True when what is set next at the code stands already.
+  bool has(int code) const { return findItem(code) >= 0; }
 
   /// The bytes of the object, in the line ends of its drawing.
   std::string bytes() const;
@@ -122,9 +129,13 @@ class ACADHOST_EXPORT TagEditor {
   std::string_view valueOf(const Item& item) const;
   /// True, and looked at, when a tag of the code stands next; else everything that follows is gone.
   bool stands(int code);
-  size_t endOfPart() const;
+  size_t endOfPart() const { return endOfPart(floor_); }
+  size_t endOfPart(size_t from) const;
+  /// Index of the first mark of a name, or 0.
+  size_t findMark(std::string_view subclass) const;
   /// Index of the tag to set, or -1.
   std::ptrdiff_t findItem(int code) const;
+  std::ptrdiff_t findBetween(size_t begin, size_t end, int code) const;
   template <typename Same>
   void set(int code, const std::string& value, bool isStandard, Same same);
 
@@ -133,6 +144,8 @@ class ACADHOST_EXPORT TagEditor {
   bool old_;
   bool new_;
   bool acrossMarks_;
+  bool elsewhere_ = false;    ///< tags may stand outside of the present part
+  bool holdsValues_ = false;  ///< the present part has values of all codes
   int runCode_ = -1;
   std::vector<Item> items_;
   size_t floor_ = 1;   ///< where a search begins

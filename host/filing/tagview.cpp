@@ -4,29 +4,59 @@
 
 namespace tarn::host {
 
-TagView TagView::behind(std::string_view mark) const {
-  constexpr int kMark = 100;
-  TagRange part{range_.end, range_.end};
-  for (std::uint32_t i = range_.begin; i < range_.end; ++i) {
-    const Tag& tag = document_->tag(i);
-    const bool inside = part.begin < range_.end;
-    if (inside && (tag.code == kMark || tag.code >= 1000)) {
-      part.end = i;
-      break;
-    }
-    if (!inside && tag.code == kMark && document_->word(tag) == mark) part.begin = i + 1;
+namespace {
+
+constexpr int kMark = 100;
+
+/// Behind the first mark of this name, up to the next; nothing when there is none.
+std::optional<TagRange> partBehind(const TagDocument& document, TagRange object,
+                                   std::string_view mark) {
+  std::optional<TagRange> part;
+  std::uint32_t i = object.begin;
+  for (; i < object.end; ++i) {
+    const Tag& tag = document.tag(i);
+    if (endsOwnTags(tag.code) || (part && tag.code == kMark)) break;
+    if (!part && tag.code == kMark && document.word(tag) == mark) part = TagRange{i + 1, i + 1};
   }
-  return {*document_, *encoding_, part};
+  if (part) part->end = i;
+  return part;
+}
+
+const Tag* findIn(const TagDocument& document, TagRange range, int code) {
+  GroupWatch groups;
+  for (std::uint32_t i = range.begin; i < range.end; ++i) {
+    const Tag& tag = document.tag(i);
+    if (endsOwnTags(tag.code) && !endsOwnTags(code)) break;
+    const bool inGroup = groups.pass(tag.code, [&] { return document.word(tag); });
+    if (tag.code == code && !inGroup) return &tag;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+TagView TagView::behind(std::string_view mark) const {
+  const auto part = partBehind(*document_, whole_, mark);
+  return {*document_, *encoding_, part.value_or(TagRange{whole_.end, whole_.end})};
+}
+
+TagView TagView::own(const char* mark) const {
+  TagView view = whole();
+  const auto part = mark != nullptr ? partBehind(*document_, whole_, mark) : std::nullopt;
+  if (part) {
+    view.range_ = *part;
+    return view;
+  }
+  std::uint32_t end = whole_.begin;
+  while (end < whole_.end && !endsOwnTags(document_->tag(end).code)) ++end;
+  view.range_.end = end;
+  return view;
 }
 
 const Tag* TagView::find(int code) const {
-  constexpr int kEmbedded = 101;
-  for (std::uint32_t i = range_.begin; i < range_.end; ++i) {
-    const Tag& tag = document_->tag(i);
-    if (tag.code == code) return &tag;
-    if (tag.code == kEmbedded) break;
-  }
-  return nullptr;
+  const Tag* found = findIn(*document_, range_, code);
+  const bool isPart = range_.begin != whole_.begin || range_.end != whole_.end;
+  return found == nullptr && isPart ? findIn(*document_, whole_, code) : found;
 }
 
 double TagView::realOf(const Tag& tag, double standard) const {

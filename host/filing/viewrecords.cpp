@@ -36,7 +36,7 @@ std::string writeViewRecord(const DrawingBinding& binding, const AcDbViewTableRe
       editor.enter("AcDbSymbolTableRecord");
     }
   }
-  editor.enter("AcDbViewTableRecord");
+  editor.enterOwn(kViewMark);
   const ACHAR* name = L"";
   view.getName(name);
   editor.setText(2, name);

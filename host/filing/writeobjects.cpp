@@ -92,7 +92,7 @@ std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record
                         const BoundObject* old) {
   TagEditor editor = editorOf(binding, old, "XRECORD");
   if (old == nullptr) beginNew(editor, record);
-  editor.enter("AcDbXrecord");
+  editor.enterValues("AcDbXrecord");
   // R13 and R14 have no such flag.
   if (old == nullptr || editor.isNext(280)) editor.putInteger(280, record.mergeStyle());
   resbuf* chain = nullptr;
@@ -114,10 +114,10 @@ std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTable
       editor.enter("AcDbSymbolTableRecord");
     }
   }
-  editor.enter("AcDbLayerTableRecord");
+  editor.enterOwn(kLayerMark);
   editor.setText(2, recordName(layer.objectId()));
   const int flags = (layer.isFrozen() ? kFrozenFlag : 0) | (layer.isLocked() ? kLockedFlag : 0);
-  const int before = old != nullptr ? binding.view(old->first).integer(70) : 0;
+  const int before = old != nullptr ? binding.view(old->first).own(kLayerMark).integer(70) : 0;
   editor.setInteger(70, (before & ~(kFrozenFlag | kLockedFlag)) | flags);
   const int color = layer.isOff() ? -layer.colorIndex() : layer.colorIndex();
   editor.setIntegerUnless(62, color, 1000, [&](long long inFile) {
