@@ -42,6 +42,9 @@ SYSTEM_HEADERS = re.compile(
     re.IGNORECASE)
 
 
+CMAKE_SYSTEMS = re.compile(r"^[^#]*\b(WIN32|MINGW|UNIX|MSVC|APPLE|CMAKE_SYSTEM_NAME)\b")
+
+
 def read_rules():
     rules, order = {}, []
     with open(os.path.join(ROOT, "tools", "deps.txt"), encoding="utf-8") as text:
@@ -128,15 +131,28 @@ def faults_of(path, rules):
                 yield f"{path}:{number}: {room} may not include {other or 'a file in no room'} ({name})"
 
 
+def build_faults(path):
+    """Sources must not be chosen by the system elsewhere either."""
+    if path.startswith(tuple(room + "/" for room in SYSTEM_ROOMS)):
+        return
+    with open(os.path.join(ROOT, path), encoding="utf-8") as text:
+        for number, line in enumerate(text, 1):
+            system = CMAKE_SYSTEMS.match(line)
+            if system:
+                yield f"{path}:{number}: this folder may not ask for the system ({system.group(1)})"
+
+
 def main():
     rules = read_rules()
     faults = []
     for top in sorted({room.split("/")[0] for room in rules}):
         for folder, _, files in os.walk(os.path.join(ROOT, top)):
             for name in sorted(files):
+                path = os.path.relpath(os.path.join(folder, name), ROOT).replace(os.sep, "/")
                 if name.endswith((".h", ".cpp")):
-                    path = os.path.relpath(os.path.join(folder, name), ROOT)
-                    faults.extend(faults_of(path.replace(os.sep, "/"), rules))
+                    faults.extend(faults_of(path, rules))
+                elif name == "CMakeLists.txt":
+                    faults.extend(build_faults(path))
     print("\n".join(faults) if faults else "dependencies as written down")
     return 1 if faults else 0
 

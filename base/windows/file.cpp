@@ -74,15 +74,23 @@ OVERLAPPED placeAt(uint64_t offset) {
   return place;
 }
 
-/// Moves a file out of the way: to where temporary files are, or else beside itself.
+/// The folder of a path, with the separator at its end; empty when it names none.
+std::wstring above(const std::wstring& path) {
+  const size_t end = path.rfind(L'\\');
+  return path.substr(0, end == path.npos ? 0 : end + 1);
+}
+
+/// Moves a file out of the way: to where temporary files are; on another drive to above its folder,
+/// which can then be removed too; or else beside itself.
 std::wstring moveAside(const std::wstring& path) {
   static std::atomic<unsigned> number{0};
   std::wstring folder(MAX_PATH + 1, L'\0');
   folder.resize(::GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()));
   const std::wstring name =
       L"tarn-gone-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(++number);
-  const size_t own = path.rfind(L'\\');
-  for (const std::wstring& place : {folder, path.substr(0, own == path.npos ? 0 : own + 1)}) {
+  const std::wstring own = above(path);
+  for (const std::wstring& place : {folder, above(own.substr(0, own.size() - 1)), own}) {
+    if (place.empty()) continue;
     if (::MoveFileExW(path.c_str(), (place + name).c_str(), 0) != 0) return place + name;
   }
   return {};

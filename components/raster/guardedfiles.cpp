@@ -44,7 +44,8 @@ thread_local uint64_t t_bytesRead = 0;
 GuardedFolder behind(const char* virtualName) {
   std::string name = virtualName;
   if (name.compare(0, std::strlen(kRoot), kRoot) == 0) name.erase(0, std::strlen(kRoot));
-  const size_t slash = name.find('/');
+  // On Windows GDAL puts the other separator before the name of an image's part.
+  const size_t slash = name.find_first_of("/\\");
   int id = 0;
   if (slash == std::string::npos || !parseInt(name.substr(0, slash), id)) return {};
   GuardedFolder folder;

@@ -93,6 +93,21 @@ TEST_F(WindowsFiles, WhatIsOpenCanBeReplacedAndRemovedAndKeepsItsBytes) {
   EXPECT_TRUE(listFolder(folder_).empty());
 }
 
+TEST_F(WindowsFiles, AFolderGoesWithAFileThatIsOpenWhereTemporaryFilesCannotBeMovedTo) {
+  // In a session of the tests this is another file system than drives C and D.
+  auto other = makeTemporaryFolder("Z:\\tmp", "影像 ");
+  ASSERT_TRUE(other) << other.message();
+  const std::string build = other.value() + "\\build";
+  ASSERT_TRUE(makeFolders(build));
+  FileLock lock;
+  ASSERT_TRUE(lock.tryLock(build + "\\lock"));
+  EXPECT_TRUE(removeAll(build));
+  EXPECT_EQ(fileKind(build), FileKind::kMissing);
+  lock.unlock();
+  EXPECT_TRUE(listFolder(other.value()).empty());
+  EXPECT_TRUE(removeAll(other.value()));
+}
+
 TEST_F(WindowsFiles, MarksAgainstWritingAreHeededAndDoNotKeepWhatIsRemoved) {
   const std::string path = folder_ + "\\marked.tif";
   ASSERT_TRUE(writeFileAtomically(path, "x"));

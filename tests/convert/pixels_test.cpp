@@ -43,7 +43,7 @@ struct Case {
   int tolerance;
   const char* compressionName;
 };
-const Case kCases[] = {
+const Case kAllCases[] = {
     {Format::kGeoTiff, Compression::kNone, 0, nullptr},
     {Format::kGeoTiff, Compression::kDeflate, 0, "DEFLATE"},
     {Format::kGeoTiff, Compression::kLzw, 0, "LZW"},
@@ -58,8 +58,18 @@ const Case kCases[] = {
     {Format::kJpeg, Compression::kNone, 12, nullptr},
 };
 
+/// Those that this system's GDAL can write.
+std::vector<Case> cases() {
+  const bool zstd = raster::gdalHas("ZSTD");
+  std::vector<Case> all;
+  for (const Case& c : kAllCases) {
+    if (zstd || c.compression != Compression::kZstd) all.push_back(c);
+  }
+  return all;
+}
+
 TEST(ConvertedPixels, AreThoseOfTheImageInEveryFormat) {
-  for (const Case& c : kCases) {
+  for (const Case& c : cases()) {
     for (const int channels : {1, 3}) {
       const Scratch scratch;
       // Odd sizes: edge tiles in both directions; a lossless form gets noise.
@@ -101,6 +111,7 @@ uint64_t placeOf(GDALRasterBand& band, int column, int row) {
 TEST(ConvertedPixels, CloudOptimisedFilesHaveTheirOverviewsFirst) {
   for (const Compression compression :
        {Compression::kNone, Compression::kJpeg, Compression::kZstd}) {
+    if (compression == Compression::kZstd && !raster::gdalHas("ZSTD")) continue;
     const Scratch scratch;
     writePicture(scratch / "a.tif", smooth(2100, 1500, 3));
     const std::string output = scratch / "b.tif";
@@ -181,7 +192,7 @@ TEST(ConvertedPixels, SamplesOfEveryKindStayAsTheyAre) {
                 {GDT_Float32, -1.5, 0.25},
                 {GDT_Float64, 1e9, 1e-3}};
   for (const auto& kind : kKinds) {
-    for (const Case& c : kCases) {
+    for (const Case& c : cases()) {
       if (c.tolerance > 0) continue;
       const Scratch scratch;
       writeRamps(scratch / "a.tif", kind.type, 4, kind.from, kind.step);
@@ -204,7 +215,7 @@ TEST(ConvertedPixels, EightBitsAreThoseOfTheScreen) {
   const auto shown = raster::RasterImage::open(scratch / "a.tif", {{}, false, {4, 1, 2}});
   ASSERT_TRUE(shown);
   const Picture expected = raster::readAll(*shown.value());
-  for (const Case& c : kCases) {
+  for (const Case& c : cases()) {
     Options options = optionsOf(c.format, c.compression, {});
     options.pixels = Pixels::kShown;
     options.bands = {4, 1, 2};

@@ -45,6 +45,15 @@ TEST(Options, AreSetByTheirWordsAndWrongOnesSayWhatIsRight) {
   EXPECT_NE(keyOf(a), keyOf(b));
 }
 
+TEST(Options, ZstandardIsRefusedByNameWhereItIsNotToBeHad) {
+  Options options;
+  EXPECT_TRUE(checkOptions(options));
+  options.compression = Compression::kZstd;
+  const Status fits = checkOptions(options);
+  EXPECT_EQ(fits.isOk(), raster::gdalHas("ZSTD"));
+  EXPECT_EQ(fits.message().find("Zstandard"), fits ? std::string::npos : 0U) << fits.message();
+}
+
 TEST(Inputs, FoldersAndPatternsStandForTheirImages) {
   const Scratch scratch;
   for (const char* name :

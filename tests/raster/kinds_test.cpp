@@ -195,9 +195,18 @@ Scale sortedScale(const std::string& path, const RasterImage& image) {
           samples[size_t(0.98 * double(samples.size() - 1) + 0.5)]};
 }
 
+/// Not every GDAL is built with every compression.
+bool canBeWritten(const std::vector<std::string>& options) {
+  const std::string start = "COMPRESS=";
+  return std::all_of(options.begin(), options.end(), [&](const std::string& option) {
+    return option.compare(0, start.size(), start) != 0 || gdalHas(option.substr(start.size()));
+  });
+}
+
 TEST(Kinds, EachIsShownByTheRuleAndKeepsItsLookWithItsPyramid) {
   for (const Kind& kind : kinds()) {
     SCOPED_TRACE(kind.name);
+    if (!canBeWritten(kind.form.options)) continue;
     const Scratch scratch;
     const std::string path = scratch / kind.file;
     writeSamples(

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "base/file.h"
@@ -99,6 +100,16 @@ Picture readByGdal(const std::string& path, int overview) {
   }
   GDALClose(dataset);
   return picture;
+}
+
+bool gdalHas(const std::string& compression) {
+  GDALAllRegister();
+  const char* options = GetGDALDriverManager()->GetDriverByName("GTiff")->GetMetadataItem(
+      GDAL_DMD_CREATIONOPTIONLIST);
+  const bool has = options && std::string(options).find("<Value>" + compression + "</Value>") !=
+                                  std::string::npos;
+  if (!has) std::printf("without %s: this GDAL has none\n", compression.c_str());
+  return has;
 }
 
 Scratch::Scratch() {

@@ -40,6 +40,10 @@ void writeText(const std::string& path, const std::string& text);
 /// The first picture or an overview (0 is the first overview) through GDAL, as gray or RGB.
 Picture readByGdal(const std::string& path, int overview = -1);
 
+/// Whether this system's GDAL can write TIFF files with that compression ("ZSTD"). Says so when it
+/// cannot.
+bool gdalHas(const std::string& compression);
+
 /// A folder of its own, removed at the end.
 class Scratch {
  public:
