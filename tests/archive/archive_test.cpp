@@ -14,6 +14,7 @@
 #include "components/raster/rasterimage.h"
 #include "tests/archive/archive_table.h"
 #include "tests/archive/reference.h"
+#include "tests/raster/testimages.h"
 
 namespace tarn::test {
 namespace {
@@ -158,6 +159,16 @@ void checkShown(const RasterImage& image, const std::string& path) {
   }
 }
 
+/// What a GDAL of 32 bits, or one with fewer compressions, does not even begin to read.
+bool isBeyondThisGdal(const std::string& message) {
+  if (sizeof(size_t) < 8 && message.find("Integer overflow") != std::string::npos) return true;
+  const std::string missing = "missing codec ";
+  const size_t at = message.find(missing);
+  if (at == std::string::npos) return false;
+  const size_t codec = at + missing.size();
+  return !raster::gdalHas(message.substr(codec, message.find('.', codec) - codec));
+}
+
 class Archive : public testing::TestWithParam<Row> {};
 
 TEST_P(Archive, IsShownRightlyOrRefusedWithItsReason) {
@@ -166,9 +177,15 @@ TEST_P(Archive, IsShownRightlyOrRefusedWithItsReason) {
   if (fileKind(path) != FileKind::kRegular) GTEST_SKIP() << path << " is not here";
   CPLPushErrorHandler(CPLQuietErrorHandler);
   const auto opened = RasterImage::open(path, {{folderOf(path), ""}, true});
+  if (!opened) {
+    EXPECT_EQ(opened.message().compare(0, path.size(), path), 0) << opened.message();
+  }
+  if (!opened && isBeyondThisGdal(opened.message())) {
+    CPLPopErrorHandler();
+    GTEST_SKIP() << opened.message();
+  }
   if (row.verdict == kRefused) {
     EXPECT_FALSE(opened);
-    EXPECT_EQ(opened.message().compare(0, path.size(), path), 0) << opened.message();
     EXPECT_NE(opened.message().find(row.says), std::string::npos) << opened.message();
   } else {
     ASSERT_TRUE(opened) << opened.message();
