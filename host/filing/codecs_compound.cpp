@@ -168,7 +168,7 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
   bool hasEnd = false;
   for (std::uint32_t i = 0; output.old != nullptr && i < output.old->partCount(); ++i) {
     const TagView tags = output.old->part(i);
-    TagEditor part = output.part(tags, entity);
+    TagEditor part = output.part(i, entity);
     if (tags.type() == "VERTEX") {
       if (next >= vertices.size()) continue;  // there are fewer now
       writeOldVertex(line, vertices[next++], *output.old, part);
@@ -245,7 +245,7 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
   size_t next = 0;
   for (std::uint32_t i = 0; output.old != nullptr && i < output.old->partCount(); ++i) {
     const TagView tags = output.old->part(i);
-    TagEditor part = output.part(tags, entity);
+    TagEditor part = output.part(i, entity);
     if (tags.type() == "ATTRIB" && next < insert.attributes().size()) {
       part.enterOwn("AcDbText");
       writeTextLine(insert.attributes()[next++], part, "AcDbAttribute", verticalCodeOf(tags));

@@ -103,7 +103,7 @@ void writeNetParts(const AcDbEntity& entity, EntityOutput& output) {
   size_t next = 0;
   for (std::uint32_t i = 0; i < output.old->partCount(); ++i) {
     const TagView tags = output.old->part(i);
-    TagEditor part = output.part(tags, entity);
+    TagEditor part = output.part(i, entity);
     if (tags.type() == "VERTEX" && !isFaceRecord(tags) && next < points.size()) {
       part.leave();
       part.setPoint(10, points[next++]);

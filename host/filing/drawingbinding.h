@@ -30,6 +30,8 @@ struct BoundObject {
 /// Line weights on the screen and how points look, as the header says.
 void readDisplayVariables(const TagDocument& document, AcDbDatabase& database);
 
+class RenamedRecords;
+
 struct DrawingBinding {
   TagDocument document;
   TextEncoding encoding;
@@ -58,6 +60,8 @@ struct DrawingBinding {
   AcDbObjectId modelSpace;
   AcDbObjectId paperSpace;
   bool hasHandles = true;
+  /// What the file calls by other names than the database; made for each saving.
+  std::shared_ptr<const RenamedRecords> renamed;
 
   TagView view(std::uint32_t object) const { return {document, encoding, object}; }
   /// Makes the database own a new object that stands for `first` and the following.

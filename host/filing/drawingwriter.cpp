@@ -16,7 +16,7 @@
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
-#include "host/filing/renamedlayers.h"
+#include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
 #include "rxclass.h"
 #include "sorttab.h"
@@ -30,8 +30,10 @@ class DrawingWriter {
   explicit DrawingWriter(DrawingBinding& binding)
       : binding_(binding),
         document_(binding.document),
-        renamed_(binding),
-        lineEnd_(document_.lineEnd()) {}
+        renamed_(std::make_shared<RenamedRecords>(binding)),
+        lineEnd_(document_.lineEnd()) {
+    binding_.renamed = renamed_;
+  }
 
   /// Finds out what differs. Objects that stand in the file are written when they go out.
   void prepare(const std::optional<OpeningState>& state) {
@@ -43,7 +45,7 @@ class DrawingWriter {
     }
     std::sort(known_.begin(), known_.end());
     markNeeded();
-    followRenamedLayers();
+    followRenamed();
     for (std::uint32_t i = 0; i < binding_.bound.size(); ++i) editBound(i);
     writeNew();
     addClasses();
@@ -60,8 +62,7 @@ class DrawingWriter {
  private:
   std::string bytesOf(const BoundObject& bound) {
     const ObjectAccess::Look look(*peek(bound.id));
-    std::string bytes = boundBytes(*peek(bound.id), bound);
-    return renamed_.isEmpty() ? bytes : renamed_.renamed(std::move(bytes));
+    return boundBytes(*peek(bound.id), bound);
   }
 
   std::string tag(int code, std::string_view value) const {
@@ -70,21 +71,25 @@ class DrawingWriter {
     return digits + lineEnd_ + std::string(value) + lineEnd_;
   }
 
-  /// What names a renamed layer is written anew, whether it is an object here or not.
-  void followRenamedLayers() {
-    if (renamed_.isEmpty()) return;
-    std::vector<bool> isBound(document_.objectCount());
+  /// What names a renamed record is written anew, whether it is an object here or not.
+  void followRenamed() {
+    if (renamed_->isEmpty()) return;
+    std::vector<bool> isDone(document_.objectCount());
+    // The header is written with the rest of what changes there.
+    const DrawingSection* header = document_.section("HEADER");
+    if (header != nullptr) isDone[header->firstObject] = true;
     for (const BoundObject& bound : binding_.bound) {
       bool isNamed = false;
       for (std::uint32_t i = bound.first; i < bound.first + bound.count; ++i) {
-        isBound[i] = true;
-        isNamed = isNamed || renamed_.isNamedIn(i);
+        isDone[i] = true;
+        isNamed = isNamed || renamed_->isNamedIn(i);
       }
       AcDbObject* object = peek(bound.id);
       if (isNamed && object != nullptr) ObjectAccess::setChanged(*object);
     }
     for (std::uint32_t i = 0; i < document_.objectCount(); ++i) {
-      if (!isBound[i] && renamed_.isNamedIn(i)) edits_.replace(i, 1, renamed_.renamed(i));
+      if (isDone[i] || !renamed_->isNamedIn(i)) continue;
+      edits_.replace(i, 1, editorOf(binding_, i).bytes());
     }
   }
 
@@ -130,7 +135,7 @@ class DrawingWriter {
     if (const auto* order = AcDbSortentsTable::cast(&object)) {
       return writeSortTable(binding_, *order, &bound);
     }
-    TagEditor editor(document_, binding_.encoding, document_.tagsOf(bound.first));
+    TagEditor editor = editorOf(binding_, bound.first);
     writeExtension(binding_, object, &bound, editor);
     writeFrameMode(*binding_.database, document_.typeOf(bound.first), editor);
     return editor.bytes();
@@ -168,9 +173,8 @@ class DrawingWriter {
 
   TagEditor editorFor(const AcDbEntity& entity, const BoundObject* from, bool isCopy,
                       const std::string& type) const {
-    TagEditor editor = from != nullptr
-                           ? TagEditor(document_, binding_.encoding, document_.tagsOf(from->first))
-                           : TagEditor(document_, binding_.encoding, type);
+    TagEditor editor = from != nullptr ? editorOf(binding_, from->first)
+                                       : TagEditor(document_, binding_.encoding, type);
     const std::uint64_t owner = ownerHandle(entity.blockId());
     const std::uint64_t handle = binding_.hasHandles ? entity.handle().value() : 0;
     if (isCopy) {
@@ -398,7 +402,7 @@ class DrawingWriter {
   void editHeader(const std::optional<OpeningState>& state) {
     const DrawingSection* header = document_.section("HEADER");
     if (header == nullptr) return;
-    TagEditor editor(document_, binding_.encoding, document_.tagsOf(header->firstObject));
+    TagEditor editor = editorOf(binding_, header->firstObject);
     const std::uint32_t begin = document_.tagsOf(header->firstObject).begin;
     const TagRange seed = document_.headerVariable("$HANDSEED");
     if (hasNew_ && seed.begin < seed.end) {
@@ -448,7 +452,7 @@ class DrawingWriter {
 
   DrawingBinding& binding_;
   const TagDocument& document_;
-  RenamedLayers renamed_;
+  std::shared_ptr<const RenamedRecords> renamed_;
   std::string lineEnd_;
   DrawingEdits edits_;
   std::vector<std::pair<AcDbStub*, std::uint32_t>> known_;  ///< sorted; places among the bound

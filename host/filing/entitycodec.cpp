@@ -4,6 +4,7 @@
 
 #include "dbpl.h"
 #include "host/database/objectaccess.h"
+#include "host/filing/renamedrecords.h"
 #include "rxclass.h"
 
 namespace tarn::host {
@@ -64,8 +65,8 @@ const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {
   return nullptr;
 }
 
-TagEditor EntityOutput::part(const TagView& tags, const AcDbEntity& entity) const {
-  TagEditor editor(binding.document, binding.encoding, tags.range());
+TagEditor EntityOutput::part(std::uint32_t index, const AcDbEntity& entity) const {
+  TagEditor editor = editorOf(binding, old->first + 1 + index);
   if (isCopy) {
     editor.renew(binding.hasHandles ? ObjectAccess::takeHandle(*binding.database) : 0,
                  entity.handle().value());

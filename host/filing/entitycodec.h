@@ -32,7 +32,7 @@ struct EntityOutput {
   bool isCopy = false;
 
   /// A part of `old` to be written again; of a copy it gets a handle of its own.
-  TagEditor part(const TagView& tags, const AcDbEntity& entity) const;
+  TagEditor part(std::uint32_t index, const AcDbEntity& entity) const;
 };
 
 /// One kind of entity. `read` makes an object with its own data, or null when this one is not

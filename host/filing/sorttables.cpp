@@ -2,6 +2,7 @@
 #include "dbsymtb.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
 #include "sorttab.h"
 
@@ -41,10 +42,9 @@ AcDbSortentsTable* readSortTable(const DrawingBinding& binding, const TagView& t
 
 std::string writeSortTable(const DrawingBinding& binding, const AcDbSortentsTable& table,
                            const BoundObject* old) {
-  TagEditor editor =
-      old != nullptr
-          ? TagEditor(binding.document, binding.encoding, binding.document.tagsOf(old->first))
-          : TagEditor(binding.document, binding.encoding, "SORTENTSTABLE");
+  TagEditor editor = old != nullptr
+                         ? editorOf(binding, old->first)
+                         : TagEditor(binding.document, binding.encoding, "SORTENTSTABLE");
   if (old == nullptr) {
     editor.setHandle(5, table.handle().value());
     editor.setHandle(330, table.ownerId().handle().value());

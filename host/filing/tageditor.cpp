@@ -423,6 +423,14 @@ void TagEditor::replaceAt(size_t place, std::string_view value) {
   items_[place].changed = true;
 }
 
+void TagEditor::replaceEach(
+    const std::function<const std::string*(int, std::string_view)>& newValue) {
+  for (size_t i = 0; i < items_.size(); ++i) {
+    const std::string* value = newValue(items_[i].code, valueOf(items_[i]));
+    if (value != nullptr) replaceAt(i, *value);
+  }
+}
+
 bool TagEditor::isChanged() const {
   return std::any_of(items_.begin(), items_.end(), [](const Item& item) { return item.changed; });
 }

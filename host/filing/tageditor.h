@@ -107,6 +107,9 @@ class ACADHOST_EXPORT TagEditor {
   size_t placeBehindMark() const { return floor_; }
   /// Another value for the tag at a place.
   void replaceAt(size_t place, std::string_view value);
+  /// Gives each tag the value that the function, which gets code and value, has for it; null for
+  /// the one that it has.
+  void replaceEach(const std::function<const std::string*(int, std::string_view)>& newValue);
   bool isChanged() const;
   /// What is added next comes at the end, before extended data.
   void toEnd();

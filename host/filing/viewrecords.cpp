@@ -3,6 +3,7 @@
 
 #include "dbsymtb.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
 
 namespace tarn::host {
@@ -26,8 +27,7 @@ AcDbSymbolTableRecord* readViewRecord(const TagView& tags) {
 /// The target takes the place of the centre, so that no digit is lost by turning.
 std::string writeViewRecord(const DrawingBinding& binding, const AcDbViewTableRecord& view,
                             const BoundObject* old, std::uint64_t tableHandle) {
-  TagEditor editor = old != nullptr ? TagEditor(binding.document, binding.encoding,
-                                                binding.document.tagsOf(old->first))
+  TagEditor editor = old != nullptr ? editorOf(binding, old->first)
                                     : TagEditor(binding.document, binding.encoding, "VIEW");
   if (old == nullptr) {
     if (binding.hasHandles) editor.setHandle(5, view.handle().value());

@@ -5,6 +5,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
 
 namespace tarn::host {
@@ -92,7 +93,7 @@ std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
   const PlotData& data = LayoutAccess::data(layout);
   if (old != nullptr) {
     const TagView tags = binding.view(old->first);
-    TagEditor editor(binding.document, binding.encoding, tags.range());
+    TagEditor editor = editorOf(binding, old->first);
     writePlotData(data, readPlotData(tags.behind("AcDbPlotSettings")), editor);
     editor.enter("AcDbLayout");
     editor.setText(1, name);

@@ -9,6 +9,7 @@
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
 #include "host/filing/objectcodec.h"
+#include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
 #include "rxclass.h"
 
@@ -21,9 +22,9 @@ constexpr int kHardOwner = 360;
 constexpr int kFrozenFlag = 1;
 constexpr int kLockedFlag = 4;
 
-TagEditor editorOf(const DrawingBinding& binding, const BoundObject* old, const char* type) {
+TagEditor editorFor(const DrawingBinding& binding, const BoundObject* old, const char* type) {
   if (old == nullptr) return TagEditor(binding.document, binding.encoding, type);
-  return TagEditor(binding.document, binding.encoding, binding.document.tagsOf(old->first));
+  return editorOf(binding, old->first);
 }
 
 void beginNew(TagEditor& editor, const AcDbObject& object) {
@@ -50,7 +51,7 @@ bool isKept(const DrawingBinding& binding, const DictionaryEntry& entry,
 
 std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
                             const BoundObject* old) {
-  TagEditor editor = editorOf(binding, old, "DICTIONARY");
+  TagEditor editor = editorFor(binding, old, "DICTIONARY");
   const AcDbObject* owner = peek(dictionary.ownerId());
   const bool isExtension = owner != nullptr && !owner->isKindOf(AcDbDictionary::desc());
   if (old == nullptr) {
@@ -90,7 +91,7 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
 
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old) {
-  TagEditor editor = editorOf(binding, old, "XRECORD");
+  TagEditor editor = editorFor(binding, old, "XRECORD");
   if (old == nullptr) beginNew(editor, record);
   editor.enterValues("AcDbXrecord");
   // R13 and R14 have no such flag.
@@ -106,7 +107,7 @@ std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record
 
 std::string writeLayerRecord(const DrawingBinding& binding, const AcDbLayerTableRecord& layer,
                              const BoundObject* old, std::uint64_t tableHandle) {
-  TagEditor editor = editorOf(binding, old, "LAYER");
+  TagEditor editor = editorFor(binding, old, "LAYER");
   if (old == nullptr) {
     if (binding.hasHandles) editor.setHandle(5, layer.handle().value());
     if (!editor.isOld()) {

@@ -253,6 +253,57 @@ TEST(Properties, WhatIsOnALayerFollowsWhenItIsRenamed) {
   EXPECT_TRUE(sameTags(expected, after)) << after;
 }
 
+template <class Table, class Record>
+void rename(AcDbObjectId tableId, const ACHAR* from, const ACHAR* to) {
+  const AcDbObjectPointer<Table> table(tableId, AcDb::kForRead);
+  Record* record = nullptr;
+  ASSERT_EQ(table->getAt(from, record, AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(record->setName(to), Acad::eOk);
+  record->close();
+}
+
+/// "%L", "%S" and "%B" are a line type, a style and a block where they are named; what only reads
+/// the same stays.
+TEST(Properties, WhatNamesLineTypesStylesAndBlocksFollowsWhenTheyAreRenamed) {
+  const std::string head = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n";
+  const std::string variables =
+      "\n9\n$HANDSEED\n5\nFF\n9\n$CELTYPE\n6\n%L\n9\n$TEXTSTYLE\n7\n%S\n9\n$DIMBLK\n1\n%B\n0\n"
+      "ENDSEC\n0\nSECTION\n2\nTABLES\n";
+  const std::string tables =
+      "0\nTABLE\n2\nLTYPE\n70\n1\n0\nLTYPE\n2\n%L\n70\n0\n3\nDASH\n72\n65\n73\n0\n40\n0.0\n0\n"
+      "ENDTAB\n0\nTABLE\n2\nLAYER\n70\n1\n0\nLAYER\n2\nDASH\n70\n0\n62\n3\n6\n%L\n0\nENDTAB\n"
+      "0\nTABLE\n2\nSTYLE\n70\n1\n0\nSTYLE\n2\n%S\n70\n0\n40\n0.0\n41\n1.0\n50\n0.0\n3\nROMAN\n4\n"
+      "\n0\nENDTAB\n";
+  const std::string blockRecord =
+      "0\nTABLE\n2\nBLOCK_RECORD\n5\n1\n70\n1\n0\nBLOCK_RECORD\n5\n2\n330\n1\n100\n"
+      "AcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n2\n%B\n0\nENDTAB\n";
+  const std::string rest =
+      "0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n8\n0\n2\n%B\n70\n0\n10\n0.0\n20\n0.0\n3\n%B\n"
+      "0\nLINE\n8\nDASH\n6\n%L\n10\n0.0\n20\n0.0\n11\n1.0\n21\n0.0\n0\nENDBLK\n8\n0\n0\nENDSEC\n"
+      "0\nSECTION\n2\nENTITIES\n0\nINSERT\n5\nA1\n8\n0\n66\n1\n2\n%B\n10\n1.0\n20\n2.0\n"
+      "0\nATTRIB\n5\nA2\n8\n0\n6\n%L\n10\n0.0\n20\n0.0\n40\n1.0\n1\nTREE\n7\n%S\n2\nTREE\n70\n0\n"
+      "0\nSEQEND\n5\nA3\n8\n0\n0\nTEXT\n5\nA4\n8\n0\n10\n0.0\n20\n0.0\n40\n1.0\n1\nROMAN\n7\n%S\n"
+      "0\nUNKNOWN\n5\nA5\n8\nDASH\n6\n%L\n2\nTREE\n0\nENDSEC\n0\nEOF\n";
+  for (const bool isOld : {true, false}) {
+    SCOPED_TRACE(isOld);
+    const std::string bytes = head + (isOld ? "AC1009" : "AC1015") + variables + tables +
+                              (isOld ? "" : blockRecord) + rest;
+    const auto named = [&](const char* line, const char* style, const char* block) {
+      return replaceAll(replaceAll(replaceAll(bytes, "%L", line), "%S", style), "%B", block);
+    };
+    const auto file = opened(named("DASH", "ROMAN", "TREE"));
+    AcDbDatabase& database = file->database();
+    rename<AcDbLinetypeTable, AcDbLinetypeTableRecord>(database.linetypeTableId(), L"dash",
+                                                       L"FENCE");
+    rename<AcDbTextStyleTable, AcDbTextStyleTableRecord>(database.textStyleTableId(), L"ROMAN",
+                                                         L"Kataster");
+    rename<AcDbBlockTable, AcDbBlockTableRecord>(database.blockTableId(), L"TREE", L"\u6811");
+    const std::string after = file->bytes().take();
+    EXPECT_TRUE(sameTags(named("FENCE", "Kataster", isOld ? "\\U+6811" : "\xE6\xA0\x91"), after))
+        << after;
+  }
+}
+
 TEST(Properties, OlderVersionsGetWhatTheyCanHold) {
   struct Case {
     const char* version;
