@@ -36,9 +36,12 @@ AuxFacts readAux(const GuardedImage& image, const std::string& path, const Image
 
 void addWorldFile(const std::string& folder, const std::string& imageName,
                   GeoreferenceFound& found) {
+  std::string useless;
   for (const std::string& name : worldFileNames(imageName)) {
     const std::string path = joinPath(folder, name);
     if (fileKind(path) != FileKind::kRegular) continue;
+    // Where capitals do not matter the same file has several of the names.
+    if (!useless.empty() && isSameFile(path, useless)) continue;
     const auto text = readFile(path, kMostSideFileBytes);
     const auto transform = text ? parseWorldFile(text.value()) : std::nullopt;
     if (transform) {
@@ -46,6 +49,7 @@ void addWorldFile(const std::string& folder, const std::string& imageName,
       return;
     }
     found.notes.push_back("its world file " + name + " is not usable and is ignored");
+    useless = path;
   }
 }
 
