@@ -107,9 +107,12 @@ void drawEntity(Scene& scene, AcDbEntity& entity, const LayerState& layer, bool 
     entity.worldDraw(&recorder);
   }
   scene.set(key, std::move(list));
-  if (const AcDbDatabase* database = entity.database()) {
-    scene.setPointLook({database->pdmode(), database->pdsize()});
-  }
+}
+
+/// Points look alike in the whole drawing.
+void setPointLook(Scene& scene, AcDbObjectId block) {
+  const AcDbDatabase* database = block.database();
+  if (database != nullptr) scene.setPointLook({database->pdmode(), database->pdsize()});
 }
 
 void countImages(const Scene& scene, long long& images, long long& pixels) {
@@ -133,6 +136,7 @@ size_t Regenerator::drawBlock(Scene& scene, AcDbObjectId block) const {
   LayerStates layers;
   std::vector<Scene::Key> order;
   size_t count = 0;
+  setPointLook(scene, block);
   for (const AcDbObjectId& id : entitiesOf(block)) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     const Scene::Key key = id.handle().value();
@@ -178,6 +182,7 @@ void Regenerator::drawWindows(HostDocument& document,
 bool Regenerator::recordPlot(Scene& scene, AcDbObjectId block,
                              const std::function<bool()>& proceed) {
   const Nesting nesting(depth_);
+  setPointLook(scene, block);
   for (const AcDbObjectId& id : entitiesOf(block)) {
     if (!proceed()) return false;
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);

@@ -31,6 +31,13 @@ AcDbObjectId DrawingBinding::find(std::uint64_t handle) const {
   return id;
 }
 
+std::uint64_t DrawingBinding::partHandle(AcDbObjectId owner, std::uint32_t number) {
+  if (!hasHandles) return 0;
+  const auto [known, isNew] = partHandles.try_emplace({owner, number});
+  if (isNew) known->second = ObjectAccess::takeHandle(*database);
+  return known->second;
+}
+
 AcDbObjectId DrawingBinding::layerOf(std::string_view name) {
   const auto known = layers.find(std::string(name));
   if (known != layers.end()) return known->second;

@@ -112,7 +112,7 @@ TagEditor newPart(EntityOutput& output, const AcDbEntity& entity, const char* ty
   DrawingBinding& binding = output.binding;
   TagEditor part(binding.document, binding.encoding, type);
   if (binding.hasHandles) {
-    part.setHandle(5, ObjectAccess::takeHandle(*binding.database));
+    part.setHandle(5, output.nextHandle(entity));
     if (!part.isOld()) part.setHandle(330, entity.handle().value());
   }
   writeCommon(binding, entity, part);

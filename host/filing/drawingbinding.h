@@ -60,6 +60,8 @@ struct DrawingBinding {
   AcDbObjectId modelSpace;
   AcDbObjectId paperSpace;
   bool hasHandles = true;
+  /// See partHandle(); by the owner and the number.
+  std::map<std::pair<AcDbStub*, std::uint32_t>, std::uint64_t> partHandles;
   /// What the file calls by other names than the database; made for each saving.
   std::shared_ptr<const RenamedRecords> renamed;
 
@@ -70,6 +72,9 @@ struct DrawingBinding {
   AcDbObjectId addImplied(AcDbObject* object);
   /// The object of a handle; null when there is none.
   AcDbObjectId find(std::uint64_t handle) const;
+  /// The handle of a part that a file has and the database does not: a vertex, an attribute, the
+  /// begin and end of a block. Given when the part is first written and the same from then on.
+  std::uint64_t partHandle(AcDbObjectId owner, std::uint32_t number);
   /// The layer of a name as it stands in the file, made when the file has none of it.
   AcDbObjectId layerOf(std::string_view name);
   /// The same of a line type; null for the layer's own.

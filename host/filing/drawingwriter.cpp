@@ -15,6 +15,7 @@
 #include "host/filing/drawingbinding.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
+#include "host/filing/framevariables.h"
 #include "host/filing/objectcodec.h"
 #include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
@@ -44,6 +45,7 @@ class DrawingWriter {
       anyErased_ = anyErased_ || id.isErased();
     }
     std::sort(known_.begin(), known_.end());
+    addFrameObjects();
     markNeeded();
     followRenamed();
     for (std::uint32_t i = 0; i < binding_.bound.size(); ++i) editBound(i);
@@ -69,6 +71,17 @@ class DrawingWriter {
     std::string digits = std::to_string(code);
     digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, ' ');
     return digits + lineEnd_ + std::string(value) + lineEnd_;
+  }
+
+  void addFrameObjects() {
+    added_ = missingFrameObjects(binding_);
+    AcDbObject* root = peek(binding_.database->namedObjectsDictionaryId());
+    if (!added_.empty() && root != nullptr) ObjectAccess::setChanged(*root);
+  }
+
+  std::vector<AddedObject> addedTo(const AcDbDictionary& dictionary) const {
+    const bool isRoot = dictionary.objectId() == binding_.database->namedObjectsDictionaryId();
+    return isRoot ? added_ : std::vector<AddedObject>();
   }
 
   /// What names a renamed record is written anew, whether it is an object here or not.
@@ -124,7 +137,7 @@ class DrawingWriter {
       return writeViewRecord(binding_, *view, &bound, 0);
     }
     if (const auto* dictionary = AcDbDictionary::cast(&object)) {
-      return writeDictionary(binding_, *dictionary, &bound);
+      return writeDictionary(binding_, *dictionary, &bound, addedTo(*dictionary));
     }
     if (const auto* record = AcDbXrecord::cast(&object)) {
       return writeRecord(binding_, *record, &bound);
@@ -306,6 +319,7 @@ class DrawingWriter {
     }
     if (!definitions.empty()) insertSection("BLOCKS", definitions);
     for (auto& [block, bytes] : byBlock) insertEntities(AcDbObjectId(block), std::move(bytes));
+    for (const AddedObject& object : added_) objects += object.bytes;
     if (!objects.empty()) insertSection("OBJECTS", objects);
   }
 
@@ -314,8 +328,8 @@ class DrawingWriter {
     if (document_.isOld()) return {};
     if (const auto* dictionary = AcDbDictionary::cast(&object)) {
       const bool isRoot = object.objectId() == binding_.database->namedObjectsDictionaryId();
-      if (isRoot && dictionary->numEntries() == 0) return {};
-      return writeDictionary(binding_, *dictionary, nullptr);
+      if (isRoot && dictionary->numEntries() == 0 && added_.empty()) return {};
+      return writeDictionary(binding_, *dictionary, nullptr, addedTo(*dictionary));
     }
     if (const auto* record = AcDbXrecord::cast(&object)) {
       return writeRecord(binding_, *record, nullptr);
@@ -387,14 +401,19 @@ class DrawingWriter {
 
   void addClasses() {
     const DrawingSection* section = document_.section("CLASSES");
-    std::string bytes;
-    for (const AcRxClass* description : classes_) {
-      bool stands = false;
+    const auto stands = [&](std::wstring_view name) {
       for (std::uint32_t i = section != nullptr ? section->firstObject + 1 : 0;
            section != nullptr && i < section->endObject; ++i) {
-        stands = stands || binding_.view(i).text(1) == description->dxfName();
+        if (binding_.view(i).text(1) == name) return true;
       }
-      if (!stands) bytes += writeClass(binding_, *description);
+      return false;
+    };
+    std::string bytes;
+    for (const AcRxClass* description : classes_) {
+      if (!stands(description->dxfName())) bytes += writeClass(binding_, *description);
+    }
+    for (const AddedObject& object : added_) {
+      if (!stands(toWide(object.type))) bytes += object.classBytes;
     }
     if (!bytes.empty()) insertSection("CLASSES", bytes);
   }
@@ -457,6 +476,7 @@ class DrawingWriter {
   DrawingEdits edits_;
   std::vector<std::pair<AcDbStub*, std::uint32_t>> known_;  ///< sorted; places among the bound
   std::set<const AcRxClass*> classes_;
+  std::vector<AddedObject> added_;
   bool anyErased_ = false;
   bool hasNew_ = false;
 };

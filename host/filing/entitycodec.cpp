@@ -65,11 +65,14 @@ const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {
   return nullptr;
 }
 
-TagEditor EntityOutput::part(std::uint32_t index, const AcDbEntity& entity) const {
+std::uint64_t EntityOutput::nextHandle(const AcDbEntity& entity) {
+  return binding.partHandle(entity.objectId(), newParts++);
+}
+
+TagEditor EntityOutput::part(std::uint32_t index, const AcDbEntity& entity) {
   TagEditor editor = editorOf(binding, old->first + 1 + index);
   if (isCopy) {
-    editor.renew(binding.hasHandles ? ObjectAccess::takeHandle(*binding.database) : 0,
-                 entity.handle().value());
+    editor.renew(nextHandle(entity), entity.handle().value());
   }
   return editor;
 }

@@ -30,9 +30,12 @@ struct EntityOutput {
   std::string parts;  ///< bytes behind the head
   /// A new one that began as a copy: `old` is what it was made from.
   bool isCopy = false;
+  std::uint32_t newParts = 0;  ///< how many have got a handle
 
   /// A part of `old` to be written again; of a copy it gets a handle of its own.
-  TagEditor part(std::uint32_t index, const AcDbEntity& entity) const;
+  TagEditor part(std::uint32_t index, const AcDbEntity& entity);
+  /// The handle of the next new part; 0 for a drawing without.
+  std::uint64_t nextHandle(const AcDbEntity& entity);
 };
 
 /// One kind of entity. `read` makes an object with its own data, or null when this one is not

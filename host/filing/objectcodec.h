@@ -28,9 +28,12 @@ struct DictionaryEntry {
 };
 std::vector<DictionaryEntry> entriesOf(const TagView& tags);
 
+struct AddedObject;
+
 // Bytes of an object. `old` is the file's object that it was made from; without one it is new.
+/// `added` get entries behind all others.
 std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
-                            const BoundObject* old);
+                            const BoundObject* old, const std::vector<AddedObject>& added);
 std::string writeRecord(const DrawingBinding& binding, const AcDbXrecord& record,
                         const BoundObject* old);
 std::string writeSortTable(const DrawingBinding& binding, const AcDbSortentsTable& table,
@@ -50,7 +53,7 @@ std::string writeLayout(const DrawingBinding& binding, const AcDbLayout& layout,
 /// A new block: its record in the table, and its definition with the entities given.
 std::string writeBlockRecord(const DrawingBinding& binding, const AcDbBlockTableRecord& block,
                              std::uint64_t tableHandle);
-std::string writeBlock(const DrawingBinding& binding, const AcDbBlockTableRecord& block,
+std::string writeBlock(DrawingBinding& binding, const AcDbBlockTableRecord& block,
                        const std::string& entities);
 /// A record of the CLASSES section for a class whose entities are written.
 std::string writeClass(const DrawingBinding& binding, const AcRxClass& description);

@@ -146,12 +146,13 @@ std::string writeBlockRecord(const DrawingBinding& binding, const AcDbBlockTable
   return editor.bytes();
 }
 
-std::string writeBlock(const DrawingBinding& binding, const AcDbBlockTableRecord& block,
+std::string writeBlock(DrawingBinding& binding, const AcDbBlockTableRecord& block,
                        const std::string& entities) {
+  std::uint32_t part = 0;
   const auto begin = [&](const char* type) {
     TagEditor editor(binding.document, binding.encoding, type);
     if (binding.hasHandles) {
-      editor.setHandle(5, ObjectAccess::takeHandle(*binding.database));
+      editor.setHandle(5, binding.partHandle(block.objectId(), part++));
       if (!editor.isOld()) editor.setHandle(330, block.handle().value());
     }
     editor.enter("AcDbEntity");

@@ -8,6 +8,7 @@
 #include "dbxrecrd.h"
 #include "host/database/objectaccess.h"
 #include "host/filing/entitycodec.h"
+#include "host/filing/framevariables.h"
 #include "host/filing/objectcodec.h"
 #include "host/filing/renamedrecords.h"
 #include "host/filing/tagvalues.h"
@@ -50,7 +51,7 @@ bool isKept(const DrawingBinding& binding, const DictionaryEntry& entry,
 }  // namespace
 
 std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary& dictionary,
-                            const BoundObject* old) {
+                            const BoundObject* old, const std::vector<AddedObject>& added) {
   TagEditor editor = editorFor(binding, old, "DICTIONARY");
   const AcDbObject* owner = peek(dictionary.ownerId());
   const bool isExtension = owner != nullptr && !owner->isKindOf(AcDbDictionary::desc());
@@ -84,6 +85,10 @@ std::string writeDictionary(const DrawingBinding& binding, const AcDbDictionary&
     if (stands.count(id) > 0 || isOnlyImplied(binding, id)) continue;
     editor.addText(3, iterator->name());
     editor.addWord(ownerCode, formatHandle(iterator->objectId().handle().value()));
+  }
+  for (const AddedObject& object : added) {
+    editor.addText(3, object.entry);
+    editor.addWord(ownerCode, formatHandle(object.handle));
   }
   writeExtendedData(binding, dictionary, old, editor);
   return editor.bytes();

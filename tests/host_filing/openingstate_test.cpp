@@ -142,5 +142,26 @@ TEST(OpeningState, deletedLayoutsStayDeleted) {
   }
 }
 
+/// Also where the drawing has no object that says so.
+TEST(OpeningState, framesOfImagesStayHidden) {
+  const std::string bare =
+      "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$HANDSEED\n5\nFF\n0\nENDSEC\n0\nSECTION\n"
+      "2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+  for (const std::string& before : {bare, newDrawingBytes("AC1021")}) {
+    auto file = DrawingFile::fromBytes(before, "frames.dxf").take();
+    ASSERT_EQ(file->database().setImageFrame(0), Acad::eOk);
+    ASSERT_EQ(file->database().setWipeoutFrame(2), Acad::eOk);
+    const std::string first = file->bytes().take();
+    EXPECT_TRUE(file->bytes().take() == first);
+    file = DrawingFile::fromBytes(first, "frames.dxf").take();
+    EXPECT_EQ(file->database().imageFrame(), 0);
+    EXPECT_EQ(file->database().wipeoutFrame(), 2);
+    EXPECT_TRUE(file->bytes().take() == first);
+    ASSERT_EQ(file->database().setImageFrame(1), Acad::eOk);
+    file = DrawingFile::fromBytes(file->bytes().take(), "frames.dxf").take();
+    EXPECT_EQ(file->database().imageFrame(), 1);
+  }
+}
+
 }  // namespace
 }  // namespace tarn::host
