@@ -1,7 +1,5 @@
 #include "host/filing/framevariables.h"
 
-#include <algorithm>
-
 #include "base/text.h"
 #include "dbdict.h"
 #include "host/database/objectaccess.h"
@@ -28,20 +26,21 @@ constexpr Kind kKinds[] = {{L"ACAD_IMAGE_VARS", "RASTERVARIABLES", "AcDbRasterVa
                            {L"ACAD_WIPEOUT_VARS", "WIPEOUTVARIABLES", "AcDbWipeoutVariables",
                             L"WipeOut", &AcDbDatabase::wipeoutFrame, false}};
 
-/// Also an entry that leads to nothing keeps its name.
-bool isNamed(const DrawingBinding& binding, const wchar_t* name) {
+/// Wherever such an object is named, and also an entry of the name that leads to nothing.
+bool isThere(const DrawingBinding& binding, const Kind& kind) {
   const AcDbObjectId root = binding.database->namedObjectsDictionaryId();
-  AcDbObjectId id;
   auto* dictionary = AcDbDictionary::cast(peek(root));
   if (dictionary == nullptr) return true;
   const ObjectAccess::Look look(*dictionary);
-  if (dictionary->getAt(name, id) == Acad::eOk) return true;
+  AcDbObjectId id;
+  if (dictionary->getAt(kind.entry, id) == Acad::eOk) return true;
   for (const BoundObject& bound : binding.bound) {
+    if (binding.document.typeOf(bound.first) == kind.type && !bound.id.isErased()) return true;
     if (bound.id != root) continue;
-    const std::vector<DictionaryEntry> entries = entriesOf(binding.view(bound.first));
-    return std::any_of(entries.begin(), entries.end(), [&](const DictionaryEntry& entry) {
-      return equalsIgnoreCase(std::wstring_view(entry.name), std::wstring_view(name));
-    });
+    for (const DictionaryEntry& entry : entriesOf(binding.view(bound.first))) {
+      if (equalsIgnoreCase(std::wstring_view(entry.name), std::wstring_view(kind.entry)))
+        return true;
+    }
   }
   return false;
 }
@@ -82,7 +81,7 @@ std::vector<AddedObject> missingFrameObjects(DrawingBinding& binding) {
   std::uint32_t number = 0;
   for (const Kind& kind : kKinds) {
     const std::uint32_t place = number++;
-    if ((binding.database.get()->*kind.mode)() == kUsual || isNamed(binding, kind.entry)) continue;
+    if ((binding.database.get()->*kind.mode)() == kUsual || isThere(binding, kind)) continue;
     const std::uint64_t handle =
         binding.partHandle(binding.database->namedObjectsDictionaryId(), place);
     missing.push_back({kind.entry, handle, kind.type, objectBytes(binding, kind, handle),
