@@ -80,7 +80,7 @@ TEST_F(FaultyServer, ImagesOfARedrawAreAskedForTogether) {
   addBoth(server);
   for (const char* name : {"b.tif", "c.tif", "d.tif"}) add(server, name);
   EXPECT_EQ(server.mostAtOnce(), 1);
-  server.setDelay(100);
+  server.waitForCompany(4, 400);
   const QImage seen = picture("ZOOM C 501475,3399875 240");
   EXPECT_GE(server.mostAtOnce(), 4);
   const int asked = server.requests();
@@ -95,7 +95,7 @@ TEST_F(FaultyServer, ImagesOfARedrawAreAskedForTogether) {
   host_->run("SAVEAS");
   host_->run("CLOSE");
   FaultServer other(flat());
-  other.setDelay(100);
+  other.waitForCompany(3, 400);
   const auto text = readFile(drawing, 1 << 24);
   ASSERT_TRUE(text);
   ASSERT_TRUE(writeFileAtomically(

@@ -327,7 +327,7 @@ TEST_F(Faults, SeveralImagesAreAskedForTogether) {
   server.setFault(Fault::kGone);
   const Several images(server.port());
   server.setFault(Fault::kNone);
-  server.setDelay(80);
+  server.waitForCompany(3, 400);
   TarnClientManager::makeReady(images.clients);
   EXPECT_GE(server.mostAtOnce(), 3);
   for (const TarnClientManager* client : images.clients)

@@ -69,7 +69,7 @@ void FaultServer::serve(int connection) {
     if (request.find("\r\n\r\n") == std::string::npos) continue;
     ++requests_;
     mostAtOnce_ = std::max<int>(mostAtOnce_, ++waiting_);
-    std::this_thread::sleep_for(std::chrono::milliseconds(delayMs_));
+    for (int waited = 0; waited < delayMs_ && mostAtOnce_ < company_; waited += kStepMs) rest();
     --waiting_;
     const Reply reply = replyTo(request);
     send(connection, reply.bytes);

@@ -48,8 +48,12 @@ class FaultServer {
   int connections() const { return connections_; }
   /// The largest number of requests that were waiting for their answers at a time.
   int mostAtOnce() const { return mostAtOnce_; }
-  /// Longest time, in milliseconds, that a request waits for its answer.
-  void setDelay(int ms) { delayMs_ = ms; }
+  /// From now on answers wait until that many requests have been waiting at a time, so many
+  /// milliseconds at most.
+  void waitForCompany(int requests, int ms) {
+    company_ = requests;
+    delayMs_ = ms;
+  }
 
  private:
   struct Reply {
@@ -75,6 +79,7 @@ class FaultServer {
   std::atomic<int> connections_{0};
   std::atomic<int> waiting_{0};
   std::atomic<int> mostAtOnce_{0};
+  std::atomic<int> company_{0};
   std::atomic<int> delayMs_{0};
   std::list<std::thread> threads_;
   std::thread acceptor_;

@@ -210,7 +210,7 @@ TEST_F(Reading, TilesOfTurnedImagesComeTogether) {
   FaultServer server(readFile(Store::shared().path("turned.tif"), 64 << 20).take());
   auto manager = clientOf(server.port());
   ASSERT_TRUE(manager->setCurImg("image.tif")) << manager->error().str();
-  server.setDelay(60);
+  server.waitForCompany(3, 400);
   const int before = server.requests();
   ASSERT_TRUE(manager->updateImage(900, 900, 900, 700, 1, 1, nullptr)) << manager->error().str();
   EXPECT_GE(server.mostAtOnce(), 3);
