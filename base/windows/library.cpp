@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
+#include "base/windows/quietload.h"
 #include "base/windows/widepath.h"
 
 namespace tarn {
@@ -17,12 +17,10 @@ Result<void*> loadLibrarySymbol(const std::string& path, const char* symbol) {
   // What a library needs may stand beside it, or beside the one that asks, wherever the program is.
   const std::string own = folderOfCode(reinterpret_cast<const void*>(&loadLibrarySymbol));
   const DLL_DIRECTORY_COOKIE folder = ::AddDllDirectory(system::widePath(own).c_str());
-  const HMODULE library =
-      ::LoadLibraryExW(system::widePath(path).c_str(), nullptr,
-                       LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-  const std::string reason = library == nullptr ? lastSystemError() : std::string();
+  const Result<void*> loaded = system::loadQuietly(system::widePath(path));
   if (folder != nullptr) ::RemoveDllDirectory(folder);
-  if (library == nullptr) return Status::error(path + ": cannot be loaded: " + reason);
+  if (!loaded) return Status::error(path + ": cannot be loaded: " + loaded.message());
+  const auto library = static_cast<HMODULE>(loaded.value());
   // What the library registered may outlive whoever asked for it.
   HMODULE pinned = nullptr;
   ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,

@@ -25,7 +25,11 @@ double textWidth(const std::wstring& text, const std::wstring& font) {
 
 double estimatedTextWidth(std::wstring_view text) {
   double width = 0;
-  for (const wchar_t c : text) width += c < kFirstIdeograph ? kLetterWidth : kIdeographWidth;
+  for (const wchar_t c : text) {
+    // The second half of a pair of surrogates, where wide characters have 16 bits.
+    if (c >= 0xDC00 && c <= 0xDFFF) continue;
+    width += c < kFirstIdeograph ? kLetterWidth : kIdeographWidth;
+  }
   return width;
 }
 

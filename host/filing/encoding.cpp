@@ -91,8 +91,10 @@ std::optional<std::wstring> multiByte(std::wstring_view text, size_t at) {
   return codecOf(kPages[*page - 1])->toUnicode(pair, 2).toStdWString();
 }
 
-/// Pairs of surrogates, as "\U+D83D\U+DDFA" leaves them, become one character.
+/// Where a wide character holds any character, pairs of surrogates, as "\U+D83D\U+DDFA" leaves
+/// them, become one.
 void joinSurrogates(std::wstring& text) {
+  if (sizeof(wchar_t) == 2) return;
   size_t to = 0;
   for (size_t i = 0; i < text.size(); ++i) {
     wchar_t c = text[i];
@@ -140,17 +142,27 @@ std::wstring withoutEscapes(std::wstring_view text) {
   return out;
 }
 
-std::string escaped(wchar_t character) {
+/// Wide characters of the character at `at`: two where one has 16 bits and the character more.
+size_t widthOf(std::wstring_view text, size_t at) {
+  const auto isBetween = [&](size_t i, wchar_t first, wchar_t last) {
+    return i < text.size() && text[i] >= first && text[i] <= last;
+  };
+  const bool isPair = isBetween(at, 0xD800, 0xDBFF) && isBetween(at + 1, 0xDC00, 0xDFFF);
+  return sizeof(wchar_t) == 2 && isPair ? 2 : 1;
+}
+
+std::string escaped(std::wstring_view character) {
   std::string out;
-  for (const char16_t unit : toUtf16(std::wstring_view(&character, 1))) {
+  for (const char16_t unit : toUtf16(character)) {
     const std::string digits = formatHandle(unit);
     out += "\\U+" + std::string(4 - digits.size(), '0') + digits;
   }
   return out;
 }
 
-std::string encodedBy(QTextCodec& codec, wchar_t character) {
-  const QString text = QString::fromWCharArray(&character, 1);
+std::string encodedBy(QTextCodec& codec, std::wstring_view character) {
+  const QString text =
+      QString::fromWCharArray(character.data(), static_cast<int>(character.size()));
   QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
   const QByteArray bytes = codec.fromUnicode(text.constData(), text.size(), &state);
   // What the toolkit takes for the Chinese page has more; other programs know only its pairs.
@@ -190,7 +202,10 @@ std::wstring TextEncoding::decode(std::string_view bytes) const {
 
 std::string TextEncoding::encode(std::wstring_view text) const {
   std::string out;
-  for (const wchar_t c : text) {
+  for (size_t i = 0; i < text.size();) {
+    const wchar_t c = text[i];
+    const std::wstring_view whole = text.substr(i, widthOf(text, i));
+    i += whole.size();
     if (c < L' ') {
       out += {'^', static_cast<char>('@' + c)};
     } else if (c == L'^') {
@@ -198,9 +213,9 @@ std::string TextEncoding::encode(std::wstring_view text) const {
     } else if (c < 128) {
       out += static_cast<char>(c);
     } else if (codec_ == nullptr) {
-      out += toUtf8(std::wstring_view(&c, 1));
+      out += toUtf8(whole);
     } else {
-      out += encodedBy(*codec_, c);
+      out += encodedBy(*codec_, whole);
     }
   }
   return out;

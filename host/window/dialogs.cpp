@@ -206,7 +206,8 @@ std::optional<std::vector<std::string>> DialogBackend::fileNames(const FileReque
   kind_.reset();
   if (!request.kinds.empty() && kind >= 0) kind_ = static_cast<size_t>(kind);
   std::vector<std::string> names;
-  for (const QString& name : dialog.selectedFiles()) names.push_back(name.toStdString());
+  for (const QString& name : dialog.selectedFiles())
+    names.push_back(QDir::toNativeSeparators(name).toStdString());
   return names;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLineEdit>
@@ -46,7 +47,9 @@ constexpr const char* kImageFilter =
 std::vector<std::string> localFiles(const QMimeData& data) {
   std::vector<std::string> paths;
   for (const QUrl& url : data.urls()) {
-    paths.push_back((url.isLocalFile() ? url.toLocalFile() : url.toDisplayString()).toStdString());
+    paths.push_back(
+        (url.isLocalFile() ? QDir::toNativeSeparators(url.toLocalFile()) : url.toDisplayString())
+            .toStdString());
   }
   return paths;
 }

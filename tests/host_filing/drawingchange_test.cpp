@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <filesystem>
 
 #include "acutads.h"
 #include "base/text.h"
@@ -279,7 +279,10 @@ TEST(DrawingSave, theOldFileIsKeptAsBackupAndAReadOnlyOneStays) {
   EXPECT_TRUE(saveBytes(path, "two"));
   EXPECT_EQ(bytesOf(path), "two");
   EXPECT_EQ(bytesOf(joinPath(folder, "plan.v2.bak")), "one");
-  ASSERT_EQ(std::system(("chmod a-w '" + path + "'").c_str()), 0);
+  using std::filesystem::perms;
+  std::filesystem::permissions(std::filesystem::u8path(path),
+                               perms::owner_write | perms::group_write | perms::others_write,
+                               std::filesystem::perm_options::remove);
   const Status refused = saveBytes(path, "three");
   EXPECT_THAT(refused.message(), HasSubstr("plan.v2.dxf: the file is read-only"));
   EXPECT_EQ(bytesOf(path), "two");

@@ -48,7 +48,7 @@ class Pictures : public CloudTest {
   std::pair<int, int> pixelOf(const LasSpec& spec, const Placed& placed, const LasPointSpec& p) {
     const long double fx = p.x * static_cast<long double>(spec.scale[0]) + spec.offset[0];
     const long double fy = p.y * static_cast<long double>(spec.scale[1]) + spec.offset[1];
-    const long double turn = placed.rotation * M_PIl / 180;
+    const long double turn = placed.rotation * std::acos(-1.0L) / 180;
     const long double gx = placed.x + placed.scale * (fx * std::cos(turn) - fy * std::sin(turn));
     const long double gy = placed.y + placed.scale * (fx * std::sin(turn) + fy * std::cos(turn));
     const ViewState view = host_.app().view();

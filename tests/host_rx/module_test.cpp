@@ -126,11 +126,11 @@ TEST_F(ModuleTest, WrongFilesAreNamedWithTheReason) {
   const Case cases[] = {
       {tarn::joinPath(folder.value(), "missing.arx"), "there is no such file"},
       {folder.value(), "it is a folder"},
-      {text, "file too short"},
-      {TARN_BIN_DIR "/libcadhost.so", "no acrxEntryPoint"},
+      {text, TEST_NO_LIBRARY},
+      {TEST_HOST_LIBRARY, "no acrxEntryPoint"},
       {tarn::joinPath(probes, "rxprobe_noentry.arx"), "no acrxEntryPoint"},
       {tarn::joinPath(probes, "rxprobe_newer.arx"), "version 23.2"},
-      {tarn::joinPath(probes, "rxprobe_needsmore.arx"), "tarnProbeNobodyHasThis"},
+      {tarn::joinPath(probes, "rxprobe_needsmore.arx"), TEST_LACKS_SOMETHING},
   };
   for (const Case& c : cases) {
     EXPECT_FALSE(acrxDynamicLinker->loadModule(tarn::toWide(c.path).c_str(), false)) << c.path;

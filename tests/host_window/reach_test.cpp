@@ -98,6 +98,7 @@ TEST_F(ReachTest, TheTextWindowScrollsAndCopies) {
   press(Qt::Key_F2);
   EXPECT_GT(window_->commandLine().height(), 2 * usual);
   auto& text = part<QPlainTextEdit>("history");
+  wait(50);
   const int end = text.verticalScrollBar()->value();
   press(Qt::Key_PageUp);
   EXPECT_LT(text.verticalScrollBar()->value(), end);

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "host/editor/sysvars.h"
 #include "host/window/appearance.h"
 #include "rxmfcapi.h"
 
@@ -45,6 +46,11 @@ void watch(const MSG* message) {
 }
 
 }  // namespace
+
+QString testProgram() {
+  application();
+  return QCoreApplication::applicationFilePath();
+}
 
 void expectNames(const QWidget& whole) {
   int count = 0;
@@ -81,6 +87,8 @@ void WindowTest::SetUp() {
   host::applyAppearance(application());
   app_ = std::make_unique<host::HostApp>(frontEnd_, dialogs_, folder_.path().toStdString());
   app_->setStatistics(true);
+  // Whatever the system speaks.
+  app_->variables().set("LOCALE", std::string("ENU"));
   window_ = std::make_unique<host::MainWindow>(*app_, frontEnd_, dialogs_);
   window_->show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
@@ -119,14 +127,15 @@ void WindowTest::enter(const QString& text) {
 }
 
 void WindowTest::play(std::vector<std::function<void()>> steps) {
-  constexpr int kStepMilliseconds = 30;
-  constexpr int kLongest = 10000;
+  // A real screen takes longer to show what a step did.
+  const int stepMilliseconds = QGuiApplication::platformName() == "offscreen" ? 30 : 150;
+  constexpr int kLongest = 20000;
   size_t begun = 0;
   size_t ended = 0;
   std::function<void()> next = [&] {
     const std::function<void()>& step = steps[begun++];
     // None is left behind: what it would call ends with this function.
-    if (begun < steps.size()) QTimer::singleShot(kStepMilliseconds, window_.get(), next);
+    if (begun < steps.size()) QTimer::singleShot(stepMilliseconds, window_.get(), next);
     step();
     ++ended;
   };

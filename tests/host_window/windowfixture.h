@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QPoint>
+#include <QString>
 #include <QTemporaryDir>
 #include <functional>
 #include <memory>
@@ -25,6 +26,9 @@ struct Seen {
   host::ViewState view;
   long wheel = 0;
 };
+
+/// The file of this program.
+QString testProgram();
 
 /// Everything inside that takes the keyboard or can be pressed has a name for screen readers.
 void expectNames(const QWidget& whole);

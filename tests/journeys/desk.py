@@ -104,6 +104,14 @@ class Desk:
     def path(self, *names):
         return os.path.join(self.folder, *names)
 
+    def words(self, program):
+        """What starts one of the programs."""
+        return [os.path.join(self.bin, program)]
+
+    def called(self, path):
+        """A path as the program knows it."""
+        return path
+
     # ---- Screen and program ---------------------------------------------------------------------
     def __enter__(self):
         read_end, write_end = os.pipe()
@@ -163,8 +171,8 @@ class Desk:
         open(self.log_path, "ab").close()
         self.mark = os.path.getsize(self.log_path)
         self.program = subprocess.Popen(
-            [os.path.join(self.bin, "cadhost"), "--profile", self.path("profile"), "--log", self.log_path,
-             *self.options, "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
+            [*self.words("cadhost"), "--profile", self.called(self.path("profile")), "--log",
+             self.called(self.log_path), *self.options, "--size", f"{CANVAS[0]}x{CANVAS[1]}", *files],
             env=self.environment, cwd=self.folder)
         self.children.append(self.program)
         self.window = self.wait_window()

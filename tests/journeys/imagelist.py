@@ -82,9 +82,9 @@ def colors_of(view, first, second):
             for quarters, shown in ((QUARTERS, first), (SECOND, second)) for at, color in zip(quarters, COLORS)]
 
 
-def drag_onto(desk, place, *files):
-    """Files from another program's window."""
-    source = subprocess.Popen([os.path.join(desk.bin, "dragsource"), *files], env=desk.environment)
+def drag_onto(desk, place, *files, until=r".*Command: .*regen.*"):
+    """Files from another program's window; until a line is there, and then the prompt."""
+    source = subprocess.Popen([*desk.words("dragsource"), *(desk.called(file) for file in files)], env=desk.environment)
     desk.children.append(source)
     wait_until("drag source", lambda: desk.run(["xdotool", "search", "--onlyvisible", "--name", "^Drag source$"]).strip())
     desk.skip()
@@ -92,7 +92,7 @@ def drag_onto(desk, place, *files):
     for step in range(1, 9):
         words += ["mousemove", str(60 + (place[0] - 60) * step // 8), str(40 + (place[1] - 40) * step // 8), "sleep", "0.05"]
     desk.run(words + ["sleep", "0.2", "mouseup", "1"])
-    desk.wait_line(r".*Command: .*regen.*")
+    desk.wait_line(until)
     desk.wait_prompt("Command:")
     source.terminate()
 
