@@ -4,7 +4,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <cstdlib>
 #include <string>
 
 #include "base/text.h"
@@ -12,6 +11,7 @@
 #include "inc/iconfigmanager.h"
 #include "rxdlinkr.h"
 #include "tests/support/modulehost.h"
+#include "tests/support/program.h"
 
 namespace {
 
@@ -35,9 +35,8 @@ class Images : public ::testing::Test {
 
   std::string makeImage(const std::string& name, int width, int height) {
     const std::string path = tarn::joinPath(host_.folder, name);
-    const std::string command = std::string("'") + TARN_BIN_DIR + "/tarnortho' '" + path + "' " +
-                                std::to_string(width) + " " + std::to_string(height);
-    EXPECT_EQ(std::system(command.c_str()), 0);
+    const std::vector<std::string> words = {path, std::to_string(width), std::to_string(height)};
+    EXPECT_EQ(tarn::test::runProgram("tarnortho", words).exitCode, 0);
     return path;
   }
   std::string addImages(const std::vector<std::string>& paths) {

@@ -2,11 +2,11 @@
 #include <QDir>
 #include <QFile>
 #include <QTest>
-#include <cstdlib>
 
 #include "base/text.h"
 #include "rxdlinkr.h"
 #include "tests/host_window/windowfixture.h"
+#include "tests/support/program.h"
 
 namespace tarn::test {
 namespace {
@@ -26,7 +26,7 @@ class WindowRedraw : public WindowTest {
       ASSERT_TRUE(acrxDynamicLinker->loadModule(toWide(path).c_str(), false)) << path;
     }
     const std::string image = folder_.filePath("a.tif").toStdString();
-    ASSERT_EQ(std::system(("'" TARN_BIN_DIR "/tarnortho' '" + image + "' 600 400").c_str()), 0);
+    ASSERT_EQ(runProgram("tarnortho", {image, "600", "400"}).exitCode, 0);
     window_->addFiles({image});
     wait(kSettled);
     ASSERT_GT(regenerations(), 0) << history().toStdString();

@@ -1,6 +1,5 @@
 // Images of servers in lists and drawings, and the settings that lead to them.
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
 #include "imageclient/absimageclient.h"
@@ -153,7 +152,7 @@ TEST_F(ServerImages, AChangedFileIsSeenAtTheNextRedraw) {
   addImages({"flat.tif", ""});
   const QImage before = picture("ZOOM C 501475,3399875 240");
   const std::string kept = store_->at("flat.tif") + ".kept";
-  ASSERT_EQ(std::rename(store_->at("flat.tif").c_str(), kept.c_str()), 0);
+  ASSERT_TRUE(replaceFile(store_->at("flat.tif"), kept));
   const Scratch made("imageserver-changed");
   Raster other = groundPicture(700, 500, 77);
   other.left += 1300;
@@ -165,7 +164,7 @@ TEST_F(ServerImages, AChangedFileIsSeenAtTheNextRedraw) {
   host_->run("NEW");
   ASSERT_TRUE(host_->app->runWithFiles("addImage", {store_->at("flat.tif")}));
   EXPECT_LE(difference(after, picture("ZOOM C 501475,3399875 240")), 0.001);
-  ASSERT_EQ(std::rename(kept.c_str(), store_->at("flat.tif").c_str()), 0);
+  ASSERT_TRUE(replaceFile(kept, store_->at("flat.tif")));
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "base/text.h"
 #include "tests/imageclient/webserver.h"
 #include "tests/support/modulehost.h"
+#include "tests/support/program.h"
 
 namespace tarn::test {
 

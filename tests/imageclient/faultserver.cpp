@@ -22,11 +22,24 @@ std::string redirectTo(const std::string& target) {
 }  // namespace
 
 FaultServer::FaultServer(std::string file) : file_(std::move(file)) {
+  files_ = [this](const std::string&) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return ServedFile{file_, "v" + std::to_string(version_)};
+  };
+  bindTo(0);
+}
+
+FaultServer::FaultServer(ServedFiles files, int port) : files_(std::move(files)) {
+  bindTo(port);
+}
+
+void FaultServer::bindTo(int port) {
   startSockets();
   listener_ = static_cast<int>(::socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(static_cast<uint16_t>(port));
   socklen_t size = sizeof address;
   auto* plain = reinterpret_cast<sockaddr*>(&address);
   if (::bind(listener_, plain, size) != 0 || ::listen(listener_, 64) != 0) return;
@@ -137,22 +150,24 @@ FaultServer::Reply FaultServer::replyTo(const std::string& request) {
 }
 
 FaultServer::Reply FaultServer::properReply(const std::string& request, Fault fault) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  const std::string tag = "\"v" + std::to_string(version_) + "\"";
+  const size_t path = request.find(' ') + 1;
+  const auto file = files_(request.substr(path, request.find(' ', path) - path));
+  if (!file) return {"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n", Reply::After::kKeep};
+  const std::string tag = '"' + file->tag + '"';
   const size_t wanted = request.find("If-Match: ");
   if (wanted != std::string::npos && request.compare(wanted + 10, tag.size(), tag) != 0)
     return {"HTTP/1.1 412 Changed\r\nContent-Length: 0\r\n\r\n", Reply::After::kKeep};
-  unsigned long first = 0, last = file_.size() - 1;
+  unsigned long first = 0, last = file->bytes.size() - 1;
   const size_t range = request.find("Range: bytes=");
   const bool isPart = range != std::string::npos && fault != Fault::kWholeFile;
   if (isPart) std::sscanf(request.c_str() + range, "Range: bytes=%lu-%lu", &first, &last);
-  last = std::min<unsigned long>(last, file_.size() - 1);
+  last = std::min<unsigned long>(last, file->bytes.size() - 1);
   if (fault == Fault::kShortRange) last = first + (last - first) / 2;
   if (fault == Fault::kWrongRange) ++first;
-  std::string body = file_.substr(first, last - first + 1);
+  std::string body = file->bytes.substr(first, last - first + 1);
   std::string head = isPart ? "HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(first) +
-                                  "-" + std::to_string(last) + "/" + std::to_string(file_.size()) +
-                                  "\r\n"
+                                  "-" + std::to_string(last) + "/" +
+                                  std::to_string(file->bytes.size()) + "\r\n"
                             : "HTTP/1.1 200 OK\r\n";
   head += "ETag: " + tag + "\r\n";
   const bool isEndless = fault == Fault::kEndless;

@@ -1,10 +1,12 @@
-// A server of one file that misbehaves on demand.
+// A server of one file, or of whatever a test gives it, that misbehaves on demand.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -32,15 +34,26 @@ enum class Fault {
   kDamaged,      // the right number of wrong bytes
 };
 
-/// Listens on a free port of 127.0.0.1 until it is destroyed. Every path is the file.
+/// What lies under a path of a server. Another tag says that it is another file.
+struct ServedFile {
+  std::string bytes;
+  std::string tag;
+};
+using ServedFiles = std::function<std::optional<ServedFile>(const std::string& path)>;
+
+/// Listens on a port of 127.0.0.1, any free one when it is 0, until it is destroyed.
 class FaultServer {
  public:
+  /// Every path is the file.
   explicit FaultServer(std::string file);
+  /// `files` is asked for the path as it stands in a request, by several threads at once.
+  explicit FaultServer(ServedFiles files, int port = 0);
   ~FaultServer();
   FaultServer(const FaultServer&) = delete;
   FaultServer& operator=(const FaultServer&) = delete;
 
   std::string port() const { return std::to_string(port_); }
+  bool isUp() const { return port_ != 0; }
   void setFault(Fault fault) { fault_ = fault; }
   /// Another file under the same name, told apart by its tag.
   void setFile(std::string file);
@@ -61,6 +74,7 @@ class FaultServer {
     enum class After { kKeep, kClose, kReset, kStall, kDrip, kEndless, kEndlessHead };
     After after = After::kKeep;
   };
+  void bindTo(int port);
   void listen();
   void serve(int connection);
   Reply replyTo(const std::string& request);
@@ -68,6 +82,7 @@ class FaultServer {
   void send(int connection, const std::string& bytes) const;
   void afterwards(int connection, Reply::After after) const;
 
+  ServedFiles files_;
   mutable std::mutex mutex_;
   std::string file_;
   int version_ = 1;

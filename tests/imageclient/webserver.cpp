@@ -2,11 +2,13 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QProcess>
 #include <QString>
 #include <random>
 #include <thread>
 
 #include "imageclient/http.h"
+#include "tests/support/program.h"
 
 namespace tarn::test {
 namespace {
@@ -47,9 +49,21 @@ int somePort() {
 
 }  // namespace
 
+struct WebServer::Program {
+  std::string root;
+  WebServerOptions options;
+  Scratch scratch{"tarnweb"};
+  std::unique_ptr<QProcess> process;
+
+  std::string caFile() const { return scratch.at("cert.pem"); }
+  bool makeCertificate() const;
+  bool writeConfiguration(int port) const;
+  bool run();
+};
+
 WebServer::WebServer(std::string root, WebServerOptions options)
-    : root_(std::move(root)), options_(std::move(options)) {
-  if (options_.https && !makeCertificate()) return;
+    : program_(new Program{std::move(root), std::move(options)}) {
+  if (program_->options.https && !program_->makeCertificate()) return;
   for (int i = 0; i < 10 && port_ == 0; ++i) {
     port_ = somePort();
     if (!start()) port_ = 0;
@@ -60,8 +74,12 @@ WebServer::~WebServer() {
   stop();
 }
 
-bool WebServer::makeCertificate() {
-  const std::string key = scratch_.at("key.pem"), request = scratch_.at("request.pem");
+std::string WebServer::caFile() const {
+  return program_->caFile();
+}
+
+bool WebServer::Program::makeCertificate() const {
+  const std::string key = scratch.at("key.pem"), request = scratch.at("request.pem");
   const auto openssl = [](const std::vector<std::string>& words) {
     return runProgram("/usr/bin/openssl", words).exitCode == 0;
   };
@@ -69,50 +87,50 @@ bool WebServer::makeCertificate() {
                   "-nodes", "-subj", "/CN=localhost", "-addext",
                   "subjectAltName=DNS:localhost,IP:127.0.0.1", "-keyout", key, "-out", request}) &&
          openssl({"x509", "-req", "-in", request, "-signkey", key, "-days",
-                  options_.expired ? "-1" : "2", "-copy_extensions", "copy", "-out", caFile()});
+                  options.expired ? "-1" : "2", "-copy_extensions", "copy", "-out", caFile()});
 }
 
-bool WebServer::writeConfiguration(int port) {
+bool WebServer::Program::writeConfiguration(int port) const {
   QString more;
-  if (options_.https) {
+  if (options.https) {
     more += QString("ssl_certificate %1; ssl_certificate_key %2;")
-                .arg(QString::fromStdString(scratch_.at("cert.pem")),
-                     QString::fromStdString(scratch_.at("key.pem")));
+                .arg(QString::fromStdString(scratch.at("cert.pem")),
+                     QString::fromStdString(scratch.at("key.pem")));
   }
-  if (!options_.user.empty()) {
-    const QByteArray digest = QCryptographicHash::hash(QByteArray::fromStdString(options_.password),
+  if (!options.user.empty()) {
+    const QByteArray digest = QCryptographicHash::hash(QByteArray::fromStdString(options.password),
                                                        QCryptographicHash::Sha1);
-    if (!writeText(scratch_.at("users"), QString::fromStdString(options_.user) + ":{SHA}" +
-                                             QString::fromLatin1(digest.toBase64()) + "\n"))
+    if (!writeText(scratch.at("users"), QString::fromStdString(options.user) + ":{SHA}" +
+                                            QString::fromLatin1(digest.toBase64()) + "\n"))
       return false;
     more += QString("auth_basic \"images\"; auth_basic_user_file %1;")
-                .arg(QString::fromStdString(scratch_.at("users")));
+                .arg(QString::fromStdString(scratch.at("users")));
   }
-  return writeText(scratch_.at("nginx.conf"),
+  return writeText(scratch.at("nginx.conf"),
                    QString(kConfiguration)
-                       .arg(QString::fromStdString(scratch_.folder()), QString::number(port),
-                            options_.https ? " ssl" : "", QString::fromStdString(root_), more));
+                       .arg(QString::fromStdString(scratch.folder()), QString::number(port),
+                            options.https ? " ssl" : "", QString::fromStdString(root), more));
 }
 
-bool WebServer::run() {
-  process_ = std::make_unique<QProcess>();
-  process_->setStandardOutputFile(QProcess::nullDevice());
-  process_->setStandardErrorFile(QProcess::nullDevice());
-  const QString conf = QString::fromStdString(scratch_.at("nginx.conf"));
+bool WebServer::Program::run() {
+  process = std::make_unique<QProcess>();
+  process->setStandardOutputFile(QProcess::nullDevice());
+  process->setStandardErrorFile(QProcess::nullDevice());
+  const QString conf = QString::fromStdString(scratch.at("nginx.conf"));
   // It must not outlive a test that is killed.
-  process_->start("/usr/bin/setpriv", {"--pdeathsig", "TERM", "/usr/sbin/nginx", "-c", conf, "-p",
-                                       QString::fromStdString(scratch_.folder()), "-e",
-                                       QString::fromStdString(scratch_.at("error.log"))});
-  return process_->waitForStarted(5000);
+  process->start("/usr/bin/setpriv", {"--pdeathsig", "TERM", "/usr/sbin/nginx", "-c", conf, "-p",
+                                      QString::fromStdString(scratch.folder()), "-e",
+                                      QString::fromStdString(scratch.at("error.log"))});
+  return process->waitForStarted(5000);
 }
 
 bool WebServer::start() {
-  if (!writeConfiguration(port_) || !run()) return false;
+  if (!program_->writeConfiguration(port_) || !program_->run()) return false;
   client::ServerPlace place;
   place.host = "127.0.0.1";
   place.port = port_;
   for (int i = 0; i < 200; ++i) {
-    if (process_->waitForFinished(1)) return false;
+    if (program_->process->waitForFinished(1)) return false;
     ClientTimes times;
     times.triesAgain = 0;
     times.operation = 1000;
@@ -127,13 +145,13 @@ bool WebServer::start() {
 }
 
 void WebServer::stop() {
-  if (!process_) return;
-  process_->terminate();
-  if (!process_->waitForFinished(5000)) {
-    process_->kill();
-    process_->waitForFinished(5000);
+  if (!program_->process) return;
+  program_->process->terminate();
+  if (!program_->process->waitForFinished(5000)) {
+    program_->process->kill();
+    program_->process->waitForFinished(5000);
   }
-  process_.reset();
+  program_->process.reset();
 }
 
 }  // namespace tarn::test

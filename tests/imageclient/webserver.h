@@ -1,11 +1,8 @@
 // A real web server on this computer for the time of a test.
 #pragma once
 
-#include <QProcess>
 #include <memory>
 #include <string>
-
-#include "tests/support/program.h"
 
 namespace tarn::test {
 
@@ -19,7 +16,8 @@ struct WebServerOptions {
   std::string password;
 };
 
-/// nginx over a folder, with index pages, on a free port of 127.0.0.1.
+/// A folder, with index pages, on a free port of 127.0.0.1: by nginx, and where there is none (on
+/// Windows) by FaultServer without https and users.
 class WebServer {
  public:
   explicit WebServer(std::string root, WebServerOptions options = {});
@@ -31,20 +29,14 @@ class WebServer {
   int port() const { return port_; }
   std::string portText() const { return std::to_string(port_); }
   /// The certificate that clients have to believe.
-  std::string caFile() const { return scratch_.at("cert.pem"); }
+  std::string caFile() const;
   void stop();
   /// Starts again on the port that it had.
   bool start();
 
  private:
-  bool makeCertificate();
-  bool writeConfiguration(int port);
-  bool run();
-
-  std::string root_;
-  WebServerOptions options_;
-  Scratch scratch_{"tarnweb"};
-  std::unique_ptr<QProcess> process_;
+  struct Program;
+  std::unique_ptr<Program> program_;
   int port_ = 0;
 };
 

@@ -10,11 +10,13 @@
 #include "base/path.h"
 #include "base/text.h"
 #include "tests/plot/plotfixture.h"
+#include "tests/support/system.h"
 
 namespace tarn::test {
 namespace {
 
 constexpr double kDot = 25.4 / kDpi;
+constexpr const char* kNoReader = "nothing here reads a PDF";
 
 struct ModelCase {
   const char* name;
@@ -103,7 +105,7 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
                 plotScript(c.area, c.scale, c.offset, c.rotation, "PNG", png),
             c.twist);
     ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
-    for (const std::string& file : {pdf, png}) {
+    for (const std::string& file : readable({pdf, png})) {
       SCOPED_TRACE(extensionOf(file));
       const QImage paper = page(file);
       EXPECT_NEAR(paper.width(), 297 / kDot, 1.5);
@@ -111,7 +113,9 @@ TEST_F(Plot, TheModelIsWhereItBelongs) {
       expectGround(paper, c.placed);
       EXPECT_EQ(paper.pixel(4, 4), qRgb(255, 255, 255)) << "margins stay white";
     }
-    EXPECT_EQ(pictures(pdf), 1);
+    if (hasJudges()) {
+      EXPECT_EQ(pictures(pdf), 1);
+    }
   }
 }
 
@@ -125,12 +129,14 @@ TEST_F(Plot, EveryResolutionShowsTheSameGround) {
                                 plotScript(area, "Fit", "Center", "0", "PNG", png, dpi));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
     const Placed placed{40500200, 3512450, 148.5, 105, 200 / 287.0, 0, {6, 36, 285, 138}};
-    for (const std::string& file : {pdf, png}) {
+    for (const std::string& file : readable({pdf, png})) {
       SCOPED_TRACE(extensionOf(file));
       expectGround(page(file, dpi), placed, dpi);
     }
     // The picture in the PDF has the pixels of the resolution, no more and no fewer.
-    EXPECT_NEAR(pictureResolution(pdf), dpi, 1);
+    if (hasJudges()) {
+      EXPECT_NEAR(pictureResolution(pdf), dpi, 1);
+    }
     EXPECT_NEAR(QImage(QString::fromStdString(png)).dotsPerMeterX() * 0.0254, dpi, 0.1);
   }
 }
@@ -155,7 +161,7 @@ TEST_F(Plot, ASheetShowsTheModelThroughItsViewports) {
                               sheetScript("PNG", png) + "SETVAR CTAB\n\n");
   ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
   EXPECT_NE(outcome.output.find("<\"Model\">"), std::string::npos) << "the tab of before is back";
-  for (const std::string& file : {pdf, png}) {
+  for (const std::string& file : readable({pdf, png})) {
     SCOPED_TRACE(extensionOf(file));
     const QImage paper = page(file);
     for (const Placed& placed : sheetPlaces()) expectGround(paper, placed);
@@ -165,7 +171,9 @@ TEST_F(Plot, ASheetShowsTheModelThroughItsViewports) {
     for (int y = 0; y < paper.height(); ++y) dark += qGray(paper.pixel(qRound(115 / kDot), y)) < 80;
     EXPECT_GE(dark, 1);
   }
-  EXPECT_EQ(pictures(pdf), 2) << "one a viewport";
+  if (hasJudges()) {
+    EXPECT_EQ(pictures(pdf), 2) << "one a viewport";
+  }
 }
 
 /// All content streams of a PDF, inflated.
@@ -194,7 +202,9 @@ TEST_F(Plot, LinesStayLines) {
   // The line as one stroke, beside the marker of the image.
   EXPECT_NE(text.find(" l\n"), std::string::npos);
   EXPECT_NE(text.find("S\n"), std::string::npos);
-  EXPECT_EQ(pictures(pdf), 1);
+  if (hasJudges()) {
+    EXPECT_EQ(pictures(pdf), 1);
+  }
 }
 
 TEST_F(Plot, WhatIsTooLargeIsPlottedCoarserAndSaysSo) {
@@ -211,6 +221,7 @@ TEST_F(Plot, WhatIsTooLargeIsPlottedCoarserAndSaysSo) {
           "\nNo\nYes\n");
   ASSERT_EQ(outcome.exitCode, 0) << outcome.output;
   EXPECT_NE(outcome.output.find("strip.tif选择范围过大！"), std::string::npos) << outcome.output;
+  if (!hasJudges()) GTEST_SKIP() << kNoReader;
   const Outcome list = runProgram("/usr/bin/pdfimages", {"-list", pdf});
   int width = 0;
   const size_t line = list.output.find(" image ");
@@ -265,6 +276,7 @@ TEST_F(Plot, SheetsAndViewsComeBackFromTheirFile) {
   ASSERT_EQ(opened.exitCode, 0) << opened.output;
   EXPECT_NE(opened.output.find("VIEWSIZE = 80 "), std::string::npos) << opened.output;
   EXPECT_NE(opened.output.find("VIEWCTR = 40500100,3512500,0"), std::string::npos);
+  if (!hasJudges()) GTEST_SKIP() << kNoReader;
   const QImage paper = page(pdf);
   for (const Placed& placed : sheetPlaces()) expectGround(paper, placed);
 }

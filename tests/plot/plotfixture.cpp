@@ -1,11 +1,13 @@
 #include "tests/plot/plotfixture.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <vector>
 
 #include "base/path.h"
 #include "base/text.h"
+#include "tests/support/system.h"
 
 namespace tarn::test {
 
@@ -133,6 +135,14 @@ QImage Plot::page(const std::string& file, int dpi) {
                                                            "-singlefile", "-aa", "no", file, stem});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
   return QImage(QString::fromStdString(stem + ".png"));
+}
+
+std::vector<std::string> Plot::readable(std::vector<std::string> files) {
+  if (hasJudges()) return files;
+  files.erase(std::remove_if(files.begin(), files.end(),
+                             [](const auto& file) { return extensionOf(file) == ".pdf"; }),
+              files.end());
+  return files;
 }
 
 int Plot::pictures(const std::string& file) {

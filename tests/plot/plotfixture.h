@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QRectF>
 #include <string>
+#include <vector>
 
 #include "tests/support/program.h"
 #include "tests/support/rasters.h"
@@ -41,6 +42,8 @@ class Plot : public testing::Test {
   static Outcome run(const std::string& script, const std::string& twist = "0");
   /// The page as pixels of a resolution: a PDF is drawn by poppler.
   static QImage page(const std::string& file, int dpi = kDpi);
+  /// Those of the files that something here can read: no PDF without poppler.
+  static std::vector<std::string> readable(std::vector<std::string> files);
   /// Pictures in a PDF, masks left out.
   static int pictures(const std::string& file);
   /// Dots per inch of the first of them.

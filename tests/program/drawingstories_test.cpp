@@ -3,8 +3,10 @@
 
 #include <QFile>
 #include <QImage>
+#include <QStandardPaths>
 
 #include "base/file.h"
+#include "base/path.h"
 #include "tests/support/program.h"
 #include "tests/support/rasters.h"
 
@@ -35,13 +37,17 @@ class DrawingStories : public testing::Test {
 
   /// The program without its modules: they are looked for beside it.
   Outcome runBare(std::vector<std::string> arguments) const {
-    const std::string alone = scratch_.at("bare/cadhost");
+    const QString whole = QStandardPaths::findExecutable("cadhost", {TARN_BIN_DIR});
+    const std::string alone = scratch_.at("bare/" + nameOf(whole.toStdString()));
     EXPECT_TRUE(makeFolders(scratch_.at("bare")));
-    QFile::copy(TARN_BIN_DIR "/cadhost", QString::fromStdString(alone));
-    const std::vector<std::string> before = {"LD_LIBRARY_PATH=" TARN_BIN_DIR, alone, "--headless",
-                                             "--profile", scratch_.at("profile")};
-    arguments.insert(arguments.begin(), before.begin(), before.end());
-    return runProgram("/usr/bin/env", arguments);
+    QFile::copy(whole, QString::fromStdString(alone));
+    arguments.insert(arguments.begin(), {"--headless", "--profile", scratch_.at("profile")});
+    // Its libraries, and the toolkit's plug-ins where they stand beside programs.
+    const char* const kPlaces[] = {"LD_LIBRARY_PATH", "QT_PLUGIN_PATH"};
+    for (const char* place : kPlaces) qputenv(place, TARN_BIN_DIR);
+    const Outcome outcome = runProgram(alone, arguments);
+    for (const char* place : kPlaces) qunsetenv(place);
+    return outcome;
   }
 
   /// Everything is there once: the entity, the path, and as many lines as said.

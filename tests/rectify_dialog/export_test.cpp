@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <sstream>
 
 #include "base/file.h"
@@ -207,14 +206,14 @@ TEST_F(Exports, ThatFailLeaveImageTableAndOldFilesAlone) {
 
   // The image vanishes while the dialog is open.
   const std::string away = path_ + ".away";
-  ASSERT_EQ(std::rename(path_.c_str(), away.c_str()), 0);
+  ASSERT_TRUE(tarn::replaceFile(path_, away));
   expectFailure(old, "a.tif: is not there any more");
   press("calError");
   EXPECT_EQ(sources(), rows);
   press("abort");
   QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_TRUE(stored(path_).empty());
-  ASSERT_EQ(std::rename(away.c_str(), path_.c_str()), 0);
+  ASSERT_TRUE(tarn::replaceFile(away, path_));
   EXPECT_EQ(tarn::readFile(path_, 10 << 20).value(), image.value());
 }
 

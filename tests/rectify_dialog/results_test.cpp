@@ -15,6 +15,7 @@
 #include "dbobjptr.h"
 #include "dbsymtb.h"
 #include "tests/rectify_dialog/dialogfixture.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -78,8 +79,11 @@ class Results : public tarn::test::DialogTest {
 };
 
 TEST_F(Results, AreReportedInBothLanguages) {
-  const std::string chinese = textOf(report("报告.pdf"));
+  const std::string first = report("报告.pdf");
   EXPECT_THAT(advice(), HasSubstr("报告.pdf"));
+  EXPECT_EQ(tarn::readFile(first, 10 << 20).take().substr(0, 5), "%PDF-");
+  if (!tarn::test::hasJudges()) GTEST_SKIP() << "nothing here reads a PDF";
+  const std::string chinese = textOf(first);
   for (const char* text :
        {"影像纠正精度报告", "正射影像.tif", "赫尔默特", "tx", "旋转角", "0.0814531 m",
         "检核点中误差", "误差 0.2 m", "1060.600", "0.480234 m", "第 1 页", "误差放大"})

@@ -9,6 +9,9 @@ namespace tarn::test {
 /// Makes a symbolic link; false where that is not to be had.
 bool makeLink(const std::string& target, const std::string& link);
 
+/// True where programs that nobody here wrote can judge what ours leave (poppler, GDAL's).
+bool hasJudges();
+
 /// Stands for a full disk: no file may become larger than this, until the object is gone.
 class FileSizeLimit {
  public:

@@ -20,6 +20,10 @@ bool makeLink(const std::string& target, const std::string& link) {
   return ::symlink(target.c_str(), link.c_str()) == 0;
 }
 
+bool hasJudges() {
+  return true;
+}
+
 FileSizeLimit::FileSizeLimit(uint64_t bytes) {
   rlimit limit{};
   getrlimit(RLIMIT_FSIZE, &limit);

@@ -7,6 +7,7 @@ Each story runs twice, in a folder of its own on either side; the Windows side s
 1 of 255 in a value, numbers in texts by one part in a thousand million.
 """
 import difflib
+import glob
 import itertools
 import math
 import os
@@ -56,6 +57,17 @@ class Side:
         if "\r" in text:
             raise AssertionError("%s writes lines of another system: %r" % (program, text))
         return self.neutral(text)
+
+    def test(self, program, case, folder):
+        """One case of a test program, which leaves its files in a folder of the side."""
+        os.makedirs(self.path(folder))
+        words = self.emulator + [os.path.join(os.path.dirname(self.bin), "tests", program + self.suffix),
+                                 "--gtest_brief=1", "--gtest_filter=" + case]
+        done = subprocess.run(words, cwd=self.folder, stdin=subprocess.DEVNULL, capture_output=True, timeout=280,
+                              env={**os.environ, "TARN_TEST_FOLDER": self.called + "/" + folder})
+        text = done.stdout.decode("utf-8") + done.stderr.decode("utf-8")
+        if done.returncode != 0 or "PASSED" not in text:
+            raise AssertionError("%s, %s:\n%s" % (program, case, text))
 
     def cadhost(self, arguments, expected=0):
         return self.run("cadhost", ["--headless", "--profile", self.name("profile")] + arguments, expected)
@@ -163,6 +175,37 @@ def control_points(side):
     return texts
 
 
+def plot(side, device, name):
+    return ["PLOT", "Yes", "Model", device, "A4", "Millimeters", "Landscape", "0", "Extents", "Fit", "Center", "100",
+            side.name(name), "No", "Yes"]
+
+
+def working_day(side):
+    """Images from a folder with a Chinese name, both settings, the list, a drawing kept and opened, plots, conversion."""
+    images = [side.name("资料/%s.tif" % name) for name in ("甲 乙", "丙é")]
+    os.makedirs(side.path("资料"))
+    for number, image in enumerate(("资料/甲 乙.tif", "资料/丙é.tif")):
+        subprocess.run([side.tarnortho, side.path(image), str(1400 - 500 * number), "800", "0.1"], check=True,
+                       stdout=subprocess.DEVNULL)
+        os.utime(side.path(image), (TIME, TIME))
+    panel = ["UICLICK 1131 Click 119 " + images[1], "UICLICK 1131 COmmand 32784", "UICLICK 1131 Tip 119 " + images[0],
+             "UICLICK 1131 CHeck 119 " + images[0], "UICLICK 1131 List 119"]
+    lines = ["SETVAR LOCALE CHS", "addImage", *images, "", "SetImageClarityRatio", "2", "SetImageOffsetRatio", "0.5",
+             "ZOOM E", "OpenImageList", *panel, "LIST ALL", "", "SAVEAS", side.name("日.dxf"), "CLOSE",
+             "OPEN", side.name("日.dxf"), "UICLICK 1131 List 119", "ZOOM E", "SetImageClarityRatio", "", "UNDO 1",
+             *plot(side, "PNG", "日.png"), *plot(side, "PDF", "日.pdf"),
+             "ImageConversion", side.name("资料"), "", *[""] * 8, side.name("成果")]
+    return [side.cadhost(view(70, -50, 110) + script(side, lines) + ["--picture", side.name("day.png")])]
+
+
+def rectification(side):
+    """Nine points from a file, in the real dialog: the image takes its place, is exported and kept in a drawing, which
+    shows it there again."""
+    side.test("rectify_dialog_test", "WholeWay.*", "纠正")
+    return [side.cadhost(["--size", "640x400", "--view", "1320,2070,400", "--picture", side.name("rectified.png"),
+                          "--save", side.name("rectified.dxf"), side.name("纠正/纠正.dxf")])]
+
+
 def point_cloud(side):
     lines = ["-POINTCLOUDATTACH", side.name("点云.las"), "0,0", "1", "0", "REGEN"]
     return [side.cadhost(view(50, -37, 90) + script(side, lines) + ["--picture", side.name("cloud.png"), "--save",
@@ -220,7 +263,8 @@ def bad_input(side):
     return [re.sub(r"(没有\.txt: cannot open: ).*", r"\1", text) for text in texts]
 
 
-STORIES = [view_to_pixels, drawing_by_script, drive_and_separators, conversion, control_points, point_cloud, modules, bad_input, killed]
+STORIES = [view_to_pixels, drawing_by_script, drive_and_separators, conversion, control_points, point_cloud, modules, working_day, rectification,
+           bad_input, killed]
 
 
 def frames(path):
@@ -238,6 +282,20 @@ def same_picture(own, other):
         worst = re.match(r"[\d.e+]+ \(([\d.e+-]+)\)", done.stderr)
         if done.returncode > 1 or not worst or float(worst.group(1)) > 1.001 / 255:
             raise AssertionError("%s and %s differ: %s" % (*names, done.stderr.strip()))
+
+
+def same_pages(own, other):
+    """Page by page, as poppler draws them."""
+    drawn = []
+    for path in (own, other):
+        subprocess.run(["pdftoppm", "-r", "100", "-png", path, path + "-page"], check=True)
+        drawn.append(sorted(glob.glob(glob.escape(path) + "-page*.png")))
+    if len(drawn[0]) != len(drawn[1]):
+        raise AssertionError("%s and %s have not as many pages" % (own, other))
+    for pages in zip(*drawn):
+        same_picture(*pages)
+    for path in sum(drawn, []):
+        os.remove(path)
 
 
 def same_text(what, own, other):
@@ -268,8 +326,16 @@ def same_file(name, own, other):
         return True
     if name.endswith((".png", ".tif", ".ovr", ".jpg")):
         same_picture(own.path(name), other.path(name))
-    elif name.endswith((".dxf", ".points", ".txt", ".json", ".prj", ".tfw", ".jgw", ".xml")):
+    elif name.endswith((".dxf", ".points", ".txt", ".json", ".prj", ".tfw", ".jgw", ".igw", ".FTWx", ".xml")):
         same_text(name, own.neutral(ours.decode("utf-8")), other.neutral(theirs.decode("utf-8")))
+    elif name.endswith(".pdf"):
+        same_pages(own.path(name), other.path(name))
+    elif name.endswith(".img"):
+        for side in (own, other):
+            subprocess.run(["gdal_translate", "-q", side.path(name), side.path(name) + ".tif"], check=True)
+        same_picture(own.path(name) + ".tif", other.path(name) + ".tif")
+        for side in (own, other):
+            os.remove(side.path(name) + ".tif")
     else:
         raise AssertionError("%s differs" % name)
     return False
