@@ -1,5 +1,6 @@
 // The module in the real host: three levels of initialisation, unloading, loading again. One
-// program is one session, so the levels come in ascending order.
+// program is one session, so the levels come in ascending order; what other tests of it have left
+// is taken away first.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -52,6 +53,7 @@ bool unload(const std::wstring& module) {
 
 TEST(Lifecycle, LevelsOfInitialisation) {
   tarn::test::ModuleHost host(false);
+  acedRegCmds->removeGroup(L"TARNIMAGE");
   kel::Core::setAssertHandler([](const char* message, const char* file, int line) {
     g_assertions.push_back(std::string(message) + " " + file + " " + std::to_string(line));
   });

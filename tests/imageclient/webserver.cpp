@@ -50,6 +50,9 @@ int somePort() {
 }  // namespace
 
 struct WebServer::Program {
+  Program(std::string servedFolder, WebServerOptions wanted)
+      : root(std::move(servedFolder)), options(std::move(wanted)) {}
+
   std::string root;
   WebServerOptions options;
   Scratch scratch{"tarnweb"};
@@ -62,7 +65,7 @@ struct WebServer::Program {
 };
 
 WebServer::WebServer(std::string root, WebServerOptions options)
-    : program_(new Program{std::move(root), std::move(options)}) {
+    : program_(std::make_unique<Program>(std::move(root), std::move(options))) {
   if (program_->options.https && !program_->makeCertificate()) return;
   for (int i = 0; i < 10 && port_ == 0; ++i) {
     port_ = somePort();

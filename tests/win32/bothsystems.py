@@ -192,7 +192,7 @@ def working_day(side):
              "UICLICK 1131 CHeck 119 " + images[0], "UICLICK 1131 List 119"]
     lines = ["SETVAR LOCALE CHS", "addImage", *images, "", "SetImageClarityRatio", "2", "SetImageOffsetRatio", "0.5",
              "ZOOM E", "OpenImageList", *panel, "LIST ALL", "", "SAVEAS", side.name("日.dxf"), "CLOSE",
-             "OPEN", side.name("日.dxf"), "UICLICK 1131 List 119", "ZOOM E", "SetImageClarityRatio", "", "UNDO 1",
+             "OPEN", side.name("日.dxf"), "UICLICK 1131 List 119", "ZOOM E", "SetImageClarityRatio", "",
              *plot(side, "PNG", "日.png"), *plot(side, "PDF", "日.pdf"),
              "ImageConversion", side.name("资料"), "", *[""] * 8, side.name("成果")]
     return [side.cadhost(view(70, -50, 110) + script(side, lines) + ["--picture", side.name("day.png")])]

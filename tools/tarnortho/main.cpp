@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <string>
 #include <vector>
 
 #include "base/file.h"
 #include "base/parallel.h"
+#include "base/program.h"
 #include "base/text.h"
 #include "tools/tarnortho/scene.h"
 #include "tools/tarnortho/tiffwriter.h"
@@ -65,24 +66,27 @@ Status paint(const std::string& path, uint32_t width, uint32_t height, double pi
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+int main(int count, char** rawWords) {
+  tarn::prepareStandardStreams();
+  const std::vector<std::string> words = tarn::programArguments(count, rawWords);
+  if (words.size() == 1 && words[0] == "--help") {
     std::fputs(kUsage, stdout);
     return 0;
   }
   int width = 8000;
   int height = 6000;
   double pixel = 0.1;
+  const size_t given = words.size();
   const bool understood =
-      (argc == 2 || argc == 4 || argc == 5) && argv[1][0] != '-' &&
-      (argc < 4 || (tarn::parseInt(argv[2], width) && tarn::parseInt(argv[3], height))) &&
-      (argc < 5 || tarn::parseDouble(argv[4], pixel));
+      (given == 1 || given == 3 || given == 4) && words[0][0] != '-' &&
+      (given < 3 || (tarn::parseInt(words[1], width) && tarn::parseInt(words[2], height))) &&
+      (given < 4 || tarn::parseDouble(words[3], pixel));
   if (!understood || width <= 0 || height <= 0 || pixel <= 0) {
     std::fputs(kUsage, stderr);
     return 2;
   }
   // Painted beside its place and renamed, so a picture that is there is a whole one.
-  const std::string path = argv[1];
+  const std::string& path = words[0];
   const std::string unfinished = path + ".part";
   Status status =
       paint(unfinished, static_cast<uint32_t>(width), static_cast<uint32_t>(height), pixel);
