@@ -263,7 +263,7 @@ def bad_input(side):
     return [re.sub(r"(没有\.txt: cannot open: ).*", r"\1", text) for text in texts]
 
 
-STORIES = [view_to_pixels, drawing_by_script, drive_and_separators, conversion, control_points, point_cloud, modules, working_day, rectification,
+STORIES = [view_to_pixels, drawing_by_script, drive_and_separators, conversion, control_points, point_cloud, modules,
            bad_input, killed]
 
 
