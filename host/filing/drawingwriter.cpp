@@ -12,6 +12,7 @@
 #include "dbproxy.h"
 #include "dbxrecrd.h"
 #include "host/database/objectaccess.h"
+#include "host/filing/drawingadditions.h"
 #include "host/filing/drawingbinding.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
@@ -32,7 +33,7 @@ class DrawingWriter {
       : binding_(binding),
         document_(binding.document),
         renamed_(std::make_shared<RenamedRecords>(binding)),
-        lineEnd_(document_.lineEnd()) {
+        additions_(document_, binding.encoding, edits_) {
     binding_.renamed = renamed_;
   }
 
@@ -53,7 +54,7 @@ class DrawingWriter {
     addClasses();
     if (state && state->view) editActiveView(binding_, *state->view, edits_);
     editHeader(state);
-    closeCutOff();
+    additions_.closeCutOff();
   }
 
   Status give(const PieceTaker& take) {
@@ -65,12 +66,6 @@ class DrawingWriter {
   std::string bytesOf(const BoundObject& bound) {
     const ObjectAccess::Look look(*peek(bound.id));
     return boundBytes(*peek(bound.id), bound);
-  }
-
-  std::string tag(int code, std::string_view value) const {
-    std::string digits = std::to_string(code);
-    digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, ' ');
-    return digits + lineEnd_ + std::string(value) + lineEnd_;
   }
 
   void addFrameObjects() {
@@ -306,21 +301,22 @@ class DrawingWriter {
       }
     }
     for (const auto& [table, bytes] : defined) {
-      if (!bytes.empty()) insertRecords(table.c_str(), bytes);
+      if (!bytes.empty()) additions_.insertRecords(table.c_str(), bytes);
     }
-    if (!layers.empty()) insertRecords("LAYER", layers);
-    if (!views.empty()) insertRecords("VIEW", views);
-    if (!blockRecords.empty() && !document_.isOld()) insertRecords("BLOCK_RECORD", blockRecords);
+    if (!layers.empty()) additions_.insertRecords("LAYER", layers);
+    if (!views.empty()) additions_.insertRecords("VIEW", views);
+    if (!blockRecords.empty() && !document_.isOld())
+      additions_.insertRecords("BLOCK_RECORD", blockRecords);
     std::string definitions;
     for (const AcDbBlockTableRecord* block : blocks) {
       const ObjectAccess::Look look(const_cast<AcDbBlockTableRecord&>(*block));
       definitions += writeBlock(binding_, *block, byBlock[block->objectId()]);
       byBlock.erase(block->objectId());
     }
-    if (!definitions.empty()) insertSection("BLOCKS", definitions);
+    if (!definitions.empty()) additions_.insertSection("BLOCKS", definitions);
     for (auto& [block, bytes] : byBlock) insertEntities(AcDbObjectId(block), std::move(bytes));
     for (const AddedObject& object : added_) objects += object.bytes;
-    if (!objects.empty()) insertSection("OBJECTS", objects);
+    if (!objects.empty()) additions_.insertSection("OBJECTS", objects);
   }
 
   std::string objectBytes(const AcDbObject& object) const {
@@ -348,55 +344,14 @@ class DrawingWriter {
     return known(table) != nullptr ? table.handle().value() : 0;
   }
 
-  void insertRecords(const char* table, const std::string& bytes) {
-    hasNew_ = true;
-    const DrawingSection* tables = document_.section("TABLES");
-    bool inTable = false;
-    for (std::uint32_t i = tables != nullptr ? tables->firstObject + 1 : 0;
-         tables != nullptr && i < tables->endObject; ++i) {
-      if (document_.typeOf(i) == "TABLE") {
-        const Tag* name = binding_.view(i).find(2);
-        inTable = name != nullptr && document_.word(*name) == table;
-      }
-      if (inTable && document_.typeOf(i) == "ENDTAB") return edits_.insertBefore(i, bytes);
-    }
-    insertSection("TABLES",
-                  tag(0, "TABLE") + tag(2, table) + tag(70, "1") + bytes + tag(0, "ENDTAB"));
-  }
-
   void insertEntities(AcDbObjectId block, std::string bytes) {
-    hasNew_ = true;
     const auto end = binding_.blockEnds.find(block);
     const bool isSpace = block == binding_.modelSpace || block == binding_.paperSpace;
     if (isSpace) {
-      insertSection("ENTITIES", bytes);
+      additions_.insertSection("ENTITIES", bytes);
     } else if (end != binding_.blockEnds.end()) {
-      edits_.insertBefore(end->second, std::move(bytes));
+      additions_.insertBefore(end->second, std::move(bytes));
     }
-  }
-
-  /// At the end of a section, which is made when it is missing.
-  void insertSection(std::string_view name, const std::string& bytes) {
-    hasNew_ = true;
-    if (const DrawingSection* section = document_.section(name)) {
-      return edits_.insertBefore(section->endObject, bytes);
-    }
-    const std::string whole = tag(0, "SECTION") + tag(2, name) + bytes + tag(0, "ENDSEC");
-    edits_.insertBefore(placeOf(name), whole);
-  }
-
-  /// Before the first section that comes after one of this name; else before the end mark.
-  std::uint32_t placeOf(std::string_view name) const {
-    static constexpr std::string_view kOrder[] = {"HEADER", "CLASSES",  "TABLES",
-                                                  "BLOCKS", "ENTITIES", "OBJECTS"};
-    bool behind = false;
-    for (const std::string_view other : kOrder) {
-      const DrawingSection* section = document_.section(other);
-      if (behind && section != nullptr) return section->firstObject;
-      behind = behind || other == name;
-    }
-    const std::uint32_t count = document_.objectCount();
-    return document_.isComplete() ? count - 1 : count;
   }
 
   void addClasses() {
@@ -415,7 +370,7 @@ class DrawingWriter {
     for (const AddedObject& object : added_) {
       if (!stands(toWide(object.type))) bytes += object.classBytes;
     }
-    if (!bytes.empty()) insertSection("CLASSES", bytes);
+    if (!bytes.empty()) additions_.insertSection("CLASSES", bytes);
   }
 
   void editHeader(const std::optional<OpeningState>& state) {
@@ -424,7 +379,8 @@ class DrawingWriter {
     TagEditor editor = editorOf(binding_, header->firstObject);
     const std::uint32_t begin = document_.tagsOf(header->firstObject).begin;
     const TagRange seed = document_.headerVariable("$HANDSEED");
-    if (hasNew_ && seed.begin < seed.end) {
+    const bool hasNewHandles = !additions_.isEmpty() || !binding_.partHandles.empty();
+    if (hasNewHandles && seed.begin < seed.end) {
       const std::uint64_t next = ObjectAccess::state(*binding_.database).nextHandle;
       if (parseHandle(document_.word(document_.tag(seed.begin))) < next) {
         editor.replaceAt(seed.begin - begin, formatHandle(next));
@@ -447,38 +403,15 @@ class DrawingWriter {
     if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
   }
 
-  /// Ends what a file that was cut off has left open.
-  void closeCutOff() {
-    if (document_.isComplete()) return;
-    const std::uint32_t count = document_.objectCount();
-    const DrawingSection& last = document_.sections().back();
-    std::string bytes;
-    if (last.endObject == count) {
-      const std::string_view open = last.name == "TABLES"   ? "TABLE"
-                                    : last.name == "BLOCKS" ? "BLOCK"
-                                                            : "";
-      bool isOpen = false;
-      for (std::uint32_t i = last.firstObject; !open.empty() && i < count; ++i) {
-        const std::string_view type = document_.typeOf(i);
-        if (type == open) isOpen = true;
-        if (type == "ENDTAB" || type == "ENDBLK") isOpen = false;
-      }
-      if (isOpen) bytes += tag(0, open == "TABLE" ? "ENDTAB" : "ENDBLK");
-      bytes += tag(0, "ENDSEC");
-    }
-    edits_.insertBefore(count, bytes + tag(0, "EOF"));
-  }
-
   DrawingBinding& binding_;
   const TagDocument& document_;
   std::shared_ptr<const RenamedRecords> renamed_;
-  std::string lineEnd_;
   DrawingEdits edits_;
+  DrawingAdditions additions_;
   std::vector<std::pair<AcDbStub*, std::uint32_t>> known_;  ///< sorted; places among the bound
   std::set<const AcRxClass*> classes_;
   std::vector<AddedObject> added_;
   bool anyErased_ = false;
-  bool hasNew_ = false;
 };
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "host/filing/drawingfile.h"
 #include "host/filing/drawingsave.h"
 #include "host/filing/encoding.h"
+#include "host/filing/tagdocument.h"
 #include "tests/host_filing/drawingfixture.h"
 #include "tests/host_filing/realdrawings.h"
 
@@ -289,6 +290,35 @@ TEST(DrawingSave, theOldFileIsKeptAsBackupAndAReadOnlyOneStays) {
   EXPECT_THAT(saveBytes(folder, "x").message(), HasSubstr("no file"));
   EXPECT_EQ(listFolder(folder).size(), 2U) << "nothing else is left behind";
   EXPECT_TRUE(removeAll(folder));
+}
+
+/// A vertex is no object of the database, but has a handle in the file.
+TEST(DrawingChange, aNewVertexKeepsItsHandleAndTheHeaderKnowsOfIt) {
+  const std::string vertex =
+      "  0\nVERTEX\n  5\n%\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n "
+      "10\n1.0\n "
+      "20\n1.0\n";
+  const auto file = opened(drawing(
+      "AC1015", "ANSI_1252",
+      "  0\nPOLYLINE\n  5\nA0\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 70\n0\n" +
+          replaceAll(vertex, "%", "A1") + replaceAll(vertex, "%", "A2") +
+          "  0\nSEQEND\n  5\nA3\n100\nAcDbEntity\n  8\n0\n"));
+  {
+    const AcDbObjectPointer<AcDbPolyline> line(modelEntities(file->database())[0], AcDb::kForWrite);
+    ASSERT_EQ(line->addVertex(5, 5), Acad::eOk);
+  }
+  const std::string after = saved(*file);
+  EXPECT_EQ(saved(*file), after);
+  const auto parsed = TagDocument::parse(after, "test.dxf");
+  ASSERT_TRUE(parsed);
+  const TagDocument& document = parsed.value();
+  std::uint64_t highest = 0;
+  for (std::uint32_t i = 0; i < document.objectCount(); ++i) {
+    if (document.typeOf(i) == "VERTEX") highest = std::max(highest, document.handleOf(i));
+  }
+  const Tag& seed = document.tag(document.headerVariable("$HANDSEED").begin);
+  EXPECT_GT(parseHandle(document.word(seed)), highest);
+  EXPECT_GT(highest, 0xA3U);
 }
 
 }  // namespace
