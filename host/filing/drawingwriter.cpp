@@ -116,7 +116,9 @@ class DrawingWriter {
     if (!ObjectAccess::isChanged(bound.id) && !(isDictionary && anyErased_)) return;
     if (bound.count != 1 && !object->isKindOf(AcDbEntity::desc())) return;
     // Parts take handles, which the header has to know of.
-    if (bound.count == 1 && !object->isKindOf(AcDbBlockReference::desc())) {
+    const bool mayHaveParts =
+        object->isKindOf(AcDbBlockReference::desc()) || document_.typeOf(bound.first) == "POLYLINE";
+    if (bound.count == 1 && !mayHaveParts) {
       edits_.replaceLater(bound.first, bound.count, number);
     } else {
       edits_.replace(bound.first, bound.count, bytesOf(bound));
@@ -221,6 +223,7 @@ class DrawingWriter {
     }
     EntityOutput output{binding_, editor, tags.get(), {}, model != nullptr};
     codec->write(entity, output);
+    hasNewParts_ = hasNewParts_ || output.newParts > 0;
     writeExtendedData(binding_, entity, from, editor);
     return editor.bytes() + output.parts;
   }
@@ -379,7 +382,7 @@ class DrawingWriter {
     TagEditor editor = editorOf(binding_, header->firstObject);
     const std::uint32_t begin = document_.tagsOf(header->firstObject).begin;
     const TagRange seed = document_.headerVariable("$HANDSEED");
-    const bool hasNewHandles = !additions_.isEmpty() || !binding_.partHandles.empty();
+    const bool hasNewHandles = !additions_.isEmpty() || hasNewParts_;
     if (hasNewHandles && seed.begin < seed.end) {
       const std::uint64_t next = ObjectAccess::state(*binding_.database).nextHandle;
       if (parseHandle(document_.word(document_.tag(seed.begin))) < next) {
@@ -412,6 +415,7 @@ class DrawingWriter {
   std::set<const AcRxClass*> classes_;
   std::vector<AddedObject> added_;
   bool anyErased_ = false;
+  bool hasNewParts_ = false;
 };
 
 }  // namespace
