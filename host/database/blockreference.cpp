@@ -9,6 +9,7 @@
 #include "host/database/drawnextents.h"
 #include "host/database/entitysystem.h"
 #include "host/database/objectaccess.h"
+#include "host/database/recordfiling.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
                         0, INSERT, ObjectDBX Classes)
@@ -34,6 +35,7 @@ void writeAttribute(const AcDbAttributeLine& line, AcDbDwgFiler& filer) {
   filer.writeUInt16(line.color);
   filer.writeInt32(line.trueColor);
   filer.writeBool(line.hidden);
+  filer.writeString(line.tag.c_str());
 }
 
 void readAttribute(AcDbAttributeLine& line, AcDbDwgFiler& filer) {
@@ -42,6 +44,7 @@ void readAttribute(AcDbAttributeLine& line, AcDbDwgFiler& filer) {
   filer.readUInt16(&line.color);
   filer.readInt32(&line.trueColor);
   filer.readBool(&line.hidden);
+  tarn::host::readText(filer, line.tag);
 }
 
 /// By block it follows the insertion, on layer "0" what that stands for.

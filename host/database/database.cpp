@@ -54,7 +54,7 @@ AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing, bool /*noDocument*/)
   state_->viewportTable = addOwn(*this, new AcDbViewportTable);
   state_->namedObjects = addOwn(*this, new AcDbDictionary);
   state_->layerZero = addRecord<AcDbLayerTable>(state_->layerTable, new AcDbLayerTableRecord, L"0");
-  state_->currentLayer = state_->layerZero;
+  state_->header.currentLayer = state_->layerZero;
   for (const ACHAR* space : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
     addRecord<AcDbBlockTable>(state_->blockTable, new AcDbBlockTableRecord, space);
   }
@@ -165,42 +165,8 @@ Acad::ErrorStatus AcDbDatabase::getSymbolTable(AcDbViewportTable*& table, AcDb::
   return acdbOpenObject(table, state_->viewportTable, mode);
 }
 
-double AcDbDatabase::ltscale() const {
-  return state_->linetypeScale;
-}
-Acad::ErrorStatus AcDbDatabase::setLtscale(double scale) {
-  if (!(scale > 0) || !std::isfinite(scale)) return Acad::eInvalidInput;
-  const auto tell = [&](auto call) { ObjectAccess::tell(*this, call); };
-  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarWillChange(this, L"LTSCALE"); });
-  state_->linetypeScale = scale;
-  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarChanged(this, L"LTSCALE", Adesk::kTrue); });
-  return Acad::eOk;
-}
-bool AcDbDatabase::lineWeightDisplay() const {
-  return state_->showsLineWeights;
-}
-Acad::ErrorStatus AcDbDatabase::setLineWeightDisplay(bool display) {
-  state_->showsLineWeights = display;
-  return Acad::eOk;
-}
 AcDbObjectId AcDbDatabase::layerZero() const {
   return state_->layerZero;
-}
-AcDbObjectId AcDbDatabase::clayer() const {
-  return state_->currentLayer;
-}
-
-Acad::ErrorStatus AcDbDatabase::setClayer(AcDbObjectId layer) {
-  const AcDbObject* record = tarn::host::peek(layer);
-  if (record != nullptr && layer.database() != this) return Acad::eWrongDatabase;
-  if (record == nullptr || layer.isErased()) return Acad::eInvalidInput;
-  if (!record->isKindOf(AcDbLayerTableRecord::desc())) return Acad::eNotThatKindOfClass;
-  if (state_->observer != nullptr) state_->observer->headerWillChange();
-  const auto tell = [&](auto call) { ObjectAccess::tell(*this, call); };
-  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarWillChange(this, L"CLAYER"); });
-  state_->currentLayer = layer;
-  tell([&](AcDbDatabaseReactor& r) { r.headerSysVarChanged(this, L"CLAYER", Adesk::kTrue); });
-  return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool /*createIfNotFound*/,

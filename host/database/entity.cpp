@@ -3,6 +3,7 @@
 #include "dbents.h"
 #include "dbfiler.h"
 #include "dbsymtb.h"
+#include "host/database/extendeddata.h"
 #include "host/database/objectaccess.h"
 #include "host/database/observer.h"
 
@@ -132,7 +133,9 @@ Acad::ErrorStatus AcDbEntity::getGripPoints(AcGePoint3dArray& gripPoints, AcDbIn
 }
 
 Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d& transform) {
-  return subTransformBy(transform);
+  const Acad::ErrorStatus status = subTransformBy(transform);
+  if (status == Acad::eOk) tarn::host::transformExtendedData(*this, transform);
+  return status;
 }
 
 Acad::ErrorStatus AcDbEntity::moveGripPointsAt(const AcDbIntArray& indices,

@@ -1,12 +1,14 @@
 #include "host/database/extendeddata.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "adscodes.h"
 #include "base/text.h"
 #include "dbapserv.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "gemat3d.h"
 #include "host/database/objectaccess.h"
 
 using tarn::host::ResbufItem;
@@ -17,6 +19,13 @@ namespace {
 constexpr int kFirst = 1000;
 constexpr int kApplication = 1001;
 constexpr int kLast = 1071;
+
+// Values that follow what is done to the entity; plain points (1010) and numbers (1040) do not.
+constexpr int kWorldPosition = 1011;
+constexpr int kDisplacement = 1012;
+constexpr int kDirection = 1013;
+constexpr int kDistance = 1041;
+constexpr int kScaleFactor = 1042;
 
 bool isNameOf(const ResbufItem& item, std::wstring_view application) {
   const auto* name = std::get_if<std::wstring>(&item.value);
@@ -99,6 +108,30 @@ void ObjectAccess::setExtendedData(AcDbObject& object, ResbufItems items) {
   if (object.extendedData_ == nullptr)
     object.extendedData_ = std::make_unique<AcDbObject::ExtendedData>();
   object.extendedData_->items = std::move(items);
+}
+
+void transformExtendedData(AcDbObject& object, const AcGeMatrix3d& transform) {
+  const ResbufItems& before = ObjectAccess::extendedData(object);
+  if (before.empty()) return;
+  constexpr double kSame = 1e-12;
+  double scale = transform.scale();
+  if (std::abs(scale - 1) < kSame) scale = 1;
+  ResbufItems items = before;
+  for (ResbufItem& item : items) {
+    auto* point = std::get_if<ResbufItem::Point>(&item.value);
+    auto* real = std::get_if<double>(&item.value);
+    if (point != nullptr && item.code == kWorldPosition) {
+      const AcGePoint3d moved = transform * AcGePoint3d((*point)[0], (*point)[1], (*point)[2]);
+      *point = {moved.x, moved.y, moved.z};
+    } else if (point != nullptr && (item.code == kDisplacement || item.code == kDirection)) {
+      const double by = item.code == kDirection && scale > 0 ? 1 / scale : 1;
+      const AcGeVector3d turned = transform * AcGeVector3d((*point)[0], (*point)[1], (*point)[2]);
+      *point = {turned.x * by, turned.y * by, turned.z * by};
+    } else if (real != nullptr && (item.code == kDistance || item.code == kScaleFactor)) {
+      *real *= scale;
+    }
+  }
+  ObjectAccess::setExtendedData(object, std::move(items));
 }
 
 bool registerApplication(AcDbDatabase& database, const ACHAR* application) {

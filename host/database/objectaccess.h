@@ -11,6 +11,7 @@
 #include "dbid.h"
 #include "dbmain.h"
 #include "gepnt3d.h"
+#include "host/database/headervariables.h"
 
 class AcDbBlockTableRecord;
 class AcDbDictionary;
@@ -49,14 +50,7 @@ struct DatabaseState {
   AcDbObjectId viewportTable;
   AcDbObjectId namedObjects;
   AcDbObjectId layerZero;
-  AcDbObjectId currentLayer;
-  double linetypeScale = 1;
-  bool showsLineWeights = false;
-  // Frames of images and wipeouts: 0 none, 1 seen, 2 seen but not plotted.
-  Adesk::Int16 imageFrame = 1;
-  Adesk::Int16 wipeoutFrame = 1;
-  Adesk::Int16 pointMode = 0;
-  double pointSize = 0;
+  HeaderVariables header;
   std::wstring filename;
   DatabaseObserver* observer = nullptr;
   /// What objects that are open for write and changed were like before.

@@ -17,8 +17,10 @@ class DatabaseObserver {
   virtual void objectAppended(AcDbObject& object) = 0;
   /// Opened for write and not changed yet: the moment to take a snapshot.
   virtual void objectOpenedForWrite(AcDbObject&) {}
-  /// The current layer is about to be another one.
+  /// A variable of the drawing is about to be another one.
   virtual void headerWillChange() {}
+  /// Undo or redo has brought back what variables were; `looks` when entities look by them.
+  virtual void headerRestored(bool /*looks*/) {}
   /// A change was made and the object was closed.
   virtual void objectModified(AcDbObject& object) = 0;
   /// The erase mark was set or taken off and the object was closed.

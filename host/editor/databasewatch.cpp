@@ -5,6 +5,7 @@
 #include "dbsymtb.h"
 #include "host/database/observer.h"
 #include "host/editor/documents.h"
+#include "host/editor/frontend.h"
 #include "host/editor/hostapp.h"
 #include "host/editor/regenerator.h"
 #include "sorttab.h"
@@ -31,6 +32,12 @@ class PictureWatch : public DatabaseWatch, public DatabaseObserver {
   void headerWillChange() override {
     document_.setModified();
     document_.undo().headerWillChange();
+  }
+  void headerRestored(bool looks) override {
+    document_.setModified();
+    if (!looks) return;
+    app_.regenerator().regenerate(document_);
+    app_.frontEnd().displayChanged();
   }
   void objectModified(AcDbObject& object) override {
     document_.setModified();

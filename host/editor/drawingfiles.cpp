@@ -62,8 +62,6 @@ LayoutEntry frontSheet(const HostDocument& document) {
 /// Shows a drawing that has been read as it was saved; false when it names no view.
 bool takeState(HostDocument& document) {
   const OpeningState stored = document.drawing().state();
-  document.space().setModelLimits(
-      {stored.lowerLimit.x, stored.lowerLimit.y, stored.upperLimit.x, stored.upperLimit.y});
   if (stored.view) {
     ViewState& view = document.view();
     view.centerX = stored.view->centerX;
@@ -109,12 +107,8 @@ Status writeWithProgress(HostApp& app, HostDocument& document, const std::string
 
 OpeningState stateToSave(const HostDocument& document) {
   const Space& space = document.space();
-  const GroundBox limits = space.modelLimits();
   const ViewState view = space.modelView();
-  return {DrawingView{view.centerX, view.centerY, view.height, view.twist},
-          space.isTiled(),
-          {limits.minX, limits.minY},
-          {limits.maxX, limits.maxY},
+  return {DrawingView{view.centerX, view.centerY, view.height, view.twist}, space.isTiled(),
           space.isTiled() ? AcDbObjectId() : space.sheet().block};
 }
 

@@ -63,7 +63,8 @@ void newLayout() {
 void removeLayout(const std::string& shown) {
   const auto name = askText("Layout to delete", shown);
   if (!name) return;
-  const bool isShown = equalsIgnoreCase(std::string_view(*name), shown);
+  const bool isShown =
+      !document().space().isTiled() && equalsIgnoreCase(std::string_view(*name), shown);
   const Status status = deleteLayout(*document().database(), *name);
   if (!status) return failCommand(app(), status.message());
   if (isShown) reportFailure(app().showTab(document().space().sheet().name));

@@ -133,9 +133,12 @@ bool Space::enterModel() {
 }
 
 GroundBox Space::limits() const {
-  if (currentPort() != kPaperViewport) return modelLimits_;
+  const AcGePoint2d lower = database_->limmin();
+  const AcGePoint2d upper = database_->limmax();
+  const GroundBox ofModel{lower.x, lower.y, upper.x, upper.y};
+  if (currentPort() != kPaperViewport) return ofModel;
   const AcDbObjectPointer<AcDbLayout> layout(sheet().id, AcDb::kForRead);
-  if (layout.openStatus() != Acad::eOk) return modelLimits_;
+  if (layout.openStatus() != Acad::eOk) return ofModel;
   return printableBoxOf(LayoutAccess::data(*layout.object()));
 }
 

@@ -62,8 +62,6 @@ class ACADHOST_EXPORT Space {
 
   /// What the LIMITS of the current space are: the printable part of a sheet.
   GroundBox limits() const;
-  const GroundBox& modelLimits() const { return modelLimits_; }
-  void setModelLimits(const GroundBox& limits) { modelLimits_ = limits; }
 
   /// The view of the model's tab, also while a sheet is shown.
   const ViewState& modelView() const { return modelView_; }
@@ -100,7 +98,6 @@ class ACADHOST_EXPORT Space {
   AcDbObjectId last_;  ///< the viewport that was current last
   std::optional<Drawn> drawn_;
   ViewState modelView_;
-  GroundBox modelLimits_{0, 0, 420, 297};
   std::map<AcDbObjectId, ViewState> sheetViews_;
 };
 

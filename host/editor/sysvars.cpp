@@ -67,14 +67,12 @@ VariableValue readLimits(HostApp& app) {
 
 template <bool kUpper>
 bool writeLimits(HostApp& app, const VariableValue& value) {
-  Space& space = document(app).space();
-  if (space.currentPort() == kPaperViewport) return false;
-  GroundBox box = space.limits();
+  HostDocument& drawing = document(app);
+  if (drawing.space().currentPort() == kPaperViewport) return false;
   const Point3& point = std::get<Point3>(value);
-  (kUpper ? box.maxX : box.minX) = point.x;
-  (kUpper ? box.maxY : box.minY) = point.y;
-  space.setModelLimits(box);
-  return true;
+  AcDbDatabase& database = *drawing.database();
+  return (kUpper ? database.setLimmax({point.x, point.y})
+                 : database.setLimmin({point.x, point.y})) == Acad::eOk;
 }
 
 bool writeLayer(HostApp& app, const VariableValue& value) {
@@ -152,6 +150,8 @@ const std::vector<Rule>& rules() {
       {"LOCALE", T::kString, false,
        [](HostApp& a) -> VariableValue { return a.profile().locale(); }, std::string(),
        writeLocale},
+      {"LTSCALE", T::kReal, false, &readLook<double, &AcDbDatabase::ltscale>, 1.0,
+       &writeLook<double, &AcDbDatabase::setLtscale>},
       {"LWDISPLAY", T::kShort, false,
        [](HostApp& a) -> VariableValue {
          return static_cast<short>(document(a).database()->lineWeightDisplay() ? 1 : 0);

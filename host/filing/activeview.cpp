@@ -1,4 +1,4 @@
-// What a drawing is opened with: its tab, its limits, the view of its active viewport.
+// What a drawing is opened with: its tab, the view of its active viewport.
 #include <cmath>
 
 #include "base/text.h"
@@ -54,21 +54,6 @@ std::optional<DrawingView> activeView(const DrawingBinding& binding) {
 
 constexpr const char* kTileMode = "$TILEMODE";
 
-struct Limit {
-  const char* name;
-  AcGePoint2d OpeningState::*value;
-};
-constexpr Limit kLimits[] = {{"$LIMMIN", &OpeningState::lowerLimit},
-                             {"$LIMMAX", &OpeningState::upperLimit}};
-
-/// The variable's x and y; false when it has none.
-bool readPoint(const TagDocument& document, TagRange range, AcGePoint2d& point) {
-  if (range.end - range.begin < 2) return false;
-  return parseDouble(document.word(document.tag(range.begin)), point.x) &&
-         parseDouble(document.word(document.tag(range.begin + 1)), point.y) &&
-         std::isfinite(point.x + point.y);
-}
-
 bool isTiled(const TagDocument& document) {
   const TagRange range = document.headerVariable(kTileMode);
   return range.begin >= range.end || document.word(document.tag(range.begin)) != "0";
@@ -81,26 +66,14 @@ OpeningState drawingState(const DrawingBinding& binding) {
   OpeningState state;
   state.view = activeView(binding);
   state.isTiled = isTiled(document);
-  for (const Limit& limit : kLimits) {
-    AcGePoint2d point;
-    if (readPoint(document, document.headerVariable(limit.name), point)) state.*limit.value = point;
-  }
   return state;
 }
 
 void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header) {
-  const std::uint32_t begin = document.tagsOf(document.section("HEADER")->firstObject).begin;
-  for (const Limit& limit : kLimits) {
-    const TagRange range = document.headerVariable(limit.name);
-    const AcGePoint2d& now = state.*limit.value;
-    AcGePoint2d before;
-    if (!readPoint(document, range, before)) continue;
-    if (before.x != now.x) header.replaceAt(range.begin - begin, formatReal(now.x));
-    if (before.y != now.y) header.replaceAt(range.begin + 1 - begin, formatReal(now.y));
-  }
   if (isTiled(document) == state.isTiled) return;
   const TagRange range = document.headerVariable(kTileMode);
   if (range.begin < range.end) {
+    const std::uint32_t begin = document.tagsOf(document.section("HEADER")->firstObject).begin;
     header.replaceAt(range.begin - begin, state.isTiled ? "1" : "0");
   } else {
     header.toEnd();

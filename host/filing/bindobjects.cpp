@@ -68,8 +68,8 @@ AcDbLayout* readLayout(const DrawingBinding& binding, const TagView& tags) {
 /// Whether frames of images and wipeouts are seen.
 void readFrameMode(const TagView& tags, DatabaseState& state) {
   const auto mode = static_cast<Adesk::Int16>(tags.integer(70, 1));
-  if (tags.type() == "RASTERVARIABLES") state.imageFrame = mode;
-  if (tags.type() == "WIPEOUTVARIABLES") state.wipeoutFrame = mode;
+  if (tags.type() == "RASTERVARIABLES") state.header.imageFrame = mode;
+  if (tags.type() == "WIPEOUTVARIABLES") state.header.wipeoutFrame = mode;
 }
 
 void linkDictionary(DrawingBinding& binding, const BoundObject& bound) {

@@ -250,17 +250,12 @@ void bindTables(DrawingBinding& binding) {
   readDefinitions(binding);
   DatabaseState& state = ObjectAccess::state(*binding.database);
   state.layerZero = binding.layerOf("0");
-  state.currentLayer = state.layerZero;
   bindLayers(binding);
-  const TagRange scale = document.headerVariable("$LTSCALE");
-  double value = 1;
-  if (scale.begin < scale.end && parseDouble(document.word(document.tag(scale.begin)), value)) {
-    binding.database->setLtscale(value);
-  }
-  readDisplayVariables(document, *binding.database);
+  state.header = headerVariablesOf(document);
+  state.header.currentLayer = state.layerZero;
   const TagRange current = document.headerVariable("$CLAYER");
   if (current.begin < current.end) {
-    state.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));
+    state.header.currentLayer = binding.layerOf(document.text(document.tag(current.begin)));
   }
 }
 

@@ -12,6 +12,8 @@ namespace tarn::host {
 namespace {
 
 constexpr int kClosed = 1;
+constexpr int kCurveFit = 2;
+constexpr int kSplineFit = 4;
 constexpr int kInSpace = 8;
 constexpr int kMesh = 16;
 constexpr int kFaces = 64;
@@ -119,6 +121,18 @@ TagEditor newPart(EntityOutput& output, const AcDbEntity& entity, const char* ty
   return part;
 }
 
+/// What a new polyline says of its vertices that were put in between by a curve through them.
+int curveFlags(const std::vector<AcDbPolylineVertex>& vertices) {
+  constexpr int kOfFit = 3;
+  constexpr int kOfSpline = 24;
+  int flags = 0;
+  for (const AcDbPolylineVertex& vertex : vertices) {
+    if ((vertex.flags & kOfFit) != 0) flags |= kCurveFit;
+    if ((vertex.flags & kOfSpline) != 0) flags |= kSplineFit;
+  }
+  return flags;
+}
+
 void writeVertex(const AcDbPolyline& line, const AcDbPolylineVertex& vertex, TagEditor& part) {
   part.enter("AcDbVertex");
   part.enter(line.isInSpace() ? "AcDb3dPolylineVertex" : "AcDb2dVertex");
@@ -130,6 +144,7 @@ void writeVertex(const AcDbPolyline& line, const AcDbPolylineVertex& vertex, Tag
   part.setReal(40, vertex.startWidth, 0);
   part.setReal(41, vertex.endWidth, 0);
   part.setReal(42, vertex.bulge, 0);
+  part.setInteger(70, vertex.flags, 0);
 }
 
 void writeOldVertex(const AcDbPolyline& line, const AcDbPolylineVertex& vertex,
@@ -154,7 +169,8 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
   } else {
     head.setReal(30, line.elevation(), 0);
   }
-  head.setFlags(70, kClosed | kInSpace, flags, 0);
+  head.setFlags(70, kClosed | kInSpace, flags,
+                output.old == nullptr ? curveFlags(line.vertices()) : 0);
   head.setNormal(line.normal());
   size_t next = 0;
   const std::vector<AcDbPolylineVertex>& vertices = line.vertices();
@@ -186,15 +202,31 @@ void writeHeavy(const AcDbEntity& entity, EntityOutput& output) {
 
 constexpr int kHiddenAttribute = 1;
 
+/// Some programs put all of the text behind the attribute's own mark.
+bool isTextBehindOwnMark(const TagView& tags) {
+  const TagView own = tags.behind("AcDbAttribute");
+  const bool isMissing = own.range().begin == own.range().end;
+  return isMissing || own.has(7) || own.has(11) || own.has(40);
+}
+
+/// What an attribute says as a text: else 71 and 72 behind that mark say other things.
+TagView textPartOf(const TagView& tags) {
+  if (isTextBehindOwnMark(tags)) return tags.own("AcDbText");
+  const TagRange before{tags.range().begin, tags.behind("AcDbAttribute").range().begin};
+  return TagView(tags.document(), tags.encoding(), before).own("AcDbText");
+}
+
 AcDbAttributeLine readAttribute(DrawingBinding& binding, const TagView& tags) {
   AcDbAttributeLine line;
-  static_cast<AcDbTextLine&>(line) = readTextLine(binding, tags.own("AcDbText"));
+  static_cast<AcDbTextLine&>(line) = readTextLine(binding, textPartOf(tags));
+  line.vertical = static_cast<short>(tags.integer(verticalCodeOf(tags)));
   const Tag* layer = tags.find(8);
   line.layer = binding.layerOf(layer != nullptr ? tags.document().text(*layer) : "0");
   line.color = entityColor(tags.integer(62, AcDbAttributeLine().color));
   line.trueColor = tags.integer(420, -1);
   const int flags = tags.has(100) ? tags.behind("AcDbAttribute").integer(70) : tags.integer(70);
   line.hidden = (flags & kHiddenAttribute) != 0 || tags.integer(60) == 1;
+  line.tag = tags.text(2);
   return line;
 }
 
@@ -224,10 +256,27 @@ AcDbEntity* readInsert(const EntityTags& tags) {
   return insert;
 }
 
+std::string newAttribute(EntityOutput& output, const AcDbBlockReference& insert,
+                         const AcDbAttributeLine& line) {
+  TagEditor part = newPart(output, insert, "ATTRIB");
+  const std::wstring layer = recordName(line.layer);
+  part.setText(8, layer.empty() ? L"0" : layer);
+  part.setInteger(62, line.color, AcDbAttributeLine().color);
+  const bool hasTrueColors = output.binding.document.version() >= "AC1018";
+  if (line.trueColor >= 0 && hasTrueColors) part.setInteger(420, line.trueColor);
+  part.enter("AcDbText");
+  writeTextLine(line, part, "AcDbAttribute", 74);
+  part.setText(2, line.tag);
+  part.setInteger(70, line.hidden ? kHiddenAttribute : 0);
+  return part.bytes();
+}
+
 void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
   const auto& insert = static_cast<const AcDbBlockReference&>(entity);
   const AcDbBlockReference::Placement& placement = insert.placement();
   TagEditor& head = output.head;
+  const bool hasNewParts = output.old == nullptr && !insert.attributes().empty();
+  if (hasNewParts) head.setInteger(66, 1);
   // A block without a name, as old files have, has one in the database only.
   const bool isSame = output.old != nullptr &&
                       output.binding.blockOf(output.old->head.text(2)) == insert.blockTableRecord();
@@ -247,11 +296,17 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
     const TagView tags = output.old->part(i);
     TagEditor part = output.part(i, entity);
     if (tags.type() == "ATTRIB" && next < insert.attributes().size()) {
-      part.enterOwn("AcDbText");
+      if (isTextBehindOwnMark(tags)) part.enterOwn("AcDbText");
+      if (!isTextBehindOwnMark(tags)) part.enter("AcDbText");
       writeTextLine(insert.attributes()[next++], part, "AcDbAttribute", verticalCodeOf(tags));
     }
     output.parts += part.bytes();
   }
+  if (!hasNewParts) return;
+  for (const AcDbAttributeLine& line : insert.attributes()) {
+    output.parts += newAttribute(output, insert, line);
+  }
+  output.parts += newPart(output, insert, "SEQEND").bytes();
 }
 
 // ---- ACAD_TABLE -------------------------------------------------------------------------------

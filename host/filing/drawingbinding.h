@@ -13,6 +13,7 @@
 #include "dbmain.h"
 #include "dbproxy.h"
 #include "dbsymtb.h"
+#include "host/database/headervariables.h"
 #include "host/filing/encoding.h"
 #include "host/filing/tagdocument.h"
 #include "host/filing/tagview.h"
@@ -27,8 +28,9 @@ struct BoundObject {
   std::uint32_t count = 1;
 };
 
-/// Line weights on the screen and how points look, as the header says.
-void readDisplayVariables(const TagDocument& document, AcDbDatabase& database);
+/// What the header says of the whole drawing, but for the current layer and what stands in objects;
+/// a value that cannot be is the usual one.
+HeaderVariables headerVariablesOf(const TagDocument& document);
 
 class RenamedRecords;
 

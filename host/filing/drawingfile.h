@@ -12,7 +12,6 @@
 #include "adesk.h"
 #include "base/result.h"
 #include "dbid.h"
-#include "gepnt2d.h"
 #include "host/filing/drawingpieces.h"
 #include "host/filing/savedform.h"
 
@@ -34,8 +33,6 @@ struct DrawingView {
 struct OpeningState {
   std::optional<DrawingView> view;  ///< of the model; nothing when the file has no active viewport
   bool isTiled = true;              ///< the model's tab is shown, not a sheet
-  AcGePoint2d lowerLimit;           ///< of the model
-  AcGePoint2d upperLimit{420, 297};
   /// Block of the sheet that the file is to have in front; null for the one that it has there.
   AcDbObjectId frontSheet;
 };

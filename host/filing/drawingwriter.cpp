@@ -378,7 +378,7 @@ class DrawingWriter {
 
   void editHeader(const std::optional<OpeningState>& state) {
     const DrawingSection* header = document_.section("HEADER");
-    if (header == nullptr) return;
+    if (header == nullptr) return addHeader();
     TagEditor editor = editorOf(binding_, header->firstObject);
     const std::uint32_t begin = document_.tagsOf(header->firstObject).begin;
     const TagRange seed = document_.headerVariable("$HANDSEED");
@@ -401,9 +401,19 @@ class DrawingWriter {
         editor.replaceAt(layer.begin - begin, binding_.encoding.encode(now));
       }
     }
-    writeDisplayVariables(*binding_.database, document_, editor);
+    writeHeaderVariables(*binding_.database, document_, editor);
     if (state) writeHeaderState(document_, *state, editor);
     if (editor.isChanged()) edits_.replace(header->firstObject, 1, editor.bytes());
+  }
+
+  /// A file of entities alone gets a header when there is something to say in it.
+  void addHeader() {
+    TagEditor editor(document_, binding_.encoding, "SECTION");
+    editor.addWord(2, "HEADER");
+    const size_t beginning = editor.bytes().size();
+    writeHeaderVariables(*binding_.database, document_, editor);
+    const std::string variables = editor.bytes().substr(beginning);
+    if (!variables.empty()) additions_.insertSection("HEADER", variables);
   }
 
   DrawingBinding& binding_;

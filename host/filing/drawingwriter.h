@@ -33,8 +33,8 @@ DrawingPieces writeDrawing(DrawingBinding& binding, const std::optional<OpeningS
 DrawingPieces withFrontSheet(DrawingPieces pieces, const Ground& ground, std::uint64_t block);
 
 // `header` is the editor of the header section.
-void writeDisplayVariables(const AcDbDatabase& database, const TagDocument& document,
-                           TagEditor& header);
+void writeHeaderVariables(const AcDbDatabase& database, const TagDocument& document,
+                          TagEditor& header);
 /// What of them stands in an object of its own, of this kind.
 void writeFrameMode(const AcDbDatabase& database, std::string_view kind, TagEditor& object);
 void writeHeaderState(const TagDocument& document, const OpeningState& state, TagEditor& header);

@@ -1,5 +1,6 @@
 #include "host/filing/entitycodec.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "dbpl.h"
@@ -25,6 +26,17 @@ const std::vector<const EntityCodec*>& allCodecs() {
     return list;
   }();
   return all;
+}
+
+/// Marks of a vertex that a curve has made.
+constexpr int kOfCurves = 1 | 2 | 8 | 16;
+
+/// Points in space, and those of a curve and its frame, are objects of their own.
+bool needsVertices(const AcDbPolyline& line) {
+  const auto& vertices = line.vertices();
+  return line.isInSpace() || std::any_of(vertices.begin(), vertices.end(), [](const auto& vertex) {
+           return (vertex.flags & kOfCurves) != 0;
+         });
 }
 
 }  // namespace
@@ -58,7 +70,7 @@ bool isBoundToDrawing(const AcRxClass& description) {
 
 const EntityCodec* codecFor(const AcDbEntity& entity, bool old) {
   const AcDbPolyline* line = AcDbPolyline::cast(&entity);
-  if (line != nullptr && line->isInSpace()) return codecOf("POLYLINE");
+  if (line != nullptr && needsVertices(*line)) return codecOf("POLYLINE");
   for (const EntityCodec* codec : allCodecs()) {
     if (codec->description() == entity.isA() && (old ? codec->inOld : codec->inNew)) return codec;
   }

@@ -24,8 +24,8 @@ void UndoLog::objectWillChange(AcDbObject& object) {
 }
 
 void UndoLog::headerWillChange() {
-  if (!recording_ || applying_ || layerBefore_) return;
-  layerBefore_ = database_.clayer();
+  if (!recording_ || applying_ || headerBefore_) return;
+  headerBefore_ = ObjectAccess::state(database_).header;
 }
 
 void UndoLog::endStep(const std::string& name) {
@@ -52,10 +52,11 @@ void UndoLog::endStep(const std::string& name) {
     touchedAt_.emplace(open.id, touched_.size());
     touched_.push_back(std::move(open));
   }
-  if (const auto before = std::exchange(layerBefore_, std::nullopt)) {
-    if (*before != database_.clayer()) entry.layer = LayerChange{*before, database_.clayer()};
+  if (const auto before = std::exchange(headerBefore_, std::nullopt)) {
+    const HeaderVariables& now = ObjectAccess::state(database_).header;
+    if (!(*before == now)) entry.header = HeaderChange{*before, now};
   }
-  if (entry.changes.empty() && !entry.layer) return;
+  if (entry.changes.empty() && !entry.header) return;
   undone_.clear();
   done_.push_back(std::move(entry));
   dropOldest();
@@ -86,12 +87,12 @@ bool UndoLog::endGroup() {
   group.name = "GROUP";
   for (auto entry = first; entry != done_.end(); ++entry) {
     std::move(entry->changes.begin(), entry->changes.end(), std::back_inserter(group.changes));
-    if (!entry->layer) continue;
-    if (!group.layer) group.layer = entry->layer;
-    group.layer->after = entry->layer->after;
+    if (!entry->header) continue;
+    if (!group.header) group.header = entry->header;
+    group.header->after = entry->header->after;
   }
   done_.erase(first, done_.end());
-  if (!group.changes.empty() || group.layer) done_.push_back(std::move(group));
+  if (!group.changes.empty() || group.header) done_.push_back(std::move(group));
   return true;
 }
 
@@ -169,21 +170,21 @@ void UndoLog::apply(const Entry& entry, bool forward) {
       restore(*change);
     }
   }
-  if (entry.layer) {
-    ObjectAccess::state(database_).currentLayer =
-        forward ? entry.layer->after : entry.layer->before;
-  }
+  HeaderVariables& header = ObjectAccess::state(database_).header;
+  const HeaderVariables headerBefore = header;
+  if (entry.header) header = forward ? entry.header->after : entry.header->before;
   for (const Restored& state : restored) {
     if (state.changed) readObjectBytes(*state.object, state.bytes);
   }
   for (const Restored& state : restored) state.object->close();
   applying_ = false;
+  if (entry.header) tellRestored(database_, headerBefore);
 }
 
 void UndoLog::clear() {
   touched_.clear();
   touchedAt_.clear();
-  layerBefore_.reset();
+  headerBefore_.reset();
   done_.clear();
   undone_.clear();
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dbid.h"
+#include "host/database/headervariables.h"
 #include "host/filing/bytedelta.h"
 
 class AcDbDatabase;
@@ -14,10 +15,10 @@ class AcDbObject;
 
 namespace tarn::host {
 
-/// Keeps what each step changed: the bytes that differ in each object, the erase mark, the current
-/// layer. Objects that a step has made are marked as erased when it is undone and are the same
-/// objects again when it is redone. Whoever watches the database hands every beginning of a change
-/// to the three functions at the top.
+/// Keeps what each step changed: the bytes that differ in each object, the erase mark, the
+/// variables of the drawing. Objects that a step has made are marked as erased when it is undone
+/// and are the same objects again when it is redone. Whoever watches the database hands every
+/// beginning of a change to the three functions at the top.
 class ACADHOST_EXPORT UndoLog {
  public:
   explicit UndoLog(AcDbDatabase& database) : database_(database) {}
@@ -70,15 +71,15 @@ class ACADHOST_EXPORT UndoLog {
     bool appended = false;
     ByteDelta delta;
   };
-  struct LayerChange {
-    AcDbObjectId before, after;
+  struct HeaderChange {
+    HeaderVariables before, after;
   };
   enum class Kind { kStep, kMark, kGroupBegin };
   struct Entry {
     Kind kind = Kind::kStep;
     std::string name;
     std::vector<Change> changes;
-    std::optional<LayerChange> layer;
+    std::optional<HeaderChange> header;
   };
 
   bool isBusy(const Entry& entry) const;
@@ -88,7 +89,7 @@ class ACADHOST_EXPORT UndoLog {
   AcDbDatabase& database_;
   std::vector<Touched> touched_;  ///< of the open step, in the order of the first change
   std::unordered_map<AcDbStub*, size_t> touchedAt_;
-  std::optional<AcDbObjectId> layerBefore_;
+  std::optional<HeaderVariables> headerBefore_;
   std::vector<Entry> done_;
   std::vector<Entry> undone_;
   size_t limit_ = 0;

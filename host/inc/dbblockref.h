@@ -1,6 +1,7 @@
 // Inserted blocks.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "dbents.h"
@@ -12,6 +13,7 @@ struct AcDbAttributeLine : AcDbTextLine {
   Adesk::UInt16 color = 256;    ///< as AcDbEntity::colorIndex()
   Adesk::Int32 trueColor = -1;  ///< 0xRRGGBB; negative for the index
   bool hidden = false;          ///< kept, but not seen
+  std::wstring tag;             ///< its name
 };
 
 /// A block drawn at a place, once or in rows and columns. Position and angles stand in the own

@@ -8,6 +8,7 @@
 #include "dbapserv.h"
 #include "dbextents.h"
 #include "dbid.h"
+#include "gepnt2d.h"
 #include "rxclass.h"
 #include "rxobject.h"
 
@@ -71,7 +72,7 @@ class ACADHOST_EXPORT AcDbDatabaseReactor {
   virtual void objectOpenedForModify(const AcDbDatabase*, const AcDbObject*) {}
   virtual void objectModified(const AcDbDatabase*, const AcDbObject*) {}
   virtual void objectErased(const AcDbDatabase*, const AcDbObject*, Adesk::Boolean /*erased*/) {}
-  /// A variable of the drawing ("CLAYER", "LTSCALE").
+  /// A variable of the drawing ("CLAYER", "LTSCALE"), also when undo brings it back.
   virtual void headerSysVarWillChange(const AcDbDatabase*, const ACHAR*) {}
   virtual void headerSysVarChanged(const AcDbDatabase*, const ACHAR*, Adesk::Boolean /*success*/) {}
   /// Stand-ins have become objects of a class that is there now.
@@ -249,6 +250,11 @@ class ACADHOST_EXPORT AcDbDatabase : public AcRxObject {
   /// them.
   double pdsize() const;
   Acad::ErrorStatus setPdsize(double size);
+  /// The limits of the model, a frame that only plots and grids know.
+  AcGePoint2d limmin() const;
+  Acad::ErrorStatus setLimmin(const AcGePoint2d& corner);
+  AcGePoint2d limmax() const;
+  Acad::ErrorStatus setLimmax(const AcGePoint2d& corner);
   AcDbObjectId clayer() const;
   Acad::ErrorStatus setClayer(AcDbObjectId layer);
 

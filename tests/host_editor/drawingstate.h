@@ -14,15 +14,15 @@ namespace tarn::host {
 
 struct DrawingState {
   std::map<Adesk::UInt64, Bytes> objects;
-  Adesk::UInt64 layer = 0;
+  HeaderVariables header;
   bool operator==(const DrawingState& other) const {
-    return layer == other.layer && objects == other.objects;
+    return header == other.header && objects == other.objects;
   }
 };
 
 inline DrawingState stateOf(AcDbDatabase& database) {
   DrawingState state;
-  state.layer = database.clayer().handle().value();
+  state.header = ObjectAccess::state(database).header;
   for (Adesk::UInt64 handle = 1; handle < database.handseed().value(); ++handle) {
     AcDbObjectId id;
     if (database.getAcDbObjectId(id, false, AcDbHandle(handle)) != Acad::eOk) continue;

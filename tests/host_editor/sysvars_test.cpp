@@ -5,6 +5,7 @@
 #include "acedads.h"
 #include "acutmem.h"
 #include "base/text.h"
+#include "host/editor/documents.h"
 #include "tests/host_editor/scriptedhost.h"
 
 namespace tarn::host {
@@ -74,6 +75,34 @@ TEST(SystemVariables, followTheViewAndTheDrawing) {
   acedGetVar(ACRX_T("EXTMAX"), &value);
   EXPECT_EQ(value.resval.rpoint[0], 40500030);
   EXPECT_EQ(value.resval.rpoint[1], 3500070);
+}
+
+TEST(SystemVariables, ofTheDrawingAreChangesThatUndoTakesBack) {
+  const std::pair<const char*, const char*> kCases[] = {
+      {"PDMODE", "34"},    {"PDSIZE", "2.5"},     {"LTSCALE", "3"},    {"LWDISPLAY", "1"},
+      {"IMAGEFRAME", "0"}, {"WIPEOUTFRAME", "2"}, {"LIMMIN", "-1,-2"}, {"LIMMAX", "50,60"}};
+  for (const auto& [name, value] : kCases) {
+    SCOPED_TRACE(name);
+    ScriptedHost host;
+    HostDocument& drawing = host.app().documents().current();
+    SystemVariables& variables = host.app().variables();
+    host.run({"LINE 0,0 1,1", ""});
+    const VariableValue before = *variables.get(name);
+    host.run({(name + (" " + formatValue(before))).c_str()});
+    EXPECT_NE(host.run({"U"}).find("LINE"), std::string::npos) << "the same again is no change";
+    drawing.becameFile("");
+    host.run({(std::string(name) + " " + value).c_str()});
+    EXPECT_TRUE(host.good());
+    EXPECT_TRUE(drawing.isModified());
+    const VariableValue after = *variables.get(name);
+    EXPECT_NE(formatValue(after), formatValue(before));
+    drawing.becameFile("");
+    host.run({"U"});
+    EXPECT_EQ(formatValue(*variables.get(name)), formatValue(before));
+    EXPECT_TRUE(drawing.isModified());
+    host.run({"REDO"});
+    EXPECT_EQ(formatValue(*variables.get(name)), formatValue(after));
+  }
 }
 
 TEST(SystemVariables, setvarShowsAndChanges) {

@@ -28,8 +28,8 @@ class RandomChanges {
           &RandomChanges::appendLine,   &RandomChanges::appendLine, &RandomChanges::moveLine,
           &RandomChanges::eraseLine,    &RandomChanges::addLayer,   &RandomChanges::changeLayer,
           &RandomChanges::changeClayer, &RandomChanges::storeText,  &RandomChanges::removeText,
-          &RandomChanges::nothing};
-      (this->*kKinds[pick(9)])();
+          &RandomChanges::changeHeader, &RandomChanges::nothing};
+      (this->*kKinds[pick(10)])();
     }
   }
 
@@ -85,6 +85,12 @@ class RandomChanges {
     layer->setColorIndex(static_cast<Adesk::UInt16>(1 + pick(200)));
   }
   void changeClayer() { database_->setClayer(anyOf(layers_)); }
+  void changeHeader() {
+    database_->setLtscale(1 + pick(3));
+    database_->setPdsize(pick(3));
+    if (pick(3) == 0) database_->setImageFrame(static_cast<Adesk::Int16>(pick(2)));
+    if (pick(3) == 0) database_->setLimmax({10.0 + pick(1), 20});
+  }
   void storeText() {
     AcDbDictionary* root = nullptr;
     ASSERT_EQ(database_->getNamedObjectsDictionary(root, AcDb::kForWrite), Acad::eOk);

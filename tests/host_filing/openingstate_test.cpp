@@ -19,7 +19,7 @@ std::unique_ptr<DrawingFile> opened(const std::string& bytes) {
   return file.take();
 }
 
-TEST(OpeningState, tabAndLimitsAreWrittenWhereTheyDiffer) {
+TEST(OpeningState, tabAndVariablesAreWrittenWhereTheyDiffer) {
   const std::string fresh = newDrawingBytes("AC1015");
   // Some programs leave it out.
   const std::string bare = replaceAll(fresh, "  9\n$TILEMODE\n 70\n1\n", "");
@@ -28,18 +28,48 @@ TEST(OpeningState, tabAndLimitsAreWrittenWhereTheyDiffer) {
     const auto file = opened(bytes);
     OpeningState state = file->state();
     EXPECT_TRUE(state.isTiled);
-    EXPECT_EQ(state.upperLimit.x, 420);
+    AcDbDatabase& database = file->database();
+    EXPECT_EQ(database.limmax().x, 420);
     EXPECT_EQ(file->bytes(state).take(), bytes) << "equal values keep their text";
     state.isTiled = false;
-    state.lowerLimit = {40500000.125, 3512000};
-    state.upperLimit = {40501000, 3513000.5};
+    EXPECT_EQ(database.setLimmin({40500000.125, 3512000}), Acad::eOk);
+    EXPECT_EQ(database.setLimmax({40501000, 3513000.5}), Acad::eOk);
+    EXPECT_EQ(database.setLtscale(2.5), Acad::eOk);
+    EXPECT_EQ(database.setPdmode(34), Acad::eOk);
     const std::string changed = file->bytes(state).take();
-    const OpeningState again = opened(changed)->state();
-    EXPECT_FALSE(again.isTiled);
-    EXPECT_EQ(again.lowerLimit.x, 40500000.125);
-    EXPECT_EQ(again.upperLimit.y, 3513000.5);
+    const auto again = opened(changed);
+    EXPECT_FALSE(again->state().isTiled);
+    EXPECT_EQ(again->database().limmin().x, 40500000.125);
+    EXPECT_EQ(again->database().limmax().y, 3513000.5);
+    EXPECT_EQ(again->database().ltscale(), 2.5);
+    EXPECT_EQ(again->database().pdmode(), 34);
+    database.setLimmin({0, 0});
+    database.setLimmax({420, 297});
+    database.setLtscale(1);
+    database.setPdmode(0);
     EXPECT_EQ(file->bytes(file->state()).take(), bytes) << "and back";
   }
+}
+
+TEST(OpeningState, variablesThatCannotBeStayInTheFileAndAMissingHeaderIsMade) {
+  const std::string odd =
+      "  0\nSECTION\n  2\nHEADER\n  9\n$LTSCALE\n 40\n0.0\n  9\n$PDMODE\n 70\n     7\n"
+      "  9\n$PDSIZE\n 40\nnan\n  9\n$LIMMAX\n 10\n1.0\n  0\nENDSEC\n";
+  const std::string entities =
+      "  0\nSECTION\n  2\nENTITIES\n  0\nPOINT\n  8\n0\n 10\n1.0\n 20\n2.0\n  0\nENDSEC\n  "
+      "0\nEOF\n";
+  const auto file = opened(odd + entities);
+  EXPECT_EQ(file->database().ltscale(), 1);
+  EXPECT_EQ(file->database().pdmode(), 0);
+  EXPECT_EQ(file->bytes(file->state()).take(), odd + entities);
+  EXPECT_EQ(file->database().setLtscale(7), Acad::eOk);
+  EXPECT_EQ(file->bytes().take(), replaceAll(odd, "0.0", "7.0") + entities);
+  const auto bare = opened(entities);
+  EXPECT_EQ(bare->bytes(bare->state()).take(), entities);
+  EXPECT_EQ(bare->database().setPdmode(3), Acad::eOk);
+  const auto again = opened(bare->bytes(bare->state()).take());
+  EXPECT_EQ(again->database().pdmode(), 3);
+  EXPECT_TRUE(again->isOld());
 }
 
 TEST(OpeningState, layoutsAreRenamedAndAddedInTheFile) {

@@ -185,6 +185,41 @@ TEST(Properties, ExtendedDataIsReplacedByApplication) {
   EXPECT_THAT(bytes, HasSubstr("AcDbRegAppTableRecord\n2\nACAD\n"));
 }
 
+TEST(Properties, PlacesAndLengthsInExtendedDataGoWithTheirEntity) {
+  const std::string values =
+      "1001\nPARCELS\n1010\n1.0\n1020\n2.0\n1030\n3.0\n1011\n1.0\n1021\n2.0\n1031\n3.0\n"
+      "1012\n1.0\n1022\n0.0\n1032\n0.0\n1013\n0.0\n1023\n1.0\n1033\n0.0\n"
+      "1040\n5.0\n1041\n6.0\n1042\n7.0\n";
+  const auto changed = [&](const AcGeMatrix3d& transform) {
+    std::string bytes = newDrawingBytes("AC1015");
+    const std::string line =
+        "  0\nLINE\n  5\nFF\n330\n18\n100\nAcDbEntity\n  8\n0\n100\nAcDbLine\n"
+        " 10\n0.0\n 20\n0.0\n 30\n0.0\n 11\n1.0\n 21\n1.0\n 31\n0.0\n";
+    bytes.insert(bytes.find("ENTITIES\n") + 9, line + values);
+    const auto file = opened(bytes);
+    {
+      const AcDbObjectPointer<AcDbLine> drawn(modelEntities(file->database())[0], AcDb::kForWrite);
+      EXPECT_EQ(drawn->transformBy(transform), Acad::eOk);
+    }
+    const std::string after = file->bytes().take();
+    const size_t begin = after.find("1001\nPARCELS");
+    return after.substr(begin, after.find("  0\n", begin) - begin);
+  };
+  EXPECT_EQ(changed(AcGeMatrix3d()), values);
+  EXPECT_EQ(changed(AcGeMatrix3d::translation({10, 20, 0})),
+            replaceAll(values, "1011\n1.0\n1021\n2.0", "1011\n11.0\n1021\n22.0"));
+  AcGeMatrix3d twice;
+  twice.setToScaling(2);
+  std::string scaled =
+      replaceAll(values, "1011\n1.0\n1021\n2.0\n1031\n3.0", "1011\n2.0\n1021\n4.0\n1031\n6.0");
+  scaled = replaceAll(scaled, "1012\n1.0", "1012\n2.0");
+  EXPECT_EQ(changed(twice), replaceAll(scaled, "1041\n6.0\n1042\n7.0", "1041\n12.0\n1042\n14.0"));
+  AcGeMatrix3d mirror;
+  mirror(1, 1) = -1;
+  EXPECT_EQ(changed(mirror),
+            replaceAll(replaceAll(values, "1021\n2.0", "1021\n-2.0"), "1023\n1.0", "1023\n-1.0"));
+}
+
 TEST(Properties, ExtendedDataOfWhatIsNoEntityIsKept) {
   auto file = DrawingFile::createNew();
   const auto objects = [&] {
