@@ -204,7 +204,7 @@ TEST_F(Panel, MenusOfRootImageAndEmptySpace) {
   // The bar's menu goes without two of its items.
   const std::string bar = click("BAr", {""});
   EXPECT_THAT(bar, HasSubstr("4096"));
-  EXPECT_THAT(bar, Not(::testing::ContainsRegex("409[78]")));
+  for (const char* item : {"4097", "4098"}) EXPECT_THAT(bar, Not(HasSubstr(item)));
 }
 
 TEST_F(Panel, AntiAliasesAllAndStretchesOne) {

@@ -11,7 +11,6 @@
 
 namespace {
 
-using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 

@@ -195,7 +195,9 @@ def working_day(side):
              "OPEN", side.name("日.dxf"), "UICLICK 1131 List 119", "ZOOM E", "SetImageClarityRatio", "",
              *plot(side, "PNG", "日.png"), *plot(side, "PDF", "日.pdf"),
              "ImageConversion", side.name("资料"), "", *[""] * 8, side.name("成果")]
-    return [side.cadhost(view(70, -50, 110) + script(side, lines) + ["--picture", side.name("day.png")])]
+    text = side.cadhost(view(70, -50, 110) + script(side, lines) + ["--picture", side.name("day.png")])
+    # Until it is chosen it is the system's.
+    return [text.replace('LOCALE <"CHS">', 'LOCALE <"ENU">')]
 
 
 def rectification(side):
@@ -264,7 +266,7 @@ def bad_input(side):
 
 
 STORIES = [view_to_pixels, drawing_by_script, drive_and_separators, conversion, control_points, point_cloud, modules,
-           bad_input, killed]
+           working_day, bad_input, killed]
 
 
 def frames(path):
