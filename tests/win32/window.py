@@ -6,6 +6,7 @@ changes that are not saved.
 usage: window.py BIN EMULATOR DRIVE_D KEEP     (inside tools/win32/session, whose screen it uses)
 """
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -42,6 +43,17 @@ class WindowsDesk(Desk):
         if path.startswith(self.drive):
             return "D:" + path[len(self.drive):].replace("/", "\\")
         return "Z:" + path
+
+    def start(self, *files):
+        """Wine's screen is small until its desktop stands: a window that was faster did not get its size."""
+        try:
+            super().start(*files)
+        except Failure as fault:
+            if "the canvas has" not in str(fault):
+                raise
+            self.program.kill()
+            self.program.wait()
+            super().start(*files)
 
     def picture(self):
         return Picture(self.run(["import", "-silent", "-window", "root", "-depth", "8", "ppm:-"], data=True))
@@ -88,13 +100,29 @@ def open_second(desk, second):
     desk.run(["xdotool", "windowactivate", "--sync", desk.window])
 
 
-def question(desk, before=()):
-    """The box that asks about a drawing; `before` are those that were answered."""
+def questions(desk):
+    return set(desk.run(["xdotool", "search", "--onlyvisible", "--name", "^Tarn Image$"]).split())
+
+
+def answer(desk, key, before=()):
+    """Clicks on the box that asks about a drawing, then presses a key; again when it went astray, for Wine does not always
+    hear of the focus that the window manager gives. `before` are boxes that may just be going."""
     desk.away = True
-    box = wait_until("question", lambda: set(desk.run(
-        ["xdotool", "search", "--onlyvisible", "--name", "^Tarn Image$"]).split()) - set(before)).pop()
-    desk.run(["xdotool", "windowactivate", "--sync", box])
-    return box
+    box = wait_until("question", lambda: questions(desk) - set(before)).pop()
+    desk.shot("question")
+    for _ in range(10):
+        found = desk.run(["xdotool", "getwindowgeometry", "--shell", box])
+        shape = {name: int(value) for name, value in re.findall(r"(\w+)=(\d+)", found)}
+        if not shape:
+            return box
+        desk.click_pixel((shape["X"] + 8, shape["Y"] + shape["HEIGHT"] - 8))
+        desk.key(key)
+        try:
+            wait_until("the box to go", lambda: box not in questions(desk), 5)
+            return box
+        except Failure:
+            continue
+    raise Failure(f"{key} does not answer the question")
 
 
 def close(desk):
@@ -104,18 +132,13 @@ def close(desk):
     wait_until("asterisk", lambda: desk.title().endswith(DRAWING + "*"))
     desk.skip()
     desk.key("alt+F4")
-    question(desk)
-    desk.shot("question")
-    desk.key("Escape")
-    wait_until("the answer", lambda: not desk.run(["xdotool", "search", "--onlyvisible", "--name", "^Tarn Image$"]).split())
+    answer(desk, "Escape")
     check(desk.title().endswith("*"), desk.title())
     desk.run(["xdotool", "windowactivate", "--sync", desk.window])
     desk.enter("REGEN")
     desk.key("alt+F4")
-    answered = []
-    for _ in range(2):
-        answered.append(question(desk, answered))
-        desk.key("alt+d")
+    first = answer(desk, "alt+d")
+    answer(desk, "alt+d", [first])
     check(desk.wait_exit() == 0, f"exit code {desk.program.returncode}")
 
 
