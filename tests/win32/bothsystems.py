@@ -357,6 +357,8 @@ def main(own_bin, windows_bin, emulator, drive, work, *names):
     if not os.path.exists(os.path.join(own_bin, "cadhost")):
         print("no programs of this system in %s: nothing to compare with" % own_bin)
         return SKIP
+    # The Windows of the tests is a Chinese one, and programs speak their system's language.
+    os.environ.update(LC_ALL="C.UTF-8", LANGUAGE="zh_CN")
     own = Side(own_bin, own_bin, [], os.path.join(work, "own"), os.path.join(work, "own"), "")
     other = Side(own_bin, windows_bin, [emulator], os.path.join(drive, "own"), "D:/own", ".exe")
     for side in (own, other):
