@@ -146,7 +146,7 @@ class Survey {
  public:
   /// Before R2007 `encodings` holds the pages that may be taken, the preferred one first.
   Survey(const TextEncoding& from, const std::vector<TextEncoding>& encodings)
-      : from_(from), encodings_(encodings), holds_(encodings.size(), true) {}
+      : from_(from), encodings_(encodings), misses_(encodings.size()) {}
 
   void pass(const TagDocument& part) {
     for (std::uint32_t i = 0; i < part.objectCount(); ++i) {
@@ -156,7 +156,9 @@ class Survey {
     }
     for (const Tag& tag : part.tags()) {
       const std::string_view text = part.text(tag);
-      if (!encodings_.empty() && isText(tag.code) && !isPlain(text)) passText(from_.decode(text));
+      if (!encodings_.empty() && isText(tag.code) && !isPlain(text)) {
+        passText(from_.decode(text), tag.code);
+      }
     }
   }
 
@@ -165,24 +167,26 @@ class Survey {
     const auto found = counts_.find(type);
     return found != counts_.end() ? found->second : 0;
   }
-  /// The first page that holds all texts; the preferred one when none does.
+  /// The first page that holds all texts; when none does the one that lacks the fewest names and
+  /// then the fewest texts: other programs take no names with `\U+XXXX`.
   size_t page() const {
-    const auto found = std::find(holds_.begin(), holds_.end(), true);
-    return found != holds_.end() ? static_cast<size_t>(found - holds_.begin()) : 0;
+    return static_cast<size_t>(std::min_element(misses_.begin(), misses_.end()) - misses_.begin());
   }
 
  private:
-  void passText(const std::wstring& text) {
+  void passText(const std::wstring& text, int code) {
+    const bool isName = code == 2 || (code >= 6 && code <= 8);
     for (size_t i = 0; i < encodings_.size(); ++i) {
-      if (!holds_[i]) continue;
       const std::string bytes = encodings_[i].encode(text);
-      holds_[i] = encodings_[i].decode(bytes) == text && bytes.find("\\U+") == std::string::npos;
+      const bool holds =
+          encodings_[i].decode(bytes) == text && bytes.find("\\U+") == std::string::npos;
+      if (!holds) ++(isName ? misses_[i].first : misses_[i].second);
     }
   }
 
   const TextEncoding& from_;
   const std::vector<TextEncoding>& encodings_;
-  std::vector<bool> holds_;
+  std::vector<std::pair<size_t, size_t>> misses_;  ///< names and other texts
   std::map<std::string, size_t> counts_;
   bool hasSolids_ = false;
 };
@@ -196,7 +200,10 @@ class Versioner {
     if (range.begin < range.end) page_ = ground.document.word(ground.document.tag(range.begin));
     if (!isBefore(kR2007)) return;
     pages_ = {page_.empty() ? "ANSI_1252" : page_};
-    pages_.insert(pages_.end(), std::begin(kOtherPages), std::end(kOtherPages));
+    // Among versions with code pages the page stays.
+    if (ground.encoding.isUtf8()) {
+      pages_.insert(pages_.end(), std::begin(kOtherPages), std::end(kOtherPages));
+    }
     for (const std::string& page : pages_) encodings_.push_back(TextEncoding::ofCodePage(page));
   }
 
@@ -258,7 +265,6 @@ class Versioner {
   void keep(const TagDocument& part, std::uint32_t index, std::string& made) const {
     const Tag& tag = part.tag(index);
     const std::string_view text = part.text(tag);
-    // Among versions with code pages the page stays.
     if (isPlain(text) || !isText(tag.code) || ground_.encoding.isUtf8() == to_.isUtf8()) {
       const size_t start = part.startOf(index);
       made.append(part.bytes(), start, part.startOf(index + 1) - start);

@@ -9,6 +9,7 @@
 #include "dbcurve.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"
+#include "dbtext.h"
 #include "host/filing/binarydrawing.h"
 #include "host/filing/drawingfile.h"
 #include "tests/host_filing/drawingfixture.h"
@@ -79,6 +80,13 @@ TEST_F(Forms, newDrawingsOpenWithoutComplaintInEachVersion) {
   }
   EXPECT_EQ(judge(audited).output, "");
   EXPECT_EQ(judge(same).output, "");
+  // A sign that no Chinese page has escapes in its text, not the names of layers.
+  appendToModel(database, new AcDbText({1, 1, 0}, L"\u00D8 12", 2.5, 0));
+  ASSERT_TRUE(made->setForm({"AC1015", false}));
+  const std::string mixed = made->bytes().take();
+  EXPECT_NE(mixed.find("ANSI_936"), std::string::npos);
+  EXPECT_NE(mixed.find("\\U+00D8 12"), std::string::npos);
+  EXPECT_EQ(judge({"audit", write(mixed)}).output, "");
 }
 
 TEST_F(Forms, realDrawingsAreTheSameInAnotherVersionAndAsBinary) {
@@ -137,6 +145,19 @@ TEST_F(Forms, whatAVersionDoesNotKnowIsSaidAndTheSessionKeepsIt) {
   ASSERT_TRUE(file->setForm({"AC1032", false}));
   EXPECT_NE(file->bytes().value().find("420\n66051\n"), std::string::npos);
   EXPECT_EQ(file->leftOut(), "");
+}
+
+TEST(FormsOfOldVersions, keepTheirCodePageWhateverEscapesSay) {
+  std::string bytes = newDrawingBytes("AC1018");
+  bytes.insert(
+      bytes.find("ENTITIES\n") + 9,
+      "  0\nTEXT\n  5\nF0\n330\n18\n100\nAcDbEntity\n  8\n0\n100\nAcDbText\n 10\n0.0\n 20\n"
+      "0.0\n 40\n1.0\n  1\n\xE9\\U+4E2D\n100\nAcDbText\n");
+  auto file = DrawingFile::fromBytes(bytes, "page").take();
+  ASSERT_TRUE(file->setForm({"AC1015", false}));
+  const std::string written = file->bytes().take();
+  EXPECT_NE(written.find("ANSI_1252"), std::string::npos);
+  EXPECT_NE(written.find("\n\xE9\\U+4E2D\n"), std::string::npos);
 }
 
 TEST_F(Forms, whatIsAddedMovedAndErasedIsAllThatDiffers) {
