@@ -171,11 +171,15 @@ def main(bin_folder, emulator, drive, keep):
     if missing or not os.environ.get("DISPLAY"):
         print("skipped: there is no " + ", ".join(missing or ["screen"]))
         return 77
-    try:
-        with WindowsDesk(bin_folder, emulator, drive, keep) as desk:
-            walk(desk)
-    except (Failure, subprocess.SubprocessError) as fault:
-        print("window:", fault)
+    # Keys go astray under Wine on a busy machine; what is broken fails every time.
+    for attempt in range(3):
+        try:
+            with WindowsDesk(bin_folder, emulator, drive, keep) as desk:
+                walk(desk)
+            break
+        except (Failure, subprocess.SubprocessError) as fault:
+            print("window:", fault, flush=True)
+    else:
         return 1
     print("window: as a user expects it")
     return 0
