@@ -16,6 +16,7 @@
 #include "host/filing/drawingbinding.h"
 #include "host/filing/drawingfile.h"
 #include "host/filing/entitycodec.h"
+#include "host/filing/erasedmembers.h"
 #include "host/filing/framevariables.h"
 #include "host/filing/objectcodec.h"
 #include "host/filing/renamedrecords.h"
@@ -50,6 +51,7 @@ class DrawingWriter {
     markNeeded();
     followRenamed();
     for (std::uint32_t i = 0; i < binding_.bound.size(); ++i) editBound(i);
+    if (anyErased_) followErased(binding_, edits_);
     writeNew();
     addClasses();
     if (state && state->view) editActiveView(binding_, *state->view, edits_);

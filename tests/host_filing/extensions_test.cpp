@@ -185,5 +185,50 @@ TEST_F(Extensions, areCopiedWithinADrawingAndIntoAnotherOne) {
   EXPECT_EQ(valueOf(same(line)), 5);
 }
 
+TEST(Erased, membersLeaveTheirGroupsAndAnImageTakesItsReactorAlong) {
+  const auto line = [](const std::string& handle) {
+    return "0\nLINE\n5\n" + handle +
+           "\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n1.0\n20\n2.0\n30\n0.0\n11\n3.0\n21\n4.0\n"
+           "31\n0.0\n";
+  };
+  const std::string reactor =
+      "0\nIMAGEDEF_REACTOR\n5\nD2\n330\nB3\n100\nAcDbRasterImageDefReactor\n"
+      "90\n2\n330\nB3\n";
+  const std::string group = "0\nGROUP\n5\nC1\n100\nAcDbGroup\n300\nfence\n70\n0\n71\n1\n";
+  const std::string bytes =
+      "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1021\n9\n$HANDSEED\n5\nFF\n0\nENDSEC\n"
+      "0\nSECTION\n2\nENTITIES\n" +
+      line("B1") + line("B2") +
+      "0\nIMAGE\n5\nB3\n100\nAcDbEntity\n8\n0\n100\nAcDbRasterImage\n90\n0\n10\n0.0\n20\n0.0\n30\n"
+      "0.0\n11\n1.0\n21\n0.0\n31\n0.0\n12\n0.0\n22\n1.0\n32\n0.0\n13\n4.0\n23\n4."
+      "0\n340\nD1\n70\n1\n"
+      "360\nD2\n0\nENDSEC\n0\nSECTION\n2\nOBJECTS\n"
+      "0\nDICTIONARY\n5\nA\n100\nAcDbDictionary\n" +
+      group + "340\nB1\n340\nB2\n340\nB3\n" +
+      "0\nIMAGEDEF\n5\nD1\n100\nAcDbRasterImageDef\n90\n0\n1\nmap.tif\n10\n4.0\n20\n4.0\n" +
+      reactor + "0\nENDSEC\n0\nEOF\n";
+  auto opened = DrawingFile::fromBytes(bytes, "group.dxf");
+  ASSERT_TRUE(opened) << opened.message();
+  const auto file = opened.take();
+  const AcDbObjectIdArray entities = modelEntities(file->database());
+  ASSERT_EQ(entities.length(), 3);
+  const auto erase = [&](int index, bool is) {
+    const AcDbObjectPointer<AcDbEntity> entity(entities[index], AcDb::kForWrite, true);
+    EXPECT_EQ(entity->erase(is), Acad::eOk);
+  };
+  erase(0, true);
+  const std::string first = file->bytes().take();
+  EXPECT_NE(first.find(group + "340\nB2\n340\nB3\n0\n"), std::string::npos);
+  EXPECT_NE(first.find(reactor), std::string::npos);
+  erase(2, true);
+  const std::string second = file->bytes().take();
+  EXPECT_NE(second.find(group + "340\nB2\n0\n"), std::string::npos);
+  EXPECT_EQ(second.find("IMAGEDEF_REACTOR"), std::string::npos);
+  EXPECT_NE(second.find("map.tif"), std::string::npos) << "other images may show it";
+  erase(0, false);
+  erase(2, false);
+  EXPECT_EQ(file->bytes().value(), bytes) << "brought back whole";
+}
+
 }  // namespace
 }  // namespace tarn::host
