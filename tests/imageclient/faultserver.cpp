@@ -21,7 +21,8 @@ std::string redirectTo(const std::string& target) {
 
 }  // namespace
 
-FaultServer::FaultServer(std::string file) : file_(std::move(file)) {
+FaultServer::FaultServer(std::string file)
+    : file_(std::make_shared<const std::string>(std::move(file))) {
   files_ = [this](const std::string&) {
     const std::lock_guard<std::mutex> lock(mutex_);
     return ServedFile{file_, "v" + std::to_string(version_)};
@@ -57,7 +58,7 @@ FaultServer::~FaultServer() {
 
 void FaultServer::setFile(std::string file) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  file_ = std::move(file);
+  file_ = std::make_shared<const std::string>(std::move(file));
   ++version_;
 }
 
@@ -157,17 +158,17 @@ FaultServer::Reply FaultServer::properReply(const std::string& request, Fault fa
   const size_t wanted = request.find("If-Match: ");
   if (wanted != std::string::npos && request.compare(wanted + 10, tag.size(), tag) != 0)
     return {"HTTP/1.1 412 Changed\r\nContent-Length: 0\r\n\r\n", Reply::After::kKeep};
-  unsigned long first = 0, last = file->bytes.size() - 1;
+  unsigned long first = 0, last = file->bytes->size() - 1;
   const size_t range = request.find("Range: bytes=");
   const bool isPart = range != std::string::npos && fault != Fault::kWholeFile;
   if (isPart) std::sscanf(request.c_str() + range, "Range: bytes=%lu-%lu", &first, &last);
-  last = std::min<unsigned long>(last, file->bytes.size() - 1);
+  last = std::min<unsigned long>(last, file->bytes->size() - 1);
   if (fault == Fault::kShortRange) last = first + (last - first) / 2;
   if (fault == Fault::kWrongRange) ++first;
-  std::string body = file->bytes.substr(first, last - first + 1);
+  std::string body = file->bytes->substr(first, last - first + 1);
   std::string head = isPart ? "HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(first) +
                                   "-" + std::to_string(last) + "/" +
-                                  std::to_string(file->bytes.size()) + "\r\n"
+                                  std::to_string(file->bytes->size()) + "\r\n"
                             : "HTTP/1.1 200 OK\r\n";
   head += "ETag: " + tag + "\r\n";
   const bool isEndless = fault == Fault::kEndless;

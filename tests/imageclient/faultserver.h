@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -34,9 +35,10 @@ enum class Fault {
   kDamaged,      // the right number of wrong bytes
 };
 
-/// What lies under a path of a server. Another tag says that it is another file.
+/// What lies under a path of a server, shared by its answers: memory is measured in tests. Another
+/// tag says that it is another file.
 struct ServedFile {
-  std::string bytes;
+  std::shared_ptr<const std::string> bytes;
   std::string tag;
 };
 using ServedFiles = std::function<std::optional<ServedFile>(const std::string& path)>;
@@ -84,7 +86,7 @@ class FaultServer {
 
   ServedFiles files_;
   mutable std::mutex mutex_;
-  std::string file_;
+  std::shared_ptr<const std::string> file_;
   int version_ = 1;
   int listener_ = -1;
   int port_ = 0;

@@ -29,11 +29,12 @@ std::optional<ServedFile> fileOf(const std::string& root, const std::string& pat
   const QByteArray encoded = QByteArray::fromStdString(path.substr(0, path.find('?')));
   const std::string name = QUrl::fromPercentEncoding(encoded).toStdString();
   const std::string full = root + name;
-  if (name.empty() || name.back() == '/') return ServedFile{indexOf(full), "index"};
+  if (name.empty() || name.back() == '/')
+    return ServedFile{std::make_shared<const std::string>(indexOf(full)), "index"};
   const FileTimes times = fileTimes(full);
   auto bytes = readFile(full, kMostBytes);
   if (!bytes) return std::nullopt;
-  return ServedFile{bytes.take(),
+  return ServedFile{std::make_shared<const std::string>(bytes.take()),
                     std::to_string(times.size) + "-" + std::to_string(times.modifiedNs)};
 }
 
