@@ -271,6 +271,29 @@ std::string newAttribute(EntityOutput& output, const AcDbBlockReference& insert,
   return part.bytes();
 }
 
+/// The text of several lines inside of an attribute goes the way that the attribute went; numbers
+/// in the plane of the drawing.
+void moveEmbedded(const AcDbTextLine& before, const AcDbTextLine& now, const TagView& tags,
+                  TagEditor& part) {
+  const bool isSame = before.position == now.position && before.rotation == now.rotation &&
+                      before.height == now.height;
+  if (isSame || !part.enterEmbedded()) return;
+  const TagView text = tags.embedded();
+  const AcGeMatrix3d turn =
+      AcGeMatrix3d::rotation(now.rotation - before.rotation, AcGeVector3d::kZAxis);
+  const double scale = before.height > 0 ? now.height / before.height : 1;
+  if (text.has(10)) {
+    part.setPoint(10, now.position + turn * ((text.point(10) - before.position) * scale));
+  }
+  if (text.has(11)) {
+    const AcGePoint3d direction = text.point(11);
+    part.setPoint(11, turn * direction);
+  }
+  for (const int code : {40, 41, 42, 43, 46}) {
+    if (text.has(code)) part.setReal(code, text.real(code) * scale);
+  }
+}
+
 void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
   const auto& insert = static_cast<const AcDbBlockReference&>(entity);
   const AcDbBlockReference::Placement& placement = insert.placement();
@@ -298,7 +321,9 @@ void writeInsert(const AcDbEntity& entity, EntityOutput& output) {
     if (tags.type() == "ATTRIB" && next < insert.attributes().size()) {
       if (isTextBehindOwnMark(tags)) part.enterOwn("AcDbText");
       if (!isTextBehindOwnMark(tags)) part.enter("AcDbText");
-      writeTextLine(insert.attributes()[next++], part, "AcDbAttribute", verticalCodeOf(tags));
+      const AcDbAttributeLine& line = insert.attributes()[next++];
+      writeTextLine(line, part, "AcDbAttribute", verticalCodeOf(tags));
+      moveEmbedded(readTextLine(output.binding, textPartOf(tags)), line, tags, part);
     }
     output.parts += part.bytes();
   }

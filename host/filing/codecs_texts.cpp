@@ -13,7 +13,6 @@ namespace {
 
 /// Longer texts stand in pieces of this many characters.
 constexpr size_t kPiece = 250;
-constexpr int kEmbedded = 101;
 
 /// Of a text that names none.
 constexpr std::wstring_view kUsualStyle = L"Standard";
@@ -58,17 +57,6 @@ AcGeVector3d directionOf(const TagView& tags) {
   return {std::cos(angle), std::sin(angle), 0};
 }
 
-/// What R2018 keeps inside the text: its columns, and once more where it stands.
-TagView embeddedIn(const TagView& tags) {
-  const TagRange whole = tags.whole().range();
-  const auto code = [&](std::uint32_t i) { return tags.document().tag(i).code; };
-  TagRange part{whole.begin, whole.end};
-  while (part.begin < whole.end && code(part.begin++) != kEmbedded) {
-  }
-  for (part.end = part.begin; part.end < whole.end && !endsOwnTags(code(part.end));) ++part.end;
-  return {tags.document(), tags.encoding(), part};
-}
-
 AcDbMTextColumns readColumns(const TagView& tags) {
   constexpr int kMost = 1000;
   AcDbMTextColumns columns;
@@ -98,7 +86,7 @@ void writeEmbedded(const AcDbMText& text, EntityOutput& output) {
   const double before = output.old->head.real(40, 1);
   const double scale = before > 0 ? text.textHeight() / before : 1;
   if (scale == 1) return;
-  const TagView old = embeddedIn(output.old->head);
+  const TagView old = output.old->head.embedded();
   for (const int code : {40, 41, 42, 43, 44, 45}) {
     if (old.has(code)) head.setReal(code, old.real(code) * scale);
   }
@@ -121,7 +109,7 @@ AcDbEntity* readMText(const EntityTags& tags) {
   text->setWidth(head.real(41));
   text->setTextStyle(styleOf(tags.binding, head));
   text->setContents(contentsOf(head).c_str());
-  text->setColumns(readColumns(embeddedIn(head)));
+  text->setColumns(readColumns(head.embedded()));
   return text;
 }
 

@@ -53,6 +53,16 @@ TagView TagView::own(const char* mark) const {
   return view;
 }
 
+TagView TagView::embedded() const {
+  constexpr int kEmbedded = 101;
+  const auto code = [&](std::uint32_t i) { return document_->tag(i).code; };
+  TagRange part{whole_.begin, whole_.end};
+  while (part.begin < whole_.end && code(part.begin++) != kEmbedded) {
+  }
+  for (part.end = part.begin; part.end < whole_.end && !endsOwnTags(code(part.end));) ++part.end;
+  return {*document_, *encoding_, part};
+}
+
 const Tag* TagView::find(int code) const {
   const Tag* found = findIn(*document_, range_, code);
   const bool isPart = range_.begin != whole_.begin || range_.end != whole_.end;

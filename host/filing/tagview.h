@@ -61,6 +61,9 @@ class ACADHOST_EXPORT TagView {
   /// TagEditor::enterOwn() finds it: what is missing behind the mark is looked for in the whole
   /// object, which counts as the part when the mark is missing or `mark` is null.
   TagView own(const char* mark) const;
+  /// The object that R2018 keeps inside of this one, as TagEditor::enterEmbedded() finds it; empty
+  /// when there is none.
+  TagView embedded() const;
 
   /// The first tag of the code; null when there is none.
   const Tag* find(int code) const;

@@ -143,5 +143,38 @@ TEST(Attributes, ofVerticesOfACurveComeAlongToo) {
   EXPECT_THAT(again->bytes().value(), HasSubstr("\n 70\n4\n"));
 }
 
+TEST(Attributes, ofSeveralLinesTakeTheirTextAlong) {
+  const std::string inner =
+      "101\nEmbedded Object\n 70\n4\n 10\n3.0\n 20\n6.5\n 30\n0.0\n 40\n2.5\n 41\n8.0\n 71\n1\n"
+      "  1\none\\Ptwo\n 11\n1.0\n 21\n0.0\n 31\n0.0\n 42\n7.0\n 43\n5.0\n 44\n1.0\n";
+  const std::string bytes =
+      withInsertion("AC1032", "  1\none\n", "280\n0\n  2\nNO\n 70\n0\n 71\n2\n" + inner);
+  const auto file = opened(bytes);
+  const auto transformed = [&](const AcGeMatrix3d& by) {
+    {
+      const AcDbObjectPointer<AcDbEntity> insert(modelEntities(file->database())[0],
+                                                 AcDb::kForWrite);
+      EXPECT_EQ(insert->transformBy(by), Acad::eOk);
+    }
+    return file->bytes().take();
+  };
+  EXPECT_THAT(
+      transformed(AcGeMatrix3d::translation({10, 20, 0})),
+      HasSubstr("Embedded Object\n 70\n4\n 10\n13.0\n 20\n26.5\n 30\n0.0\n 40\n2.5\n 41\n8.0\n"));
+  EXPECT_THAT(
+      transformed(AcGeMatrix3d::scaling(2, {10, 20, 0})),
+      HasSubstr("Embedded Object\n 70\n4\n 10\n16.0\n 20\n33.0\n 30\n0.0\n 40\n5.0\n 41\n"
+                "16.0\n 71\n1\n  1\none\\Ptwo\n 11\n1.0\n 21\n0.0\n 31\n0.0\n 42\n14.0\n 43\n"
+                "10.0\n 44\n1.0\n"));
+  const auto turned =
+      transformed(AcGeMatrix3d::rotation(1.5707963267948966, AcGeVector3d::kZAxis, {10, 20, 0}));
+  const auto number = [&](const char* code) {
+    const size_t at = turned.find(code, turned.find("one\\Ptwo")) + std::string(code).size();
+    return std::stod(turned.substr(at, 30));
+  };
+  EXPECT_NEAR(number("\n 11\n"), 0, 1e-12);
+  EXPECT_NEAR(number("\n 21\n"), 1, 1e-12);
+}
+
 }  // namespace
 }  // namespace tarn::host
