@@ -98,7 +98,7 @@ TEST_F(ReachTest, TheTextWindowScrollsAndCopies) {
   press(Qt::Key_F2);
   EXPECT_GT(window_->commandLine().height(), 2 * usual);
   auto& text = part<QPlainTextEdit>("history");
-  wait(50);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return text.height() > 3 * usual / 2; }));
   const int end = text.verticalScrollBar()->value();
   press(Qt::Key_PageUp);
   EXPECT_LT(text.verticalScrollBar()->value(), end);
