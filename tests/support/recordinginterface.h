@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,9 @@ class RecordingInterface final : public kel::Implements<RecordingInterface, IUse
   }
   kel::DString folder(Folder) override { return recorded().folder; }
   void count(const char* counter, long long amount) override {
+    // Images are read by several threads at once.
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
     recorded().counters[counter] += amount;
   }
   bool askForm(kel::Form& form) override { return recorded().answer && recorded().answer(form); }
